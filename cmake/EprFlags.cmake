@@ -1,0 +1,35 @@
+# SPDX-FileCopyrightText: 2026 The Echoprune developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# One INTERFACE target carries the language standard, the warnings and the strict Qt definitions.
+# Everything links it; nothing sets flags for a whole directory.
+add_library(epr_flags INTERFACE)
+add_library(epr::flags ALIAS epr_flags)
+
+target_compile_features(epr_flags INTERFACE cxx_std_20)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+
+target_compile_definitions(epr_flags INTERFACE
+  QT_NO_CAST_FROM_ASCII
+  QT_NO_CAST_TO_ASCII
+  QT_NO_CAST_FROM_BYTEARRAY
+  QT_NO_URL_CAST_FROM_STRING
+  QT_NO_KEYWORDS
+  QT_DISABLE_DEPRECATED_BEFORE=0x060400
+  $<$<CXX_COMPILER_ID:MSVC>:NOMINMAX>
+)
+
+if(MSVC)
+  target_compile_options(epr_flags INTERFACE /W4 /permissive- /utf-8 $<$<BOOL:${EPR_WERROR}>:/WX>)
+else()
+  target_compile_options(epr_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wold-style-cast
+    $<$<BOOL:${EPR_WERROR}>:-Werror>)
+endif()
+
+if(EPR_SANITIZE)
+  target_compile_options(epr_flags INTERFACE -fsanitize=${EPR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(epr_flags INTERFACE -fsanitize=${EPR_SANITIZE})
+endif()

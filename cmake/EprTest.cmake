@@ -1,0 +1,15 @@
+# SPDX-FileCopyrightText: 2026 The Echoprune developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# epr_add_test(tst_name LINKS ...): one Qt Test executable from tst_name.cpp, run without a display and registered
+# with CTest under its own name.
+function(epr_add_test name)
+  cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 300)
+  endif()
+  add_executable(${name} ${name}.cpp ${TEST_SOURCES})
+  target_link_libraries(${name} PRIVATE epr::flags Qt6::Test ${TEST_LINKS})
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+endfunction()

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "displaytext.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QLocale>
+#include <QStringList>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString twoDigits(qint64 value)
+{
+    return u"%1"_s.arg(value, 2, 10, QLatin1Char('0'));
+}
+
+QString channelText(qint32 channels)
+{
+    switch (channels) {
+    case 1:
+        return QCoreApplication::translate("epr::TrackInfo", "mono");
+    case 2:
+        return QCoreApplication::translate("epr::TrackInfo", "stereo");
+    default:
+        return QCoreApplication::translate("epr::TrackInfo", "%1 ch").arg(channels);
+    }
+}
+
+} // namespace
+
+QString displayTitle(const TrackInfo &track)
+{
+    return track.title.isEmpty() ? QFileInfo(track.fileName).completeBaseName() : track.title;
+}
+
+QString displayArtist(const TrackInfo &track)
+{
+    if (!track.artist.isEmpty())
+        return track.artist;
+    if (!track.albumArtist.isEmpty())
+        return track.albumArtist;
+    return QCoreApplication::translate("epr::TrackInfo", "(unknown artist)");
+}
+
+QString qualityText(const TrackInfo &track)
+{
+    QStringList pieces;
+    if (track.bitrateKbps > 0)
+        pieces << QCoreApplication::translate("epr::TrackInfo", "%1 kbps").arg(track.bitrateKbps);
+    if (track.sampleRate > 0) {
+        pieces << QCoreApplication::translate("epr::TrackInfo", "%1 kHz")
+                      .arg(QLocale().toString(track.sampleRate / 1000.0, 'g', 6));
+    }
+    if (track.channels > 0)
+        pieces << channelText(track.channels);
+    return pieces.join(", "_L1);
+}
+
+QString durationText(qint64 durationMs)
+{
+    if (durationMs < 1)
+        return u"-"_s;
+    const qint64 seconds = durationMs / 1000;
+    if (durationMs < 3600000)
+        return u"%1:%2"_s.arg(seconds / 60).arg(twoDigits(seconds % 60));
+    return u"%1:%2:%3"_s.arg(seconds / 3600).arg(twoDigits(seconds / 60 % 60), twoDigits(seconds % 60));
+}
+
+QString sizeText(qint64 bytes)
+{
+    return QLocale().formattedDataSize(bytes, 2, QLocale::DataSizeTraditionalFormat);
+}
+
+QString folderOf(const TrackInfo &track)
+{
+    return QFileInfo(track.path).absolutePath();
+}
+
+} // namespace epr
