@@ -1,0 +1,195 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "hashing.h"
+
+#include "sha256.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+namespace epr {
+
+namespace {
+
+constexpr qint64 blockSize = 1048576;
+constexpr qint64 identityWindow = 65536;
+constexpr qint64 noLimit = std::numeric_limits<qint64>::max();
+
+// One block for each thread that hashes, kept from file to file: a fresh mebibyte costs 256 page faults every time.
+char *blockBuffer()
+{
+    thread_local const std::unique_ptr<char[]> buffer(new char[blockSize]);
+    return buffer.get();
+}
+
+void setError(QString *error, const QString &message)
+{
+    if (error)
+        *error = message;
+}
+
+void setReadError(QString *error, const QString &path)
+{
+    setError(error, QCoreApplication::translate("QObject", "Read error while hashing %1").arg(path));
+}
+
+void setOpenError(QString *error, const QString &path, const QString &reason)
+{
+    setError(error, QCoreApplication::translate("QObject", "Cannot read %1: %2").arg(path, reason));
+}
+
+// Opening a named pipe waits for a writer that may never come, and reading a device may never end.
+bool isSpecialFile(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile();
+}
+
+bool openForHashing(QFile &file, QString *error)
+{
+    const QString path = file.fileName();
+    if (isSpecialFile(path)) {
+        setOpenError(error, path, QCoreApplication::translate("QObject", "Not a regular file"));
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        setOpenError(error, path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+/// Hands the next limit bytes to consume, block by block. The end of the file ends it early; only a read error is
+/// false.
+template <typename Consume> bool readBlocks(QFile &file, qint64 limit, Consume consume)
+{
+    char *const buffer = blockBuffer();
+    for (qint64 remaining = limit; remaining > 0;) {
+        const qint64 got = file.read(buffer, std::min(remaining, blockSize));
+        if (got <= 0)
+            return got == 0;
+        consume(QByteArrayView(buffer, static_cast<qsizetype>(got)));
+        remaining -= got;
+    }
+    return true;
+}
+
+bool addBlocks(QFile &file, qint64 limit, Sha256 &hash)
+{
+    return readBlocks(file, limit, [&hash](QByteArrayView block) { hash.addData(block); });
+}
+
+QString digestText(Sha256 &hash)
+{
+    return QString::fromLatin1(hash.result().toHex());
+}
+
+// A back-end that failed leaves no digest, and to the operator that is no different from a failed read.
+QString digestOrError(bool read, Sha256 &hash, const QString &path, QString *error)
+{
+    const QString digest = read ? digestText(hash) : QString();
+    if (digest.isEmpty())
+        setReadError(error, path);
+    return digest;
+}
+
+/// A byte range of the file and the digest of what has been seen of it.
+class RangeDigest final {
+public:
+    RangeDigest(qint64 offset, qint64 length)
+        : m_begin(offset)
+        , m_end(length > noLimit - offset ? noLimit : offset + length)
+    {
+    }
+
+    [[nodiscard]] bool complete() const { return m_position >= m_end; }
+    [[nodiscard]] bool begun() const { return m_position >= m_begin; }
+    [[nodiscard]] Sha256 &hash() { return m_hash; }
+
+    /// Takes the file's next block, wherever it lies relative to the range.
+    void addBlock(QByteArrayView block)
+    {
+        const qint64 size = block.size();
+        const qint64 from = std::clamp<qint64>(m_begin - m_position, 0, size);
+        const qint64 to = std::clamp<qint64>(m_end - m_position, 0, size);
+        m_hash.addData(block.sliced(static_cast<qsizetype>(from), static_cast<qsizetype>(to - from)));
+        m_position += size;
+    }
+
+private:
+    qint64 m_begin;
+    qint64 m_end;
+    qint64 m_position = 0;
+    Sha256 m_hash;
+};
+
+} // namespace
+
+QString hashWholeFile(const QString &path, QString *error)
+{
+    QFile file(path);
+    if (!openForHashing(file, error))
+        return {};
+    Sha256 hash;
+    const bool read = addBlocks(file, noLimit, hash);
+    return digestOrError(read, hash, path, error);
+}
+
+QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error)
+{
+    if (length < 1)
+        return {};
+    QFile file(path);
+    if (!openForHashing(file, error))
+        return {};
+    if (!file.seek(offset)) {
+        setError(error, QCoreApplication::translate("QObject", "Cannot seek within %1").arg(path));
+        return {};
+    }
+    Sha256 hash;
+    const bool read = addBlocks(file, length, hash);
+    return digestOrError(read, hash, path, error);
+}
+
+QString quickIdentityHash(const QString &path)
+{
+    QFile file(path);
+    if (!openForHashing(file, nullptr))
+        return {};
+    const qint64 size = file.size();
+    Sha256 hash;
+    hash.addData(QByteArray::number(size));
+    bool read = addBlocks(file, identityWindow, hash);
+    if (size > 2 * identityWindow)
+        read = read && file.seek(size - identityWindow) && addBlocks(file, identityWindow, hash);
+    return read ? digestText(hash) : QString();
+}
+
+FileDigests hashFileAndPayload(const QString &path, qint64 offset, qint64 length, QString *error)
+{
+    if (length < 1 || offset < 0)
+        return { hashWholeFile(path, error), hashAudioPayload(path, offset, length, error) };
+    QFile file(path);
+    if (!openForHashing(file, error))
+        return {};
+    Sha256 whole;
+    RangeDigest payload(offset, length);
+    const bool read = readBlocks(file, noLimit, [&](QByteArrayView block) {
+        whole.addData(block);
+        payload.addBlock(block);
+    });
+    FileDigests digests { digestOrError(read, whole, path, error), {} };
+    // A read error before or inside the range, or a range beyond the end, says nothing about what reading the range
+    // alone would give, so that is then done.
+    const bool settled = payload.complete() || (read && payload.begun());
+    digests.payload =
+        settled ? digestOrError(true, payload.hash(), path, error) : hashAudioPayload(path, offset, length, error);
+    return digests;
+}
+
+} // namespace epr

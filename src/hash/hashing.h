@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+namespace epr {
+
+/// Digests are SHA-256 as 64 lower-case hexadecimal digits; an empty text means that there is none. A failure returns
+/// empty text and writes a message into *error if the caller gave one; success leaves *error as it was. Only regular
+/// files and links to them are opened. Everything here is re-entrant.
+
+/// Digest of every byte of the file.
+[[nodiscard]] QString hashWholeFile(const QString &path, QString *error = nullptr);
+
+/// Digest of length bytes from offset on, or of those that exist when the file ends earlier. A length below 1 has no
+/// digest and is no error.
+[[nodiscard]] QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error = nullptr);
+
+/// Digest of the file's size and its first and last 64 KiB: enough to tell apart nearly all files at the cost of two
+/// small reads. Not interchangeable with the other digests.
+[[nodiscard]] QString quickIdentityHash(const QString &path);
+
+struct FileDigests {
+    QString whole;
+    QString payload;
+};
+
+/// What hashWholeFile() and then hashAudioPayload() would return and report, for one pass over the file.
+[[nodiscard]] FileDigests hashFileAndPayload(const QString &path, qint64 offset, qint64 length,
+                                             QString *error = nullptr);
+
+} // namespace epr
