@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "matchgroup.h"
+#include "progressfn.h"
+#include "scanoptions.h"
+#include "trackinfo.h"
+
+#include <atomic>
+
+namespace epr {
+
+/// Finds the duplicates among analysed tracks by the methods that the options enable. A cancelFlag other than zero
+/// skips the passes that compare by similarity; what has been found by then is still returned. Progress is reported on
+/// the calling thread.
+[[nodiscard]] QList<MatchGroup> buildMatchGroups(const QList<TrackInfo> &tracks, const ScanOptions &options,
+                                                 const std::atomic<qint32> &cancelFlag,
+                                                 const ProgressFn &progress = {});
+
+} // namespace epr

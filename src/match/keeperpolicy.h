@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "trackinfo.h"
+
+namespace epr {
+
+struct ScanOptions;
+
+/// Which copy of a group to keep; the values of ScanOptions::keeperPolicy. Any other value keeps the first member.
+enum class KeeperPolicy : qint32 {
+    HighestBitrate = 0, ///< then the larger file
+    LongestDuration = 1,
+    LargestFile = 2,
+    PreferredFormat = 3, ///< first in ScanOptions::formatPreference, then the higher bit rate
+    ShallowestFolder = 4, ///< fewest separators in the path, then the shorter path
+    OldestFile = 5,
+    NewestFile = 6,
+    MostCompleteTags = 7, ///< then the higher bit rate
+};
+
+/// 0 to 12: 3 each for title and artist, 2 for the album, 1 each for album artist, genre, year and track number.
+[[nodiscard]] qint32 tagCompleteness(const TrackInfo &track);
+
+/// The track index of the member to keep, the earliest of equally good ones; -1 if there are no members.
+[[nodiscard]] qint32 chooseKeeper(const QList<qint32> &members, const QList<TrackInfo> &tracks,
+                                  const ScanOptions &options);
+
+} // namespace epr
