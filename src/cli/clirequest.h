@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scanoptions.h"
+
+namespace epr {
+
+/// What a command line asks for.
+struct CliRequest {
+    enum class Kind {
+        Scan,
+        ShowText, ///< print text on standard output and end well (help, version)
+        Refuse, ///< print text on standard error and end with the status for wrong usage
+    };
+
+    Kind kind = Kind::Scan;
+    QString text;
+    ScanOptions options; ///< roots are absolute paths of existing folders
+    bool verbose = false; ///< log lines on standard error
+};
+
+/// Reads a command line, program name first. What it does not mention stays as in `defaults`.
+[[nodiscard]] CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults);
+
+} // namespace epr
