@@ -1,0 +1,234 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "discovery.h"
+
+#ifdef Q_OS_UNIX
+#include "undecodablenames.h"
+#endif
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSet>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace epr {
+
+namespace {
+
+constexpr qsizetype filesPerReport = 64;
+
+// Exclude patterns compiled once for a whole walk.
+class ExcludePatterns {
+public:
+    explicit ExcludePatterns(const QStringList &patterns)
+    {
+        for (const QString &pattern : patterns) {
+            if (!pattern.trimmed().isEmpty())
+                add(pattern);
+        }
+    }
+
+    [[nodiscard]] bool match(const QString &path) const
+    {
+        const QString slashed = QDir::fromNativeSeparators(path);
+        return std::any_of(m_expressions.cbegin(), m_expressions.cend(),
+                           [&](const QRegularExpression &expression) { return expression.match(slashed).hasMatch(); });
+    }
+
+private:
+    void add(const QString &pattern)
+    {
+        const QString slashed = QDir::fromNativeSeparators(pattern);
+        const QRegularExpression expression(QRegularExpression::wildcardToRegularExpression(slashed),
+                                            QRegularExpression::CaseInsensitiveOption);
+        if (expression.isValid())
+            m_expressions.append(expression);
+    }
+
+    QList<QRegularExpression> m_expressions;
+};
+
+// Canonical paths tell whether two paths lead to the same file. Resolving one costs a look-up for every folder on the
+// way, so the folder is resolved once for all the files in it that are not links themselves.
+class CanonicalPaths {
+public:
+    [[nodiscard]] QString of(const QFileInfo &file)
+    {
+        if (file.isSymLink())
+            return file.canonicalFilePath();
+        const QString folder = file.path();
+        if (folder != m_folder) {
+            m_folder = folder;
+            m_canonicalFolder = QFileInfo(folder).canonicalFilePath();
+        }
+        return m_canonicalFolder.isEmpty() ? QString() : QDir(m_canonicalFolder).filePath(file.fileName());
+    }
+
+private:
+    QString m_folder;
+    QString m_canonicalFolder;
+};
+
+QSet<QString> wantedExtensions(const QStringList &extensions)
+{
+    QSet<QString> wanted;
+    for (const QString &extension : extensions)
+        wanted.insert(extension.trimmed().toLower());
+    return wanted;
+}
+
+// One walk over all roots.
+class Walk {
+public:
+    Walk(const ScanOptions &options, const std::atomic<qint32> &cancelFlag, const DiscoveryProgressFn &progress)
+        : m_options(options)
+        , m_cancelFlag(cancelFlag)
+        , m_progress(progress)
+        , m_extensions(wantedExtensions(options.extensions))
+        , m_excludes(options.excludes)
+    {
+    }
+
+    void countUndecodableNames();
+    [[nodiscard]] int undecodableNames() const;
+
+    QStringList run();
+
+private:
+    void walkRoot(const QString &root);
+    void visitFolder(const QString &folder);
+    void visitFile(const QFileInfo &file);
+    [[nodiscard]] bool isWanted(const QFileInfo &file) const;
+    void accept(const QFileInfo &file);
+
+    const ScanOptions &m_options;
+    const std::atomic<qint32> &m_cancelFlag;
+    const DiscoveryProgressFn &m_progress;
+    const QSet<QString> m_extensions;
+    const ExcludePatterns m_excludes;
+    CanonicalPaths m_canonicalPaths;
+    QSet<QString> m_seen;
+    QStringList m_found;
+    QString m_reportedFolder;
+#ifdef Q_OS_UNIX
+    std::optional<UndecodableNames> m_undecodable;
+#endif
+};
+
+void Walk::countUndecodableNames()
+{
+#ifdef Q_OS_UNIX
+    m_undecodable.emplace(WantedNames { m_extensions, m_options.includeHidden, m_options.followSymlinks,
+                                        m_options.minBytes,
+                                        [this](const QString &path) { return m_excludes.match(path); } });
+#endif
+}
+
+int Walk::undecodableNames() const
+{
+#ifdef Q_OS_UNIX
+    return m_undecodable ? m_undecodable->count() : 0;
+#else
+    return 0;
+#endif
+}
+
+QStringList Walk::run()
+{
+    for (const QString &root : m_options.roots) {
+        const QFileInfo folder(root);
+        if (folder.isDir())
+            walkRoot(QDir::cleanPath(folder.absoluteFilePath()));
+    }
+    if (m_progress)
+        m_progress(static_cast<int>(m_found.size()), QString());
+    return std::move(m_found);
+}
+
+// Folders are listed too, so that each one that the walk enters is known by its name.
+void Walk::walkRoot(const QString &root)
+{
+    QDir::Filters filters = QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot;
+    QDirIterator::IteratorFlags flags = QDirIterator::Subdirectories;
+    if (m_options.includeHidden)
+        filters |= QDir::Hidden;
+    if (m_options.followSymlinks)
+        flags |= QDirIterator::FollowSymlinks;
+
+    visitFolder(root);
+    QDirIterator entries(root, filters, flags);
+    while (m_cancelFlag.load(std::memory_order_relaxed) == 0 && entries.hasNext()) {
+        const QFileInfo entry = entries.nextFileInfo();
+        if (!entry.isDir())
+            visitFile(entry);
+        else if (m_options.followSymlinks || !entry.isSymLink())
+            visitFolder(entry.filePath());
+    }
+}
+
+void Walk::visitFolder([[maybe_unused]] const QString &folder)
+{
+#ifdef Q_OS_UNIX
+    if (m_undecodable)
+        m_undecodable->addFolder(folder);
+#endif
+}
+
+void Walk::visitFile(const QFileInfo &file)
+{
+    if (!isWanted(file))
+        return;
+    QString key = m_canonicalPaths.of(file);
+    if (key.isEmpty())
+        key = file.absoluteFilePath();
+    if (m_seen.contains(key))
+        return;
+    m_seen.insert(key);
+    accept(file);
+}
+
+// The cheap tests come first: the extension costs nothing, the size asks the file system, the patterns are many.
+bool Walk::isWanted(const QFileInfo &file) const
+{
+    return m_extensions.contains(file.suffix().toLower()) && !file.isShortcut() && file.size() >= m_options.minBytes
+        && !m_excludes.match(file.filePath());
+}
+
+void Walk::accept(const QFileInfo &file)
+{
+    m_found.append(file.absoluteFilePath());
+    if (!m_progress)
+        return;
+    const QString folder = file.absolutePath();
+    const bool folderChanged = folder != m_reportedFolder;
+    if (folderChanged)
+        m_reportedFolder = folder;
+    if (folderChanged || m_found.size() % filesPerReport == 0)
+        m_progress(static_cast<int>(m_found.size()), m_reportedFolder);
+}
+
+} // namespace
+
+bool isExcluded(const QString &path, const QStringList &patterns)
+{
+    return ExcludePatterns(patterns).match(path);
+}
+
+QStringList discover(const ScanOptions &options, const std::atomic<qint32> &cancelFlag,
+                     const DiscoveryProgressFn &progress, int *undecodableNames)
+{
+    Walk walk(options, cancelFlag, progress);
+    if (undecodableNames)
+        walk.countUndecodableNames();
+    QStringList found = walk.run();
+    if (undecodableNames)
+        *undecodableNames = walk.undecodableNames();
+    return found;
+}
+
+} // namespace epr
