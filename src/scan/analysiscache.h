@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "trackinfo.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+#include <optional>
+
+namespace epr {
+
+/// Analysis results of earlier scans in an SQLite file, keyed by path and valid as long as the file's size and
+/// modification time (in whole seconds) are the same. Every object has a connection of its own and belongs to one
+/// thread at a time; several may be open on the file at once. When not open, every operation but open() does nothing
+/// and returns false, 0 or nothing.
+class AnalysisCache final {
+public:
+    AnalysisCache() = default;
+    ~AnalysisCache();
+    Q_DISABLE_COPY_MOVE(AnalysisCache)
+
+    [[nodiscard]] static QString defaultFilePath();
+
+    [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] QString filePath() const { return m_filePath; }
+    [[nodiscard]] int count() const;
+    [[nodiscard]] qint64 fileSize() const; ///< bytes
+
+    /// Opens the file in the application's data folder, creating both when missing. An existing file that cannot be
+    /// used is left as it is.
+    [[nodiscard]] bool open(QString *error = nullptr);
+    void close();
+
+    /// Completes a measured record from the row of its path; false when there is no row or it no longer holds.
+    [[nodiscard]] bool lookup(TrackInfo &track, qint32 engine);
+    void store(const TrackInfo &track, qint32 engine);
+    void beginTransaction();
+    void commitTransaction();
+
+    /// The first error of look-ups, stores and transactions since the last call; empty = none. After an error,
+    /// look-ups miss and stores do nothing until it is taken: a database that another program holds locked would
+    /// otherwise cost the time-out again for every file.
+    [[nodiscard]] QString takeError();
+
+    [[nodiscard]] bool clear(QString *error = nullptr);
+    int pruneMissing(); ///< removes the rows whose files are gone and returns how many
+
+private:
+    bool openConnection(QString *error);
+    bool createSchema(QString *error);
+    bool prepareStatements(QString *error);
+    void removeRows(const QStringList &paths);
+    void noteError(const QString &text);
+
+    QSqlDatabase m_db;
+    QString m_filePath;
+    QString m_connectionName;
+    std::optional<QSqlQuery> m_lookup; ///< prepared once, for the life of the connection
+    std::optional<QSqlQuery> m_store;
+    QString m_error;
+};
+
+} // namespace epr
