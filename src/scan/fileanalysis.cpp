@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fileanalysis.h"
+
+#include "hashing.h"
+#include "probe.h"
+#include "proberesult.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace epr {
+
+namespace {
+
+void copyTags(const ProbeResult &probe, TrackInfo &track)
+{
+    track.title = probe.title;
+    track.artist = probe.artist;
+    track.album = probe.album;
+    track.albumArtist = probe.albumArtist;
+    track.genre = probe.genre;
+    track.year = probe.year;
+    track.comment = probe.comment;
+    track.trackNo = probe.trackNo;
+    track.durationMs = probe.durationMs;
+    track.bitrateKbps = probe.bitrateKbps;
+    track.sampleRate = probe.sampleRate;
+    track.channels = probe.channels;
+}
+
+// A payload that cannot be delimited counts as the whole file, which then matches byte-identical copies only.
+void hashFile(const ProbeResult &probe, const ScanOptions &options, TrackInfo &track, QString *error)
+{
+    const bool delimited = probe.audioRangeValid && probe.audioLength >= 1;
+    const bool wantWhole = options.detectIdentical || (options.detectSameAudio && !delimited);
+    const bool wantPayload = options.detectSameAudio && delimited;
+    FileDigests digests;
+    if (wantWhole && wantPayload)
+        digests = hashFileAndPayload(track.path, probe.audioOffset, probe.audioLength, error);
+    else if (wantWhole)
+        digests.whole = hashWholeFile(track.path, error);
+    else if (wantPayload)
+        digests.payload = hashAudioPayload(track.path, probe.audioOffset, probe.audioLength, error);
+
+    if (options.detectIdentical)
+        track.fullHash = digests.whole;
+    if (options.detectSameAudio)
+        track.audioHash = delimited ? digests.payload : digests.whole;
+}
+
+// A file that is written to while it is read may have given tags of one state and digests of another. Nothing may be
+// proposed for removal on such grounds, so the digests go.
+void checkUnchanged(TrackInfo &track)
+{
+    const QFileInfo now(track.path);
+    const bool exists = now.exists();
+    if (exists && now.size() == track.size && now.lastModified() == track.mtime)
+        return;
+    track.fullHash.clear();
+    track.audioHash.clear();
+    track.error = exists ? QCoreApplication::translate("epr::ScanController", "The file changed during the scan")
+                         : QCoreApplication::translate("epr::ScanController", "The file vanished during the scan");
+}
+
+} // namespace
+
+TrackInfo measureFile(const QString &path)
+{
+    const QFileInfo file(path);
+    TrackInfo track;
+    track.path = path;
+    track.fileName = file.fileName();
+    track.suffix = file.suffix().toLower();
+    track.size = file.size();
+    track.mtime = file.lastModified();
+    return track;
+}
+
+TrackInfo analyseFile(TrackInfo track, const ScanOptions &options)
+{
+    ProbeResult probe;
+    QString error;
+    if (probeFile(track.path, probe, &error))
+        copyTags(probe, track);
+    QString hashError;
+    hashFile(probe, options, track, &hashError);
+    track.error = error.isEmpty() ? hashError : error;
+    checkUnchanged(track);
+    track.analysed = track.error.isEmpty();
+    return track;
+}
+
+bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options)
+{
+    return (!options.detectIdentical || !track.fullHash.isEmpty())
+        && (!options.detectSameAudio || !track.audioHash.isEmpty());
+}
+
+} // namespace epr

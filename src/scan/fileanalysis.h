@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scanoptions.h"
+#include "trackinfo.h"
+
+namespace epr {
+
+/// A record with what the file system says about the path: name, suffix, size and modification time. A path that
+/// cannot be measured has size 0 and no modification time.
+[[nodiscard]] TrackInfo measureFile(const QString &path);
+
+/// Reads tags, stream properties and the digests that the options ask for into a measured record. On failure the
+/// record's error says why; analysed is set only when everything succeeded and the file stayed as it was measured.
+/// Re-entrant: many threads analyse different files at once.
+[[nodiscard]] TrackInfo analyseFile(TrackInfo track, const ScanOptions &options);
+
+/// Whether the record holds every digest that the options ask for.
+[[nodiscard]] bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options);
+
+} // namespace epr

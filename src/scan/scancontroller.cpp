@@ -1,0 +1,304 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scancontroller.h"
+
+#include "analysiscache.h"
+#include "buildmatchgroups.h"
+#include "discovery.h"
+#include "fileanalysis.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <QtConcurrentMap>
+
+#include <algorithm>
+#include <utility>
+
+namespace epr {
+
+namespace {
+
+constexpr qsizetype filesPerCacheReport = 512;
+constexpr int eventBudgetMs = 40; // of one polling round
+constexpr unsigned long pollPauseMs = 50;
+
+constexpr qint32 builtInEngine = 0;
+
+// Whether the acoustic comparison can use the record's fingerprint. Only the built-in analysis makes masks.
+bool hasUsableFingerprint(const TrackInfo &track, qint32 engine)
+{
+    return !track.fingerprint.isEmpty()
+        && (engine != builtInEngine || track.fingerprint.size() == track.fingerprintMask.size());
+}
+
+bool isTooShort(const TrackInfo &track, qint64 minDurationMs)
+{
+    return track.durationMs >= 1 && track.durationMs < minDurationMs;
+}
+
+void takeFingerprint(TrackInfo &track, const TrackInfo &cached)
+{
+    track.fingerprint = cached.fingerprint;
+    track.fingerprintMask = cached.fingerprintMask;
+    track.fingerprintAlt = cached.fingerprintAlt;
+    track.fingerprintAltMask = cached.fingerprintAltMask;
+}
+
+QString megabytes(qint64 bytes)
+{
+    return QString::number(static_cast<double>(bytes) / 1048576.0, 'f', 1);
+}
+
+} // namespace
+
+// Everything that belongs to one scan only.
+struct ScanController::Scan {
+    ScanOptions options; // with the engine that this scan really uses
+    AnalysisCache *cache = nullptr; // null when the scan runs without
+    QStringList paths;
+    QList<TrackInfo> tracks; // in discovery order
+    QList<qsizetype> work; // indexes of the tracks that have to be analysed
+    QList<TrackInfo> shortTracks; // left out of the results, but worth caching
+    QList<MatchGroup> groups;
+    bool cancelled = false;
+    QElapsedTimer clock;
+
+    bool reuseAnalysis(TrackInfo &track) const;
+};
+
+// Completes a measured record from the cache. An analysis that an earlier scan made with fewer methods is not enough:
+// a file without a digest would match nothing. Its fingerprint, the costly part, is still good.
+bool ScanController::Scan::reuseAnalysis(TrackInfo &track) const
+{
+    if (!cache)
+        return false;
+    TrackInfo cached = track;
+    if (!cache->lookup(cached, options.fingerprintEngine))
+        return false;
+    if (!hasWantedDigests(cached, options)) {
+        takeFingerprint(track, cached);
+        return false;
+    }
+    cached.analysed = !options.detectAcoustic || hasUsableFingerprint(cached, options.fingerprintEngine);
+    track = std::move(cached);
+    return true;
+}
+
+ScanController::ScanController(QObject *parent)
+    : QObject(parent)
+{
+}
+
+ScanController::~ScanController() = default;
+
+bool ScanController::isRunning() const
+{
+    return m_running.load() != 0;
+}
+
+bool ScanController::isCancelled() const
+{
+    return m_cancelFlag.load() != 0;
+}
+
+void ScanController::cancel()
+{
+    m_cancelFlag.store(1);
+}
+
+void ScanController::start(const ScanOptions &options)
+{
+    if (m_running.exchange(1) != 0) { // the event polling of a running scan delivers queued calls
+        Q_EMIT failed(tr("A scan is already running."));
+        return;
+    }
+    m_cancelFlag.store(0);
+    Scan scan;
+    scan.options = options;
+    scan.options.fingerprintEngine = builtInEngine;
+    scan.clock.start();
+    Q_EMIT started();
+
+    openCache(scan);
+    discoverFiles(scan);
+    if (!scan.paths.isEmpty()) {
+        checkCache(scan);
+        analyseFiles(scan);
+        dropShortFiles(scan);
+        fingerprintFiles(scan);
+        writeCache(scan);
+        groupDuplicates(scan);
+    }
+    finish(scan);
+}
+
+void ScanController::openCache(Scan &scan)
+{
+    if (!scan.options.useCache)
+        return;
+    if (!m_cache)
+        m_cache = std::make_unique<AnalysisCache>();
+    QString error;
+    if (!m_cache->isOpen() && !m_cache->open(&error)) {
+        Q_EMIT logMessage(tr("Analysis cache unavailable (%1) - continuing without it.").arg(error));
+        return;
+    }
+    scan.cache = m_cache.get();
+    Q_EMIT logMessage(tr("Analysis cache: %1 entries at %2").arg(m_cache->count()).arg(m_cache->filePath()));
+}
+
+void ScanController::discoverFiles(Scan &scan)
+{
+    Q_EMIT phaseChanged(tr("Scanning folders"));
+    int undecodable = 0;
+    scan.paths = discover(
+        scan.options, m_cancelFlag,
+        [this](int count, const QString &) { Q_EMIT progress(count, 0, tr("%1 files found").arg(count)); },
+        &undecodable);
+    scan.cancelled = isCancelled();
+    if (scan.cancelled) {
+        scan.paths.clear();
+        return;
+    }
+    if (undecodable > 0)
+        Q_EMIT logMessage(tr("Left out %1 file(s) or folder(s) whose names are not valid UTF-8.").arg(undecodable));
+    if (scan.paths.isEmpty())
+        Q_EMIT logMessage(tr("No audio files matched the current filters."));
+    else
+        Q_EMIT logMessage(tr("Discovered %1 audio files.").arg(scan.paths.size()));
+}
+
+void ScanController::checkCache(Scan &scan)
+{
+    Q_EMIT phaseChanged(tr("Checking cache"));
+    const qsizetype total = scan.paths.size();
+    qsizetype reused = 0;
+    scan.tracks.reserve(total);
+    for (qsizetype i = 0; i < total; ++i) {
+        if (i % filesPerCacheReport == 0) {
+            Q_EMIT progress(static_cast<int>(i), static_cast<int>(total), tr("Checked %1 of %2").arg(i).arg(total));
+            if (isCancelled())
+                break;
+        }
+        scan.tracks.append(measureFile(scan.paths.at(i)));
+        if (scan.reuseAnalysis(scan.tracks.last()))
+            ++reused;
+        else
+            scan.work.append(i);
+    }
+    if (reused > 0)
+        Q_EMIT logMessage(tr("Reused %1 cached analysis results.").arg(reused));
+    logCacheError(scan, tr("The analysis cache could not be read (%1)."));
+}
+
+// Each worker writes the record of its own file, in place: what is complete when a scan is cancelled stays complete,
+// and the records keep their order.
+void ScanController::analyseFiles(Scan &scan)
+{
+    if (isCancelled())
+        return;
+    Q_EMIT phaseChanged(tr("Reading tags and hashing"));
+    if (scan.work.isEmpty())
+        return;
+    TrackInfo *const tracks = scan.tracks.data();
+    std::atomic<int> done = 0;
+    QFuture<void> running = QtConcurrent::map(scan.work, [&options = scan.options, tracks, &done](qsizetype index) {
+        tracks[index] = analyseFile(std::move(tracks[index]), options);
+        ++done;
+    });
+    while (!running.isFinished()) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, eventBudgetMs);
+        reportAnalysed(done.load(), scan.work.size());
+        if (isCancelled() && !running.isCanceled())
+            running.cancel();
+        QThread::msleep(pollPauseMs);
+    }
+    running.waitForFinished();
+    reportAnalysed(done.load(), scan.work.size());
+}
+
+void ScanController::reportAnalysed(int done, qsizetype total)
+{
+    Q_EMIT progress(done, static_cast<int>(total), tr("Analysed %1 of %2 files").arg(done).arg(total));
+}
+
+void ScanController::dropShortFiles(Scan &scan)
+{
+    const qint64 minDurationMs = scan.options.minDurationMs;
+    if (isCancelled() || minDurationMs <= 0)
+        return;
+    const auto firstShort =
+        std::stable_partition(scan.tracks.begin(), scan.tracks.end(),
+                              [minDurationMs](const TrackInfo &track) { return !isTooShort(track, minDurationMs); });
+    scan.shortTracks = QList<TrackInfo>(firstShort, scan.tracks.end());
+    scan.tracks.erase(firstShort, scan.tracks.end());
+    if (!scan.shortTracks.isEmpty()) {
+        Q_EMIT logMessage(
+            tr("Skipped %1 file(s) shorter than %2 seconds.").arg(scan.shortTracks.size()).arg(minDurationMs / 1000));
+    }
+}
+
+// There is no fingerprinter in the program yet. Until there is, a record that has its tags and digests is complete.
+void ScanController::fingerprintFiles(Scan &scan)
+{
+    if (isCancelled() || !scan.options.detectAcoustic)
+        return;
+    for (TrackInfo &track : scan.tracks)
+        track.analysed = track.error.isEmpty();
+}
+
+// Also after a cancel: what has been analysed need not be analysed again.
+void ScanController::writeCache(const Scan &scan)
+{
+    if (!scan.cache)
+        return;
+    scan.cache->beginTransaction();
+    for (const QList<TrackInfo> *tracks : { &scan.tracks, &scan.shortTracks }) {
+        for (const TrackInfo &track : *tracks) {
+            if (track.analysed && track.error.isEmpty())
+                scan.cache->store(track, scan.options.fingerprintEngine);
+        }
+    }
+    scan.cache->commitTransaction();
+    logCacheError(scan, tr("The analysis cache could not be written (%1)."));
+}
+
+void ScanController::logCacheError(const Scan &scan, const QString &message)
+{
+    const QString error = scan.cache ? scan.cache->takeError() : QString();
+    if (!error.isEmpty())
+        Q_EMIT logMessage(message.arg(error));
+}
+
+// A cancel is noticed before grouping or not at all: the groups that have been found by then are worth showing.
+void ScanController::groupDuplicates(Scan &scan)
+{
+    scan.cancelled = isCancelled();
+    if (scan.cancelled)
+        return;
+    Q_EMIT phaseChanged(tr("Grouping duplicates"));
+    QString phase;
+    scan.groups =
+        buildMatchGroups(scan.tracks, scan.options, m_cancelFlag, [&](int step, int total, const QString &text) {
+            if (text != std::exchange(phase, text))
+                Q_EMIT phaseChanged(text);
+            Q_EMIT progress(step, total, text);
+        });
+    qint64 reclaimable = 0;
+    for (const MatchGroup &group : std::as_const(scan.groups))
+        reclaimable += group.reclaimableBytes;
+    Q_EMIT logMessage(tr("Found %1 duplicate group(s); %2 MB could be reclaimed.")
+                          .arg(scan.groups.size())
+                          .arg(megabytes(reclaimable)));
+}
+
+void ScanController::finish(Scan &scan)
+{
+    if (scan.cancelled) // files that the scan did not get round to
+        scan.tracks.removeIf([](const TrackInfo &track) { return !track.analysed && track.error.isEmpty(); });
+    m_running.store(0);
+    Q_EMIT finished(scan.tracks, scan.groups, scan.cancelled, scan.clock.elapsed());
+}
+
+} // namespace epr

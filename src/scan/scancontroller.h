@@ -1,0 +1,63 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "matchgroup.h"
+#include "scanoptions.h"
+#include "trackinfo.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <memory>
+
+namespace epr {
+
+class AnalysisCache;
+
+/// Runs a scan from folders to duplicate groups on the thread it lives on and reports through signals. The group
+/// members are indexes into the track list, which is in discovery order.
+class ScanController final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ScanController(QObject *parent = nullptr);
+    ~ScanController() override;
+
+    [[nodiscard]] bool isRunning() const; ///< may be asked from any thread
+
+Q_SIGNALS:
+    void started();
+    void phaseChanged(const QString &phase);
+    void progress(int done, int total, const QString &detail);
+    void logMessage(const QString &message);
+    void finished(const QList<epr::TrackInfo> &tracks, const QList<epr::MatchGroup> &groups, bool cancelled,
+                  qint64 elapsedMs);
+    void failed(const QString &error); ///< a scan could not run at all
+
+public Q_SLOTS:
+    void start(const epr::ScanOptions &options);
+    void cancel(); ///< may be called from any thread
+
+private:
+    struct Scan;
+
+    [[nodiscard]] bool isCancelled() const;
+    void openCache(Scan &scan);
+    void discoverFiles(Scan &scan);
+    void checkCache(Scan &scan);
+    void analyseFiles(Scan &scan);
+    void reportAnalysed(int done, qsizetype total);
+    void dropShortFiles(Scan &scan);
+    void fingerprintFiles(Scan &scan);
+    void writeCache(const Scan &scan);
+    void logCacheError(const Scan &scan, const QString &message);
+    void groupDuplicates(Scan &scan);
+    void finish(Scan &scan);
+
+    std::unique_ptr<AnalysisCache> m_cache; ///< made by the first scan that wants it, kept open for later ones
+    std::atomic<qint32> m_cancelFlag = 0;
+    std::atomic<qint32> m_running = 0;
+};
+
+} // namespace epr
