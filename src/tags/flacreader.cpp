@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "flacreader.h"
+
+#include "bytecursor.h"
+#include "checkedmath.h"
+#include "readat.h"
+#include "vorbiscomment.h"
+
+#include <QIODevice>
+
+#include <algorithm>
+#include <optional>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 blockHeaderSize = 4;
+constexpr qint64 streamInfoSize = 18; ///< up to and with the sample count; the MD5 sum behind it is not needed
+constexpr qint64 maxCommentSize = 8388607;
+
+enum BlockType : quint8 {
+    StreamInfo = 0,
+    VorbisComment = 4,
+};
+
+struct Block {
+    quint8 type = 0;
+    bool last = false;
+    qint64 start = 0; ///< of the body
+    qint64 length = 0;
+};
+
+std::optional<Block> readBlockHeader(QIODevice &device, qint64 position)
+{
+    const QByteArray header = readAt(device, position, blockHeaderSize);
+    if (header.size() < blockHeaderSize)
+        return std::nullopt;
+    ByteCursor cursor(header);
+    Block block;
+    const quint8 first = cursor.u8();
+    block.type = first & 0x7F;
+    block.last = first & 0x80;
+    block.start = position + blockHeaderSize;
+    block.length = cursor.u24be();
+    return block;
+}
+
+void readStreamInfo(QIODevice &device, const Block &block, ProbeResult &result, quint64 &totalSamples)
+{
+    const QByteArray body = readAt(device, block.start, streamInfoSize);
+    if (body.size() < streamInfoSize)
+        return;
+    // 20 bits of sample rate, 3 of channels, 5 of sample size, 36 of total samples.
+    const quint64 packed = ByteCursor(body).at(10).u64be();
+    result.sampleRate = static_cast<qint32>(packed >> 44);
+    result.channels = static_cast<qint32>(packed >> 41 & 7) + 1;
+    totalSamples = packed & 0xFFFFFFFFF;
+}
+
+void finish(qint64 audioStart, qint64 fileSize, quint64 totalSamples, ProbeResult &result)
+{
+    result.audioOffset = audioStart;
+    result.audioLength = std::max<qint64>(fileSize - audioStart, 0);
+    result.audioRangeValid = result.audioLength > 0;
+    if (result.sampleRate > 0)
+        result.durationMs = mulDiv(totalSamples, 1000, static_cast<quint64>(result.sampleRate));
+    result.bitrateKbps = averageKbps(result.audioLength, result.durationMs);
+}
+
+} // namespace
+
+bool readFlac(QIODevice &device, ProbeResult &result)
+{
+    result.format = u"FLAC"_s;
+    if (readAt(device, 0, 4) != "fLaC")
+        return false;
+    quint64 totalSamples = 0;
+    qint64 position = 4;
+    for (int count = 0; count < maxBlocks; ++count) {
+        const std::optional<Block> block = readBlockHeader(device, position);
+        if (!block)
+            return false;
+        if (block->type == StreamInfo && block->length >= streamInfoSize)
+            readStreamInfo(device, *block, result, totalSamples);
+        else if (block->type == VorbisComment && block->length <= maxCommentSize)
+            readVorbisComment(readAt(device, block->start, block->length), result);
+        position = block->start + block->length;
+        if (block->last) {
+            finish(position, device.size(), totalSamples, result);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace epr
