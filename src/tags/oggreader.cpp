@@ -23,7 +23,7 @@ namespace {
 
 constexpr qint64 pageHeaderSize = 27;
 constexpr qint64 tailSize = 131072; ///< two pages of the largest size end within it
-constexpr qint64 maxHeaderSize = 16 * 1024 * 1024; ///< of the file; bounds what is joined as well
+constexpr qint64 maxHeaderSize = qint64(16) * 1024 * 1024; ///< of the file; bounds what is joined as well
 constexpr qint32 opusGranuleRate = 48000; ///< Hz, whatever rate the encoder was fed
 
 struct Page {

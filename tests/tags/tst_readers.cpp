@@ -79,6 +79,8 @@ void addMpegRows()
     row("mp3", "a tag that leaves no payload fails", tag, "? 0ms 0 0x0");
     row("mp3", "an APE tag larger than the file fails", twoFrames + apeTag(16).last(32).replace(12, 4, "\1\1\1\1"),
         "? 0ms 0 0x0");
+    row("mp3", "a frame at the end of the first 256 KiB is found", QByteArray(262144 - 4, 'j') + twoFrames,
+        "52ms 128 44100x2 @262140+834");
     row("mp3", "no frame in the first 256 KiB fails", QByteArray(262144 - 3, 'j') + twoFrames, "? 0ms 0 0x0 @0+262975");
 }
 
@@ -144,6 +146,7 @@ void addAiffRows()
         aiffFile(aiffCommon(60000, 441000, 60000, 0x400E, 0xAC44000000000000)), "10000ms 0 44100x60000");
     row("aiff", "a rate of 2^31 fails", aiffFile(aiffCommon(2, 9, 16, 0x401E, 0x8000000000000000)), "? 0ms 0 0x2");
     row("aiff", "a rate with the largest exponent fails", aiffFile(aiffCommon(2, 9, 16, 0x7FFF, 1)), "? 0ms 0 0x2");
+    row("aiff", "a rate below one fails", aiffFile(aiffCommon(2, 9, 16, 16446 - 65, 16000)), "? 0ms 0 0x2");
     row("aiff", "a rate that is not normalised", aiffFile(aiffCommon(1, 8000, 8, 16446 + 3, 1000)), "1000ms 64 8000x1");
     row("aiff", "without a common chunk it fails", aiffFile(sound), "? 0ms 0 0x0 @28+1000");
 }
@@ -236,7 +239,8 @@ void addTagRows()
     tags("ogg", "a packet that continues on later pages is read whole", pages, "T");
     tags("ogg", "a page of another stream does not disturb it",
          pages.first(second) + oggPages({ "other" }, 0, 2) + pages.sliced(second), "T");
-    tags("ogg", "a packet that lost a page is none", pages.first(second) + pages.sliced(pages.lastIndexOf("OggS")), "");
+    tags("ogg", "a packet that is not continued is dropped",
+         pages.first(second) + oggPages({ "\x03vorbis" + vorbisComment({ "TITLE=New" }) }, 0), "New");
 
     const auto info = [](const QByteArray &items) {
         return waveFile(riffChunk("LIST", "INFO" + items) + riffChunk("data", "1234"));
@@ -252,6 +256,8 @@ void addTagRows()
          aiffFile(aiffCommon(1, 8000, 8, 0x400B, 0xFA00000000000000) + formChunk("NAME", "T\xE5 ")
                   + formChunk("AUTH", "A")),
          "Tå;A");
+    tags("aiff", "a size that counts a missing pad byte",
+         aiffFile(aiffCommon(1, 8000, 8, 0x400B, 0xFA00000000000000) + "NAME" + big<quint32>(2) + "T").chopped(1), "T");
 
     const auto mp4 = [](const QByteArray &items) { return movie(movieHeader(1, 1), items); };
     tags("m4a", "every item",
