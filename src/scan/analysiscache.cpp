@@ -234,7 +234,7 @@ bool AnalysisCache::prepareStatements(QString *error)
     return true;
 }
 
-// Queries hold the connection, so they go first; the registry complains about a connection that is still held.
+// The handle goes before the registry's entry: the registry complains about a connection that is still held.
 void AnalysisCache::close()
 {
     m_lookup.reset();
@@ -261,7 +261,7 @@ bool AnalysisCache::lookup(TrackInfo &track, qint32 engine)
         readRow(*m_lookup, track);
     else if (m_lookup->lastError().isValid())
         noteError(m_lookup->lastError().text());
-    m_lookup->finish(); // an unfinished read would keep writers of the file waiting
+    m_lookup->finish(); // an unfinished read would keep the write-ahead log from being folded back
     return hit;
 }
 
