@@ -79,7 +79,7 @@ QList<QByteArray> PacketJoiner::add(const Page &page)
         packet.clear();
 
     QList<QByteArray> packets;
-    bool open = false;
+    bool open = !packet.isEmpty(); // and stays so over a page that holds no segment at all
     ByteCursor body(page.body);
     for (const char value : page.lacing) {
         const quint8 size = quint8(value);
