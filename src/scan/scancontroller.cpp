@@ -206,8 +206,8 @@ void ScanController::analyseFiles(Scan &scan)
         return;
     TrackInfo *const tracks = scan.tracks.data();
     std::atomic<int> done = 0;
-    QFuture<void> running = QtConcurrent::map(scan.work, [&options = scan.options, tracks, &done](qsizetype index) {
-        tracks[index] = analyseFile(std::move(tracks[index]), options);
+    QFuture<void> running = QtConcurrent::map(scan.work, [this, &scan, tracks, &done](qsizetype index) {
+        tracks[index] = analyseFile(std::move(tracks[index]), scan.options, &m_cancelFlag);
         ++done;
     });
     while (!running.isFinished()) {

@@ -40,6 +40,12 @@ QByteArray someBytes(qint64 size)
     return bytes;
 }
 
+epr::FileDigests hashBoth(const QString &path, qint64 offset, qint64 length, QString *error)
+{
+    return epr::hashFile(path, { .whole = true, .payload = true, .payloadOffset = offset, .payloadLength = length },
+                         error);
+}
+
 } // namespace
 
 class TestHash final : public QObject {
@@ -111,7 +117,7 @@ private Q_SLOTS:
         QCOMPARE(error, u"untouched"_s);
         QCOMPARE(epr::hashAudioPayload(path, offset, length, &error), payload);
         QCOMPARE(std::exchange(error, u"untouched"_s), message);
-        const epr::FileDigests digests = epr::hashFileAndPayload(path, offset, length, &error);
+        const epr::FileDigests digests = hashBoth(path, offset, length, &error);
         QCOMPARE(digests.whole, referenceDigest(bytes));
         QCOMPARE(digests.payload, payload);
         QCOMPARE(error, message);
@@ -135,7 +141,7 @@ private Q_SLOTS:
         QString error;
         QString ownError;
         const QString payload = epr::hashAudioPayload(path, largest, 1, &ownError);
-        QCOMPARE(epr::hashFileAndPayload(path, largest, 1, &error).payload, payload);
+        QCOMPARE(hashBoth(path, largest, 1, &error).payload, payload);
         QCOMPARE(error, ownError);
     }
 
@@ -169,7 +175,7 @@ private Q_SLOTS:
         QCOMPARE(std::exchange(error, {}), message);
         QCOMPARE(epr::hashAudioPayload(path, 0, 10, &error), QString());
         QCOMPARE(std::exchange(error, {}), message);
-        const epr::FileDigests digests = epr::hashFileAndPayload(path, 0, 10, &error);
+        const epr::FileDigests digests = hashBoth(path, 0, 10, &error);
         QCOMPARE(digests.whole + digests.payload, QString());
         QCOMPARE(error, message);
         QCOMPARE(epr::quickIdentityHash(path), QString());
@@ -194,13 +200,26 @@ private Q_SLOTS:
         QCOMPARE(std::exchange(error, {}), message);
         QCOMPARE(epr::quickIdentityHash(path), QString());
         // The whole file is unreadable, yet the payload by itself is not.
-        const epr::FileDigests digests = epr::hashFileAndPayload(path, offset, page, &error);
+        const epr::FileDigests digests = hashBoth(path, offset, page, &error);
         QCOMPARE(digests.whole, QString());
         QCOMPARE(digests.payload, referenceDigest(QByteArray(page, '\0')));
         QCOMPARE(error, message);
         ::munmap(memory, length);
     }
 #endif
+
+    void raisedStopFlagGivesTheFileUp()
+    {
+        const QString path = write(u"long.mp3"_s, someBytes(block));
+        std::atomic<qint32> stop = 0;
+        const epr::HashRequest request { .whole = true, .payload = true, .payloadLength = block, .stop = &stop };
+        QVERIFY(!epr::hashFile(path, request).whole.isEmpty());
+        stop = 1;
+        QString error;
+        const epr::FileDigests digests = epr::hashFile(path, request, &error);
+        QVERIFY(digests.whole.isEmpty() && digests.payload.isEmpty());
+        QVERIFY(!error.isEmpty());
+    }
 
     void quickIdentityTakesBothEnds()
     {
