@@ -2,7 +2,13 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
 # epr_add_test(tst_name LINKS ...): one Qt Test executable from tst_name.cpp, run without a display and registered
-# with CTest under its own name.
+# with CTest under its own name. The sanitizers are told what they report of other people's libraries; they ignore what is
+# not meant for them.
+set(EPR_TEST_ENVIRONMENT
+  "QT_QPA_PLATFORM=offscreen" "LC_ALL=C.UTF-8"
+  "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/lsan.supp:print_suppressions=0"
+  "TSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/tsan.supp:ignore_noninstrumented_modules=1")
+
 function(epr_add_test name)
   cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
   if(NOT TEST_TIMEOUT)
@@ -10,6 +16,9 @@ function(epr_add_test name)
   endif()
   add_executable(${name} ${name}.cpp ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE epr::flags Qt6::Test ${TEST_LINKS})
+  if(EPR_SANITIZE MATCHES "thread" AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/tsanclone.cpp)
+  endif()
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT "${EPR_TEST_ENVIRONMENT}")
 endfunction()

@@ -1,0 +1,101 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fingerprintpool.h"
+
+#include "fingerprintworker.h"
+
+#include <QEventLoop>
+#include <QThread>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace epr {
+
+namespace {
+
+constexpr int maxThreads = 16; // more only compete for the disk
+constexpr int defaultSeconds = 120;
+constexpr int joinMs = 5000;
+
+} // namespace
+
+FingerprintPool::FingerprintPool(int threads, int seconds, bool preferFpcalc, QObject *parent)
+    : QObject(parent)
+{
+    const int count = std::clamp(threads, 1, maxThreads);
+    for (int i = 0; i < count; ++i)
+        addLane(i, seconds > 0 ? seconds : defaultSeconds, preferFpcalc);
+}
+
+void FingerprintPool::addLane(int index, int seconds, bool preferFpcalc)
+{
+    auto *const thread = new QThread(this);
+    thread->setObjectName(u"epr-fingerprint-%1"_s.arg(index));
+    auto *const worker = new FingerprintWorker(seconds, preferFpcalc);
+    worker->moveToThread(thread);
+    connect(thread, &QThread::finished, worker, &QObject::deleteLater);
+    thread->start();
+    m_lanes.push_back({ thread, worker });
+}
+
+// Threads are told before any is waited for, so that their waits overlap.
+FingerprintPool::~FingerprintPool()
+{
+    for (const Lane &lane : m_lanes) {
+        lane.thread->requestInterruption();
+        lane.thread->quit();
+    }
+    for (const Lane &lane : m_lanes) {
+        // Stuck in the system, on a network drive that is gone, say. Destroying a running thread would end the program.
+        if (!lane.thread->wait(joinMs))
+            lane.thread->setParent(nullptr);
+    }
+}
+
+void FingerprintPool::run(const QList<FingerprintJob> &jobs)
+{
+    m_cancelled.store(false, std::memory_order_relaxed);
+    if (jobs.isEmpty())
+        return;
+    m_jobs = jobs;
+    m_next = m_inFlight = m_done = 0;
+    QEventLoop loop;
+    QObject batch; // takes the connections with it
+    for (const Lane &lane : m_lanes) {
+        connect(
+            lane.worker, &FingerprintWorker::completed, &batch,
+            [this, &lane, &loop](int id, const FingerprintResult &result) {
+                finishJob(lane, id, result);
+                if (m_inFlight == 0)
+                    loop.quit();
+            },
+            Qt::QueuedConnection);
+        dispatch(lane);
+    }
+    if (m_inFlight > 0)
+        loop.exec();
+    m_jobs.clear();
+}
+
+void FingerprintPool::dispatch(const Lane &lane)
+{
+    if (m_next >= m_jobs.size() || m_cancelled.load(std::memory_order_relaxed))
+        return;
+    const FingerprintJob &job = m_jobs.at(m_next++);
+    ++m_inFlight;
+    QMetaObject::invokeMethod(lane.worker, "process", Qt::QueuedConnection, Q_ARG(int, job.id),
+                              Q_ARG(QString, job.path));
+}
+
+void FingerprintPool::finishJob(const Lane &lane, int id, const FingerprintResult &result)
+{
+    --m_inFlight;
+    ++m_done;
+    Q_EMIT completed(id, result);
+    Q_EMIT progress(m_done, static_cast<int>(m_jobs.size()));
+    dispatch(lane);
+}
+
+} // namespace epr

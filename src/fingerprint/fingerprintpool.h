@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "fingerprintresult.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <vector>
+
+class QEventLoop;
+
+namespace epr {
+
+class FingerprintWorker;
+
+struct FingerprintJob {
+    int id = 0; ///< comes back with the result
+    QString path;
+};
+
+/// Fingerprints batches of files on threads of its own, "epr-fingerprint-0" and so on. It is used on the thread that
+/// made it, except for cancel().
+class FingerprintPool final : public QObject {
+    Q_OBJECT
+
+public:
+    /// 1 to 16 threads; seconds below 1 means 120.
+    FingerprintPool(int threads, int seconds, bool preferFpcalc, QObject *parent = nullptr);
+    ~FingerprintPool() override;
+
+    /// Blocks in a local event loop until every file of the batch has reported, or, once cancelled, every file that was
+    /// begun. When its thread is told to quit it returns at once, and what is still being worked on is dropped.
+    void run(const QList<FingerprintJob> &jobs);
+
+    /// Begins no further file of the running batch. May be called from any thread; the next run() starts afresh.
+    void cancel() { m_cancelled.store(true, std::memory_order_relaxed); }
+
+Q_SIGNALS:
+    /// Once for each file, as they finish.
+    void completed(int id, const epr::FingerprintResult &result);
+    /// After each completed().
+    void progress(int done, int total);
+
+private:
+    struct Lane {
+        QThread *thread = nullptr;
+        FingerprintWorker *worker = nullptr;
+    };
+
+    void addLane(int index, int seconds, bool preferFpcalc);
+    void dispatch(const Lane &lane);
+    void finishJob(const Lane &lane, int id, const FingerprintResult &result);
+
+    std::vector<Lane> m_lanes;
+    QList<FingerprintJob> m_jobs;
+    int m_next = 0; ///< index of the next job to hand out
+    int m_inFlight = 0;
+    int m_done = 0;
+    std::atomic<bool> m_cancelled = false;
+};
+
+} // namespace epr

@@ -1,0 +1,110 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fpcalc.h"
+
+#include "externaltool.h"
+
+#include <algorithm>
+#include <charconv>
+
+using namespace Qt::StringLiterals;
+
+namespace epr {
+
+namespace {
+
+constexpr QByteArrayView durationKey = "DURATION=";
+constexpr QByteArrayView fingerprintKey = "FINGERPRINT=";
+constexpr double maxDurationMs = 9.2e18; // just below what 63 bits hold; catches infinities and, negated, NaN
+
+QString toolName()
+{
+    return u"fpcalc"_s;
+}
+
+template <typename Take> void splitAt(char separator, QByteArrayView text, Take take)
+{
+    for (;;) {
+        const qsizetype end = text.indexOf(separator);
+        if (end < 0)
+            return take(text);
+        take(text.first(end));
+        text = text.sliced(end + 1);
+    }
+}
+
+qint64 durationMs(QByteArrayView seconds)
+{
+    const double ms = seconds.trimmed().toDouble() * 1000.0; // unreadable text reads as 0
+    return ms > -maxDurationMs && ms < maxDurationMs ? static_cast<qint64>(ms) : 0;
+}
+
+// Not the toolkit's conversion, which takes signs.
+void appendWord(QByteArrayView text, QList<quint32> &words)
+{
+    const QByteArrayView digits = text.trimmed();
+    const char *const end = digits.data() + digits.size();
+    quint32 word = 0;
+    const auto [stop, failure] = std::from_chars(digits.data(), end, word);
+    if (failure == std::errc() && stop == end)
+        words.append(word);
+}
+
+void appendWords(QByteArrayView list, QList<quint32> &words)
+{
+    words.reserve(words.size() + std::count(list.begin(), list.end(), ',') + 1);
+    splitAt(',', list, [&words](QByteArrayView piece) { appendWord(piece, words); });
+}
+
+} // namespace
+
+FpcalcResult parseFpcalcOutput(QByteArrayView output)
+{
+    FpcalcResult result;
+    splitAt('\n', output, [&result](QByteArrayView line) {
+        if (line.startsWith(durationKey))
+            result.durationMs = durationMs(line.sliced(durationKey.size()));
+        else if (line.startsWith(fingerprintKey))
+            appendWords(line.sliced(fingerprintKey.size()), result.fingerprint);
+    });
+    return result;
+}
+
+FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds, const ToolTimeouts &timeouts)
+{
+    ToolProcess process(toolName(), timeouts);
+    QByteArray output;
+    const QStringList arguments { u"-raw"_s, u"-length"_s, QString::number(std::max(seconds, 1)), path };
+    if (!process.start(tool, arguments) || !process.finish(output) || !process.succeeded())
+        return { {}, 0, process.error() };
+    FpcalcResult result = parseFpcalcOutput(output);
+    if (result.fingerprint.isEmpty())
+        result.error = u"fpcalc produced no fingerprint"_s;
+    return result;
+}
+
+QString findFpcalc()
+{
+    return findTool("EPR_FPCALC", { u"fpcalc.exe"_s, u"fpcalc"_s }, toolName());
+}
+
+QString fpcalcPath()
+{
+    static ToolPath path(findFpcalc);
+    return path.get();
+}
+
+bool hasFpcalc()
+{
+    return !fpcalcPath().isEmpty();
+}
+
+FpcalcResult runFpcalc(const QString &path, int seconds)
+{
+    const QString tool = fpcalcPath();
+    if (tool.isEmpty())
+        return { {}, 0, u"fpcalc not found"_s };
+    return runFpcalcTool(tool, path, seconds, toolTimeouts(seconds));
+}
+
+} // namespace epr

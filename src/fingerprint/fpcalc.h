@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArrayView>
+#include <QList>
+#include <QString>
+
+namespace epr {
+
+struct ToolTimeouts;
+
+/// What Chromaprint's fpcalc says of one file.
+struct FpcalcResult {
+    QList<quint32> fingerprint; ///< raw sub-fingerprints in the order printed; empty on failure
+    qint64 durationMs = 0; ///< of the whole file, 0 = not reported
+    QString error; ///< empty on success
+
+    bool operator==(const FpcalcResult &) const = default;
+};
+
+/// Looks for the tool anew: EPR_FPCALC, beside the program, the search path. Empty when there is none.
+[[nodiscard]] QString findFpcalc();
+
+/// What findFpcalc() found when the process first asked. Safe to call from any thread.
+[[nodiscard]] QString fpcalcPath();
+[[nodiscard]] bool hasFpcalc();
+
+/// Fingerprints the first seconds of a file, at least one. Blocks the calling thread.
+[[nodiscard]] FpcalcResult runFpcalc(const QString &path, int seconds);
+
+/// The same with a given tool and given patience.
+[[nodiscard]] FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds,
+                                         const ToolTimeouts &timeouts);
+
+/// Reads the raw output format: lines "DURATION=seconds" and "FINGERPRINT=word,word,...". Whatever it does not
+/// understand it skips.
+[[nodiscard]] FpcalcResult parseFpcalcOutput(QByteArrayView output);
+
+} // namespace epr

@@ -1,0 +1,206 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "analyser.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <random>
+
+using namespace epr;
+
+namespace {
+
+constexpr int maxInt = std::numeric_limits<int>::max();
+using Lists = QList<QList<quint32>>; // words, masks and, from an analyser, those of the alternative frames
+
+/// White noise: every band holds energy that differs from frame to frame, as in music.
+QList<float> noise(qsizetype count)
+{
+    std::mt19937 generator(1);
+    QList<float> samples(count);
+    for (float &sample : samples)
+        sample = static_cast<float>(generator() >> 8) / 16777216.0F - 0.5F;
+    return samples;
+}
+
+Lists results(const Analyser &analyser)
+{
+    const Fingerprinter &other = analyser.alternative();
+    return { analyser.main().words(), analyser.main().masks(), other.words(), other.masks() };
+}
+
+Analyser analysed(int rate, const QList<float> &samples)
+{
+    Analyser analyser;
+    analyser.reset(rate);
+    analyser.feed(samples.constData(), samples.size());
+    return analyser;
+}
+
+/// The definition without any cleverness: a discrete Fourier transform bin by bin, over band edges written out.
+std::vector<double> slowEnergies(const float *frame)
+{
+    static constexpr int edges[] = { 111, 118, 125, 132, 140, 149, 157, 167, 177, 187, 198, 210,
+                                     222, 235, 249, 264, 280, 296, 314, 332, 352, 373, 395, 418,
+                                     443, 469, 497, 526, 557, 590, 625, 662, 702, 743 };
+    std::vector<std::complex<double>> circle;
+    for (int i = 0; i < 4096; ++i)
+        circle.push_back(std::polar(1.0, -2.0 * std::numbers::pi * i / 4096));
+    std::vector<double> energies;
+    for (int k = 0; k < 33; ++k) {
+        double sum = 1e-12;
+        for (int bin = edges[k]; bin < edges[k + 1]; ++bin) {
+            std::complex<double> value;
+            for (int i = 0; i < 4096; ++i)
+                value += frame[i] * 0.5 * (1.0 - std::cos(2.0 * std::numbers::pi * i / 4095)) * circle[i * bin % 4096];
+            sum += std::norm(value);
+        }
+        energies.push_back(std::log(sum));
+    }
+    return energies;
+}
+
+Lists slowWords(const QList<float> &samples)
+{
+    Lists result(2);
+    std::vector<double> previous = slowEnergies(samples.constData());
+    for (qsizetype begin = 1365; begin + 4096 <= samples.size(); begin += 1365) {
+        const std::vector<double> current = slowEnergies(samples.constData() + begin);
+        double d[32];
+        double sum = 0.0;
+        for (int i = 0; i < 32; ++i)
+            sum += std::fabs(d[i] = (current[i] - current[i + 1]) - (previous[i] - previous[i + 1]));
+        quint32 word = 0;
+        quint32 mask = 0;
+        for (int i = 0; i < 32; ++i) {
+            word |= d[i] > 0 ? 1U << i : 0U;
+            mask |= std::fabs(d[i]) > 0.35 * sum / 32 ? 1U << i : 0U;
+        }
+        result[0] << word;
+        result[1] << mask;
+        previous = current;
+    }
+    return result;
+}
+
+} // namespace
+
+class TestAnalysis : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void wordsAreThoseOfTheSlowDefinition()
+    {
+        const QList<float> samples = noise(20000);
+        const Lists lists = results(analysed(11025, samples));
+        QCOMPARE(lists.at(0).size(), 11);
+        QCOMPARE(lists.first(2), slowWords(samples));
+        QCOMPARE(lists.last(2), slowWords(QList<float>(682, 0.0F) + samples));
+        for (const float gain : { 1.0F, 1e-8F }) { // the second lies near the floor
+            QList<float> frame = samples.first(4096);
+            std::transform(frame.begin(), frame.end(), frame.begin(), [gain](float value) { return gain * value; });
+            Spectrum spectrum;
+            spectrum.transform(frame.constData());
+            const std::vector<double> expected = slowEnergies(frame.constData());
+            for (int k = 0; k < bandCount; ++k)
+                QVERIFY(std::abs(bandEnergies(spectrum)[k] - expected[k]) < 1e-9);
+        }
+    }
+
+    void resamplerFilteredAndInterpolated()
+    {
+        const QList<float> samples = noise(4000);
+        const std::vector<float> taps = antiAliasTaps(48000);
+        const auto filtered = [&](qsizetype n) {
+            double sum = 0.0;
+            for (qsizetype k = 0; k < qsizetype(taps.size()); ++k)
+                sum += taps[k] * samples.value(n - qsizetype(taps.size()) + 1 + k);
+            return sum;
+        };
+        Resampler resampler;
+        resampler.reset(48000);
+        resampler.write({ samples.constData(), 4000 });
+        std::vector<float> output(2000);
+        QCOMPARE(resampler.read(output), 919U); // 918 * 48000 / 11025 and the sample after it are the last inside
+        for (int j = 0; j < 919; ++j) {
+            const double position = j * 48000.0 / 11025.0;
+            const double share = position - std::floor(position);
+            const double expected =
+                share * filtered(qsizetype(position) + 1) + (1.0 - share) * filtered(qsizetype(position));
+            QVERIFY(std::abs(output[j] - expected) < 1e-6);
+        }
+    }
+
+    void chunksDoNotMatter()
+    {
+        std::mt19937 generator(5);
+        for (const int rate : { 0, 8000, 11025, 22050, 44100, 48000, 96000 }) {
+            const QList<float> samples = noise(qMax(rate, 11025) * 2);
+            Analyser analyser;
+            analyser.reset(rate);
+            for (qsizetype at = 0; at < samples.size();) {
+                const int sizes[] = { -1, 0, 1, 7, 1365, 4096, 4097, 20000 };
+                const qsizetype count = qMin<qsizetype>(sizes[generator() % 8], samples.size() - at);
+                analyser.feed(samples.constData() + at, count);
+                at += qMax<qsizetype>(count, 0);
+            }
+            QVERIFY(analyser.main().words().size() >= 12);
+            QCOMPARE(results(analyser), results(analysed(rate, samples)));
+        }
+    }
+
+    void lengthDecidesTheNumberOfWords()
+    {
+        constexpr int twoFrames = 4096 + 1365 + 1; // the interpolation holds the last sample back
+        const auto counts = [](int samples) {
+            const Analyser analyser = analysed(11025, noise(samples));
+            return std::pair(analyser.main().words().size(), analyser.alternative().masks().size());
+        };
+        QVERIFY(counts(twoFrames - 683) == std::pair(0LL, 0LL) && counts(twoFrames - 682) == std::pair(0LL, 1LL));
+        QVERIFY(counts(twoFrames - 1) == std::pair(0LL, 1LL) && counts(twoFrames) == std::pair(1LL, 1LL));
+    }
+
+    void silenceHasNeitherBitsNorMasks()
+    {
+        const QList<quint32> zeros(20, 0);
+        QCOMPARE(results(analysed(44100, QList<float>(127500, 0.0F))), Lists({ zeros, zeros, zeros, zeros }));
+    }
+
+    void tapsFormALowPass()
+    {
+        for (const auto &[rate, count] :
+             { std::pair(11026, 0U), { 11100, 15U }, { 44100, 33U }, { 48000, 35U }, { maxInt, 193U }, { -1, 0U } })
+            QCOMPARE(antiAliasTaps(rate).size(), count);
+        const std::vector<float> taps = antiAliasTaps(44100);
+        const auto gainAt = [&taps](double hertz) {
+            std::complex<double> gain;
+            for (std::size_t i = 0; i < taps.size(); ++i)
+                gain += std::polar(1.0, -2.0 * std::numbers::pi * hertz * double(i) / 44100) * double(taps[i]);
+            return std::abs(gain);
+        };
+        QVERIFY(std::abs(gainAt(0.0) - 1.0) < 1e-5 && gainAt(2000.0) > 0.95 && gainAt(10000.0) < 0.002);
+    }
+
+    // Sanitizers watch; what is left to see is that a proper signal comes through afterwards.
+    void hostileInputIsHarmless()
+    {
+        const QList<float> proper = noise(20000);
+        for (const auto &[rate, value] : { std::pair(44100, std::numeric_limits<float>::quiet_NaN()),
+                                           { 1, 0.5F },
+                                           { 8000, std::numeric_limits<float>::infinity() },
+                                           { maxInt, 0.5F } }) {
+            Analyser analyser = analysed(rate, QList<float>(rate == 1 ? 20 : 20000, value));
+            analyser.reset(11025);
+            analyser.feed(proper.constData(), proper.size());
+            QCOMPARE(results(analyser), results(analysed(11025, proper)));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAnalysis)
+#include "tst_analysis.moc"

@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audiofixtures.h"
+#include "externaltool.h"
+#include "ffmpeg.h"
+#include "fpcalc.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <limits>
+
+using namespace epr;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int maxInt = std::numeric_limits<int>::max();
+constexpr ToolTimeouts patient { 5000, 20000, 2000 };
+
+} // namespace
+
+class TestExternalTools : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fpcalcOutputIsParsed()
+    {
+        const std::tuple<QByteArrayView, QList<quint32>, qint64> cases[] = {
+            { "DURATION=187.53\nFINGERPRINT=1,4294967295,3\n", { 1, 4294967295, 3 }, 187530 },
+            { "DURATION= 2 \r\nFINGERPRINT= 1 ,\t2\r\n", { 1, 2 }, 2000 },
+            { "FINGERPRINT=1,x,,4294967296,+3,-3,3.0,0x3,4 4,5", { 1, 5 }, 0 },
+            { "DURATION=1\nFINGERPRINT=1\nDURATION=2\nFINGERPRINT=2\n", { 1, 2 }, 2000 },
+            { "DURATION=0.0019\n", {}, 1 },
+            { "DURATION=2\nDURATION=2:31\n", {}, 0 },
+            { "DURATION=nan\n", {}, 0 },
+            { "DURATION=1e300\n", {}, 0 },
+            { "FILE=x\n DURATION=5\nfingerprint=1\nFINGERPRINT 2\n", {}, 0 },
+        };
+        for (const auto &[output, words, durationMs] : cases) {
+            const FpcalcResult result = parseFpcalcOutput(output);
+            QVERIFY2(result.fingerprint == words && result.durationMs == durationMs, output.data());
+        }
+    }
+
+    void discoveryTakesTheFirstExecutableFile()
+    {
+        const QDir beside(QCoreApplication::applicationDirPath());
+        const auto candidate = [&](const QString &name) { return beside.relativeFilePath(m_dir.filePath(name)); };
+        const QStringList candidates { candidate(u"."_s), candidate(u"data"_s), candidate(u"a"_s), candidate(u"b"_s) };
+        for (const auto &name : { u"data"_s, u"a"_s, u"b"_s, u"chosen"_s })
+            makeStandIn(m_dir.filePath(name), "exit 0");
+        QVERIFY(QFile::setPermissions(m_dir.filePath(u"data"_s), QFile::ReadOwner));
+        const auto found = [&](const QString &variable, const QStringList &places, const QString &name) {
+            qputenv("EPR_TEST_TOOL", QFile::encodeName(variable.isEmpty() ? variable : m_dir.filePath(variable)));
+            return QFileInfo(findTool("EPR_TEST_TOOL", places, name)).canonicalFilePath();
+        };
+        const auto inDir = [this](const QString &name) { return QFileInfo(m_dir.filePath(name)).canonicalFilePath(); };
+        QCOMPARE(found(u"chosen"_s, candidates, u"sh"_s), inDir(u"chosen"_s));
+        for (const auto &useless : { u""_s, u"gone"_s, u"data"_s, u"."_s })
+            QCOMPARE(found(useless, candidates, u"sh"_s), inDir(u"a"_s));
+        QCOMPARE(found(u""_s, {}, u"sh"_s), QFileInfo(QStandardPaths::findExecutable(u"sh"_s)).canonicalFilePath());
+        QCOMPARE(found(u""_s, {}, u"no such tool"_s), QString());
+    }
+
+    void argumentsArriveUnchanged()
+    {
+        const std::tuple<QString, int, QString> cases[] = {
+            { u"/a \"b\" 'c' \\d/ e .mp3"_s, 60, u"60"_s },
+            { u"/Þórr/日本/عربى/😀.mp3"_s, 0, u""_s },
+            { u"-i"_s, -7, u""_s },
+            { u"/$(id) `id` *;&|>%PATH%\n.mp3"_s, maxInt, u"2147483647"_s },
+        };
+        // The arguments come back as the error text, each one after a bar.
+        const QString tool = standIn("printf '|%s' \"$@\" >&2; exit 1");
+        for (const auto &[path, seconds, length] : cases) {
+            QCOMPARE(runFpcalcTool(tool, path, seconds, patient).error,
+                     u"|-raw|-length|"_s + (length.isEmpty() ? u"1"_s : length) + u'|' + path);
+            QCOMPARE(decodeWithFfmpegTool(tool, { path, 11025, seconds }, patient).error,
+                     u"|-nostdin|-loglevel|error|-i|"_s + path + (length.isEmpty() ? length : u"|-t|"_s + length)
+                         + u"|-ac|1|-ar|11025|-f|f32le|-"_s);
+        }
+    }
+
+    void failuresAreReported()
+    {
+        const std::tuple<QByteArray, QString, int> cases[] = {
+            { "", u"could not start TOOL"_s, 20000 },
+            { "echo FINGERPRINT=1,2; exit 3", u"TOOL failed (exit 3)"_s, 20000 },
+            { "echo ' no such codec ' >&2; exit 1", u"no such codec"_s, 20000 },
+            { "echo >&2; exit 2", u"TOOL failed (exit 2)"_s, 20000 },
+            { "kill -9 $$", u"TOOL failed (exit 9)"_s, 20000 },
+            { "echo FINGERPRINT=1; exec sleep 60", u"TOOL timed out"_s, 400 },
+            { "exec sleep 60 >&- 2>&-", u"TOOL timed out"_s, 400 },
+        };
+        QElapsedTimer clock;
+        clock.start();
+        for (const auto &[script, error, waitMs] : cases) {
+            const QString tool = script.isEmpty() ? m_dir.filePath(u"gone"_s) : standIn(script);
+            const ToolTimeouts timeouts { 5000, waitMs, 30000 };
+            QCOMPARE(runFpcalcTool(tool, u"a"_s, 60, timeouts),
+                     (FpcalcResult { {}, 0, QString(error).replace(u"TOOL"_s, u"fpcalc"_s) }));
+            const DecodedAudio audio = decodeWithFfmpegTool(tool, { u"a"_s, 11025, 60 }, timeouts);
+            QCOMPARE(audio.error, QString(error).replace(u"TOOL"_s, u"ffmpeg"_s));
+            QVERIFY(audio.samples.isEmpty());
+        }
+        QVERIFY(clock.elapsed() < 30000); // or a hanging tool was waited for, not killed
+    }
+
+    void usableOutputIsTaken()
+    {
+        const auto fpcalc = [this](const char *script) { return runFpcalcTool(standIn(script), u"a"_s, 60, patient); };
+        QCOMPARE(fpcalc("echo hm >&2; echo FINGERPRINT=5; echo DURATION=1"), (FpcalcResult { { 5 }, 1000, {} }));
+        QCOMPARE(fpcalc("echo DURATION=4"), (FpcalcResult { {}, 4000, u"fpcalc produced no fingerprint"_s }));
+        const DecodeRequest absurd { u"a"_s, maxInt, maxInt };
+        const auto ffmpeg = [&](const char *script) { return decodeWithFfmpegTool(standIn(script), absurd, patient); };
+        QCOMPARE(ffmpeg("echo hm >&2; printf '\\0\\0\\200\\077abc'").samples, QList<float>({ 1.0F }));
+        QCOMPARE(ffmpeg("printf 123").error, u"ffmpeg produced no audio"_s);
+    }
+
+    void onlyAPauseIsAHangForFfmpeg()
+    {
+        const QString tool = standIn("for i in 1 2 3 4 5 6 7 8 9 10; do printf 'FING'; sleep 0.2; done");
+        const ToolTimeouts timeouts { 5000, 1200, 2000 };
+        QCOMPARE(decodeWithFfmpegTool(tool, { u"a"_s, 8000, 60 }, timeouts).samples.size(), 10);
+        QCOMPARE(runFpcalcTool(tool, u"a"_s, 60, timeouts).error, u"fpcalc timed out"_s);
+        QCOMPARE(toolTimeouts(-5).waitMs, 30000);
+        QCOMPARE(toolTimeouts(maxInt).waitMs, maxInt);
+    }
+
+    void realToolsReadAwkwardNames()
+    {
+        QVERIFY2(hasFpcalc() && hasFfmpeg(), "fpcalc or ffmpeg is not installed");
+        const QString path = m_dir.filePath(u"-it's \"två\" 日本 $HOME %d.wav"_s);
+        QVERIFY(makeAudioFile(path, 8));
+        const FpcalcResult result = runFpcalc(path, 5);
+        QCOMPARE(result.error, QString());
+        QVERIFY(result.durationMs == 8000 && result.fingerprint.size() > 10);
+        QList<float> samples;
+        qint64 durationMs = 0;
+        QString error;
+        for (const auto &[seconds, expectedMs] : { std::pair(5, 5000), { 0, 8000 }, { maxInt, 8000 } }) {
+            QVERIFY2(decodeWithFfmpeg(path, 11025, seconds, samples, durationMs, error), qPrintable(error));
+            QCOMPARE(durationMs, expectedMs);
+        }
+        QVERIFY(!decodeWithFfmpeg(path + u"gone"_s, 11025, 5, samples, durationMs, error));
+        QVERIFY2(error.contains(u"No such file"_s), qPrintable(error));
+    }
+
+private:
+    QString standIn(const QByteArray &body) { return makeStandIn(m_dir.filePath(u"stand in"_s), body); }
+
+    QTemporaryDir m_dir;
+};
+
+QTEST_GUILESS_MAIN(TestExternalTools)
+#include "tst_externaltools.moc"

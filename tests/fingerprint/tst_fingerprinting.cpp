@@ -1,0 +1,262 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "analyser.h"
+#include "audiofixtures.h"
+#include "ffmpeg.h"
+#include "fingerprintpool.h"
+#include "fingerprintworker.h"
+#include "metatypes.h"
+#include "monosamples.h"
+#include "qtdecoder.h"
+
+#include <QAudioBuffer>
+#include <QElapsedTimer>
+#include <QMultiMap>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <atomic>
+#include <limits>
+#include <memory>
+#include <thread>
+
+using namespace epr;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Results = QMultiMap<int, FingerprintResult>; // several for one id would be a fault
+
+/// Runs the pool; what it reported comes back by id.
+Results run(FingerprintPool &pool, const QList<FingerprintJob> &jobs)
+{
+    Results results;
+    QObject collector;
+    QObject::connect(&pool, &FingerprintPool::completed, &collector,
+                     [&](int id, const FingerprintResult &result) { results.insert(id, result); });
+    pool.run(jobs);
+    return results;
+}
+
+} // namespace
+
+class TestFingerprinting : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    // The stand-in for fpcalc runs its audio file as a script, so that each job says how it ends. The one for ffmpeg
+    // fails on files that say so in their name and is the real tool otherwise.
+    void initTestCase()
+    {
+        registerMetaTypes();
+        qputenv("EPR_FPCALC", QFile::encodeName(makeStandIn(path(u"fpcalc"_s), ". \"$4\"")));
+        const QByteArray ffmpeg = "case \"$*\" in *undecodable*) echo broken >&2; exit 1;; esac; exec ffmpeg \"$@\"";
+        qputenv("EPR_FFMPEG", QFile::encodeName(makeStandIn(path(u"ffmpeg"_s), ffmpeg)));
+    }
+
+    // With fewer, and then with more jobs than threads. Every third job fails; ids are neither indexes nor in order.
+    void everyJobReportsOnce()
+    {
+        FingerprintPool pool(4, 60, true);
+        pool.cancel(); // of no batch
+        for (const int count : { 3, 0, 30 }) {
+            QList<FingerprintJob> jobs;
+            Results expected;
+            QList<QVariantList> steps;
+            for (int i = 0; i < count; ++i) {
+                const int id = 1000 - 3 * i;
+                const QByteArray good = "echo DURATION=2; echo FINGERPRINT=" + QByteArray::number(id);
+                jobs << job(id, i % 3 == 2 ? QByteArray("echo bad >&2; exit 1") : good);
+                expected.insert(id,
+                                i % 3 == 2 ? FingerprintResult { {}, {}, {}, {}, 0, u"bad"_s }
+                                           : FingerprintResult { { quint32(id) }, {}, {}, {}, 2000, {} });
+                steps << QVariantList { i + 1, count };
+            }
+            const QSignalSpy progress(&pool, &FingerprintPool::progress);
+            QVERIFY(run(pool, jobs) == expected);
+            QCOMPARE(static_cast<const QList<QVariantList> &>(progress), steps);
+        }
+    }
+
+    void optionsAreBounded()
+    {
+        const std::tuple<int, int, int, quint32> cases[] = { { -5, 1, -1, 120 },
+                                                             { 3, 3, 1, 1 },
+                                                             { 40, 16, std::numeric_limits<int>::max(), 2147483647 } };
+        for (const auto &[threads, givenThreads, seconds, givenSeconds] : cases) {
+            FingerprintPool pool(threads, seconds, true);
+            const auto lanes = pool.findChildren<QThread *>();
+            QCOMPARE(lanes.size(), givenThreads);
+            QCOMPARE(lanes.last()->objectName(), u"epr-fingerprint-%1"_s.arg(givenThreads - 1));
+            const Results results = run(pool, { job(1, "echo FINGERPRINT=$3") });
+            QCOMPARE(results.value(1).fingerprint, QList<quint32>({ givenSeconds }));
+        }
+    }
+
+    // The first job finishes and has the flag raised while the second is still at work; the third is never begun.
+    void cancellingKeepsWhatWasBegun()
+    {
+        const QString cancelled = path(u"cancelled"_s);
+        const QByteArray wait = "while [ ! -e '" + QFile::encodeName(cancelled) + "' ]; do sleep 0.05; done; ";
+        FingerprintPool pool(2, 60, true);
+        std::atomic<bool> raised = false;
+        std::thread other;
+        connect(&pool, &FingerprintPool::completed, this, [&](int id) {
+            if (id != 1)
+                return;
+            // Without waiting for the thread's end, which would order the two threads whatever the flag is made of.
+            other = std::thread([&] {
+                pool.cancel();
+                raised.store(true, std::memory_order_relaxed);
+            });
+            while (!raised.load(std::memory_order_relaxed))
+                std::this_thread::yield();
+            makeStandIn(cancelled, {});
+        });
+        const QSignalSpy progress(&pool, &FingerprintPool::progress);
+        const Results results = run(
+            pool, { job(1, "echo FINGERPRINT=1"), job(2, wait + "echo FINGERPRINT=2"), job(3, "echo FINGERPRINT=3") });
+        other.join();
+        QCOMPARE(results.keys(), QList<int>({ 1, 2 }));
+        QCOMPARE(results.value(2).fingerprint, QList<quint32>({ 2 }));
+        QCOMPARE(progress.last(), QVariantList({ 2, 3 }));
+    }
+
+    // Closing the window during a scan: a hanging tool must not hold up the program's end.
+    void quittingTheThreadAbandonsTheBatch()
+    {
+        const QString begun = path(u"begun"_s);
+        const FingerprintJob hanging = job(1, "echo >'" + QFile::encodeName(begun) + "'; exec sleep 60");
+        const std::unique_ptr<QThread> thread(QThread::create([&] {
+            FingerprintPool(2, 60, true).run({ hanging, hanging });
+        }));
+        thread->start();
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(begun), 10000);
+        thread->quit();
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(thread->wait(30000));
+        QVERIFY2(clock.elapsed() < 4000, "the pool sat out its tools");
+    }
+
+    void builtInAnalysisFallsBackToTheToolkit()
+    {
+        for (const auto &name : { u"a.mp3"_s, u"undecodable.mp3"_s, u"short.wav"_s, u"undecodable.wav"_s })
+            QVERIFY(makeAudioFile(path(name), 8, name.endsWith(u"wav"_s) ? u"-t 0.4"_s : QString()));
+        FingerprintPool pool(2, 5, false);
+        const Results results = run(pool,
+                                    { { 0, path(u"a.mp3"_s) },
+                                      { 1, path(u"undecodable.mp3"_s) },
+                                      { 2, path(u"short.wav"_s) },
+                                      { 3, path(u"undecodable.wav"_s) } });
+        for (const FingerprintResult &result : { results.value(0), results.value(1) }) {
+            QCOMPARE(result.error, QString());
+            QVERIFY(result.fingerprint.size() > 30);
+            QCOMPARE(result.fingerprintMask.size(), result.fingerprint.size());
+            QVERIFY(result.fingerprintAlt.size() >= result.fingerprint.size());
+            QCOMPARE(result.fingerprintAltMask.size(), result.fingerprintAlt.size());
+        }
+        QVERIFY(bitErrorRate(results.value(0).fingerprint, results.value(1).fingerprint.first(36)) < 0.03);
+        QCOMPARE(results.value(0).durationMs, 5000);
+        QCOMPARE(results.value(2).error, u"No decodable audio found"_s);
+        QCOMPARE(results.value(3).error, u"broken"_s); // what the toolkit decodes is too short, too
+    }
+
+    void buffersBecomeMono()
+    {
+        const auto mono = []<typename Sample>(QAudioFormat::SampleFormat type, int channels,
+                                              const QList<Sample> &samples) {
+            QAudioFormat format;
+            format.setSampleFormat(type);
+            format.setChannelCount(channels);
+            format.setSampleRate(44100);
+            const auto *bytes = reinterpret_cast<const char *>(samples.constData());
+            return monoSamples(QAudioBuffer(QByteArray(bytes, samples.size() * sizeof(Sample)), format));
+        };
+        const QList<float> expected { -1.0F, 0.0F, 0.5F };
+        constexpr qint32 lowest = std::numeric_limits<qint32>::min();
+        QCOMPARE(mono(QAudioFormat::UInt8, 1, QList<quint8> { 0, 128, 192 }), expected);
+        QCOMPARE(mono(QAudioFormat::Int16, 1, QList<qint16> { -32768, 0, 16384 }), expected);
+        QCOMPARE(mono(QAudioFormat::Int32, 1, QList<qint32> { lowest, 0, 1 << 30 }), expected);
+        QCOMPARE(mono(QAudioFormat::Float, 2, QList<float> { -2.5F, 0.5F, -1.0F, 1.0F, 0.5F, 0.5F }), expected);
+        QCOMPARE(mono(QAudioFormat::Unknown, 1, QList<qint16> { 1, 2 }), QList<float>());
+    }
+
+    // ffmpeg decodes and resamples, or the toolkit decodes and our own resampler follows: two roads to the same words.
+    void wordsAgreeOnBothRoads_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("rate");
+        QTest::addColumn<QString>("options");
+        QTest::newRow("stereo MP3 in another script") << u"två 日本.mp3"_s << 44100 << u"-ac 2"_s;
+        QTest::newRow("8 bits") << u"8 # bits?.wav"_s << 8000 << u"-c:a pcm_u8"_s;
+        QTest::newRow("floats") << u"11.wav"_s << 11025 << u"-c:a pcm_f32le"_s;
+        QTest::newRow("16 bits") << u"22.aiff"_s << 22050 << u""_s;
+        QTest::newRow("24 bits") << u"96.wav"_s << 96000 << u"-c:a pcm_s24le"_s;
+        QTest::newRow("Opus") << u"48.opus"_s << 48000 << u""_s;
+    }
+
+    void wordsAgreeOnBothRoads()
+    {
+        QFETCH(const QString, name);
+        QFETCH(const int, rate);
+        QFETCH(const QString, options);
+        const QString file = path(name);
+        QVERIFY(makeAudioFile(file, 10, u"-ar %1 "_s.arg(rate) + options, 96000));
+        QList<float> samples;
+        qint64 durationMs = 0;
+        QString error;
+        QVERIFY(decodeWithFfmpeg(file, 11025, 8, samples, durationMs, error));
+        Analyser expected;
+        expected.feed(samples.constData(), samples.size());
+        Analyser analyser;
+        const QtDecodeOutcome outcome = decodeWithQt(file, { 8 * rate, 30000 }, analyser);
+        QCOMPARE(outcome.error, QString());
+        // The ffmpeg back-end of Qt 6.4 never knows the duration.
+        QVERIFY(outcome.durationMs == 0 || qAbs(outcome.durationMs - 10000) < 100);
+        QVERIFY(bitErrorRate(analyser.main().words(), expected.main().words()) < 0.03);
+        QVERIFY(bitErrorRate(analyser.alternative().words(), expected.alternative().words()) < 0.03);
+    }
+
+    void limitsEndTheDecoding()
+    {
+        const QString file = path(u"long.mp3"_s);
+        QVERIFY(makeAudioFile(file, 600));
+        Analyser analyser;
+        const qint64 frames = decodeWithQt(file, { 100000, 60000 }, analyser).frames;
+        QVERIFY(frames >= 100000 && frames < 110000);
+        QCOMPARE(analyser.main().words().size(), (frames / 4 - 4096) / 1365);
+        const QtDecodeOutcome byTime = decodeWithQt(file, { std::numeric_limits<qint64>::max(), 1 }, analyser);
+        QCOMPARE(byTime.error, u"Timed out decoding audio"_s);
+        QVERIFY(byTime.frames < 600 * 44100);
+        QCOMPARE(qtDecodeLimits(std::numeric_limits<int>::max()).frames, 103079215056000);
+        qint64 durationMs = 4711;
+        QString error = u"as ffmpeg put it"_s;
+        const QString broken = makeStandIn(path(u"broken.mp3"_s), QByteArray(100000, 'x'));
+        decodeWithQt(FingerprintWorker(5, false), analyser, broken, durationMs, error);
+        QVERIFY2(!error.isEmpty() && error != u"Timed out decoding audio"_s, qPrintable(error));
+        QCOMPARE(durationMs, 4711);
+        decodeWithQt(FingerprintWorker(5, false), analyser, path(u"gone.mp3"_s), durationMs, error);
+        QCOMPARE(error, u"No such file or directory"_s);
+    }
+
+private:
+    FingerprintJob job(int id, const QByteArray &script)
+    {
+        return { id, makeStandIn(path(u"%1.job"_s.arg(id)), script) };
+    }
+    QString path(const QString &name) const { return m_dir.filePath(name); }
+
+    QTemporaryDir m_dir;
+};
+
+int main(int argc, char **argv)
+{
+    preferFfmpegMediaBackend();
+    const QCoreApplication application(argc, argv);
+    TestFingerprinting test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_fingerprinting.moc"
