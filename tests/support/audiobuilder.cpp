@@ -107,7 +107,8 @@ QByteArray oggPages(const QByteArrayList &packets, quint64 granule, quint32 seri
 
     QByteArray pages;
     qsizetype used = 0;
-    for (qsizetype start = 0; start < lacing.size(); start += maxSegments) {
+    qsizetype start = 0;
+    do {
         const QByteArray table = lacing.mid(start, maxSegments);
         qsizetype size = 0;
         for (const char value : table)
@@ -116,7 +117,8 @@ QByteArray oggPages(const QByteArrayList &packets, quint64 granule, quint32 seri
         pages += QByteArray("OggS\0", 5) + char(continued) + little(granule) + little(serial) + QByteArray(8, '\0')
             + char(table.size()) + table + body.mid(used, size);
         used += size;
-    }
+        start += maxSegments;
+    } while (start < lacing.size());
     return pages;
 }
 

@@ -49,7 +49,8 @@ QByteArray vorbisComment(const QByteArrayList &comments);
 
 QByteArray vorbisIdentification(quint8 channels, quint32 sampleRate);
 QByteArray opusIdentification(quint8 channels, quint32 inputRate);
-/// Pages that hold the packets one after the other, each of at most maxSegments lacing values.
+/// Pages that hold the packets one after the other, each of at most maxSegments lacing values; without packets one
+/// page that has no segments.
 QByteArray oggPages(const QByteArrayList &packets, quint64 granule, quint32 serial = 1, int maxSegments = 255);
 
 /// A chunk with its pad byte.

@@ -112,7 +112,8 @@ void TestHostileFiles::boundsAreKept_data()
         "fLaC" + flacBlock(0, flacStreamInfo(44100, 2, 441000)) + flacBlock(4, comment) + flacBlock(1, "x", true)
             + "audio");
     row("ogg", readOgg,
-        oggPages({ vorbisIdentification(2, 44100), "\x03vorbis" + comment }, 0) + oggPages({ "audio" }, 441000));
+        oggPages({ vorbisIdentification(2, 44100), "\x03vorbis" + comment }, 0)
+            + oggPages({ "audio" }, 441000).repeated(9));
     row("wave", readWave,
         waveFile(waveFormat(2, 44100, 176400) + riffChunk("LIST", "INFO" + riffChunk("INAM", "Title"))
                  + riffChunk("data", QByteArray(99, 's'))));
@@ -132,6 +133,7 @@ void TestHostileFiles::boundsAreKept_data()
     row("an atom of 2 GiB", readMp4, twoGiB + "moov" + twoGiB + "ilst");
     row("an item of 2 GiB", readMp4, atom("moov", atom("ilst", twoGiB + "\251namdata")));
     row("an atom whose end wraps around", readMp4, free + big<quint32>(1) + "mdat" + big(~quint64(0) - 7));
+    row("a wide atom shorter than its header", readMp4, big<quint32>(1) + "mdat" + big<quint64>(8));
     row("an atom of 2^63 bytes", readMp4, free + big<quint32>(1) + "mdat" + big(quint64(1) << 63));
 }
 
@@ -148,7 +150,7 @@ void TestHostileFiles::boundsAreKept()
         QVERIFY2(u"Title"_s.startsWith(result.title), qPrintable(where));
         QVERIFY2(result.durationMs >= 0 && result.bitrateKbps >= 0, qPrintable(where));
         QVERIFY2(result.audioOffset >= 0 && result.audioLength >= 0, qPrintable(where));
-        QVERIFY2(device.largestRequest <= length, qPrintable(where));
+        QVERIFY2(device.largestRequest <= length && device.reads <= 16, qPrintable(where));
         // A last chunk may lack its pad byte, so one byte is granted.
         QVERIFY2(!ok || !result.audioRangeValid || result.audioOffset + result.audioLength <= length + 1,
                  qPrintable(where));
@@ -240,7 +242,9 @@ void TestHostileFiles::messages()
     ProbeResult result;
     QString error;
     QVERIFY(!probeFile(missing, result, &error));
-    QCOMPARE(error, u"Cannot open file: No such file or directory"_s);
+    QFile device(missing);
+    QVERIFY(!device.open(QIODevice::ReadOnly));
+    QCOMPARE(error, u"Cannot open file: "_s + device.errorString());
     error.clear();
     QVERIFY(!probeFile(wrong.fileName(), result, &error));
     QCOMPARE(error, u"Unrecognised or damaged FLAC container"_s);

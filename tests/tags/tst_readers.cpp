@@ -60,8 +60,10 @@ void addMpegRows()
     row("mp3", "a constant bit rate gives the duration", mpegAudio(1280000), "80000ms 128 44100x2 @0+1280000");
     row("mp3", "a tag and junk with a false sync are skipped", tag + falseSync + twoFrames,
         "52ms 128 44100x2 @1025+834");
-    row("mp3", "a tag footer counts", id3v2Tag(QByteArray(20, '\0'), 4, 0x10) + QByteArray(10, 'f') + twoFrames,
+    row("mp3", "a tag footer counts, though it could pass for a frame",
+        id3v2Tag(QByteArray(20, '\0'), 4, 0x10) + QByteArray("\xFF\xFB\0\0footer", 10) + twoFrames,
         "52ms 128 44100x2 @40+834");
+    row("mp3", "a tag of 3 MiB", id3v2Tag(QByteArray(3 << 20, '\0')) + twoFrames, "52ms 128 44100x2 @3145738+834");
     row("mp3", "a Xing frame is no payload and its frame count gives the duration",
         mpegVbrFrame(36, xing(1, 1000)) + mpegAudio(417000), "26122ms 127 44100x2 @417+417000");
     row("mp3", "a Xing byte count gives the bit rate", mpegVbrFrame(36, xing(3, 1000, 653050)) + twoFrames,
@@ -79,6 +81,8 @@ void addMpegRows()
     row("mp3", "a tag that leaves no payload fails", tag, "? 0ms 0 0x0");
     row("mp3", "an APE tag larger than the file fails", twoFrames + apeTag(16).last(32).replace(12, 4, "\1\1\1\1"),
         "? 0ms 0 0x0");
+    row("mp3", "a frame at the end of the first 256 KiB is found", QByteArray(262144 - 4, 'j') + twoFrames,
+        "52ms 128 44100x2 @262140+834");
     row("mp3", "no frame in the first 256 KiB fails", QByteArray(262144 - 3, 'j') + twoFrames, "? 0ms 0 0x0 @0+262975");
 }
 
@@ -89,8 +93,9 @@ void addFlacRows()
     row("flac", "the payload runs to the end, tags and all",
         "fLaC" + flacBlock(0, info) + flacBlock(6, QByteArray(500, 'p')) + tail + id3v1Tag("x", "y", 1, 1),
         "10000ms 16 44100x2 @557+20128");
-    row("flac", "fields of the largest size", "fLaC" + flacBlock(0, flacStreamInfo(0xFFFFF, 8, 0xFFFFFFFFF)) + tail,
-        "65536062ms 0 1048575x8 @53+20000");
+    row("flac", "fields of the largest size",
+        "fLaC" + flacBlock(0, flacStreamInfo(0xFFFFF, 8, 0xFFFFFFFFF).first(18)) + tail,
+        "65536062ms 0 1048575x8 @37+20000");
     row("flac", "a short STREAMINFO tells nothing", "fLaC" + flacBlock(0, info.left(17)) + tail, "0ms 0 0x0 @36+20000");
     row("flac", "a last block past the end leaves no payload",
         "fLaC" + flacBlock(0, info) + flacBlock(1, "padding", true).left(8), "10000ms 0 44100x2");
@@ -144,7 +149,9 @@ void addAiffRows()
         aiffFile(aiffCommon(60000, 441000, 60000, 0x400E, 0xAC44000000000000)), "10000ms 0 44100x60000");
     row("aiff", "a rate of 2^31 fails", aiffFile(aiffCommon(2, 9, 16, 0x401E, 0x8000000000000000)), "? 0ms 0 0x2");
     row("aiff", "a rate with the largest exponent fails", aiffFile(aiffCommon(2, 9, 16, 0x7FFF, 1)), "? 0ms 0 0x2");
-    row("aiff", "a rate that is not normalised", aiffFile(aiffCommon(1, 8000, 8, 16446 + 3, 1000)), "1000ms 64 8000x1");
+    row("aiff", "a rate below one fails", aiffFile(aiffCommon(2, 9, 16, 16446 - 64, 16000)), "? 0ms 0 0x2");
+    row("aiff", "a rate that is not normalised and has a sign",
+        aiffFile(aiffCommon(1, 8000, 8, 0x8000 | (16446 + 3), 1000)), "1000ms 64 8000x1");
     row("aiff", "without a common chunk it fails", aiffFile(sound), "? 0ms 0 0x0 @28+1000");
 }
 
@@ -192,13 +199,13 @@ void addTagRows()
     tags("mp3", "a later frame overwrites, an empty one does not",
          id3(id3v2Text("TIT2", "1") + id3v2Text("tit2", "2") + id3v2Text("TIT2", " ")), "2");
     tags("mp3", "UTF-16 keeps a last Latin letter",
-         id3(id3v2Frame("TIT2", "\1\xFF\xFE" + QByteArray("S\0o\0", 4) + unitZero)), "So");
+         id3(id3v2Frame("TIT2", "\1\xFF\xFE" + QByteArray("S\0o\0\0\0\0", 7))), "So");
     tags("mp3", "UTF-16 with its mark in the other order",
          id3(id3v2Frame("TIT2", "\1\xFE\xFF" + QByteArray("\0S\1\0", 4))), "SĀ");
     tags("mp3", "UTF-16 big-endian ends at a NUL", id3(id3v2Frame("TIT2", "\2" + QByteArray("\0S\0\0\0T", 6))), "S");
     tags("mp3", "UTF-8", id3(id3v2Frame("TIT2", "\3S\xC3\xA5ng")), "Sång");
-    tags("mp3", "a bracketed genre number", genre("(12)"), "Other");
-    tags("mp3", "a genre number with a text", genre("(17)Rap"), "Rock");
+    tags("mp3", "a bracketed genre number", genre("(83)"), "Swing");
+    tags("mp3", "a genre number with a text", genre("(0)Rap"), "Blues");
     tags("mp3", "a genre number beyond the list", genre("84"), "84");
     tags("mp3", "a bracketed number beyond the list", genre("(255)"), "(255)");
     tags("mp3", "a genre that is no number", genre("(RX)"), "(RX)");
@@ -207,6 +214,8 @@ void addTagRows()
     tags("mp3", "a wide comment whose descriptor's end is found at an odd place",
          comment("\1", QByteArray("\xFF\xFE\x41\0\0\0", 6) + "\xFF\xFE" + QByteArray("H\0i\0", 4)),
          "\uFF00\u48FE\u6900");
+    tags("mp3", "a big-endian comment", comment("\2", unitZero + QByteArray("\0H", 2)), "H");
+    tags("mp3", "a comment without a descriptor's end", comment("\3", "C"), "C");
     tags("mp3", "an extended header of version 4 counts itself",
          id3(syncsafe(3) + unitZero + id3v2Text("TIT2", "T", 4), 4, 0x40), "T");
     tags("mp3", "an extended header of version 3 does not",
@@ -215,6 +224,8 @@ void addTagRows()
          "1");
     tags("mp3", "ID3v1 fills what is empty", id3(id3v2Text("TIT2", "Long")) + id3v1Tag("Lo", " A ", 5, 17),
          "Long;A;Album;Rock;1999;5");
+    tags("mp3", "ID3v1 with a comment up to its end has no track",
+         twoFrames + id3v1Tag("T", "A", 5, 17).replace(125, 1, "c"), "T;A;Album;Rock;1999");
     tags("mp3", "ID3v1 with nothing in it", twoFrames + id3v1Tag("", "", 0, 255), "Album;1999");
     tags("mp3", "a file of 128 bytes has no ID3v1 tag", id3v1Tag("T", "A", 1, 1).replace(64, 64, mpegAudio(64)), "");
 
@@ -226,7 +237,7 @@ void addTagRows()
                 "TRACKNUMBER=3/12" }),
          "T=1;A;L;B;17;2004;C;3");
     tags("flac", "what is no comment or empty is skipped",
-         flac({ "TITLE=1", "=2", "TITLE", "TITLE= ", "ALBUM ARTIST=x", "TRACKNUMBER=x", "DESCRIPTION=D" }), "1;D");
+         flac({ "TITLE=1", "=2", "TITLE", "TITLE= ", "ALBUM ARTIST=x", "TRACKNUMBER=-3", "DESCRIPTION=D" }), "1;D");
     tags("flac", "a value ends at a NUL", flac({ QByteArray("TITLE=1\0x", 9) }), "1");
 
     // The picture spans pages; a page of another stream stands between them.
@@ -236,7 +247,11 @@ void addTagRows()
     tags("ogg", "a packet that continues on later pages is read whole", pages, "T");
     tags("ogg", "a page of another stream does not disturb it",
          pages.first(second) + oggPages({ "other" }, 0, 2) + pages.sliced(second), "T");
-    tags("ogg", "a packet that lost a page is none", pages.first(second) + pages.sliced(pages.lastIndexOf("OggS")), "");
+    const QByteArray other = oggPages({ "\x03vorbis" + vorbisComment({ "TITLE=New" }) }, 0);
+    tags("ogg", "a packet that is not continued is dropped", pages.first(second) + other, "New");
+    tags("ogg", "a page without segments does not end it",
+         pages.first(second) + oggPages({}, 0).replace(5, 1, "\1") + pages.sliced(second), "T");
+    tags("ogg", "only the first three packets are headers", pages + oggPages({ "setup" }, 0) + other, "T");
 
     const auto info = [](const QByteArray &items) {
         return waveFile(riffChunk("LIST", "INFO" + items) + riffChunk("data", "1234"));
@@ -252,14 +267,16 @@ void addTagRows()
          aiffFile(aiffCommon(1, 8000, 8, 0x400B, 0xFA00000000000000) + formChunk("NAME", "T\xE5 ")
                   + formChunk("AUTH", "A")),
          "Tå;A");
+    tags("aiff", "a size that counts a missing pad byte",
+         aiffFile(aiffCommon(1, 8000, 8, 0x400B, 0xFA00000000000000) + "NAME" + big<quint32>(2) + "T").chopped(1), "T");
 
     const auto mp4 = [](const QByteArray &items) { return movie(movieHeader(1, 1), items); };
     tags("m4a", "every item",
-         mp4(listItem("\251nam", "T\xC3\xA5") + listItem("\251ART", "A") + listItem("\251alb", "L")
+         mp4(listItem("\251nam", "T\xC3\xA5") + listItem("\251ART", "A") + listItem("\251alb", "Long album")
              + listItem("aART", "B") + listItem("covr", QByteArray(9000, 'p')) + listItem("\251gen", "G")
              + listItem("\251day", "2004-05-01") + listItem("\251cmt", "C")
-             + listItem("trkn", QByteArray("\0\0\0\3\0\14\0\0", 8))),
-         "Tå;A;L;B;G;2004;C;3");
+             + listItem("trkn", QByteArray("\0\0\0\3", 4))),
+         "Tå;A;Long album;B;G;2004;C;3");
     tags("m4a", "a genre number counts from 1", mp4(listItem("gnre", big<quint16>(18))), "Rock");
     tags("m4a", "genre number 0 changes nothing", mp4(listItem("\251gen", "G") + listItem("gnre", unitZero)), "G");
     tags("m4a", "a data atom's own size bounds the value",
@@ -316,17 +333,17 @@ void TestReaders::reads()
 void TestReaders::frameHeader_data()
 {
     QTest::addColumn<quint32>("word");
-    QTest::addColumn<QList<int>>("expected"); // layer, kbit/s, Hz, channels, bytes, samples; nothing when not valid
+    QTest::addColumn<QList<int>>("expected"); // layer, kbit/s, Hz, channels, bytes, samples, side bytes; or nothing
     const auto header = [](const char *name, quint32 word, const QList<int> &expected = {}) {
         QTest::newRow(name) << word << expected;
     };
-    header("MPEG 1 Layer I, padded by a slot of four bytes", 0xFFFF6600, { 1, 192, 48000, 2, 196, 384 });
-    header("MPEG 1 Layer II", 0xFFFDA4C0, { 2, 192, 48000, 1, 576, 1152 });
-    header("MPEG 1 Layer III, padded", 0xFFFB9240, { 3, 128, 44100, 2, 418, 1152 });
-    header("MPEG 2 Layer I", 0xFFF7E000, { 1, 256, 22050, 2, 556, 384 });
-    header("MPEG 2 Layer III", 0xFFF380C0, { 3, 64, 22050, 1, 208, 576 });
-    header("MPEG 2.5 Layer III", 0xFFE318C0, { 3, 8, 8000, 1, 72, 576 });
-    header("free format", 0xFFFB0000, { 3, 0, 44100, 2, 0, 1152 });
+    header("MPEG 1 Layer I, padded by a slot of four bytes", 0xFFFF6600, { 1, 192, 48000, 2, 196, 384, 32 });
+    header("MPEG 1 Layer II", 0xFFFDA4C0, { 2, 192, 48000, 1, 576, 1152, 17 });
+    header("MPEG 1 Layer III, padded", 0xFFFB9240, { 3, 128, 44100, 2, 418, 1152, 32 });
+    header("MPEG 2 Layer I", 0xFFF7E000, { 1, 256, 22050, 2, 556, 384, 17 });
+    header("MPEG 2 Layer III", 0xFFF380C0, { 3, 64, 22050, 1, 208, 576, 9 });
+    header("MPEG 2.5 Layer III", 0xFFE318C0, { 3, 8, 8000, 1, 72, 576, 9 });
+    header("free format", 0xFFFB0000, { 3, 0, 44100, 2, 0, 1152, 32 });
     header("reserved version", 0xFFEB9000);
     header("reserved layer", 0xFFF99000);
     header("bad bit rate", 0xFFFBF000);
@@ -338,7 +355,8 @@ void TestReaders::frameHeader()
 {
     QFETCH(quint32, word);
     const MpegFrameHeader h = parseMpegFrameHeader(big(word));
-    const QList<int> found { h.layer, h.bitrateKbps, h.sampleRate, h.channels, h.frameLength, h.samplesPerFrame };
+    const QList<int> found { h.layer,       h.bitrateKbps,     h.sampleRate,    h.channels,
+                             h.frameLength, h.samplesPerFrame, h.sideInfoLength };
     QTEST(h.valid ? found : QList<int>(), "expected");
 }
 

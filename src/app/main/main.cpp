@@ -12,12 +12,12 @@ using namespace Qt::StringLiterals;
 
 int main(int argc, char *argv[])
 {
-    QApplication application(argc, argv);
+    const QApplication application(argc, argv);
     epr::metadata::applyToApplication();
     epr::startup::loadResources();
     QApplication::setWindowIcon(QIcon(u":/icons/appicon.png"_s));
     epr::registerMetaTypes();
-    const epr::startup::Arguments arguments = epr::startup::processArguments(application);
+    const epr::startup::Arguments arguments = epr::startup::processArguments(QApplication::arguments());
     epr::startup::applyLook();
     epr::startup::createDataFolder();
 

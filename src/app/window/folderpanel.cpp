@@ -80,6 +80,11 @@ void FolderPanel::removeSelected()
     m_hint->setVisible(m_list->count() == 0);
 }
 
+QSize FolderPanel::sizeHint() const
+{
+    return { QGroupBox::sizeHint().width(), minimumSizeHint().height() };
+}
+
 void FolderPanel::dragEnterEvent(QDragEnterEvent *event)
 {
     if (!foldersIn(event->mimeData()).isEmpty())
@@ -102,6 +107,8 @@ void FolderPanel::createList(QAction *remove)
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setTextElideMode(Qt::ElideMiddle);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    constexpr int leastLines = 4;
+    m_list->setMinimumHeight(leastLines * m_list->fontMetrics().lineSpacing() + 2 * m_list->frameWidth());
     m_hint = new EmptyHint(m_list);
     m_hint->setText(tr("Drop folders with music here."));
     auto *deleteKey = new QShortcut(QKeySequence::Delete, m_list);
@@ -117,6 +124,7 @@ void FolderPanel::layOutWidgets(QAction *add, QAction *remove)
     buttons->addWidget(buttonFor(remove, tr("Remove"), this));
     buttons->addStretch();
     auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 4);
     layout->addWidget(m_list, 1);
     layout->addLayout(buttons);
 }

@@ -27,6 +27,8 @@ public:
     bool addFolder(const QString &path);
     void removeSelected();
 
+    [[nodiscard]] QSize sizeHint() const override; ///< as low as it may be: the results need the room
+
 Q_SIGNALS:
     void selectionChanged();
 

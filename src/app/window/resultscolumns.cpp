@@ -24,10 +24,10 @@ struct Share {
 
 // File names come with indentation and a check box before them, folders are the longest texts.
 constexpr std::array<Share, 4> shares { {
-    { ResultsModel::FileColumn, 34 },
+    { ResultsModel::FileColumn, 36 },
     { ResultsModel::ArtistColumn, 17 },
     { ResultsModel::TitleColumn, 21 },
-    { ResultsModel::FolderColumn, 28 },
+    { ResultsModel::FolderColumn, 26 },
 } };
 
 // The widest texts to be expected. A match label is not among them: it may run on over the empty cells of its row.

@@ -10,6 +10,12 @@
 
 namespace epr {
 
+// A little air between the lines: a result is read row by row.
+QSize ResultsDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
+}
+
 bool ResultsDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                                 const QModelIndex &index)
 {

@@ -52,7 +52,7 @@ void loadResources()
     initialiseResources();
 }
 
-Arguments processArguments(const QCoreApplication &application)
+Arguments processArguments(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(Startup::tr("Echoprune - find duplicate music in a station library."));
@@ -62,7 +62,7 @@ Arguments processArguments(const QCoreApplication &application)
                                   u"folder"_s);
     const QCommandLineOption autostart({ u"a"_s, u"autostart"_s }, Startup::tr("Begin scanning immediately."));
     parser.addOptions({ scan, autostart });
-    parser.process(application);
+    parser.process(arguments);
     return { parser.values(scan), parser.isSet(autostart) };
 }
 

@@ -4,8 +4,6 @@
 
 #include <QStringList>
 
-class QCoreApplication;
-
 /// The steps of the program's start that the entry point calls one after the other.
 namespace epr::startup {
 
@@ -17,8 +15,9 @@ struct Arguments {
 /// Makes the icons and the style sheet available under ":/icons" and ":/style".
 void loadResources();
 
-/// Parses the command line. Asked for help or the version, or given an unknown option, it ends the process.
-[[nodiscard]] Arguments processArguments(const QCoreApplication &application);
+/// Parses the command line, program name first. Asked for help or the version, or given an unknown option, it ends the
+/// process.
+[[nodiscard]] Arguments processArguments(const QStringList &arguments);
 
 /// Gives the application its colours and its style sheet; without the latter it goes on with the default look.
 void applyLook();
