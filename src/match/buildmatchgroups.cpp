@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "buildmatchgroups.h"
 
+#include "acousticmatch.h"
 #include "exactmatch.h"
 #include "grouping.h"
 #include "matchunion.h"
@@ -54,6 +55,8 @@ QList<MatchGroup> buildMatchGroups(const QList<TrackInfo> &tracks, const ScanOpt
         matchIdenticalFiles(tracks, sets, progress);
     if (options.detectSameAudio)
         matchAudioPayloads(tracks, sets, progress);
+    if (options.detectAcoustic && !cancelled())
+        matchAcoustic(tracks, options, cancelFlag, progress, sets);
     if (options.detectMetadata && !cancelled())
         matchMetadata(tracks, options.metadataTolerance, sets, progress);
     QList<MatchGroup> groups = groupSets(sets, tracks, options);

@@ -1,0 +1,207 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "postinglists.h"
+
+#include "acousticrules.h"
+#include "checkpoint.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <utility>
+
+namespace epr {
+
+namespace {
+
+constexpr const char *indexingText = QT_TRANSLATE_NOOP("QObject", "Indexing fingerprints");
+constexpr ProgressSlice indexingHalfWords { 0.0, 0.7, indexingText };
+constexpr ProgressSlice collectingWords { 0.0, 0.35, indexingText };
+constexpr ProgressSlice sortingWords { 0.35, 0.35, indexingText };
+constexpr qsizetype tracksPerReport = 2048;
+
+/// Visits the tracks with usable fingerprints in list order. False if cancelled.
+template <typename Visit>
+bool forEachUsable(const QList<TrackInfo> &tracks, const ProgressSlice &slice, const Checkpoint &checkpoint,
+                   Visit visit)
+{
+    for (qsizetype track = 0; track < tracks.size(); ++track) {
+        if (track % tracksPerReport == 0 && !checkpoint.pass(slice, track, tracks.size()))
+            return false;
+        if (hasUsableFingerprint(tracks[track]))
+            visit(static_cast<quint32>(track), Words(tracks[track].fingerprint));
+    }
+    return true;
+}
+
+/// Room for one list of limited length per half-word key. There are few enough keys to have a slot for each.
+class HalfWordTable final {
+public:
+    explicit HalfWordTable(qsizetype trackCount)
+        : m_maxLength(static_cast<std::size_t>(maxPostingLength(trackCount)))
+        , m_room(std::min(m_maxLength, static_cast<std::size_t>(trackCount)))
+        , m_entries(keyCount * m_room)
+        , m_slots(keyCount)
+    {
+    }
+
+    void addTrack(quint32 track, Words words)
+    {
+        const std::size_t step = std::max<std::size_t>(1, words.size() / sampledWords);
+        for (std::size_t i = 0; i < words.size(); i += step) {
+            add(words[i] & 0xFFFF, track);
+            add((words[i] >> 16) | highHalf, track);
+        }
+    }
+
+    /// Moves the lists that are neither too short nor too long together. The table is used up by that.
+    [[nodiscard]] PostingLists takeLists()
+    {
+        std::size_t end = 0;
+        for (std::size_t key = 0; key < keyCount; ++key) {
+            const std::size_t length = m_slots[key].length;
+            if (length < 2 || length > m_maxLength)
+                continue;
+            const auto list = m_entries.begin() + static_cast<std::ptrdiff_t>(key * m_room);
+            std::copy_n(list, length, m_entries.begin() + static_cast<std::ptrdiff_t>(end));
+            end += length;
+            m_entries[end - 1] |= PostingLists::endFlag;
+        }
+        m_entries.resize(end);
+        m_entries.shrink_to_fit();
+        return { std::move(m_entries) };
+    }
+
+private:
+    static constexpr std::size_t keyCount = 1U << 17;
+    static constexpr quint32 highHalf = 1U << 16; // keeps a high half apart from the equal low half
+    static constexpr std::size_t sampledWords = 400;
+
+    struct Slot {
+        quint32 length = 0; ///< one more than the maximum stands for any number of tracks
+        quint32 lastTrack = 0;
+    };
+
+    void add(quint32 key, quint32 track)
+    {
+        Slot &slot = m_slots[key];
+        if (slot.length > m_maxLength || (slot.length > 0 && slot.lastTrack == track))
+            return;
+        if (slot.length < m_maxLength)
+            m_entries[key * m_room + slot.length] = track;
+        ++slot.length;
+        slot.lastTrack = track;
+    }
+
+    std::size_t m_maxLength = 0;
+    std::size_t m_room = 0; ///< entries per key
+    std::vector<quint32> m_entries;
+    std::vector<Slot> m_slots;
+};
+
+using WordAndTrack = quint64; // word in the high half, so that these sort by word and then by track
+
+/// All words of all tracks. Sorting them takes a fifth of the memory of a hash table of lists, since nearly every word
+/// is one that no other track has.
+class SortedWords final {
+public:
+    [[nodiscard]] bool collect(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
+    {
+        for (const TrackInfo &track : tracks)
+            if (hasUsableFingerprint(track))
+                for (const quint32 word : track.fingerprint)
+                    ++m_ends[bucketOf(word)];
+        std::size_t total = 0;
+        for (std::size_t &end : m_ends)
+            total += std::exchange(end, total); // where the bucket begins; filling it moves this to its end
+        m_pairs.resize(total);
+        return forEachUsable(tracks, collectingWords, checkpoint, [this](quint32 track, Words words) {
+            for (const quint32 word : words)
+                m_pairs[m_ends[bucketOf(word)]++] = WordAndTrack(word) << 32 | track;
+        });
+    }
+
+    /// Sorts bucket by bucket: each fits into the processor's cache, and the sort can be cancelled between them.
+    [[nodiscard]] bool sort(const Checkpoint &checkpoint)
+    {
+        std::size_t begin = 0;
+        std::size_t nextReport = 0;
+        for (const std::size_t end : m_ends) {
+            if (begin >= nextReport) {
+                nextReport = begin + pairsPerReport;
+                if (!checkpoint.pass(sortingWords, static_cast<qint64>(begin), static_cast<qint64>(m_pairs.size())))
+                    return false;
+            }
+            std::sort(m_pairs.begin() + static_cast<std::ptrdiff_t>(begin),
+                      m_pairs.begin() + static_cast<std::ptrdiff_t>(end));
+            begin = end;
+        }
+        m_pairs.erase(std::unique(m_pairs.begin(), m_pairs.end()), m_pairs.end());
+        return true;
+    }
+
+    /// Visits, for each word, its pairs with the tracks that have it.
+    template <typename Visit> void forEachWord(Visit visit) const
+    {
+        for (auto begin = m_pairs.begin(); begin != m_pairs.end();) {
+            const auto end =
+                std::find_if(begin, m_pairs.end(), [begin](WordAndTrack pair) { return pair >> 32 != *begin >> 32; });
+            visit(std::span(begin, end));
+            begin = end;
+        }
+    }
+
+private:
+    static constexpr std::size_t bucketCount = 1U << 10;
+    static constexpr std::size_t pairsPerReport = 1U << 20;
+
+    static std::size_t bucketOf(quint32 word) { return word >> 22; }
+
+    std::vector<WordAndTrack> m_pairs;
+    std::array<std::size_t, bucketCount> m_ends {};
+};
+
+PostingLists sharedWords(const SortedWords &words, std::size_t maxLength)
+{
+    const auto isKept = [maxLength](std::size_t length) { return length >= 2 && length <= maxLength; };
+    std::size_t total = 0;
+    words.forEachWord([&](auto pairs) { total += isKept(pairs.size()) ? pairs.size() : 0; });
+    PostingLists lists;
+    lists.entries.reserve(total);
+    words.forEachWord([&](auto pairs) {
+        if (!isKept(pairs.size()))
+            return;
+        for (const WordAndTrack pair : pairs)
+            lists.entries.push_back(static_cast<quint32>(pair));
+        lists.entries.back() |= PostingLists::endFlag;
+    });
+    return lists;
+}
+
+} // namespace
+
+qsizetype maxPostingLength(qsizetype trackCount)
+{
+    constexpr double share = 0.02;
+    return std::clamp<qsizetype>(static_cast<qsizetype>(static_cast<double>(trackCount) * share), 64, 256);
+}
+
+PostingLists halfWordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
+{
+    HalfWordTable table(tracks.size());
+    const bool complete = forEachUsable(tracks, indexingHalfWords, checkpoint,
+                                        [&table](quint32 track, Words words) { table.addTrack(track, words); });
+    return complete ? table.takeLists() : PostingLists();
+}
+
+PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
+{
+    SortedWords words;
+    if (!words.collect(tracks, checkpoint) || !words.sort(checkpoint))
+        return {};
+    return sharedWords(words, static_cast<std::size_t>(maxPostingLength(tracks.size())));
+}
+
+} // namespace epr
