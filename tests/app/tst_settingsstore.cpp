@@ -5,7 +5,6 @@
 #include "temporarylibrary.h"
 
 #include <QTest>
-#include <QThread>
 
 using namespace epr;
 using namespace Qt::StringLiterals;
@@ -72,15 +71,6 @@ private Q_SLOTS:
         QCOMPARE(store.loadScanOptions(), expected);
         QVERIFY(store.showPlayer() && store.linkDecks() && store.checkForUpdatesOnStartup());
         QVERIFY(store.folders().isEmpty() && store.quarantineRoot().endsWith("/Echoprune Quarantine"_L1));
-    }
-
-    void defaultThreads()
-    {
-        QList<qint32> threads;
-        for (const int processors : { 1, 5, 12, 16, 64 })
-            threads.append(defaultDecoderThreads(processors));
-        QCOMPARE(threads, (QList<qint32> { 2, 2, 6, 8, 8 }));
-        QCOMPARE(SettingsStore().loadScanOptions().decoderThreads, defaultDecoderThreads(QThread::idealThreadCount()));
     }
 
 private:

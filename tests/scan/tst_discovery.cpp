@@ -6,12 +6,6 @@
 
 #include <QTest>
 
-#include <fstream>
-
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#endif
-
 using namespace epr;
 using namespace epr::test;
 using namespace Qt::StringLiterals;
@@ -28,7 +22,6 @@ private Q_SLOTS:
         QVERIFY2(!isExcluded(u"D:/Music/x.tmp.mp3"_s, words("*.tmp.mp3")), "a star stays in its folder");
         QVERIFY2(isExcluded(u"D:/Music/x.tmp.mp3"_s, words("*/*/x.tmp.mp3")), "one star for each folder");
         QVERIFY2(!isExcluded(u"a1xmp3"_s, words("a[!0-9]xmp3 a1.mp3")), "a negated set, and a dot is a dot");
-        QVERIFY2(!isExcluded(u"  "_s, { u"  "_s, QString() }), "blank patterns are none");
         QVERIFY2(isExcluded(u"a.mp3"_s, words("[b-a] ?.mp3")), "a broken pattern does not stop the rest");
     }
 
@@ -107,25 +100,6 @@ private Q_SLOTS:
         QCOMPARE(discover(options, cancelFlag, report).size(), 1);
         QCOMPARE(reports, words("1a 1"));
     }
-
-#ifdef Q_OS_UNIX
-    void pipesAndUndecodableNames()
-    {
-        const QTemporaryDir folder;
-        const QByteArray base = QFile::encodeName(folder.path()) + '/';
-        for (const char *name : { "caf\xe9.MP3", "caf\xe9.txt", ".caf\xe9.mp3" }) // Latin-1
-            QVERIFY(std::ofstream((base + name).constData()).is_open());
-        QVERIFY(mkfifo((base + "pipe.mp3").constData(), 0600) == 0);
-        ScanOptions options;
-        options.minBytes = 0;
-        options.roots = QStringList { folder.path(), folder.filePath(u"."_s) };
-        int undecodable = -1;
-        QCOMPARE(discover(options, 0, {}, &undecodable), QStringList());
-        QCOMPARE(undecodable, 1); // the wanted one, once
-        for (const char *name : { "caf\xe9.MP3", "caf\xe9.txt", ".caf\xe9.mp3" }) // the toolkit cannot
-            QVERIFY(std::remove((base + name).constData()) == 0);
-    }
-#endif
 };
 
 QTEST_GUILESS_MAIN(TestDiscovery)
