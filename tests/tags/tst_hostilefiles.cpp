@@ -6,16 +6,10 @@
 #include "mp4reader.h"
 #include "mpegreader.h"
 #include "oggreader.h"
-#include "probe.h"
+#include "proberesult.h"
 #include "wavereader.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
-
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#endif
 
 using namespace Qt::StringLiterals;
 using namespace epr;
@@ -155,24 +149,6 @@ private Q_SLOTS:
         QVERIFY(readMpeg(mp3, result));
         QCOMPARE(result.audioLength, fiveGiB + 262144);
         QCOMPARE(result.durationMs, result.audioLength * 8 / 128);
-    }
-
-    void unreadableFilesSayWhy()
-    {
-        const QTemporaryDir folder;
-        QFile wrong(folder.filePath(u"wrong.Flac"_s));
-        QVERIFY(wrong.open(QIODevice::WriteOnly) && wrong.write("text") == 4);
-        ProbeResult result;
-        QString error;
-        QVERIFY(!probeFile(wrong.fileName(), result, &error));
-        QCOMPARE(error, u"Unrecognised or damaged FLAC container"_s);
-        const QString pipe = folder.filePath(u"pipe.mp3"_s);
-#ifdef Q_OS_UNIX
-        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0); // opening it would never return
-#endif
-        error.clear();
-        QVERIFY(!probeFile(pipe, result, &error));
-        QVERIFY2(error.startsWith("Cannot open file: "_L1), qPrintable(error));
     }
 };
 

@@ -47,10 +47,8 @@ const QByteArray twoFrames = mpegAudio(834);
 
 void addMpegRows()
 {
-    const QByteArray tag = id3v2Tag(text("TIT2", "Song"));
     const auto xing = [](quint32 frames, quint32 bytes) { return "Xing" + big(3) + big(frames) + big(bytes); };
     const auto vbrFrame = [](const QByteArray &header) { return mpegAudio(417).replace(36, header.size(), header); };
-    const QByteArray v1 = id3v1Tag("Song", "Artist", 1, 17);
     QByteArray falseSync(1000, 'j');
     falseSync.replace(500, 4, QByteArray("\xFF\xFB\x90\x00", 4));
     const QByteArray mono22k = QByteArray("\xFF\xF3\x80\xC0", 4) + QByteArray(9, '\0') + xing(100, 20000);
@@ -58,15 +56,15 @@ void addMpegRows()
     row("mp3", "MPEG 1 Layer I, padded", two(0xFFFF6600, 196), "16ms 192 48000x2 @0+392");
     row("mp3", "MPEG 1 Layer II", two(0xFFFDA4C0, 576), "48ms 192 48000x1 @0+1152");
     row("mp3", "MPEG 1 Layer III, padded", two(0xFFFB9240, 418), "52ms 128 44100x2 @0+836");
-    row("mp3", "MPEG 2 Layer I", two(0xFFF7E000, 556), "34ms 256 22050x2 @0+1112");
     row("mp3", "MPEG 2.5 Layer III", two(0xFFE318C0, 72), "144ms 8 8000x1 @0+144");
-    row("mp3", "a tag and a false sync", tag + falseSync + twoFrames, "52ms 128 44100x2 @1025+834");
+    row("mp3", "a tag and a false sync", id3v2Tag(text("TIT2", "Song")) + falseSync + twoFrames,
+        "52ms 128 44100x2 @1025+834");
     row("mp3", "Xing counts", vbrFrame(xing(1000, 653050)) + twoFrames, "26122ms 200 44100x2 @417+834");
     row("mp3", "VBRI counts",
         vbrFrame("VBRI" + QByteArray(6, '\0') + big<quint32>(653050) + big<quint32>(1000)) + twoFrames,
         "26122ms 200 44100x2 @417+834");
     row("mp3", "MPEG 2 mono", mono22k.leftJustified(208, '\0') + twoFrames, "2612ms 61 22050x1 @208+834");
-    row("mp3", "APE tag", tag + twoFrames + apeTag(20) + v1, "52ms 128 44100x2 @25+834");
+    row("mp3", "APE tag", twoFrames + apeTag(20) + id3v1Tag("T", "A", 1, 1), "52ms 128 44100x2 @0+834");
     row("mp3", "APE tag with flags misplaced", twoFrames + apeTag(16), "52ms 128 44100x2 @0+834");
     row("mp3", "huge APE tag", twoFrames + apeTag(16).last(32).replace(12, 4, "\1\1\1\1"), "? 0ms 0 0x0");
     row("mp3", "no frame in 256 KiB", QByteArray(262144 - 3, 'j') + twoFrames, "? 0ms 0 0x0 @0+262975");
@@ -84,12 +82,6 @@ void addXiphRows()
     const QByteArray vorbis = oggPages({ vorbisIdentification(2, 44100) }, 0);
     row("ogg", "Vorbis", vorbis + oggPages({ comment, QByteArray(20000, 'a') }, 441000), "10000ms 16 44100x2");
     row("ogg", "no last granule", vorbis + oggPages({ "audio" }, ~quint64(0)), "0ms 0 44100x2");
-
-    row("opus", "Opus",
-        oggPages(
-            { "OpusHead\1\2\x38\1" + little(44100) + QByteArray(3, '\0'), "OpusTags" + vorbisComment({}), "audio" },
-            480000),
-        "10000ms 0 44100x2");
 }
 
 void addChunkRows()
@@ -116,7 +108,6 @@ void addMp4Rows()
     const QByteArray media = atom("mdat", QByteArray(20000, 'm'));
     row("m4a", "moov last", media + movie(header, {}), "10000ms 16 0x2 @8+20000");
     row("m4a", "64-bit movie header", atom("moov", wideHeader), "10000ms 0 0x2");
-    row("m4a", "last media data", media + big<quint32>(1) + "mdat" + big<quint64>(19) + "123", "0ms 0 0x2 @20024+3");
     row("m4a", "size 0", atom("free", "x") + big<quint32>(0) + "mdat12345", "0ms 0 0x2 @17+5");
 }
 
@@ -217,9 +208,10 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
         file.close();
         ProbeResult result;
-        const bool ok = probeFile(file.fileName(), result);
+        QString error;
+        const bool ok = probeFile(file.fileName(), result, &error);
         QTEST(isTags ? describeTags(result) : describeAudio(ok, result), "expected");
-        QVERIFY(ok || !isTags);
+        QVERIFY(ok ? error.isEmpty() : !isTags && error.startsWith("Unrecognised or damaged "_L1));
     }
 
 private:
