@@ -31,11 +31,11 @@ bool isTool(const QString &path)
 
 QString findTool(const char *variable, const QStringList &candidates, const QString &name)
 {
-    const QString chosen = qEnvironmentVariable(variable);
+    QString chosen = qEnvironmentVariable(variable);
     if (!chosen.isEmpty() && isTool(chosen))
         return chosen;
     for (const QString &candidate : candidates) {
-        const QString path = QCoreApplication::applicationDirPath() + u'/' + candidate;
+        QString path = QCoreApplication::applicationDirPath() + u'/' + candidate;
         if (isTool(path))
             return path;
     }

@@ -9,7 +9,7 @@
 #include <atomic>
 #include <vector>
 
-class QEventLoop;
+class QThread;
 
 namespace epr {
 
