@@ -178,7 +178,7 @@ private Q_SLOTS:
         QTest::newRow("while folders are read") << u"Scanning folders"_s << 1;
         QTest::newRow("while the cache is checked") << u"Checking cache"_s << 2;
         QTest::newRow("while tags are read") << u"Reading tags and hashing"_s << 3;
-        QTest::newRow("too late") << u"Grouping complete"_s << 7;
+        QTest::newRow("too late") << u"Grouping complete"_s << 8;
     }
 
     void cancels()
@@ -191,7 +191,7 @@ private Q_SLOTS:
                 controller.cancel();
         });
         QVERIFY(outcome.finishes == 1 && outcome.phases.size() == phases);
-        QCOMPARE(outcome.cancelled, phases < 7);
+        QCOMPARE(outcome.cancelled, phases < 8);
         QCOMPARE(outcome.groups.isEmpty(), outcome.cancelled);
         QVERIFY2(scan(controller, m_options).groups.size() == 1, "the next scan starts afresh");
     }
