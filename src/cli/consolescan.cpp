@@ -36,7 +36,7 @@ public:
     void setProgress(int done, int total, const QString &detail)
     {
         const QString percent = total > 0 ? u" %1 %"_s.arg(100LL * done / total) : QString();
-        show(m_phase + percent + u": "_s + detail, false);
+        show(m_phase + percent + (detail == m_phase ? QString() : u": "_s + detail), false);
     }
 
     void clear() { show({}, true); }
@@ -102,6 +102,8 @@ ConsoleScanResult runConsoleScan(const ScanOptions &options, bool verbose)
 
     const InterruptGuard guard(controller);
     controller.start(options);
+    // Groups that lack a method must not pass for the whole answer, least of all when there are none.
+    result.cancelled = result.cancelled || guard.wasInterrupted();
     status.clear();
     return result;
 }

@@ -12,12 +12,15 @@ namespace epr {
 namespace {
 
 std::atomic<ScanController *> activeController { nullptr };
-static_assert(std::atomic<ScanController *>::is_always_lock_free, "a signal handler must not wait for a lock");
+std::atomic<bool> interrupted { false };
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<ScanController *>::is_always_lock_free,
+              "a signal handler must not wait for a lock");
 
-// cancel() only stores into an atomic, which is one of the few things that a signal handler may do.
+// Both only store into an atomic, which is one of the few things that a signal handler may do.
 extern "C" void onInterrupt(int signalNumber)
 {
     std::signal(signalNumber, SIG_DFL);
+    interrupted = true;
     if (ScanController *controller = activeController.load())
         controller->cancel();
 }
@@ -26,6 +29,7 @@ extern "C" void onInterrupt(int signalNumber)
 
 InterruptGuard::InterruptGuard(ScanController &controller)
 {
+    interrupted = false;
     activeController = &controller;
     std::signal(SIGINT, onInterrupt);
     std::signal(SIGTERM, onInterrupt);
@@ -36,6 +40,11 @@ InterruptGuard::~InterruptGuard()
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
     activeController = nullptr;
+}
+
+bool InterruptGuard::wasInterrupted() const
+{
+    return interrupted;
 }
 
 } // namespace epr

@@ -13,6 +13,9 @@ public:
     explicit InterruptGuard(ScanController &controller);
     ~InterruptGuard();
 
+    /// Whether a request came, however late: the controller itself takes no notice of one while it groups.
+    [[nodiscard]] bool wasInterrupted() const;
+
     InterruptGuard(const InterruptGuard &) = delete;
     InterruptGuard &operator=(const InterruptGuard &) = delete;
 };

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "displaytext.h"
-#include "matchtype.h"
 
 #include <QTest>
 
@@ -34,24 +33,6 @@ private Q_SLOTS:
         track.channels = 1;
         track.sampleRate = 0;
         QCOMPARE(epr::qualityText(track), u"320 kbps, mono"_s);
-    }
-
-    void namesFallBack()
-    {
-        epr::TrackInfo track;
-        track.fileName = u"a.b.mp3"_s;
-        QCOMPARE(epr::displayTitle(track), u"a.b"_s);
-        QCOMPARE(epr::displayArtist(track), u"(unknown artist)"_s);
-        track.albumArtist = u"Various"_s;
-        QCOMPARE(epr::displayArtist(track), u"Various"_s);
-        track.artist = u"Abba"_s;
-        QCOMPARE(epr::displayArtist(track), u"Abba"_s);
-    }
-
-    void strayMatchTypesAreUnmatched()
-    {
-        for (const int stray : { -1, 4 })
-            QCOMPARE(epr::matchTypeLabel(epr::MatchType(stray)), u"Unmatched"_s);
     }
 };
 

@@ -4,12 +4,10 @@
 
 #include "analysiscache.h"
 #include "discovery.h"
-#include "testfiles.h"
+#include "temporarylibrary.h"
 
-#include <QDataStream>
 #include <QSignalSpy>
 #include <QTest>
-#include <QThread>
 
 #include <functional>
 
@@ -18,22 +16,6 @@ using namespace epr::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A mono WAVE file of 8-bit samples at 8000 Hz, all the same; the tail follows the sample data.
-QByteArray waveFile(int seconds, char sample, const QByteArray &tail = {})
-{
-    const QByteArray samples(qsizetype { 8000 } * seconds, sample);
-    QByteArray header;
-    QDataStream out(&header, QIODevice::WriteOnly);
-    out.setByteOrder(QDataStream::LittleEndian);
-    out.writeRawData("RIFF", 4);
-    out << quint32(36 + samples.size() + tail.size());
-    out.writeRawData("WAVEfmt ", 8);
-    out << quint32(16) << quint16(1) << quint16(1) << quint32(8000) << quint32(8000) << quint16(1) << quint16(8);
-    out.writeRawData("data", 4);
-    out << quint32(samples.size());
-    return header + samples + tail;
-}
 
 // What a scan reported.
 struct Outcome {
@@ -46,9 +28,11 @@ struct Outcome {
 
     [[nodiscard]] TrackInfo track(QLatin1StringView fileName) const
     {
-        const auto found = std::find_if(tracks.cbegin(), tracks.cend(),
-                                        [&](const TrackInfo &track) { return track.fileName == fileName; });
-        return found == tracks.cend() ? TrackInfo() : *found;
+        for (const TrackInfo &track : tracks) {
+            if (track.fileName == fileName)
+                return track;
+        }
+        return {};
     }
 };
 
@@ -69,7 +53,7 @@ Outcome scan(ScanController &controller, const ScanOptions &options,
                          outcome.tracks = tracks;
                          outcome.groups = groups;
                          outcome.cancelled = cancelled;
-                         outcome.finishes += controller.isRunning() ? 100 : 1;
+                         ++outcome.finishes;
                      });
     controller.start(options);
     return outcome;
@@ -83,15 +67,15 @@ class TestScanController : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_data.emplace();
+        m_home.emplace();
         m_options = ScanOptions();
         m_options.roots = QStringList { path(QString()) };
         m_options.minBytes = 0;
-        writeFile(path(u"one.wav"_s), waveFile(6, 1));
-        writeFile(path(u"x/copy.wav"_s), waveFile(6, 1));
-        writeFile(path(u"x/tagged.wav"_s), waveFile(6, 1, QByteArray("note\4\0\0\0abcd", 12)));
-        writeFile(path(u"other.wav"_s), waveFile(6, 2));
-        writeFile(path(u"short.wav"_s), waveFile(2, 1));
+        writeFile(path(u"one.wav"_s), waveOf(1));
+        writeFile(path(u"x/copy.wav"_s), waveOf(1));
+        writeFile(path(u"x/tagged.wav"_s), waveOf(1, 6, QByteArray("note\4\0\0\0abcd", 12)));
+        writeFile(path(u"other.wav"_s), waveOf(2));
+        writeFile(path(u"short.wav"_s), waveOf(1, 2));
     }
 
     void findsDuplicates()
@@ -117,10 +101,8 @@ private Q_SLOTS:
         const TrackInfo tagged = outcome.track("tagged.wav"_L1);
         QVERIFY(tagged.analysed && tagged.durationMs == 6000 && tagged.fullHash.size() == 64);
         QCOMPARE(tagged.audioHash, outcome.track("copy.wav"_L1).audioHash);
-        QCOMPARE(outcome.log,
-                 (QStringList { u"Analysis cache: 0 entries at %1"_s.arg(AnalysisCache::defaultFilePath()),
-                                u"Discovered 6 audio files."_s, u"Skipped 1 file(s) shorter than 5 seconds."_s,
-                                u"Found 1 duplicate group(s); 0.1 MB could be reclaimed."_s }));
+        QVERIFY(outcome.log.contains(u"Skipped 1 file(s) shorter than 5 seconds."_s));
+        QCOMPARE(outcome.log.last(), u"Found 1 duplicate group(s); 0.1 MB could be reclaimed."_s);
     }
 
     // Every file but a touched one gets other content under its size and time: reading it would show.
@@ -130,17 +112,16 @@ private Q_SLOTS:
         Outcome first = scan(controller, m_options);
         for (const QString &name : discover(m_options, 0)) {
             const QFileInfo before(name);
-            const QDateTime time = before.lastModified();
             const bool touched = before.fileName() == "other.wav"_L1;
+            const QDateTime time = before.lastModified().addDays(touched ? -1 : 0);
             if (!touched)
                 writeFile(name, QByteArray(before.size(), 'x'));
             QFile file(name);
-            QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(file.setFileTime(touched ? time.addDays(-1) : time, QFileDevice::FileModificationTime));
+            QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime));
         }
         for (TrackInfo &track : first.tracks) {
             const bool touched = track.fileName == "other.wav"_L1;
-            track.mtime = touched ? track.mtime.addDays(-1) : track.mtime;
+            track.mtime = track.mtime.addDays(touched ? -1 : 0);
             track.flags = touched ? 0 : quint64(TrackFromCache);
         }
         const Outcome second = scan(controller, m_options);
@@ -155,44 +136,27 @@ private Q_SLOTS:
     {
         ScanController controller;
         m_options.detectSameAudio = false;
-        TrackInfo other = scan(controller, m_options).track("other.wav"_L1);
+        const TrackInfo other = scan(controller, m_options).track("other.wav"_L1);
         QVERIFY(other.analysed && other.audioHash.isEmpty());
-        other.fingerprint = other.fingerprintMask = QList<quint32> { 1, 2, 3 };
-        AnalysisCache cache;
-        QVERIFY(cache.open());
-        cache.store(other, 0);
-
         m_options.detectSameAudio = true;
         m_options.detectIdentical = false; // a digest that is not asked for is not thrown away
-        const Outcome second = scan(controller, m_options);
-        QCOMPARE(second.groups.value(0).members.size(), 3);
-        QCOMPARE(second.track("other.wav"_L1).fingerprint, other.fingerprint);
+        QCOMPARE(scan(controller, m_options).groups.value(0).members.size(), 3);
         m_options.detectIdentical = true;
         QVERIFY(scan(controller, m_options).log.contains(u"Reused 5 cached analysis results."_s));
     }
 
-    void cancels_data()
-    {
-        QTest::addColumn<QString>("phase");
-        QTest::addColumn<int>("phases");
-        QTest::newRow("while folders are read") << u"Scanning folders"_s << 1;
-        QTest::newRow("while the cache is checked") << u"Checking cache"_s << 2;
-        QTest::newRow("while tags are read") << u"Reading tags and hashing"_s << 3;
-        QTest::newRow("too late") << u"Grouping complete"_s << 8;
-    }
-
     void cancels()
     {
-        QFETCH(QString, phase);
-        QFETCH(int, phases);
+        const QStringList phases { u"Scanning folders"_s, u"Checking cache"_s, u"Reading tags and hashing"_s };
         ScanController controller;
-        const Outcome outcome = scan(controller, m_options, [&](const QString &now) {
-            if (now == phase)
-                controller.cancel();
-        });
-        QVERIFY(outcome.finishes == 1 && outcome.phases.size() == phases);
-        QCOMPARE(outcome.cancelled, phases < 8);
-        QCOMPARE(outcome.groups.isEmpty(), outcome.cancelled);
+        for (const QString &phase : phases) {
+            const Outcome outcome = scan(controller, m_options, [&](const QString &now) {
+                if (now == phase)
+                    controller.cancel();
+            });
+            QVERIFY(outcome.cancelled && outcome.finishes == 1 && outcome.groups.isEmpty());
+            QCOMPARE(outcome.phases, phases.first(phases.indexOf(phase) + 1));
+        }
         QVERIFY2(scan(controller, m_options).groups.size() == 1, "the next scan starts afresh");
     }
 
@@ -203,7 +167,7 @@ private Q_SLOTS:
         m_options.roots = QStringList { path(u"big"_s) };
         for (int i = 0; i < files; ++i) {
             const QString name = path(u"big/%1.wav"_s.arg(i));
-            writeFile(name, waveFile(6, 1));
+            writeFile(name, waveOf(1));
             QVERIFY(QFile::resize(name, 128 * 1024 * 1024));
         }
         ScanController controller;
@@ -215,63 +179,49 @@ private Q_SLOTS:
         QVERIFY(outcome.cancelled && !outcome.tracks.isEmpty() && outcome.tracks.size() < files);
         AnalysisCache cache;
         QVERIFY(cache.open() && cache.count() == outcome.tracks.size());
-        for (const TrackInfo &track : outcome.tracks)
-            QVERIFY(track.analysed && track.fullHash.size() == 64);
     }
 
-    void fileChangesDuringTheScan_data()
+    void filesChangeDuringTheScan()
     {
-        QTest::addColumn<QString>("phase");
-        QTest::addColumn<bool>("removed");
-        QTest::newRow("removed before it was measured") << u"Checking cache"_s << true;
-        QTest::newRow("removed before it was read") << u"Reading tags and hashing"_s << true;
-        QTest::newRow("rewritten") << u"Reading tags and hashing"_s << false;
-    }
-
-    void fileChangesDuringTheScan()
-    {
-        QFETCH(QString, phase);
-        QFETCH(bool, removed);
         ScanController controller;
-        const Outcome outcome = scan(controller, m_options, [&](const QString &now) {
-            if (now == phase && removed)
-                QFile::remove(path(u"one.wav"_s));
-            else if (now == phase)
-                writeFile(path(u"one.wav"_s), waveFile(7, 1));
+        const Outcome outcome = scan(controller, m_options, [&](const QString &phase) {
+            if (phase == "Checking cache"_L1)
+                QFile::remove(path(u"other.wav"_s));
+            if (phase != "Reading tags and hashing"_L1)
+                return;
+            QFile::remove(path(u"one.wav"_s));
+            writeFile(path(u"x/copy.wav"_s), waveOf(1, 7));
         });
-        const TrackInfo track = outcome.track("one.wav"_L1);
-        QVERIFY(track.error.contains(removed ? "vanished"_L1 : "changed"_L1));
-        QVERIFY(!track.analysed && track.fullHash.isEmpty() && track.audioHash.isEmpty());
-        QCOMPARE(outcome.groups.value(0).members.size(), 2);
+        const TrackInfo removed = outcome.track("one.wav"_L1);
+        const TrackInfo rewritten = outcome.track("copy.wav"_L1);
+        QVERIFY(outcome.track("other.wav"_L1).error.contains("vanished"_L1));
+        QVERIFY(removed.error.contains("vanished"_L1) && rewritten.error.contains("changed"_L1));
+        QVERIFY(!removed.analysed && !rewritten.analysed);
+        QVERIFY((removed.fullHash + removed.audioHash + rewritten.fullHash + rewritten.audioHash).isEmpty());
         AnalysisCache cache;
-        QVERIFY(cache.open() && cache.count() == 4);
+        QVERIFY(cache.open() && cache.count() == 2);
     }
 
     void carriesOnWhateverIsSet()
     {
-        const QByteArray content = QByteArray("no database ").repeated(1000);
-        writeFile(AnalysisCache::defaultFilePath(), content);
+        const QByteArray damaged = QByteArray("no database ").repeated(1000);
+        writeFile(AnalysisCache::defaultFilePath(), damaged);
         m_options.decoderThreads = m_options.durationTolerance = m_options.metadataTolerance = -3;
         m_options.fingerprintSeconds = 0;
         m_options.keeperPolicy = 99;
         m_options.minBytes = m_options.minDurationMs = -5000;
         m_options.detectMetadata = true;
         ScanController controller;
-        Outcome outcome = scan(controller, m_options);
+        const Outcome outcome = scan(controller, m_options);
         QVERIFY(outcome.log.value(0).startsWith("Analysis cache unavailable ("_L1));
-        QCOMPARE(readFile(AnalysisCache::defaultFilePath()), content);
+        QCOMPARE(readFile(AnalysisCache::defaultFilePath()), damaged);
         QVERIFY(outcome.tracks.size() == 5 && outcome.groups.size() == 1);
-
-        QVERIFY(QDir(path(QString())).removeRecursively() && QDir().mkpath(path(QString())));
-        outcome = scan(controller, m_options);
-        QVERIFY(outcome.finishes == 1 && !outcome.cancelled && outcome.tracks.isEmpty());
-        QCOMPARE(outcome.log.last(), u"No audio files matched the current filters."_s);
     }
 
 private:
-    [[nodiscard]] QString path(const QString &name) const { return m_data->filePath(u"library/"_s + name); }
+    [[nodiscard]] QString path(const QString &name) const { return m_home->filePath(u"library/"_s + name); }
 
-    std::optional<DataFolder> m_data;
+    std::optional<TemporaryHome> m_home;
     ScanOptions m_options;
 };
 

@@ -61,7 +61,8 @@ void ScanStrip::setProgress(int done, int total, const QString &detail)
 {
     m_bar->setRange(0, qMax(total, 0));
     m_bar->setValue(done);
-    showStatus(m_phase.isEmpty() || detail.isEmpty() ? m_phase + detail : tr("%1 - %2").arg(m_phase, detail));
+    const bool isPhaseOnly = detail.isEmpty() || detail == m_phase;
+    showStatus(m_phase.isEmpty() ? detail : isPhaseOnly ? m_phase : tr("%1 - %2").arg(m_phase, detail));
 }
 
 } // namespace epr

@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCoreApplication>
+#include <QDataStream>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+namespace epr::test {
+
+/// A temporary folder that holds the settings and the data of this process, and of those it starts, as long as it
+/// lives. Only the settings follow it on Windows, where the data goes to a place that is emptied instead.
+struct TemporaryHome : QTemporaryDir {
+    TemporaryHome()
+    {
+        QSettings::setDefaultFormat(QSettings::IniFormat); // the registry is left alone
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, filePath(QStringLiteral("config")));
+#ifdef Q_OS_UNIX
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(filePath(QStringLiteral("config"))));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(filePath(QStringLiteral("data"))));
+#else
+        QStandardPaths::setTestModeEnabled(true);
+        if (QCoreApplication::instance()) // whose name is in the path
+            QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).removeRecursively();
+#endif
+    }
+};
+
+/// Replaces the file, and makes its folder.
+inline void writeFile(const QString &path, const QByteArray &content)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("Cannot write %ls", qUtf16Printable(path));
+}
+
+inline QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Mono, 8-bit samples at 8000 Hz that are all the same; the tail follows the sample data.
+inline QByteArray waveOf(char sample, int seconds = 6, const QByteArray &tail = {})
+{
+    const QByteArray samples(qsizetype { 8000 } * seconds, sample);
+    QByteArray header;
+    QDataStream out(&header, QIODevice::WriteOnly);
+    out.setByteOrder(QDataStream::LittleEndian);
+    out.writeRawData("RIFF", 4);
+    out << quint32(36 + samples.size() + tail.size());
+    out.writeRawData("WAVEfmt ", 8);
+    out << quint32(16) << quint16(1) << quint16(1) << quint32(8000) << quint32(8000) << quint16(1) << quint16(8);
+    out.writeRawData("data", 4);
+    out << quint32(samples.size());
+    return header + samples + tail;
+}
+
+/// A list written as words.
+inline QStringList words(const QByteArray &text)
+{
+    return QString::fromUtf8(text).split(u' ', Qt::SkipEmptyParts);
+}
+
+} // namespace epr::test
