@@ -91,6 +91,8 @@ void matchAcoustic(const QList<TrackInfo> &tracks, const ScanOptions &options, c
     const Checkpoint checkpoint(cancelFlag, progress);
     const AcousticRules rules = acousticRules(options);
     PostingLists lists = rules.chromaprint ? wordPostings(tracks, checkpoint) : halfWordPostings(tracks, checkpoint);
+    if (lists.entries.empty())
+        return;
     CandidateRows rows(std::move(lists), tracks.size(), rules.minSharedKeys);
     const CandidateCount count = countCandidates(rows, checkpoint);
     Comparison comparison(tracks, options, unions);
