@@ -4,6 +4,7 @@
 #include "consolescan.h"
 #include "metadata.h"
 #include "metatypes.h"
+#include "qtdecoder.h"
 #include "settingsstore.h"
 #include "terminal.h"
 #include "textreport.h"
@@ -50,6 +51,7 @@ int scan(const CliRequest &request)
 
 int main(int argc, char *argv[])
 {
+    preferFfmpegMediaBackend();
     const QCoreApplication app(argc, argv);
     metadata::applyToApplication();
     registerMetaTypes();

@@ -57,10 +57,7 @@ void checkUnchanged(TrackInfo &track)
         return;
     track.fullHash.clear();
     track.audioHash.clear();
-    track.fingerprint.clear();
-    track.fingerprintMask.clear();
-    track.fingerprintAlt.clear();
-    track.fingerprintAltMask.clear();
+    dropFingerprint(track);
     track.error = exists ? QCoreApplication::translate("epr::ScanController", "The file changed during the scan")
                          : QCoreApplication::translate("epr::ScanController", "The file vanished during the scan");
 }
@@ -94,6 +91,14 @@ TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::at
     checkUnchanged(track);
     track.analysed = track.error.isEmpty();
     return track;
+}
+
+void dropFingerprint(TrackInfo &track)
+{
+    track.fingerprint.clear();
+    track.fingerprintMask.clear();
+    track.fingerprintAlt.clear();
+    track.fingerprintAltMask.clear();
 }
 
 bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options)

@@ -20,6 +20,8 @@ namespace epr {
 [[nodiscard]] TrackInfo analyseFile(TrackInfo track, const ScanOptions &options,
                                     const std::atomic<qint32> *stop = nullptr);
 
+void dropFingerprint(TrackInfo &track); ///< all four lists
+
 /// Whether the record holds every digest that the options ask for.
 [[nodiscard]] bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options);
 

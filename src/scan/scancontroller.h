@@ -15,6 +15,7 @@
 namespace epr {
 
 class AnalysisCache;
+struct FingerprintJob;
 
 /// Runs a scan from folders to duplicate groups on the thread it lives on and reports through signals. The group
 /// members are indexes into the track list, which is in discovery order.
@@ -51,6 +52,8 @@ private:
     void reportAnalysed(int done, qsizetype total);
     void dropShortFiles(Scan &scan);
     void fingerprintFiles(Scan &scan);
+    int runFingerprintPool(Scan &scan, const QList<FingerprintJob> &jobs);
+    void logFingerprinting(const Scan &scan, qsizetype files);
     void writeCache(const Scan &scan);
     void logCacheError(const Scan &scan, const QString &message);
     void groupDuplicates(Scan &scan);

@@ -85,10 +85,22 @@ private Q_SLOTS:
     void scanFindsTheDuplicates_data()
     {
         QTest::addColumn<MatchType>("type");
+        QTest::addColumn<int>("engine");
         QTest::addColumn<QStringList>("groups"); // sorted, as the names in each
-        const auto row = [](const char *name, MatchType type, const QStringList &groups) {
-            QTest::newRow(name) << type << groups;
+        const auto row = [](const char *name, MatchType type, const QStringList &groups, int engine = 0) {
+            QTest::newRow(name) << type << engine << groups;
         };
+        const QStringList reencoded {
+            u"01 Harbour Lights.flac|Harbour Lights (copy).flac|Harbour Lights.mp3|lanternmen - harbour lights.mp3"_s,
+            u"Ada Quill - Kerosene Waltz.mp3|kerosene_waltz_128.mp3"_s,
+            u"Salt 'n' Smoke, take #2 & 3.mp2|salt-n-smoke.mp3"_s,
+            u"Taxidi.aiff|Taxidi.flac|Ταξίδι.flac"_s,
+            u"Tramway Blues.ogg|Tramway Blues.wav"_s,
+            u"Yoru no densha.m4a|夜の電車.m4a|夜の電車.opus"_s,
+            u"track03 (1).mp3|track03.mp3|Поезд на рассвете.mp3"_s,
+        };
+        row("re-encodes, by fpcalc", MatchType::SameRecording, reencoded, 1);
+        row("re-encodes, by the built-in analysis", MatchType::SameRecording, reencoded, 0);
         row("retagged copies", MatchType::SameAudio,
             { u"01 Harbour Lights.flac|Harbour Lights (copy).flac"_s, u"Taxidi.flac|Ταξίδι.flac"_s,
               u"Yoru no densha.m4a|夜の電車.m4a"_s, u"track03 (1).mp3|track03.mp3|Поезд на рассвете.mp3"_s });
@@ -101,9 +113,12 @@ private Q_SLOTS:
     void scanFindsTheDuplicates()
     {
         QFETCH(const MatchType, type);
+        QFETCH(const int, engine);
         ScanOptions options;
         options.roots = QStringList { library() };
-        options.useCache = options.detectIdentical = options.detectAcoustic = false;
+        options.useCache = options.detectIdentical = false;
+        options.detectAcoustic = type == MatchType::SameRecording;
+        options.fingerprintEngine = engine;
         options.detectSameAudio = type == MatchType::SameAudio;
         options.detectMetadata = type == MatchType::SameSong;
         ScanController controller;

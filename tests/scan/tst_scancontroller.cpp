@@ -71,6 +71,7 @@ private Q_SLOTS:
         m_options = ScanOptions();
         m_options.roots = QStringList { path(QString()) };
         m_options.minBytes = 0;
+        m_options.detectAcoustic = false;
         writeFile(path(u"one.wav"_s), waveOf(1));
         writeFile(path(u"x/copy.wav"_s), waveOf(1));
         writeFile(path(u"x/tagged.wav"_s), waveOf(1, 6, QByteArray("note\4\0\0\0abcd", 12)));
@@ -103,6 +104,44 @@ private Q_SLOTS:
         QCOMPARE(tagged.audioHash, outcome.track("copy.wav"_L1).audioHash);
         QVERIFY(outcome.log.contains(u"Skipped 1 file(s) shorter than 5 seconds."_s));
         QCOMPARE(outcome.log.last(), u"Found 1 duplicate group(s); 0.1 MB could be reclaimed."_s);
+    }
+
+    void fingerprintsAreKeptAndFailuresTriedAgain()
+    {
+        writeFile(path(u"damaged.wav"_s), QByteArray(50000, 'x'));
+        m_options.detectAcoustic = true;
+        m_options.fingerprintEngine = 0;
+        m_options.decoderThreads = 4;
+        ScanController controller;
+        const Outcome first = scan(controller, m_options);
+        QVERIFY(
+            first.log.contains(u"Fingerprinting 5 file(s) on 4 thread(s) using built-in analysis, ffmpeg decode."_s));
+        QVERIFY(first.log.contains(u"1 file(s) could not be decoded for fingerprinting. They are still checked by hash "
+                                   "and metadata."_s));
+        const Outcome second = scan(controller, m_options);
+        QVERIFY(second.log.contains(u"Reused 5 cached analysis results."_s));
+        QVERIFY(
+            second.log.contains(u"Fingerprinting 1 file(s) on 4 thread(s) using built-in analysis, ffmpeg decode."_s));
+    }
+
+    void cancelledFingerprintingKeepsWhatIsDone()
+    {
+        m_options.detectAcoustic = true;
+        m_options.fingerprintEngine = 0;
+        m_options.decoderThreads = 1;
+        ScanController controller;
+        connect(&controller, &ScanController::progress, this, [&](int done, int, const QString &detail) {
+            if (done == 1 && detail.startsWith("Fingerprinted"_L1))
+                controller.cancel();
+        });
+        const Outcome outcome = scan(controller, m_options);
+        QVERIFY(outcome.cancelled && outcome.groups.isEmpty());
+        controller.disconnect(this);
+        const Outcome next = scan(controller, m_options);
+        QVERIFY(next.log.contains(u"Reused 5 cached analysis results."_s));
+        QVERIFY(
+            next.log.contains(u"Fingerprinting 3 file(s) on 1 thread(s) using built-in analysis, ffmpeg decode."_s)
+            || next.log.contains(u"Fingerprinting 2 file(s) on 1 thread(s) using built-in analysis, ffmpeg decode."_s));
     }
 
     // Every file but a touched one gets other content under its size and time: reading it would show.

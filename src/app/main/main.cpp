@@ -3,6 +3,7 @@
 #include "mainwindow.h"
 #include "metadata.h"
 #include "metatypes.h"
+#include "qtdecoder.h"
 #include "startup.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@ using namespace Qt::StringLiterals;
 
 int main(int argc, char *argv[])
 {
+    epr::preferFfmpegMediaBackend();
     const QApplication application(argc, argv);
     epr::metadata::applyToApplication();
     epr::startup::loadResources();
