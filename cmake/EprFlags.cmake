@@ -32,4 +32,6 @@ endif()
 if(EPR_SANITIZE)
   target_compile_options(epr_flags INTERFACE -fsanitize=${EPR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(epr_flags INTERFACE -fsanitize=${EPR_SANITIZE})
+  # The instrumentation hides from GCC what it has initialised.
+  target_compile_options(epr_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
