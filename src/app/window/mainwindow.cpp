@@ -98,14 +98,13 @@ void MainWindow::onStartScan()
     m_results->clear();
     setScanning(true);
     onLogMessage(tr("--- Scan started %1 ---").arg(QDateTime::currentDateTime().toString()));
-    QMetaObject::invokeMethod(
-        m_controller, [controller = m_controller.data(), options] { controller->start(options); },
-        Qt::QueuedConnection);
+    Q_EMIT scanRequested(options);
 }
 
 void MainWindow::onStopScan()
 {
     m_controller->cancel();
+    m_isStopping = true;
     m_strip->showStatus(tr("Stopping..."));
 }
 
@@ -135,12 +134,14 @@ void MainWindow::onScanFailed(const QString &error)
 
 void MainWindow::onPhaseChanged(const QString &phase)
 {
-    m_strip->setPhase(phase);
+    if (!m_isStopping)
+        m_strip->setPhase(phase);
 }
 
 void MainWindow::onProgress(int done, int total, const QString &detail)
 {
-    m_strip->setProgress(done, total, detail);
+    if (!m_isStopping)
+        m_strip->setProgress(done, total, detail);
 }
 
 void MainWindow::onLogMessage(const QString &message)
@@ -285,6 +286,7 @@ void MainWindow::connectScan()
     m_controller = new ScanController;
     m_controller->moveToThread(m_scanThread);
     connect(m_scanThread, &QThread::finished, m_controller, &QObject::deleteLater);
+    connect(this, &MainWindow::scanRequested, m_controller, &ScanController::start);
     connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
     connect(m_controller, &ScanController::finished, this, &MainWindow::onScanFinished);
     connect(m_controller, &ScanController::phaseChanged, this, &MainWindow::onPhaseChanged);
@@ -306,6 +308,7 @@ void MainWindow::saveSettings() const
 void MainWindow::setScanning(bool scanning)
 {
     m_isScanning = scanning;
+    m_isStopping = false;
     m_strip->setBusy(scanning);
     m_folderPanel->setEnabled(!scanning);
     if (scanning)

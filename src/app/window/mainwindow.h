@@ -34,6 +34,9 @@ public:
 
     bool addFolder(const QString &path); ///< false if not an existing folder or already in the list
 
+Q_SIGNALS:
+    void scanRequested(const epr::ScanOptions &options);
+
 public Q_SLOTS:
     void onAddFolder();
     void onRemoveFolder();
@@ -72,6 +75,7 @@ private:
     ScanOptions m_options; ///< what the settings say; its roots stay empty, they come from the folder list
     QString m_quarantineRoot;
     bool m_isScanning = false; ///< from the start command to the scan's last signal
+    bool m_isStopping = false; ///< reports that were on their way must not hide that Stop was heard
 
     MainActions *m_actions;
     ResultsModel *m_results;

@@ -105,10 +105,10 @@ void ResultsPanel::refreshSummary()
         m_summary->setText(tr("No scan has been run yet."));
         break;
     case State::Scanning: // nothing is known yet, and the figures of the last scan are gone
+    case State::Cancelled: // nothing was compared, so "no duplicates found" would be untrue
         m_summary->clear();
         break;
     case State::Finished:
-    case State::Cancelled:
         m_summary->setText(summaryText(m_results->totals()));
         break;
     }
