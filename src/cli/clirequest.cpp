@@ -55,7 +55,7 @@ void addOptions(QCommandLineParser &parser)
     parser.addVersionOption();
     for (const SwitchOption &option : switchOptions) {
         parser.addOption({ QString(QLatin1StringView(option.name)), tr(option.description) });
-        parser.addOption({ offName(option), tr("The opposite.") });
+        parser.addOption({ offName(option), tr("Switch that off.") });
     }
     parser.addOption({ u"verbose"_s, tr("Print the activity log on standard error.") });
     parser.addPositionalArgument(u"FOLDER"_s, tr("Folder to scan, with everything below it."), u"FOLDER..."_s);

@@ -6,9 +6,9 @@
 
 namespace epr {
 
-/// Digests are SHA-256 as 64 lower-case hexadecimal digits; an empty text means that there is none. A failure returns
-/// empty text and writes a message into *error if the caller gave one; success leaves *error as it was. Only regular
-/// files and links to them are opened. Everything here is re-entrant.
+// Digests are SHA-256 as 64 lower-case hexadecimal digits; an empty text means that there is none. A failure returns
+// empty text and writes a message into *error if the caller gave one; success leaves *error as it was. Only regular
+// files and links to them are opened. Everything here is re-entrant.
 
 /// Digest of every byte of the file.
 [[nodiscard]] QString hashWholeFile(const QString &path, QString *error = nullptr);

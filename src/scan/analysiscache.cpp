@@ -68,18 +68,20 @@ constexpr auto replaceRow =
     "channels,fingerprint,fingerprint_mask,fingerprint_alt,fingerprint_alt_mask, "
     "engine,schema_version,analysed_at) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"_L1;
 
-// Words are kept least significant byte first, whatever the processor.
+// Words are kept least significant byte first, whatever the processor. An empty list is an empty blob and not a NULL.
 QByteArray toBlob(const QList<quint32> &words)
 {
     QByteArray blob(words.size() * 4, Qt::Uninitialized);
-    qToLittleEndian<quint32>(words.constData(), words.size(), blob.data());
+    for (qsizetype i = 0; i < words.size(); ++i)
+        qToLittleEndian(words.at(i), blob.data() + i * 4);
     return blob;
 }
 
 QList<quint32> fromBlob(const QByteArray &blob)
 {
     QList<quint32> words(blob.size() / 4);
-    qFromLittleEndian<quint32>(blob.constData(), words.size(), words.data());
+    for (qsizetype i = 0; i < words.size(); ++i)
+        words[i] = qFromLittleEndian<quint32>(blob.constData() + i * 4);
     return words;
 }
 
@@ -232,7 +234,7 @@ bool AnalysisCache::prepareStatements(QString *error)
     return true;
 }
 
-// Queries hold the connection, so they go first; the registry complains about a connection that is still held.
+// The handle goes before the registry's entry: the registry complains about a connection that is still held.
 void AnalysisCache::close()
 {
     m_lookup.reset();
@@ -259,7 +261,7 @@ bool AnalysisCache::lookup(TrackInfo &track, qint32 engine)
         readRow(*m_lookup, track);
     else if (m_lookup->lastError().isValid())
         noteError(m_lookup->lastError().text());
-    m_lookup->finish(); // an unfinished read would keep writers of the file waiting
+    m_lookup->finish(); // an unfinished read would keep the write-ahead log from being folded back
     return hit;
 }
 

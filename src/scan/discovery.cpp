@@ -192,11 +192,12 @@ void Walk::visitFile(const QFileInfo &file)
     accept(file);
 }
 
-// The cheap tests come first: the extension costs nothing, the size asks the file system, the patterns are many.
+// The cheap tests come first: the extension costs nothing, the size asks the file system, the patterns are many. The
+// iterator lists everything that is no folder, a link to a pipe or a shortcut included.
 bool Walk::isWanted(const QFileInfo &file) const
 {
-    return m_extensions.contains(file.suffix().toLower()) && !file.isShortcut() && file.size() >= m_options.minBytes
-        && !m_excludes.match(file.filePath());
+    return m_extensions.contains(file.suffix().toLower()) && file.isFile() && !file.isShortcut()
+        && file.size() >= m_options.minBytes && !m_excludes.match(file.filePath());
 }
 
 void Walk::accept(const QFileInfo &file)

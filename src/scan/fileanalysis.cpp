@@ -50,7 +50,7 @@ void hashFile(const ProbeResult &probe, const ScanOptions &options, TrackInfo &t
 }
 
 // A file that is written to while it is read may have given tags of one state and digests of another. Nothing may be
-// proposed for removal on such grounds, so the digests go.
+// proposed for removal on such grounds, so everything that says what the file sounds like goes.
 void checkUnchanged(TrackInfo &track)
 {
     const QFileInfo now(track.path);
@@ -59,6 +59,10 @@ void checkUnchanged(TrackInfo &track)
         return;
     track.fullHash.clear();
     track.audioHash.clear();
+    track.fingerprint.clear();
+    track.fingerprintMask.clear();
+    track.fingerprintAlt.clear();
+    track.fingerprintAltMask.clear();
     track.error = exists ? QCoreApplication::translate("epr::ScanController", "The file changed during the scan")
                          : QCoreApplication::translate("epr::ScanController", "The file vanished during the scan");
 }

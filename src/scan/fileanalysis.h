@@ -11,8 +11,9 @@ namespace epr {
 /// cannot be measured has size 0 and no modification time.
 [[nodiscard]] TrackInfo measureFile(const QString &path);
 
-/// Reads tags, stream properties and the digests that the options ask for into a measured record. On failure the
-/// record's error says why; analysed is set only when everything succeeded and the file stayed as it was measured.
+/// Reads tags, stream properties and the digests that the options ask for into a measured record; digests and
+/// fingerprints that the record brings along stay. On failure the record's error says why; analysed is set only when
+/// everything succeeded and the file stayed as it was measured.
 /// Re-entrant: many threads analyse different files at once.
 [[nodiscard]] TrackInfo analyseFile(TrackInfo track, const ScanOptions &options);
 

@@ -37,8 +37,10 @@ bool isTooShort(const TrackInfo &track, qint64 minDurationMs)
     return track.durationMs >= 1 && track.durationMs < minDurationMs;
 }
 
-void takeFingerprint(TrackInfo &track, const TrackInfo &cached)
+void takeDigestsAndFingerprint(TrackInfo &track, const TrackInfo &cached)
 {
+    track.fullHash = cached.fullHash;
+    track.audioHash = cached.audioHash;
     track.fingerprint = cached.fingerprint;
     track.fingerprintMask = cached.fingerprintMask;
     track.fingerprintAlt = cached.fingerprintAlt;
@@ -68,7 +70,8 @@ struct ScanController::Scan {
 };
 
 // Completes a measured record from the cache. An analysis that an earlier scan made with fewer methods is not enough:
-// a file without a digest would match nothing. Its fingerprint, the costly part, is still good.
+// a file without a digest would match nothing. What the analysis does not repeat, above all the fingerprint, is still
+// good.
 bool ScanController::Scan::reuseAnalysis(TrackInfo &track) const
 {
     if (!cache)
@@ -77,7 +80,7 @@ bool ScanController::Scan::reuseAnalysis(TrackInfo &track) const
     if (!cache->lookup(cached, options.fingerprintEngine))
         return false;
     if (!hasWantedDigests(cached, options)) {
-        takeFingerprint(track, cached);
+        takeDigestsAndFingerprint(track, cached);
         return false;
     }
     cached.analysed = !options.detectAcoustic || hasUsableFingerprint(cached, options.fingerprintEngine);

@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 tagHeaderSize = 10;
-constexpr qint64 maxTagSize = 64 * 1024 * 1024;
+constexpr qint64 maxTagSize = qint64(64) * 1024 * 1024;
 constexpr quint8 extendedHeaderFlag = 0x40;
 constexpr quint8 footerFlag = 0x10;
 

@@ -28,8 +28,8 @@ constexpr std::array<int, 12> sampleRates { 11025, 12000, 8000, 0, 0, 0, 22050, 
 
 int bitrateOf(int versionId, int layer, int index)
 {
-    const auto row = static_cast<std::size_t>((versionId == mpeg1 ? 0 : 3) + layer - 1);
-    return bitrates[row][static_cast<std::size_t>(index)];
+    const int row = (versionId == mpeg1 ? 0 : 3) + layer - 1;
+    return bitrates[static_cast<std::size_t>(row)][static_cast<std::size_t>(index)];
 }
 
 /// A frame holds samplesPerFrame / 8 bytes per kbit/s and kHz; Layer I counts in slots of four bytes.

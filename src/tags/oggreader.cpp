@@ -23,7 +23,7 @@ namespace {
 
 constexpr qint64 pageHeaderSize = 27;
 constexpr qint64 tailSize = 131072; ///< two pages of the largest size end within it
-constexpr qint64 maxHeaderSize = 16 * 1024 * 1024; ///< of the file; bounds what is joined as well
+constexpr qint64 maxHeaderSize = qint64(16) * 1024 * 1024; ///< of the file; bounds what is joined as well
 constexpr qint32 opusGranuleRate = 48000; ///< Hz, whatever rate the encoder was fed
 
 struct Page {
@@ -79,7 +79,7 @@ QList<QByteArray> PacketJoiner::add(const Page &page)
         packet.clear();
 
     QList<QByteArray> packets;
-    bool open = false;
+    bool open = !packet.isEmpty(); // and stays so over a page that holds no segment at all
     ByteCursor body(page.body);
     for (const char value : page.lacing) {
         const quint8 size = quint8(value);

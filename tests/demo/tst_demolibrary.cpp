@@ -124,10 +124,10 @@ void TestDemoLibrary::everyFileReadsAsFfprobeReadsIt()
         QVERIFY2(facts.durationMs > 0, qPrintable(path));
         const Deviation deviation = deviationOf(QFileInfo(path).suffix());
         const QByteArray where = path.toUtf8() + ": " + deviation.reason;
-        QVERIFY2(ours.sampleRate == (deviation.sampleRateKnown ? facts.sampleRate : 0), where);
-        QVERIFY2(ours.channels == (deviation.propertiesKnown ? facts.channels : 0), where);
+        QVERIFY2(ours.sampleRate == (deviation.sampleRateKnown ? facts.sampleRate : 0), where.constData());
+        QVERIFY2(ours.channels == (deviation.propertiesKnown ? facts.channels : 0), where.constData());
         const qint64 difference = qAbs(ours.durationMs - facts.durationMs);
-        QVERIFY2(deviation.propertiesKnown ? difference <= deviation.durationToleranceMs : ours.durationMs == 0, where);
+        QVERIFY2(deviation.propertiesKnown ? difference <= deviation.durationToleranceMs : ours.durationMs == 0, where.constData());
     }
 }
 

@@ -7,6 +7,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -47,18 +48,19 @@ template <typename Options, typename Visitor> void visitScanKeys(Options &option
 
 // Text stores keep numbers as text, so a value is readable when its text is; each overload leaves its target alone
 // when it is not.
-void assign(const QVariant &stored, qint32 &target)
-{
-    bool ok = false;
-    const qint32 value = stored.toInt(&ok);
-    target = ok ? value : target;
-}
-
 void assign(const QVariant &stored, qint64 &target)
 {
     bool ok = false;
     const qint64 value = stored.toLongLong(&ok);
     target = ok ? value : target;
+}
+
+// QVariant::toInt() cuts a number that does not fit and calls that a success.
+void assign(const QVariant &stored, qint32 &target)
+{
+    qint64 value = target;
+    assign(stored, value);
+    target = std::in_range<qint32>(value) ? static_cast<qint32>(value) : target;
 }
 
 void assign(const QVariant &stored, double &target)

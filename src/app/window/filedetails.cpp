@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "filedetails.h"
+
+#include "displaytext.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QMessageBox>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct FileDetails {
+    Q_DECLARE_TR_FUNCTIONS(epr::FileDetails)
+};
+
+QString hashText(const QString &hash)
+{
+    return hash.isEmpty() ? FileDetails::tr("not computed") : hash;
+}
+
+QString line(const QString &name, const QString &value)
+{
+    return u"<tr><td><b>%1</b></td><td style='padding-left:12px'>%2</td></tr>"_s.arg(name.toHtmlEscaped(),
+                                                                                     value.toHtmlEscaped());
+}
+
+} // namespace
+
+QString fileDetailsHtml(const TrackInfo &track)
+{
+    QString lines = line(FileDetails::tr("File"), track.fileName);
+    lines += line(FileDetails::tr("Folder"), folderOf(track));
+    lines += line(FileDetails::tr("Artist"), displayArtist(track));
+    lines += line(FileDetails::tr("Title"), displayTitle(track));
+    lines += line(FileDetails::tr("Album"), track.album);
+    lines += line(FileDetails::tr("Duration"), durationText(track.durationMs));
+    lines += line(FileDetails::tr("Quality"), qualityText(track));
+    lines += line(FileDetails::tr("Size"), sizeText(track.size));
+    lines += line(FileDetails::tr("Modified"), QLocale().toString(track.mtime, u"d MMM yyyy h:mm ap"_s));
+    lines += line(FileDetails::tr("SHA-256 of the file"), hashText(track.fullHash));
+    lines += line(FileDetails::tr("SHA-256 of the audio"), hashText(track.audioHash));
+    if (!track.error.isEmpty())
+        lines += line(FileDetails::tr("Note"), track.error);
+    return u"<table cellspacing='2'>%1</table>"_s.arg(lines);
+}
+
+void showFileDetails(const TrackInfo &track, QWidget *parent)
+{
+    QMessageBox box(QMessageBox::NoIcon, FileDetails::tr("File details"), fileDetailsHtml(track), QMessageBox::Ok,
+                    parent);
+    box.setTextFormat(Qt::RichText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box.exec();
+}
+
+} // namespace epr

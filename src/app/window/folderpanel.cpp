@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "folderpanel.h"
+
+#include "emptyhint.h"
+
+#include <QAction>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPushButton>
+#include <QShortcut>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList foldersIn(const QMimeData *data)
+{
+    QStringList folders;
+    const QList<QUrl> urls = data->urls();
+    for (const QUrl &url : urls) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir())
+            folders << url.toLocalFile();
+    }
+    return folders;
+}
+
+QPushButton *buttonFor(QAction *action, const QString &text, QWidget *parent)
+{
+    auto *button = new QPushButton(text, parent);
+    button->setToolTip(action->toolTip());
+    button->setEnabled(action->isEnabled());
+    QObject::connect(button, &QPushButton::clicked, action, &QAction::trigger);
+    QObject::connect(action, &QAction::enabledChanged, button, &QPushButton::setEnabled);
+    return button;
+}
+
+} // namespace
+
+FolderPanel::FolderPanel(QAction *add, QAction *remove, QWidget *parent)
+    : QGroupBox(tr("Folders to scan"), parent)
+{
+    setAcceptDrops(true);
+    createList(remove);
+    layOutWidgets(add, remove);
+}
+
+QStringList FolderPanel::folders() const
+{
+    QStringList folders;
+    for (int row = 0; row < m_list->count(); ++row)
+        folders << m_list->item(row)->text();
+    return folders;
+}
+
+bool FolderPanel::hasSelection() const
+{
+    return !m_list->selectedItems().isEmpty();
+}
+
+bool FolderPanel::addFolder(const QString &path)
+{
+    const QString absolute = QDir(path).absolutePath();
+    if (path.isEmpty() || !QFileInfo(absolute).isDir() || folders().contains(absolute))
+        return false;
+    m_list->addItem(absolute);
+    m_list->item(m_list->count() - 1)->setToolTip(absolute);
+    m_hint->hide();
+    return true;
+}
+
+void FolderPanel::removeSelected()
+{
+    qDeleteAll(m_list->selectedItems());
+    m_hint->setVisible(m_list->count() == 0);
+}
+
+QSize FolderPanel::sizeHint() const
+{
+    return { QGroupBox::sizeHint().width(), minimumSizeHint().height() };
+}
+
+void FolderPanel::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!foldersIn(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void FolderPanel::dropEvent(QDropEvent *event)
+{
+    const QStringList dropped = foldersIn(event->mimeData());
+    for (const QString &folder : dropped)
+        addFolder(folder);
+    event->acceptProposedAction();
+}
+
+void FolderPanel::createList(QAction *remove)
+{
+    m_list = new QListWidget(this);
+    m_list->setObjectName(u"folderList"_s);
+    m_list->setAccessibleName(title());
+    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_list->setTextElideMode(Qt::ElideMiddle);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    constexpr int leastLines = 4;
+    m_list->setMinimumHeight(leastLines * m_list->fontMetrics().lineSpacing() + 2 * m_list->frameWidth());
+    m_hint = new EmptyHint(m_list);
+    m_hint->setText(tr("Drop folders with music here."));
+    auto *deleteKey = new QShortcut(QKeySequence::Delete, m_list);
+    deleteKey->setContext(Qt::WidgetShortcut);
+    connect(deleteKey, &QShortcut::activated, remove, &QAction::trigger);
+    connect(m_list, &QListWidget::itemSelectionChanged, this, &FolderPanel::selectionChanged);
+}
+
+void FolderPanel::layOutWidgets(QAction *add, QAction *remove)
+{
+    auto *buttons = new QVBoxLayout;
+    buttons->addWidget(buttonFor(add, tr("Add..."), this));
+    buttons->addWidget(buttonFor(remove, tr("Remove"), this));
+    buttons->addStretch();
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 4);
+    layout->addWidget(m_list, 1);
+    layout->addLayout(buttons);
+}
+
+} // namespace epr

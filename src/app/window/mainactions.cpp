@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "mainactions.h"
+
+#include "metadata.h"
+
+#include <QWidget>
+
+namespace epr {
+
+MainActions::MainActions(QWidget *window)
+    : QObject(window)
+    , addFolder(make(tr("Add Folder..."), Qt::CTRL | Qt::Key_O, tr("Add a folder to the list of folders to scan.")))
+    , removeFolder(make(tr("Remove Folder"), {}, tr("Take the selected folders off the list. No file is touched.")))
+    , exit(make(tr("Exit"), Qt::CTRL | Qt::Key_Q, tr("Close the program.")))
+    , startScan(make(tr("Start Scan"), Qt::Key_F5, tr("Look for duplicates in the listed folders.")))
+    , stopScan(make(tr("Stop"), Qt::SHIFT | Qt::Key_F5, tr("Stop the running scan.")))
+    , selectDuplicates(
+          make(tr("Select All Duplicates"), Qt::CTRL | Qt::Key_D, tr("Tick every copy except the one chosen to keep.")))
+    , clearSelection(make(tr("Clear Selection"), Qt::CTRL | Qt::SHIFT | Qt::Key_D, tr("Untick every copy.")))
+    , invertSelection(make(tr("Invert Selection"), Qt::CTRL | Qt::Key_I,
+                           tr("Tick every copy that is not ticked and untick the others, kept copies included.")))
+    , filterResults(make(tr("Filter Results"), QKeySequence::Find, tr("Go to the filter above the results.")))
+    , website(make(tr("Quorvane &Website"), {}, metadata::makerUrl()))
+    , about(make(tr("&About %1").arg(metadata::applicationName()), {}, tr("Version and licences.")))
+{
+    exit->setMenuRole(QAction::QuitRole);
+    about->setMenuRole(QAction::AboutRole);
+    enableFor({});
+}
+
+void MainActions::enableFor(const Situation &situation)
+{
+    addFolder->setEnabled(!situation.isScanning);
+    removeFolder->setEnabled(!situation.isScanning && situation.hasFolderSelection);
+    startScan->setEnabled(!situation.isScanning);
+    stopScan->setEnabled(situation.isScanning);
+    for (QAction *action : { selectDuplicates, clearSelection, invertSelection, filterResults })
+        action->setEnabled(situation.hasGroups);
+}
+
+// Tool tips name the key as well, since a toolbar has no other place for it.
+QAction *MainActions::make(const QString &text, const QKeySequence &key, const QString &tip)
+{
+    auto *action = new QAction(text, this);
+    action->setShortcut(key);
+    action->setStatusTip(tip);
+    action->setToolTip(key.isEmpty() ? tip : tr("%1 (%2)").arg(tip, key.toString(QKeySequence::NativeText)));
+    return action;
+}
+
+} // namespace epr

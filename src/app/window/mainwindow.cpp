@@ -1,0 +1,344 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "mainwindow.h"
+
+#include "aboutdialog.h"
+#include "activitylog.h"
+#include "folderpanel.h"
+#include "mainactions.h"
+#include "metadata.h"
+#include "resultsmodel.h"
+#include "resultspanel.h"
+#include "scancontroller.h"
+#include "scanstrip.h"
+#include "settingsstore.h"
+#include "summarytext.h"
+
+#include <QCloseEvent>
+#include <QDateTime>
+#include <QDesktopServices>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QScreen>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QThread>
+#include <QToolBar>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+    , m_quarantineRoot(SettingsStore::defaultQuarantineRoot())
+    , m_actions(new MainActions(this))
+    , m_results(new ResultsModel(this))
+{
+    setWindowTitle(metadata::applicationName());
+    setWindowIcon(QIcon(u":/icons/appicon.png"_s));
+    createPanels();
+    createLogDock();
+    createActions();
+    createMenus();
+    createToolBar();
+    placeOnScreen();
+    restoreSettings();
+    connectScan();
+    refreshActions();
+    m_scanThread->start();
+    onLogMessage(tr("%1 %2 ready.").arg(metadata::applicationName(), metadata::version()));
+}
+
+MainWindow::~MainWindow()
+{
+    constexpr int longestWaitMs = 10000;
+    if (m_controller)
+        m_controller->cancel();
+    m_scanThread->quit();
+    // A thread that is still at work must not be destroyed with the window, that would abort the program.
+    if (!m_scanThread->wait(longestWaitMs))
+        m_scanThread->setParent(nullptr);
+}
+
+bool MainWindow::addFolder(const QString &path)
+{
+    return m_folderPanel->addFolder(path);
+}
+
+void MainWindow::onAddFolder()
+{
+    const QString folder = QFileDialog::getExistingDirectory(this, tr("Select a music folder"));
+    if (!folder.isEmpty())
+        addFolder(folder);
+}
+
+void MainWindow::onRemoveFolder()
+{
+    m_folderPanel->removeSelected();
+}
+
+void MainWindow::onStartScan()
+{
+    const QStringList folders = m_folderPanel->folders();
+    if (folders.isEmpty()) {
+        QMessageBox::information(this, tr("Nothing to scan"),
+                                 tr("Add at least one folder containing music before starting a scan."));
+        return;
+    }
+    ScanOptions options = m_options;
+    options.roots = folders;
+    if (!options.anyDetection()) {
+        QMessageBox::warning(this, tr("No detection method enabled"),
+                             tr("Enable at least one detection method in Settings before scanning."));
+        return;
+    }
+    m_results->clear();
+    setScanning(true);
+    onLogMessage(tr("--- Scan started %1 ---").arg(QDateTime::currentDateTime().toString()));
+    QMetaObject::invokeMethod(
+        m_controller, [controller = m_controller.data(), options] { controller->start(options); },
+        Qt::QueuedConnection);
+}
+
+void MainWindow::onStopScan()
+{
+    m_controller->cancel();
+    m_strip->showStatus(tr("Stopping..."));
+}
+
+void MainWindow::onScanStarted()
+{
+    m_strip->showStatus(tr("Scanning..."));
+}
+
+void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups, bool cancelled,
+                                qint64 elapsedMs)
+{
+    setScanning(false);
+    m_results->setResults(tracks, groups);
+    m_resultsPanel->setState(cancelled ? ResultsPanel::State::Cancelled : ResultsPanel::State::Finished);
+    refreshActions();
+    const QString elapsed = elapsedText(elapsedMs);
+    m_strip->showStatus((cancelled ? tr("Scan cancelled after %1") : tr("Scan complete in %1")).arg(elapsed));
+    onLogMessage((cancelled ? tr("--- Scan cancelled after %1 ---") : tr("--- Scan complete in %1 ---")).arg(elapsed));
+}
+
+void MainWindow::onScanFailed(const QString &error)
+{
+    setScanning(false);
+    m_resultsPanel->setState(ResultsPanel::State::NotScanned);
+    report(tr("Scan failed: %1").arg(error));
+}
+
+void MainWindow::onPhaseChanged(const QString &phase)
+{
+    m_strip->setPhase(phase);
+}
+
+void MainWindow::onProgress(int done, int total, const QString &detail)
+{
+    m_strip->setProgress(done, total, detail);
+}
+
+void MainWindow::onLogMessage(const QString &message)
+{
+    m_log->append(message);
+}
+
+void MainWindow::onSelectDuplicates()
+{
+    m_results->tickDuplicates();
+}
+
+void MainWindow::onClearSelection()
+{
+    m_results->clearTicks();
+}
+
+void MainWindow::onInvertSelection()
+{
+    m_results->invertTicks();
+}
+
+void MainWindow::onAbout()
+{
+    AboutDialog(this).exec();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (!confirmClose()) {
+        event->ignore();
+        return;
+    }
+    saveSettings();
+    event->accept();
+}
+
+void MainWindow::createPanels()
+{
+    m_folderPanel = new FolderPanel(m_actions->addFolder, m_actions->removeFolder, this);
+    m_resultsPanel = new ResultsPanel(m_results, this);
+    auto *splitter = new QSplitter(Qt::Vertical, this);
+    splitter->setObjectName(u"mainSplitter"_s);
+    splitter->addWidget(m_folderPanel);
+    splitter->addWidget(m_resultsPanel);
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    splitter->setContentsMargins(8, 4, 8, 4);
+    setCentralWidget(splitter);
+
+    m_strip = new ScanStrip(this);
+    statusBar()->addWidget(m_strip, 1);
+    connect(m_resultsPanel, &ResultsPanel::statusMessage, m_strip, &ScanStrip::showStatus);
+    connect(m_folderPanel, &FolderPanel::selectionChanged, this, &MainWindow::refreshActions);
+}
+
+void MainWindow::createLogDock()
+{
+    m_log = new ActivityLog(this);
+    auto *dock = new QDockWidget(tr("Activity Log"), this);
+    dock->setObjectName(u"logDock"_s);
+    dock->setWidget(m_log);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    constexpr int visibleLines = 6;
+    resizeDocks({ dock }, { visibleLines * m_log->fontMetrics().lineSpacing() }, Qt::Vertical);
+}
+
+void MainWindow::createActions()
+{
+    connect(m_actions->addFolder, &QAction::triggered, this, &MainWindow::onAddFolder);
+    connect(m_actions->removeFolder, &QAction::triggered, this, &MainWindow::onRemoveFolder);
+    connect(m_actions->exit, &QAction::triggered, this, &MainWindow::close);
+    connect(m_actions->startScan, &QAction::triggered, this, &MainWindow::onStartScan);
+    connect(m_actions->stopScan, &QAction::triggered, this, &MainWindow::onStopScan);
+    connect(m_actions->selectDuplicates, &QAction::triggered, this, &MainWindow::onSelectDuplicates);
+    connect(m_actions->clearSelection, &QAction::triggered, this, &MainWindow::onClearSelection);
+    connect(m_actions->invertSelection, &QAction::triggered, this, &MainWindow::onInvertSelection);
+    connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
+    connect(m_actions->website, &QAction::triggered, this,
+            [] { QDesktopServices::openUrl(QUrl(metadata::makerUrl())); });
+    connect(m_actions->about, &QAction::triggered, this, &MainWindow::onAbout);
+}
+
+void MainWindow::createMenus()
+{
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    file->addActions({ m_actions->addFolder, m_actions->removeFolder });
+    file->addSeparator();
+    file->addAction(m_actions->exit);
+
+    QMenu *view = menuBar()->addMenu(tr("&View"));
+    view->addAction(findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction());
+
+    QMenu *scan = menuBar()->addMenu(tr("&Scan"));
+    scan->addActions({ m_actions->startScan, m_actions->stopScan });
+
+    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    edit->addActions({ m_actions->selectDuplicates, m_actions->clearSelection, m_actions->invertSelection });
+    edit->addSeparator();
+    edit->addAction(m_actions->filterResults);
+
+    QMenu *help = menuBar()->addMenu(tr("&Help"));
+    help->addActions({ m_actions->website, m_actions->about });
+}
+
+void MainWindow::createToolBar()
+{
+    QToolBar *toolBar = addToolBar(tr("Main"));
+    toolBar->setObjectName(u"mainToolBar"_s);
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    toolBar->addAction(m_actions->addFolder);
+    toolBar->addSeparator();
+    toolBar->addActions({ m_actions->startScan, m_actions->stopScan });
+    toolBar->addSeparator();
+    toolBar->addActions({ m_actions->selectDuplicates, m_actions->clearSelection, m_actions->invertSelection });
+    toolBar->widgetForAction(m_actions->startScan)->setObjectName(u"startScanButton"_s);
+}
+
+// Nine tenths of the screen up to a size beyond which lines only get too long to read.
+void MainWindow::placeOnScreen()
+{
+    const QSize available = screen()->availableSize();
+    resize((available * 9 / 10).boundedTo(QSize(1600, 1000)));
+}
+
+void MainWindow::restoreSettings()
+{
+    const SettingsStore store;
+    restoreGeometry(store.windowGeometry());
+    restoreState(store.windowState());
+    const QStringList folders = store.folders();
+    for (const QString &folder : folders)
+        addFolder(folder);
+    m_options = store.loadScanOptions();
+    m_quarantineRoot = store.quarantineRoot();
+}
+
+void MainWindow::connectScan()
+{
+    m_scanThread = new QThread(this);
+    m_scanThread->setObjectName(u"epr-scan"_s);
+    m_controller = new ScanController;
+    m_controller->moveToThread(m_scanThread);
+    connect(m_scanThread, &QThread::finished, m_controller, &QObject::deleteLater);
+    connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
+    connect(m_controller, &ScanController::finished, this, &MainWindow::onScanFinished);
+    connect(m_controller, &ScanController::phaseChanged, this, &MainWindow::onPhaseChanged);
+    connect(m_controller, &ScanController::progress, this, &MainWindow::onProgress);
+    connect(m_controller, &ScanController::logMessage, this, &MainWindow::onLogMessage);
+    connect(m_controller, &ScanController::failed, this, &MainWindow::onScanFailed);
+}
+
+void MainWindow::saveSettings() const
+{
+    SettingsStore store;
+    store.setWindowGeometry(saveGeometry());
+    store.setWindowState(saveState());
+    store.setFolders(m_folderPanel->folders());
+    store.saveScanOptions(m_options);
+    store.setQuarantineRoot(m_quarantineRoot);
+}
+
+void MainWindow::setScanning(bool scanning)
+{
+    m_isScanning = scanning;
+    m_strip->setBusy(scanning);
+    m_folderPanel->setEnabled(!scanning);
+    if (scanning)
+        m_resultsPanel->setState(ResultsPanel::State::Scanning);
+    refreshActions();
+}
+
+void MainWindow::refreshActions()
+{
+    m_actions->enableFor({ .isScanning = m_isScanning,
+                           .hasFolderSelection = m_folderPanel->hasSelection(),
+                           .hasGroups = !m_results->groups().isEmpty() });
+}
+
+void MainWindow::report(const QString &message)
+{
+    m_strip->showStatus(message);
+    onLogMessage(message);
+}
+
+// The running flag alone would miss a start command that the scan thread has not picked up yet.
+bool MainWindow::confirmClose()
+{
+    if (!m_isScanning && !m_controller->isRunning())
+        return true;
+    const auto answer =
+        QMessageBox::question(this, tr("Scan in progress"),
+                              tr("A scan is still running. Stop it and close %1?").arg(metadata::applicationName()),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    if (answer != QMessageBox::Yes)
+        return false;
+    m_controller->cancel();
+    return true;
+}
+
+} // namespace epr

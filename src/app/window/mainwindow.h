@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "matchgroup.h"
+#include "scanoptions.h"
+#include "trackinfo.h"
+
+#include <QMainWindow>
+#include <QPointer>
+
+class QThread;
+
+namespace epr {
+
+class ActivityLog;
+class FolderPanel;
+class MainActions;
+class ResultsModel;
+class ResultsPanel;
+class ScanController;
+class ScanStrip;
+
+/// The program's main window. It puts the panels together, carries commands to the scan and the scan's reports to the
+/// panels, and owns the thread on which scans run.
+class MainWindow final : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    [[nodiscard]] bool isScanning() const { return m_isScanning; }
+
+    bool addFolder(const QString &path); ///< false if not an existing folder or already in the list
+
+public Q_SLOTS:
+    void onAddFolder();
+    void onRemoveFolder();
+    void onStartScan();
+    void onStopScan();
+    void onScanStarted();
+    void onScanFinished(const QList<epr::TrackInfo> &tracks, const QList<epr::MatchGroup> &groups, bool cancelled,
+                        qint64 elapsedMs);
+    void onScanFailed(const QString &error);
+    void onPhaseChanged(const QString &phase);
+    void onProgress(int done, int total, const QString &detail);
+    void onLogMessage(const QString &message);
+    void onSelectDuplicates();
+    void onClearSelection();
+    void onInvertSelection();
+    void onAbout();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void createPanels();
+    void createLogDock();
+    void createActions();
+    void createMenus();
+    void createToolBar();
+    void placeOnScreen();
+    void restoreSettings();
+    void connectScan();
+    void saveSettings() const;
+    void setScanning(bool scanning);
+    void refreshActions();
+    void report(const QString &message); ///< in the status label and as a log line
+    [[nodiscard]] bool confirmClose();
+
+    ScanOptions m_options; ///< what the settings say; its roots stay empty, they come from the folder list
+    QString m_quarantineRoot;
+    bool m_isScanning = false; ///< from the start command to the scan's last signal
+
+    MainActions *m_actions;
+    ResultsModel *m_results;
+    FolderPanel *m_folderPanel = nullptr;
+    ResultsPanel *m_resultsPanel = nullptr;
+    ActivityLog *m_log = nullptr;
+    ScanStrip *m_strip = nullptr;
+    QThread *m_scanThread = nullptr;
+    QPointer<ScanController> m_controller;
+};
+
+} // namespace epr

@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "resultspanel.h"
+
+#include "membermenu.h"
+#include "resultsfilter.h"
+#include "resultsmodel.h"
+#include "resultsview.h"
+#include "summarytext.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+ResultsPanel::ResultsPanel(ResultsModel *results, QWidget *parent)
+    : QWidget(parent)
+    , m_results(results)
+    , m_filter(new ResultsFilter(results, this))
+    , m_memberMenu(new MemberMenu(results, this))
+{
+    createFilterRow();
+    createTree();
+    layOutWidgets();
+    connect(m_memberMenu, &MemberMenu::statusMessage, this, &ResultsPanel::statusMessage);
+    connect(m_results, &ResultsModel::totalsChanged, this, &ResultsPanel::refreshSummary);
+    setState(State::NotScanned);
+}
+
+void ResultsPanel::setState(State state)
+{
+    m_state = state;
+    refreshSummary();
+    refreshHint();
+}
+
+void ResultsPanel::focusFilter()
+{
+    m_filterEdit->setFocus(Qt::ShortcutFocusReason);
+    m_filterEdit->selectAll();
+}
+
+void ResultsPanel::createFilterRow()
+{
+    m_filterEdit = new QLineEdit(this);
+    m_filterEdit->setObjectName(u"filterEdit"_s);
+    m_filterEdit->setPlaceholderText(tr("Artist, title, file name or folder..."));
+    m_filterEdit->setClearButtonEnabled(true);
+    m_filterEdit->setAccessibleName(tr("Filter"));
+    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), m_filterEdit);
+    escape->setContext(Qt::WidgetShortcut);
+    connect(escape, &QShortcut::activated, m_filterEdit, &QLineEdit::clear);
+    connect(m_filterEdit, &QLineEdit::textChanged, this, &ResultsPanel::onFilterChanged);
+}
+
+void ResultsPanel::createTree()
+{
+    m_view = new ResultsView(this);
+    m_view->setObjectName(u"resultsView"_s);
+    m_view->setAccessibleName(tr("Duplicate groups"));
+    m_view->setModel(m_filter);
+    connect(m_view, &ResultsView::memberMenuRequested, this, &ResultsPanel::onTreeContextMenu);
+}
+
+void ResultsPanel::layOutWidgets()
+{
+    auto *label = new QLabel(tr("Filter:"), this);
+    label->setBuddy(m_filterEdit);
+    auto *filterRow = new QHBoxLayout;
+    filterRow->addWidget(label);
+    filterRow->addWidget(m_filterEdit);
+
+    m_summary = new QLabel(this);
+    m_summary->setObjectName(u"summaryLabel"_s);
+    m_summary->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_summary->setWordWrap(true);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(filterRow);
+    layout->addWidget(m_view, 1);
+    layout->addWidget(m_summary);
+}
+
+void ResultsPanel::onFilterChanged(const QString &text)
+{
+    m_filter->setText(text);
+    refreshHint();
+}
+
+void ResultsPanel::onTreeContextMenu(const QModelIndex &member, const QPoint &globalPos)
+{
+    m_memberMenu->popup(m_filter->mapToSource(member), globalPos);
+}
+
+void ResultsPanel::refreshSummary()
+{
+    switch (m_state) {
+    case State::NotScanned:
+        m_summary->setText(tr("No scan has been run yet."));
+        break;
+    case State::Scanning: // nothing is known yet, and the figures of the last scan are gone
+        m_summary->clear();
+        break;
+    case State::Finished:
+    case State::Cancelled:
+        m_summary->setText(summaryText(m_results->totals()));
+        break;
+    }
+}
+
+void ResultsPanel::refreshHint()
+{
+    m_view->setHint(hintText());
+}
+
+QString ResultsPanel::hintText() const
+{
+    switch (m_state) {
+    case State::NotScanned:
+        return tr("Add a folder with music, then press Start Scan.");
+    case State::Scanning:
+        return tr("Scanning. Duplicate groups appear here as soon as the scan is complete.");
+    case State::Cancelled:
+        return tr("The scan was cancelled before its files were compared. Press Start Scan to begin again.");
+    case State::Finished:
+        break;
+    }
+    return m_results->groups().isEmpty() ? tr("No duplicates were found in these folders.")
+                                         : tr("No copy matches the filter.");
+}
+
+} // namespace epr

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+
+namespace epr {
+
+class MemberMenu;
+class ResultsFilter;
+class ResultsModel;
+class ResultsView;
+
+/// The results of a scan with all that belongs to them: filter row, tree and summary line.
+class ResultsPanel final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// What an empty tree means, and so what it says.
+    enum class State { NotScanned, Scanning, Finished, Cancelled };
+
+    explicit ResultsPanel(ResultsModel *results, QWidget *parent = nullptr);
+
+    void setState(State state);
+    void focusFilter();
+
+Q_SIGNALS:
+    void statusMessage(const QString &message);
+
+private:
+    void createFilterRow();
+    void createTree();
+    void layOutWidgets();
+    void onFilterChanged(const QString &text);
+    void onTreeContextMenu(const QModelIndex &member, const QPoint &globalPos);
+    void refreshSummary();
+    void refreshHint();
+    [[nodiscard]] QString hintText() const;
+
+    ResultsModel *m_results;
+    ResultsFilter *m_filter;
+    MemberMenu *m_memberMenu;
+    State m_state = State::NotScanned;
+    QLineEdit *m_filterEdit = nullptr;
+    ResultsView *m_view = nullptr;
+    QLabel *m_summary = nullptr;
+};
+
+} // namespace epr

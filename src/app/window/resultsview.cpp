@@ -1,0 +1,152 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "resultsview.h"
+
+#include "emptyhint.h"
+#include "resultscolumns.h"
+#include "resultsdelegate.h"
+#include "resultsmodel.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QPainter>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+namespace epr {
+
+ResultsView::ResultsView(QWidget *parent)
+    : QTreeView(parent)
+    , m_hint(new EmptyHint(this))
+{
+    setItemDelegate(new ResultsDelegate(this));
+    setUniformRowHeights(true); // without it the view asks every one of 100,000 rows for its height
+    setAllColumnsShowFocus(true);
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(SingleSelection);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollMode(ScrollPerPixel);
+    createHeader();
+}
+
+void ResultsView::setHint(const QString &text)
+{
+    m_hint->setText(text);
+}
+
+void ResultsView::reset()
+{
+    QTreeView::reset();
+    expandAll();
+    m_hint->setVisible(!model() || model()->rowCount() == 0);
+}
+
+// Ticks in many groups at once change neither heights nor children, which is what the base class would go through row
+// by row; painting what is visible is all there is to do.
+void ResultsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles)
+{
+    const bool ticksOnly = roles.size() == 1 && roles.first() == Qt::CheckStateRole;
+    if (ticksOnly && topLeft.row() != bottomRight.row())
+        viewport()->update();
+    else
+        QTreeView::dataChanged(topLeft, bottomRight, roles);
+}
+
+void ResultsView::drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    if (index.parent().isValid()) {
+        QTreeView::drawRow(painter, option, index);
+        return;
+    }
+    drawGroupBand(painter, option, index);
+    drawGroupTexts(painter, option, index);
+}
+
+void ResultsView::contextMenuEvent(QContextMenuEvent *event)
+{
+    const bool byKeyboard = event->reason() == QContextMenuEvent::Keyboard;
+    const QModelIndex index = byKeyboard ? currentIndex() : indexAt(event->pos());
+    if (!index.parent().isValid())
+        return;
+    const QPoint place = byKeyboard ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos();
+    Q_EMIT memberMenuRequested(index, place);
+}
+
+void ResultsView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
+        toggleCurrent();
+    else
+        QTreeView::keyPressEvent(event);
+}
+
+void ResultsView::resizeEvent(QResizeEvent *event)
+{
+    QTreeView::resizeEvent(event);
+    if (m_columnsChosen || !model())
+        return;
+    const QScopedValueRollback fitting(m_fittingColumns, true);
+    fitResultsColumns(header(), viewport()->width());
+}
+
+void ResultsView::createHeader()
+{
+    header()->setSectionsMovable(false);
+    header()->setStretchLastSection(true);
+    connect(header(), &QHeaderView::sectionResized, this, &ResultsView::onSectionResized);
+}
+
+// The last section changes with the window's width, without anybody dragging it.
+void ResultsView::onSectionResized(int section)
+{
+    if (!m_fittingColumns && isVisible() && section != ResultsModel::FolderColumn)
+        m_columnsChosen = true;
+}
+
+void ResultsView::toggleCurrent()
+{
+    const QModelIndex cell = currentIndex().siblingAtColumn(ResultsModel::FileColumn);
+    if (!cell.flags().testFlag(Qt::ItemIsUserCheckable))
+        return;
+    const bool ticked = cell.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    model()->setData(cell, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+}
+
+void ResultsView::drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const bool isSelected = selectionModel()->isSelected(index);
+    painter->fillRect(option.rect, option.palette.brush(isSelected ? QPalette::Highlight : QPalette::AlternateBase));
+    const QRect branch(columnViewportPosition(ResultsModel::FileColumn), option.rect.y(), indentation(),
+                       option.rect.height());
+    drawBranches(painter, branch, index);
+}
+
+// The group's own text may be wider than its column, and so may the match label after it. Nothing else is in the row,
+// so each simply takes the room it needs.
+void ResultsView::drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const bool isSelected = selectionModel()->isSelected(index);
+    const QModelIndex label = index.siblingAtColumn(ResultsModel::MatchColumn);
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    const QColor textColour = option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
+
+    QRect place = option.rect;
+    place.setLeft(columnViewportPosition(ResultsModel::FileColumn) + indentation() + margin);
+    QFont bold = option.font;
+    bold.setBold(true);
+    painter->save();
+    painter->setFont(bold);
+    painter->setPen(textColour);
+    const QString text = index.data().toString();
+    painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
+
+    const int textEnd = place.left() + QFontMetrics(bold).horizontalAdvance(text) + 4 * margin;
+    place.setLeft(std::max(columnViewportPosition(ResultsModel::MatchColumn) + margin, textEnd));
+    painter->setFont(option.font);
+    painter->setPen(isSelected ? textColour : label.data(Qt::ForegroundRole).value<QColor>());
+    painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, label.data().toString());
+    painter->restore();
+}
+
+} // namespace epr

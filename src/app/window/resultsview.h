@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QTreeView>
+
+namespace epr {
+
+class EmptyHint;
+
+/// The tree of duplicate groups, every group open. A group is one line across all columns; below it a member takes a
+/// row of cells. Space ticks the current row whichever cell is current.
+class ResultsView final : public QTreeView {
+    Q_OBJECT
+
+public:
+    explicit ResultsView(QWidget *parent = nullptr);
+
+    void setHint(const QString &text); ///< shown while there are no rows
+
+    void reset() override;
+
+Q_SIGNALS:
+    void memberMenuRequested(const QModelIndex &member, const QPoint &globalPos);
+
+protected:
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) override;
+    void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void createHeader();
+    void onSectionResized(int section);
+    void toggleCurrent();
+    void drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
+    void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
+
+    EmptyHint *m_hint;
+    bool m_fittingColumns = false;
+    bool m_columnsChosen = false; ///< the operator has dragged a column: the widths are theirs from now on
+};
+
+} // namespace epr

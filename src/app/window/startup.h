@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+
+/// The steps of the program's start that the entry point calls one after the other.
+namespace epr::startup {
+
+struct Arguments {
+    QStringList folders; ///< to add to the list, in command-line order
+    bool autostart = false; ///< scan as soon as the window is shown
+};
+
+/// Makes the icons and the style sheet available under ":/icons" and ":/style".
+void loadResources();
+
+/// Parses the command line, program name first. Asked for help or the version, or given an unknown option, it ends the
+/// process.
+[[nodiscard]] Arguments processArguments(const QStringList &arguments);
+
+/// Gives the application its colours and its style sheet; without the latter it goes on with the default look.
+void applyLook();
+
+/// Where the analysis cache and the undo records live. A failure shows when they are opened.
+void createDataFolder();
+
+} // namespace epr::startup
