@@ -64,12 +64,16 @@ bool openForHashing(QFile &file, QString *error)
     return true;
 }
 
-/// Hands the next limit bytes to consume, block by block. The end of the file ends it early; only a read error is
-/// false.
-template <typename Consume> bool readBlocks(QFile &file, qint64 limit, Consume consume)
+using StopFlag = const std::atomic<qint32> *; // null when nobody can stop the reading
+
+/// Hands the next limit bytes to consume, block by block. The end of the file ends it early; a read error or a raised
+/// stop flag is false.
+template <typename Consume> bool readBlocks(QFile &file, qint64 limit, StopFlag stop, Consume consume)
 {
     char *const buffer = blockBuffer();
     for (qint64 remaining = limit; remaining > 0;) {
+        if (stop && stop->load(std::memory_order_relaxed) != 0)
+            return false;
         const qint64 got = file.read(buffer, std::min(remaining, blockSize));
         if (got <= 0)
             return got == 0;
@@ -79,9 +83,9 @@ template <typename Consume> bool readBlocks(QFile &file, qint64 limit, Consume c
     return true;
 }
 
-bool addBlocks(QFile &file, qint64 limit, Sha256 &hash)
+bool addBlocks(QFile &file, qint64 limit, Sha256 &hash, StopFlag stop = nullptr)
 {
-    return readBlocks(file, limit, [&hash](QByteArrayView block) { hash.addData(block); });
+    return readBlocks(file, limit, stop, [&hash](QByteArrayView block) { hash.addData(block); });
 }
 
 QString digestText(Sha256 &hash)
@@ -128,32 +132,75 @@ private:
     Sha256 m_hash;
 };
 
-} // namespace
-
-QString hashWholeFile(const QString &path, QString *error)
+QString hashWhole(const QString &path, StopFlag stop, QString *error)
 {
     QFile file(path);
     if (!openForHashing(file, error))
         return {};
     Sha256 hash;
-    const bool read = addBlocks(file, noLimit, hash);
+    const bool read = addBlocks(file, noLimit, hash, stop);
     return digestOrError(read, hash, path, error);
 }
 
-QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error)
+QString hashPayload(const QString &path, const HashRequest &request, QString *error)
 {
-    if (length < 1)
+    if (request.payloadLength < 1)
         return {};
     QFile file(path);
     if (!openForHashing(file, error))
         return {};
-    if (!file.seek(offset)) {
+    if (!file.seek(request.payloadOffset)) {
         setError(error, QCoreApplication::translate("QObject", "Cannot seek within %1").arg(path));
         return {};
     }
     Sha256 hash;
-    const bool read = addBlocks(file, length, hash);
+    const bool read = addBlocks(file, request.payloadLength, hash, request.stop);
     return digestOrError(read, hash, path, error);
+}
+
+// Both digests from one pass over the file.
+FileDigests hashBoth(const QString &path, const HashRequest &request, QString *error)
+{
+    QFile file(path);
+    if (!openForHashing(file, error))
+        return {};
+    Sha256 whole;
+    RangeDigest payload(request.payloadOffset, request.payloadLength);
+    const bool read = readBlocks(file, noLimit, request.stop, [&](QByteArrayView block) {
+        whole.addData(block);
+        payload.addBlock(block);
+    });
+    FileDigests digests { digestOrError(read, whole, path, error), {} };
+    // A read error before or inside the range, or a range beyond the end, says nothing about what reading the range
+    // alone would give, so that is then done.
+    const bool settled = payload.complete() || (read && payload.begun());
+    digests.payload = settled ? digestOrError(true, payload.hash(), path, error) : hashPayload(path, request, error);
+    return digests;
+}
+
+} // namespace
+
+QString hashWholeFile(const QString &path, QString *error)
+{
+    return hashWhole(path, nullptr, error);
+}
+
+QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error)
+{
+    return hashPayload(path, { .payload = true, .payloadOffset = offset, .payloadLength = length }, error);
+}
+
+FileDigests hashFile(const QString &path, const HashRequest &request, QString *error)
+{
+    const bool rangeIsSound = request.payloadLength >= 1 && request.payloadOffset >= 0;
+    if (request.whole && request.payload && rangeIsSound)
+        return hashBoth(path, request, error);
+    FileDigests digests;
+    if (request.whole)
+        digests.whole = hashWhole(path, request.stop, error);
+    if (request.payload)
+        digests.payload = hashPayload(path, request, error);
+    return digests;
 }
 
 QString quickIdentityHash(const QString &path)
@@ -168,28 +215,6 @@ QString quickIdentityHash(const QString &path)
     if (size > 2 * identityWindow)
         read = read && file.seek(size - identityWindow) && addBlocks(file, identityWindow, hash);
     return read ? digestText(hash) : QString();
-}
-
-FileDigests hashFileAndPayload(const QString &path, qint64 offset, qint64 length, QString *error)
-{
-    if (length < 1 || offset < 0)
-        return { hashWholeFile(path, error), hashAudioPayload(path, offset, length, error) };
-    QFile file(path);
-    if (!openForHashing(file, error))
-        return {};
-    Sha256 whole;
-    RangeDigest payload(offset, length);
-    const bool read = readBlocks(file, noLimit, [&](QByteArrayView block) {
-        whole.addData(block);
-        payload.addBlock(block);
-    });
-    FileDigests digests { digestOrError(read, whole, path, error), {} };
-    // A read error before or inside the range, or a range beyond the end, says nothing about what reading the range
-    // alone would give, so that is then done.
-    const bool settled = payload.complete() || (read && payload.begun());
-    digests.payload =
-        settled ? digestOrError(true, payload.hash(), path, error) : hashAudioPayload(path, offset, length, error);
-    return digests;
 }
 
 } // namespace epr

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <atomic>
+
 namespace epr {
 
 // Digests are SHA-256 as 64 lower-case hexadecimal digits; an empty text means that there is none. A failure returns
@@ -26,8 +28,17 @@ struct FileDigests {
     QString payload;
 };
 
-/// What hashWholeFile() and then hashAudioPayload() would return and report, for one pass over the file.
-[[nodiscard]] FileDigests hashFileAndPayload(const QString &path, qint64 offset, qint64 length,
-                                             QString *error = nullptr);
+/// What to hash of one file.
+struct HashRequest {
+    bool whole = false;
+    bool payload = false;
+    qint64 payloadOffset = 0; ///< bytes
+    qint64 payloadLength = 0; ///< bytes
+    const std::atomic<qint32> *stop = nullptr; ///< non-zero gives the file up after the current block
+};
+
+/// What hashWholeFile() and then hashAudioPayload() would return and report, as far as requested, for one pass over the
+/// file. A file that is given up gets the read error's message and no digest.
+[[nodiscard]] FileDigests hashFile(const QString &path, const HashRequest &request, QString *error = nullptr);
 
 } // namespace epr

@@ -30,19 +30,17 @@ void copyTags(const ProbeResult &probe, TrackInfo &track)
 }
 
 // A payload that cannot be delimited counts as the whole file, which then matches byte-identical copies only.
-void hashFile(const ProbeResult &probe, const ScanOptions &options, TrackInfo &track, QString *error)
+void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std::atomic<qint32> *stop,
+                 TrackInfo &track, QString *error)
 {
     const bool delimited = probe.audioRangeValid && probe.audioLength >= 1;
-    const bool wantWhole = options.detectIdentical || (options.detectSameAudio && !delimited);
-    const bool wantPayload = options.detectSameAudio && delimited;
-    FileDigests digests;
-    if (wantWhole && wantPayload)
-        digests = hashFileAndPayload(track.path, probe.audioOffset, probe.audioLength, error);
-    else if (wantWhole)
-        digests.whole = hashWholeFile(track.path, error);
-    else if (wantPayload)
-        digests.payload = hashAudioPayload(track.path, probe.audioOffset, probe.audioLength, error);
-
+    const FileDigests digests = hashFile(track.path,
+                                         { .whole = options.detectIdentical || (options.detectSameAudio && !delimited),
+                                           .payload = options.detectSameAudio && delimited,
+                                           .payloadOffset = probe.audioOffset,
+                                           .payloadLength = probe.audioLength,
+                                           .stop = stop },
+                                         error);
     if (options.detectIdentical)
         track.fullHash = digests.whole;
     if (options.detectSameAudio)
@@ -81,14 +79,17 @@ TrackInfo measureFile(const QString &path)
     return track;
 }
 
-TrackInfo analyseFile(TrackInfo track, const ScanOptions &options)
+TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::atomic<qint32> *stop)
 {
+    const TrackInfo measured = track;
     ProbeResult probe;
     QString error;
     if (probeFile(track.path, probe, &error))
         copyTags(probe, track);
     QString hashError;
-    hashFile(probe, options, track, &hashError);
+    takeDigests(probe, options, stop, track, &hashError);
+    if (stop && stop->load() != 0 && !hashError.isEmpty())
+        return measured; // given up, not failed
     track.error = error.isEmpty() ? hashError : error;
     checkUnchanged(track);
     track.analysed = track.error.isEmpty();

@@ -206,10 +206,11 @@ void ScanController::analyseFiles(Scan &scan)
         return;
     TrackInfo *const tracks = scan.tracks.data();
     std::atomic<int> done = 0;
-    QFuture<void> running = QtConcurrent::map(scan.work, [&options = scan.options, tracks, &done](qsizetype index) {
-        tracks[index] = analyseFile(std::move(tracks[index]), options);
-        ++done;
-    });
+    QFuture<void> running =
+        QtConcurrent::map(&m_analysisPool, scan.work, [this, &scan, tracks, &done](qsizetype index) {
+            tracks[index] = analyseFile(std::move(tracks[index]), scan.options, &m_cancelFlag);
+            ++done;
+        });
     while (!running.isFinished()) {
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, eventBudgetMs);
         reportAnalysed(done.load(), scan.work.size());

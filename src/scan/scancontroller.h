@@ -7,6 +7,7 @@
 #include "trackinfo.h"
 
 #include <QObject>
+#include <QThreadPool>
 
 #include <atomic>
 #include <memory>
@@ -55,6 +56,8 @@ private:
     void groupDuplicates(Scan &scan);
     void finish(Scan &scan);
 
+    /// Qt paints large fills on the global pool, so work of seconds must not sit there: the window would freeze.
+    QThreadPool m_analysisPool;
     std::unique_ptr<AnalysisCache> m_cache; ///< made by the first scan that wants it, kept open for later ones
     std::atomic<qint32> m_cancelFlag = 0;
     std::atomic<qint32> m_running = 0;

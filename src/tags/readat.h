@@ -8,9 +8,9 @@ class QIODevice;
 
 namespace epr {
 
-/// Blocks (chunks, pages, atoms, metadata blocks) that one file is walked for. A day of half-second fragments stays
+/// Blocks (chunks, pages, atoms, metadata blocks) that one file is walked for. A day of one-second fragments stays
 /// below it; a file of nothing but empty blocks must not hold a scan up.
-inline constexpr int maxBlocks = 1'000'000;
+inline constexpr int maxBlocks = 200'000;
 
 /// The bytes at [offset, offset + count) as far as the device has them. The buffer is sized by what is there, so a
 /// length field may be passed as it stands in the file.

@@ -164,14 +164,12 @@ void drop(const MainWindow &window, const QList<QUrl> &urls, bool *accepted)
 class TestMainWindow : public QObject {
     Q_OBJECT
 
-public Q_SLOTS:
-    void keepUrl(const QUrl &url) { m_opened = url; }
-
-private Q_SLOTS:
-    // Before the application object, which looks at these places when it starts.
+public:
+    // Called before the application object exists, which looks at these places when it starts.
     static void initMain()
     {
         static const QTemporaryDir home;
+        s_home = home.path();
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath(u"config"_s)));
         qputenv("XDG_DATA_HOME", QFile::encodeName(home.filePath(u"data"_s)));
         QSettings::setDefaultFormat(QSettings::IniFormat);
@@ -181,6 +179,13 @@ private Q_SLOTS:
 #endif
     }
 
+public Q_SLOTS:
+    void keepUrl(const QUrl &url)
+    {
+        m_opened = url;
+    }
+
+private Q_SLOTS:
     void initTestCase()
     {
         metadata::applyToApplication();
@@ -188,6 +193,10 @@ private Q_SLOTS:
         startup::loadResources();
         startup::applyLook();
         startup::createDataFolder();
+#ifdef Q_OS_UNIX
+        QVERIFY(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).startsWith(s_home));
+        QVERIFY(QSettings().fileName().startsWith(s_home));
+#endif
         QVERIFY(qApp->styleSheet().contains("QToolBar"_L1));
         QVERIFY(QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).exists());
         QVERIFY(!QImage(u":/icons/logo.png"_s).isNull());
@@ -336,12 +345,16 @@ private Q_SLOTS:
         QVERIFY(logOf(window).contains("--- Scan complete in "_L1));
     }
 
-    // Enough to hash that the scan is still at it when the answer comes.
+    // Enough to hash that the scan is still at it when the answer comes. The files are mostly holes, which costs no
+    // disk.
     void closingDuringAScanStopsIt()
     {
+        constexpr int secondsOfAnHour = 3600;
+        const QByteArray recording = wave(1, secondsOfAnHour);
         for (int i = 0; i < 40; ++i) {
-            QFile file(m_folder->filePath(u"%1.wav"_s.arg(i)));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(wave(1)) > 0 && file.resize(32 << 20));
+            const QString path = m_folder->filePath(u"%1.wav"_s.arg(i));
+            writeFile(path, recording.left(1024));
+            QVERIFY(QFile::resize(path, recording.size()));
         }
         MainWindow window;
         window.show();
@@ -470,6 +483,7 @@ private Q_SLOTS:
     }
 
 private:
+    static inline QString s_home; ///< settings and data of this test
     std::optional<QTemporaryDir> m_folder;
     QUrl m_opened;
 };

@@ -23,8 +23,10 @@ QString hashText(const QString &hash)
     return hash.isEmpty() ? FileDetails::tr("not computed") : hash;
 }
 
-QString line(const QString &name, const QString &value)
+// The names must not wrap, and non-breaking spaces are the one way of saying so that a table cell heeds.
+QString line(QString name, const QString &value)
 {
+    name.replace(u' ', QChar::Nbsp);
     return u"<tr><td><b>%1</b></td><td style='padding-left:12px'>%2</td></tr>"_s.arg(name.toHtmlEscaped(),
                                                                                      value.toHtmlEscaped());
 }

@@ -44,7 +44,6 @@ QAction *MainActions::make(const QString &text, const QKeySequence &key, const Q
 {
     auto *action = new QAction(text, this);
     action->setShortcut(key);
-    action->setStatusTip(tip);
     action->setToolTip(key.isEmpty() ? tip : tr("%1 (%2)").arg(tip, key.toString(QKeySequence::NativeText)));
     return action;
 }

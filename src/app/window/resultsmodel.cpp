@@ -44,6 +44,7 @@ ResultsModel::ResultsModel(QObject *parent)
     , m_firstRow(1, 0)
 {
     m_boldFont.setBold(true);
+    m_background.setMaxThreadCount(1);
 }
 
 const TrackInfo *ResultsModel::trackAt(const QModelIndex &index) const
@@ -69,7 +70,8 @@ void ResultsModel::setResults(const QList<TrackInfo> &tracks, const QList<MatchG
     m_ticked.assign(m_firstRow.back(), false);
     countGroups();
     setTicks([](bool, bool isKeeper) { return !isKeeper; });
-    m_searchTexts = groups.isEmpty() ? QFuture<QStringList>() : QtConcurrent::run(foldedSearchTexts, tracks, groups);
+    m_searchTexts =
+        groups.isEmpty() ? QFuture<QStringList>() : QtConcurrent::run(&m_background, foldedSearchTexts, tracks, groups);
     endResetModel();
     Q_EMIT totalsChanged();
 }

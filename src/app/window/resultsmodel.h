@@ -10,6 +10,7 @@
 #include <QFont>
 #include <QFuture>
 #include <QSet>
+#include <QThreadPool>
 
 #include <vector>
 
@@ -106,6 +107,7 @@ private:
     std::vector<std::size_t> m_firstRow; ///< per group, its first member among all members; one more entry closes it
     std::vector<bool> m_ticked; ///< per member, in group order
     ResultsTotals m_totals;
+    QThreadPool m_background; ///< not the global one: painting may need that, and would wait for the end of our work
     QFuture<QStringList> m_searchTexts;
     QFont m_boldFont;
 };

@@ -78,6 +78,7 @@ void ResultsPanel::layOutWidgets()
     m_summary->setObjectName(u"summaryLabel"_s);
     m_summary->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_summary->setWordWrap(true);
+    m_summary->setMinimumHeight(m_summary->fontMetrics().lineSpacing());
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

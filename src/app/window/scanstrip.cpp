@@ -22,6 +22,9 @@ ScanStrip::ScanStrip(QWidget *parent)
     m_bar->setFormat(tr("%v of %m"));
     m_bar->setAlignment(Qt::AlignCenter);
     m_bar->setFixedWidth(40 * fontMetrics().averageCharWidth());
+    QSizePolicy policy = m_bar->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // the window must not jump when a scan starts
+    m_bar->setSizePolicy(policy);
     m_bar->hide();
 
     auto *layout = new QHBoxLayout(this);
