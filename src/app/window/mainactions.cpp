@@ -21,10 +21,15 @@ MainActions::MainActions(QWidget *window)
     , invertSelection(make(tr("Invert Selection"), Qt::CTRL | Qt::Key_I,
                            tr("Tick every copy that is not ticked and untick the others, kept copies included.")))
     , filterResults(make(tr("Filter Results"), QKeySequence::Find, tr("Go to the filter above the results.")))
+    , settings(make(tr("Settings..."), Qt::CTRL | Qt::Key_Comma, tr("Choose what is scanned and how it is compared.")))
+    , clearCache(make(tr("Clear Analysis Cache"), {},
+                      tr("Forget all remembered results. The next scan reads every file again.")))
+    , checkForUpdates(make(tr("Check for &Updates..."), {}, tr("Ask the update service for a newer version.")))
     , website(make(tr("Quorvane &Website"), {}, metadata::makerUrl()))
     , about(make(tr("&About %1").arg(metadata::applicationName()), {}, tr("Version and licences.")))
 {
     exit->setMenuRole(QAction::QuitRole);
+    settings->setMenuRole(QAction::PreferencesRole);
     about->setMenuRole(QAction::AboutRole);
     enableFor({});
 }
@@ -35,6 +40,8 @@ void MainActions::enableFor(const Situation &situation)
     removeFolder->setEnabled(!situation.isScanning && situation.hasFolderSelection);
     startScan->setEnabled(!situation.isScanning);
     stopScan->setEnabled(situation.isScanning);
+    settings->setEnabled(!situation.isScanning);
+    clearCache->setEnabled(!situation.isScanning);
     for (QAction *action : { selectDuplicates, clearSelection, invertSelection, filterResults })
         action->setEnabled(situation.hasGroups);
 }

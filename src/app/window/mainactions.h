@@ -32,6 +32,9 @@ public:
     QAction *const clearSelection;
     QAction *const invertSelection;
     QAction *const filterResults;
+    QAction *const settings;
+    QAction *const clearCache;
+    QAction *const checkForUpdates;
     QAction *const website;
     QAction *const about;
 

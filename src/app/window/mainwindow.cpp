@@ -11,8 +11,10 @@
 #include "resultspanel.h"
 #include "scancontroller.h"
 #include "scanstrip.h"
+#include "settingscommand.h"
 #include "settingsstore.h"
 #include "summarytext.h"
+#include "updatenotices.h"
 
 #include <QCloseEvent>
 #include <QDateTime>
@@ -49,7 +51,9 @@ MainWindow::MainWindow(QWidget *parent)
     connectScan();
     refreshActions();
     m_scanThread->start();
+    connectUpdates();
     onLogMessage(tr("%1 %2 ready.").arg(metadata::applicationName(), metadata::version()));
+    m_updates->scheduleStartupCheck();
 }
 
 MainWindow::~MainWindow()
@@ -164,6 +168,23 @@ void MainWindow::onInvertSelection()
     m_results->invertTicks();
 }
 
+void MainWindow::onSettings()
+{
+    const auto log = [this](const QString &message) { report(message); };
+    const std::optional<ScanOptions> edited = editSettings(m_options, log, this);
+    if (!edited)
+        return;
+    m_options = *edited;
+    m_updates->reloadAddress();
+    saveSettings();
+    report(tr("Settings updated."));
+}
+
+void MainWindow::onClearCache()
+{
+    clearAnalysisCache([this](const QString &message) { report(message); });
+}
+
 void MainWindow::onAbout()
 {
     AboutDialog(this).exec();
@@ -220,6 +241,8 @@ void MainWindow::createActions()
     connect(m_actions->clearSelection, &QAction::triggered, this, &MainWindow::onClearSelection);
     connect(m_actions->invertSelection, &QAction::triggered, this, &MainWindow::onInvertSelection);
     connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
+    connect(m_actions->settings, &QAction::triggered, this, &MainWindow::onSettings);
+    connect(m_actions->clearCache, &QAction::triggered, this, &MainWindow::onClearCache);
     connect(m_actions->website, &QAction::triggered, this,
             [] { QDesktopServices::openUrl(QUrl(metadata::makerUrl())); });
     connect(m_actions->about, &QAction::triggered, this, &MainWindow::onAbout);
@@ -243,7 +266,12 @@ void MainWindow::createMenus()
     edit->addSeparator();
     edit->addAction(m_actions->filterResults);
 
+    QMenu *tools = menuBar()->addMenu(tr("&Tools"));
+    tools->addActions({ m_actions->settings, m_actions->clearCache });
+
     QMenu *help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(m_actions->checkForUpdates);
+    help->addSeparator();
     help->addActions({ m_actions->website, m_actions->about });
 }
 
@@ -293,6 +321,12 @@ void MainWindow::connectScan()
     connect(m_controller, &ScanController::progress, this, &MainWindow::onProgress);
     connect(m_controller, &ScanController::logMessage, this, &MainWindow::onLogMessage);
     connect(m_controller, &ScanController::failed, this, &MainWindow::onScanFailed);
+}
+
+void MainWindow::connectUpdates()
+{
+    m_updates = new UpdateNotices(m_actions->checkForUpdates, this);
+    connect(m_updates, &UpdateNotices::logMessage, this, &MainWindow::onLogMessage);
 }
 
 void MainWindow::saveSettings() const

@@ -20,6 +20,7 @@ class ResultsModel;
 class ResultsPanel;
 class ScanController;
 class ScanStrip;
+class UpdateNotices;
 
 /// The program's main window. It puts the panels together, carries commands to the scan and the scan's reports to the
 /// panels, and owns the thread on which scans run.
@@ -52,6 +53,8 @@ public Q_SLOTS:
     void onSelectDuplicates();
     void onClearSelection();
     void onInvertSelection();
+    void onSettings();
+    void onClearCache();
     void onAbout();
 
 protected:
@@ -66,6 +69,7 @@ private:
     void placeOnScreen();
     void restoreSettings();
     void connectScan();
+    void connectUpdates();
     void saveSettings() const;
     void setScanning(bool scanning);
     void refreshActions();
@@ -83,6 +87,7 @@ private:
     ResultsPanel *m_resultsPanel = nullptr;
     ActivityLog *m_log = nullptr;
     ScanStrip *m_strip = nullptr;
+    UpdateNotices *m_updates = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };

@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace epr {
+
+// Message boxes that show their text as it is. What comes from a file's name, a tag or a server must not be taken for
+// markup, which QMessageBox guesses from the text.
+
+void showInformation(QWidget *parent, const QString &title, const QString &text);
+void showWarning(QWidget *parent, const QString &title, const QString &text);
+
+} // namespace epr

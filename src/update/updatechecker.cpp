@@ -1,0 +1,175 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "updatechecker.h"
+
+#include "metadata.h"
+#include "versioncompare.h"
+#include "weburl.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QTimer>
+#include <QUrlQuery>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 secondsBetweenChecks = 72000; // 20 hours
+
+// Far above any answer that makes sense; a wrong or hostile server cannot fill the memory.
+constexpr qint64 maxBodyBytes = 1 << 20;
+
+QUrl withRequestItems(QUrl service)
+{
+    QUrlQuery query(service);
+    query.addQueryItem(u"app"_s, metadata::applicationName());
+    query.addQueryItem(u"current"_s, metadata::version());
+    query.addQueryItem(u"platform"_s, metadata::platform());
+    query.addQueryItem(u"arch"_s, metadata::architecture());
+    service.setQuery(query);
+    return service;
+}
+
+QNetworkRequest requestTo(const QUrl &service)
+{
+    QNetworkRequest request(withRequestItems(service));
+    request.setHeader(QNetworkRequest::UserAgentHeader, metadata::userAgent());
+    request.setRawHeader("Accept", "application/json");
+    // Otherwise the toolkit offers to unpack, and the limit on the body would hold for its packed form only.
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    return request;
+}
+
+// Empty when the service answered. The toolkit turns every status from 400 into an error with a text of its own; the
+// number says more to whoever runs the service. A redirect that was refused keeps the toolkit's reason.
+QString failureOf(const QNetworkReply &reply)
+{
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const bool failed = reply.error() != QNetworkReply::NoError;
+    if (failed && status < 400)
+        return reply.errorString();
+    if (status != 0 && status != 200)
+        return UpdateChecker::tr("The update service returned HTTP %1.").arg(status);
+    return {};
+}
+
+QString unreadableText()
+{
+    return UpdateChecker::tr("The update service returned an unreadable response.");
+}
+
+UpdateChecker::Release releaseFrom(const QJsonObject &answer)
+{
+    const auto text = [&answer](QLatin1StringView key) { return answer.value(key).toString().trimmed(); };
+    UpdateChecker::Release release;
+    release.version = text("latest_version"_L1);
+    release.releaseDate = text("release_date"_L1);
+    release.downloadUrl = text("download_url"_L1);
+    release.notesUrl = text("notes_url"_L1);
+    release.notes = text("notes"_L1);
+    release.critical = answer.value("critical"_L1).toBool();
+    release.minSupportedVersion = text("min_supported_version"_L1);
+    return release;
+}
+
+} // namespace
+
+UpdateChecker::UpdateChecker(QObject *parent)
+    : QObject(parent)
+    , m_network(new QNetworkAccessManager(this))
+    , m_url(m_settings.url())
+{
+    qRegisterMetaType<Release>("epr::UpdateChecker::Release");
+}
+
+bool UpdateChecker::isDue() const
+{
+    const QDateTime last = m_settings.lastChecked();
+    return !last.isValid() || last.secsTo(QDateTime::currentDateTimeUtc()) >= secondsBetweenChecks;
+}
+
+void UpdateChecker::setUrl(const QString &text)
+{
+    m_url = text.trimmed();
+    m_settings.setUrl(m_url);
+}
+
+void UpdateChecker::check(bool silent)
+{
+    const QUrl service = webUrl(m_url);
+    if (!service.isEmpty()) {
+        request(service, silent);
+        return;
+    }
+    const QString error = tr("The address of the update service is not a web address: \"%1\"").arg(m_url);
+    QMetaObject::invokeMethod(
+        this, [this, error, silent] { Q_EMIT checkFailed(error, silent); }, Qt::QueuedConnection);
+}
+
+void UpdateChecker::request(const QUrl &service, bool silent)
+{
+    QNetworkReply *reply = m_network->get(requestTo(service));
+    // The toolkit stops reading shortly before the buffer is full; at twice the limit an endless body still exceeds it.
+    reply->setReadBufferSize(2 * maxBodyBytes);
+    connect(reply, &QNetworkReply::readyRead, this, [this, reply, silent] { refuseLongAnswer(reply, silent); });
+    connect(reply, &QNetworkReply::finished, this, [this, reply, silent] { handleReply(reply, silent); });
+
+    auto *watchdog = new QTimer(reply);
+    watchdog->setSingleShot(true);
+    connect(watchdog, &QTimer::timeout, reply, &QNetworkReply::abort);
+    watchdog->start(m_timeLimit);
+}
+
+void UpdateChecker::refuseLongAnswer(QNetworkReply *reply, bool silent)
+{
+    if (reply->bytesAvailable() <= maxBodyBytes)
+        return;
+    const QString failure = failureOf(*reply);
+    reply->disconnect(this); // this check has its answer; the abort below is none
+    reply->abort();
+    reply->deleteLater();
+    Q_EMIT checkFailed(failure.isEmpty() ? unreadableText() : failure, silent);
+}
+
+void UpdateChecker::handleReply(QNetworkReply *reply, bool silent)
+{
+    reply->deleteLater();
+    if (const QString failure = failureOf(*reply); !failure.isEmpty())
+        Q_EMIT checkFailed(failure, silent);
+    else
+        handleAnswer(reply->readAll(), silent);
+}
+
+void UpdateChecker::handleAnswer(const QByteArray &body, bool silent)
+{
+    const QJsonDocument answer = QJsonDocument::fromJson(body);
+    if (!answer.isObject()) {
+        Q_EMIT checkFailed(unreadableText(), silent);
+        return;
+    }
+    m_settings.setLastChecked(QDateTime::currentDateTimeUtc());
+    const Release release = releaseFrom(answer.object());
+    if (release.version.isEmpty())
+        Q_EMIT checkFailed(tr("The update service did not report a version."), silent);
+    else
+        report(release, silent);
+}
+
+void UpdateChecker::report(const Release &release, bool silent)
+{
+    const bool newer = compareVersions(release.version, metadata::version()) > 0;
+    const bool keptQuiet = silent && !release.critical && release.version == skippedVersion();
+    if (newer && !keptQuiet)
+        Q_EMIT updateAvailable(release, silent);
+    else
+        Q_EMIT upToDate(silent);
+}
+
+} // namespace epr

@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "updatesettings.h"
+
+#include <QMetaType>
+#include <QObject>
+
+#include <chrono>
+
+class QNetworkAccessManager;
+class QNetworkReply;
+
+namespace epr {
+
+/// Asks the update service whether there is a newer release. Every check makes at most one request and ends in exactly
+/// one of the three signals, which carries the flag of its own check; checks may overlap. Nothing is downloaded.
+class UpdateChecker final : public QObject {
+    Q_OBJECT
+
+public:
+    struct Release {
+        QString version;
+        QString releaseDate; ///< as the service wrote it
+        QString downloadUrl;
+        QString notesUrl;
+        QString notes;
+        bool critical = false; ///< announced even when its version is skipped
+        QString minSupportedVersion;
+
+        bool operator==(const Release &) const = default;
+    };
+
+    explicit UpdateChecker(QObject *parent = nullptr);
+
+    [[nodiscard]] QString url() const { return m_url; }
+    [[nodiscard]] bool isDue() const; ///< whether the next automatic check may run
+    [[nodiscard]] QString lastCheckedText() const { return m_settings.lastCheckedText(); }
+    [[nodiscard]] QString skippedVersion() const { return m_settings.skippedVersion(); }
+
+    void setUrl(const QString &text); ///< takes effect with the next check and is stored
+    void setTimeLimit(std::chrono::milliseconds limit) { m_timeLimit = limit; } ///< for a whole check
+
+    /// A silent check does not announce a skipped release, unless that is critical. The answer never comes before this
+    /// returns.
+    void check(bool silent);
+
+Q_SIGNALS:
+    void updateAvailable(const epr::UpdateChecker::Release &release, bool silent);
+    void upToDate(bool silent);
+    void checkFailed(const QString &error, bool silent);
+
+private:
+    void request(const QUrl &service, bool silent);
+    void refuseLongAnswer(QNetworkReply *reply, bool silent);
+    void handleReply(QNetworkReply *reply, bool silent);
+    void handleAnswer(const QByteArray &body, bool silent);
+    void report(const Release &release, bool silent);
+
+    UpdateSettings m_settings;
+    QNetworkAccessManager *m_network;
+    QString m_url;
+    std::chrono::milliseconds m_timeLimit { 15000 };
+};
+
+} // namespace epr
+
+Q_DECLARE_METATYPE(epr::UpdateChecker::Release)

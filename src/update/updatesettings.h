@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDateTime>
+#include <QSettings>
+#include <QString>
+
+namespace epr {
+
+/// What the update check keeps in the user's settings.
+class UpdateSettings final {
+public:
+    [[nodiscard]] QString url() const; ///< the default address when none was ever stored
+    [[nodiscard]] QDateTime lastChecked() const; ///< UTC; invalid = never
+    [[nodiscard]] QString lastCheckedText() const; ///< local time, or a translated "never"
+    [[nodiscard]] QString skippedVersion() const; ///< empty = none
+
+    void setUrl(const QString &url); ///< trims
+    void setLastChecked(const QDateTime &time);
+    void setSkippedVersion(const QString &version);
+    void clearSkippedVersion();
+
+private:
+    QSettings m_settings;
+};
+
+} // namespace epr
