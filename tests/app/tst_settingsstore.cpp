@@ -73,6 +73,14 @@ private Q_SLOTS:
         QVERIFY(store.folders().isEmpty() && store.quarantineRoot().endsWith("/Echoprune Quarantine"_L1));
     }
 
+    void halfTheProcessorsDecodeButAtLeastTwo()
+    {
+        QList<int> threads;
+        for (const int processors : { 1, 4, 5, 12, 16, 17, 18, 64 })
+            threads << defaultDecoderThreads(processors);
+        QCOMPARE(threads, (QList<int> { 2, 2, 2, 6, 8, 8, 8, 8 }));
+    }
+
 private:
     std::optional<test::TemporaryHome> m_home;
 };

@@ -57,6 +57,7 @@ private Q_SLOTS:
         row("a file for a folder", "a.mp3", "library/a.mp3", 2, "Not a folder");
         row("on and off at once", "", "--metadata --no-metadata .", 2, "contradict");
         row("every method off", "", "--no-identical --no-same-audio --no-acoustic --no-metadata .", 2, "switched off");
+        row("empty folder", "", "library", 0, "no duplicates found");
         row("all different", "a.mp3 b.mp3", "library", 0, "no duplicates found");
         row("damaged", "x.flac", "library", 0, "x.flac: Unrecognised or damaged FLAC container");
         row("a copy", "a.mp3 a,копия.mp3 b.mp3", "library", 1, "a,копия.mp3");

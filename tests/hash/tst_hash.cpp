@@ -48,6 +48,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("digest");
         QTest::newRow("no bytes") << QByteArray()
                                   << u"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"_s;
+        QTest::newRow("one block") << QByteArray("abc")
+                                   << u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s;
         QTest::newRow("padding that takes a second block")
             << QByteArray("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq")
             << u"248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1"_s;

@@ -6,6 +6,12 @@
 
 #include <QTest>
 
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 using namespace epr;
 using namespace epr::test;
 using namespace Qt::StringLiterals;
@@ -77,6 +83,26 @@ private Q_SLOTS:
         QStringList actual = discover(options, 0);
         actual.sort();
         QCOMPARE(actual, expected);
+    }
+
+    void specialAndUndecodableFilesAreLeftOut()
+    {
+#ifdef Q_OS_UNIX
+        const QTemporaryDir folder;
+        const QByteArray root = QFile::encodeName(folder.path()) + '/';
+        for (const char *name : { "good.mp3", "bad\xff.mp3", "bad\xff.txt" })
+            ::close(::creat((root + name).constData(), 0600));
+        QCOMPARE(::mkdir((root + "folder\xff").constData(), 0700), 0);
+        QCOMPARE(::mkfifo((root + "pipe.mp3").constData(), 0600), 0);
+        ScanOptions options;
+        options.minBytes = 0;
+        options.roots = QStringList { folder.path() };
+        int undecodable = 0;
+        QCOMPARE(discover(options, 0, {}, &undecodable), QStringList { folder.filePath(u"good.mp3"_s) });
+        QCOMPARE(undecodable, 2); // the audio file and the folder
+#else
+        QSKIP("Windows has neither such files nor such names");
+#endif
     }
 
     void reportsAndStops()
