@@ -112,7 +112,9 @@ bool writeManifest(const QString &path, const UndoManifest &manifest, QString *e
 {
     QSaveFile file(path);
     const QByteArray json = QJsonDocument(toJson(manifest)).toJson(QJsonDocument::Indented);
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(json) == json.size() && file.commit();
+    // Committing alone would put a file in place of which the end is missing on a full disk.
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(json) == json.size()
+        && nativefile::flushToDisk(file) && file.commit();
     if (!written) {
         *error = file.errorString();
         return false;

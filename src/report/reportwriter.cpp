@@ -59,8 +59,9 @@ bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo
     QTextStream out(&file);
     writeFormat(out, format, { tracks, groups, roots, QDateTime::currentDateTime() });
     out.flush();
-    const bool streamed = out.status() == QTextStream::Ok;
-    if (streamed && file.commit())
+    // Committing alone would put a report in place of which the end is missing on a full disk. The stream flushes the
+    // file too and remembers a failure.
+    if (out.status() == QTextStream::Ok && file.commit())
         return true;
     *error = file.errorString();
     return false;
