@@ -549,6 +549,8 @@ int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(u"epr-test"_s);
+    if (!isUnix)
+        QStandardPaths::setTestModeEnabled(true); // in the child too
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == childSwitch)
         return quarantineAndDie(arguments.sliced(2));
