@@ -3,20 +3,20 @@
 #pragma once
 
 #include <QDateTime>
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
 #include <QMap>
 #include <QStandardPaths>
 #include <QStorageInfo>
 #include <QTemporaryDir>
 
 #include <filesystem>
-#include <memory>
 
 #ifdef Q_OS_UNIX
-#include <unistd.h>
+#include <csignal>
+#include <sys/resource.h>
+constexpr bool isUnix = true;
+#else
+constexpr bool isUnix = false;
 #endif
 
 namespace epr::test {
@@ -46,15 +46,24 @@ inline Tree treeOf(const QString &folder)
 }
 
 /// A temporary place that holds the application's data, a library and a quarantine. Files get distinct content and old
-/// modification times, so that a copy made anew or mixed up shows. Other accounts may enter.
-class Sandbox final {
+/// modification times, so that a copy made anew or mixed up shows.
+class Sandbox {
 public:
+    bool hasTwoFileSystems() const { return QStorageInfo(m_other.path()) != QStorageInfo(m_dir.path()); }
+    QString path(const QString &name) const { return m_dir.filePath(name); }
+    QString library() const { return path(u"library"_s); }
+    QString inLibrary(const QString &name) const { return library() + u'/' + name; }
+    QString quarantine() const { return m_other.path(); }
+    QStringList runs() const { return QDir(quarantine()).entryList(QDir::Dirs | QDir::NoDotAndDotDot); }
+    QString inRun(const QString &name) const { return quarantine() + u'/' + runs().value(0) + u'/' + name; }
+
     explicit Sandbox(bool otherFileSystem = false)
-        : m_other(otherFileSystem ? u"/dev/shm/epr-test-XXXXXX"_s : m_dir.path() + u"/quarantine-XXXXXX"_s)
+        : m_other((otherFileSystem ? qEnvironmentVariable("EPR_TEST_OTHER_FS", u"/dev/shm"_s) : m_dir.path())
+                  + u"/epr-test-XXXXXX"_s)
     {
+        if (!m_dir.isValid() || !m_other.isValid())
+            qFatal("No temporary folders"); // an empty path would lead to the top folder
         QDir().mkpath(library());
-        for (const QString &folder : { m_dir.path(), m_other.path(), library() })
-            QFile::setPermissions(folder, QFile::Permissions(0x7777));
 #ifdef Q_OS_UNIX
         qputenv("HOME", QFile::encodeName(m_dir.path()));
         qputenv("XDG_DATA_HOME", QFile::encodeName(path(u"data"_s)));
@@ -62,35 +71,6 @@ public:
         QStandardPaths::setTestModeEnabled(true);
         QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).removeRecursively();
 #endif
-    }
-
-    [[nodiscard]] bool hasTwoFileSystems() const
-    {
-        return QStorageInfo(m_other.path()) != QStorageInfo(m_dir.path());
-    }
-    [[nodiscard]] QString path(const QString &name) const
-    {
-        return m_dir.filePath(name);
-    }
-    [[nodiscard]] QString library() const
-    {
-        return path(u"library"_s);
-    }
-    [[nodiscard]] QString inLibrary(const QString &name) const
-    {
-        return library() + u'/' + name;
-    }
-    [[nodiscard]] QString quarantine() const
-    {
-        return m_other.path();
-    }
-    [[nodiscard]] QStringList runs() const
-    {
-        return QDir(quarantine()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    }
-    [[nodiscard]] QString inRun(const QString &name) const
-    {
-        return quarantine() + u'/' + runs().value(0) + u'/' + name;
     }
 
     QString add(const QString &name, qsizetype size = 100)
@@ -131,19 +111,15 @@ private:
     int m_files = 0;
 };
 
-/// The administrator may do anything, so a test of what is forbidden takes another account while this lives.
-struct Unprivileged {
-    Unprivileged() { become(65534); }
-    Q_DISABLE_COPY_MOVE(Unprivileged)
-    ~Unprivileged() { become(0); }
-
-    static void become([[maybe_unused]] unsigned account)
-    {
+/// Lets no file of this process grow beyond the size: what a full disk does to a writer. -1 lifts the limit.
+inline void limitFileSize([[maybe_unused]] qint64 bytes)
+{
 #ifdef Q_OS_UNIX
-        if (getuid() == 0 && seteuid(account) != 0)
-            qFatal("Cannot change the account");
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit { bytes < 0 ? RLIM_INFINITY : static_cast<rlim_t>(bytes), RLIM_INFINITY };
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
+        qFatal("Cannot limit the size of files");
 #endif
-    }
-};
+}
 
 } // namespace epr::test
