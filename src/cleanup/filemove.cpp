@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "filemove.h"
+
+#include "hashing.h"
+#include "nativefile.h"
+#include "sha256.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QStringList>
+
+#include <optional>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+using nativefile::Outcome;
+
+namespace {
+
+constexpr qint64 blockSize = 1048576;
+
+// The folders that had to be made for a move. They go again with this object unless the move succeeded.
+class MadeFolders final {
+public:
+    MadeFolders() = default;
+    Q_DISABLE_COPY_MOVE(MadeFolders)
+    ~MadeFolders()
+    {
+        for (auto folder = m_made.crbegin(); folder != m_made.crend(); ++folder)
+            QDir().rmdir(*folder);
+    }
+
+    [[nodiscard]] bool make(const QString &folder)
+    {
+        for (QString missing = folder; !entryExists(missing); missing = QFileInfo(missing).path()) {
+            if (!m_made.isEmpty() && m_made.first() == missing) // the top of a drive that is not there
+                return false;
+            m_made.prepend(missing);
+        }
+        return m_made.isEmpty() ? QFileInfo(folder).isDir() : QDir().mkpath(folder);
+    }
+
+    void keep() { m_made.clear(); }
+
+private:
+    QStringList m_made; ///< outermost first
+};
+
+// A copy under a temporary name. It goes with this object unless it was renamed.
+class TemporaryCopy final {
+public:
+    explicit TemporaryCopy(const QString &folder)
+    {
+        // Short, because the name that the file will have may already be as long as the file system allows.
+        const QString number = QString::number(QRandomGenerator::global()->generate64(), 36);
+        m_file.setFileName(folder + "/.echoprune-"_L1 + number + ".part"_L1);
+    }
+    Q_DISABLE_COPY_MOVE(TemporaryCopy)
+    ~TemporaryCopy()
+    {
+        if (!m_made)
+            return;
+        m_file.close();
+        static_cast<void>(nativefile::removeFile(path()));
+    }
+
+    [[nodiscard]] QString path() const { return m_file.fileName(); }
+
+    /// True only if the copy, read back from its file, is what was read from the original.
+    [[nodiscard]] bool fillFrom(const QString &original)
+    {
+        m_made = m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
+        if (!m_made)
+            return false;
+        const std::optional<QString> digest = copyContent(original);
+        if (!digest || !nativefile::flushToDisk(m_file))
+            return false;
+        m_file.close();
+        return nativefile::copyTimesAndPermissions(original, path()) && hashWholeFile(path()) == *digest;
+    }
+
+    [[nodiscard]] Outcome putInPlace(const QString &to)
+    {
+        const Outcome outcome = nativefile::renameWithoutReplacing(path(), to);
+        if (outcome == Outcome::Done)
+            m_made = false;
+        return outcome;
+    }
+
+private:
+    /// The digest of what was written.
+    [[nodiscard]] std::optional<QString> copyContent(const QString &original)
+    {
+        QFile source(original);
+        if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+            return std::nullopt;
+        Sha256 hash;
+        QByteArray block(blockSize, Qt::Uninitialized);
+        qint64 got = 0;
+        while ((got = source.read(block.data(), blockSize)) > 0) {
+            if (m_file.write(block.constData(), got) != got)
+                return std::nullopt;
+            hash.addData(QByteArrayView(block.constData(), static_cast<qsizetype>(got)));
+        }
+        const QByteArray digest = hash.result();
+        if (got < 0 || digest.isEmpty())
+            return std::nullopt;
+        return QString::fromLatin1(digest.toHex());
+    }
+
+    QFile m_file;
+    bool m_made = false;
+};
+
+struct Stamp {
+    qint64 size = 0;
+    QDateTime modified;
+
+    bool operator==(const Stamp &) const = default;
+};
+
+Stamp stampOf(const QString &path)
+{
+    const QFileInfo info(path);
+    return { info.size(), info.lastModified() };
+}
+
+Outcome copyFile(const QString &from, const QString &to, const Stamp &stamp)
+{
+    TemporaryCopy copy(QFileInfo(to).path());
+    // A file that is being written to while it is copied may be whole in neither place.
+    if (!copy.fillFrom(from) || stampOf(from) != stamp || QFileInfo(copy.path()).size() != stamp.size)
+        return Outcome::Failed;
+    return copy.putInPlace(to);
+}
+
+Outcome moveByCopying(const QString &from, const QString &to)
+{
+    if (entryExists(to)) // before copying a large file for nothing
+        return Outcome::Occupied;
+    const Stamp stamp = stampOf(from);
+    const bool isLink = QFileInfo(from).isSymbolicLink();
+    const Outcome outcome = isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp);
+    if (outcome != Outcome::Done)
+        return outcome;
+    nativefile::flushFolderToDisk(QFileInfo(to).path());
+    // Only while the original is still seen to be there is the copy not the last: a network drive may just have gone.
+    if (nativefile::removeFile(from) || !entryExists(from) || stampOf(from) != stamp)
+        return Outcome::Done;
+    static_cast<void>(nativefile::removeFile(to));
+    return Outcome::Failed;
+}
+
+} // namespace
+
+bool entryExists(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
+
+MoveOutcome moveFile(const QString &from, const QString &to)
+{
+    MadeFolders folders;
+    if (!folders.make(QFileInfo(to).path()))
+        return MoveOutcome::Failed;
+    Outcome outcome = nativefile::renameWithoutReplacing(from, to);
+    if (outcome == Outcome::OtherDevice)
+        outcome = moveByCopying(from, to);
+    if (outcome == Outcome::Occupied)
+        return MoveOutcome::Occupied;
+    if (outcome != Outcome::Done)
+        return MoveOutcome::Failed;
+    folders.keep();
+    return MoveOutcome::Moved;
+}
+
+} // namespace epr

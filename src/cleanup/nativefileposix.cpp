@@ -1,0 +1,162 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "nativefile.h"
+
+#include <QFile>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace epr::nativefile {
+
+namespace {
+
+Outcome outcomeOf(int status)
+{
+    if (status == 0)
+        return Outcome::Done;
+    switch (errno) {
+    case EEXIST:
+        return Outcome::Occupied;
+    case EXDEV:
+        return Outcome::OtherDevice;
+    default:
+        return Outcome::Failed;
+    }
+}
+
+bool isEmptyFile(const char *path)
+{
+    struct stat status = {};
+    return lstat(path, &status) == 0 && S_ISREG(status.st_mode) && status.st_size == 0;
+}
+
+// For file systems without hard links. The name is first taken by an empty file, which cannot happen where a file is,
+// and then renamed over: nobody else's file can be in the way.
+Outcome renameOverPlaceholder(const char *from, const char *to)
+{
+    const int placeholder = open(to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (placeholder < 0)
+        return outcomeOf(-1);
+    close(placeholder);
+    const Outcome outcome = outcomeOf(std::rename(from, to));
+    if (outcome != Outcome::Done && isEmptyFile(to))
+        unlink(to);
+    return outcome;
+}
+
+// For file systems that can only rename over what is there.
+Outcome linkAndUnlink(const char *from, const char *to)
+{
+    if (linkat(AT_FDCWD, from, AT_FDCWD, to, 0) != 0) {
+        const bool noHardLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
+        return noHardLinks ? renameOverPlaceholder(from, to) : outcomeOf(-1);
+    }
+    struct stat status = {};
+    // Only while the old name is still seen to be there is the new one not the last.
+    if (unlink(from) == 0 || lstat(from, &status) != 0)
+        return Outcome::Done;
+    unlink(to);
+    return Outcome::Failed;
+}
+
+bool isUnsupported(int error)
+{
+    return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
+}
+
+std::array<timespec, 2> timesOf(const struct stat &status)
+{
+#ifdef __APPLE__
+    return { status.st_atimespec, status.st_mtimespec };
+#else
+    return { status.st_atim, status.st_mtim };
+#endif
+}
+
+bool copyTimes(const struct stat &source, const char *to)
+{
+    return utimensat(AT_FDCWD, to, timesOf(source).data(), AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+} // namespace
+
+Outcome renameWithoutReplacing(const QString &from, const QString &to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
+#ifdef RENAME_NOREPLACE
+    const int status = renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE);
+    if (status == 0 || !isUnsupported(errno))
+        return outcomeOf(status);
+#endif
+    return linkAndUnlink(source.constData(), target.constData());
+}
+
+Outcome copySymbolicLink(const QString &from, const QString &to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray copy = QFile::encodeName(to);
+    std::array<char, PATH_MAX + 1> target = {};
+    struct stat status = {};
+    const ssize_t length = readlink(source.constData(), target.data(), target.size());
+    if (length < 0 || static_cast<size_t>(length) >= target.size() || lstat(source.constData(), &status) != 0)
+        return Outcome::Failed;
+    const Outcome outcome = outcomeOf(symlink(target.data(), copy.constData()));
+    if (outcome == Outcome::Done)
+        static_cast<void>(copyTimes(status, copy.constData())); // a link's own time tells nothing about music
+    return outcome;
+}
+
+bool copyTimesAndPermissions(const QString &from, const QString &to)
+{
+    const QByteArray copy = QFile::encodeName(to);
+    struct stat status = {};
+    if (stat(QFile::encodeName(from).constData(), &status) != 0)
+        return false;
+    // Only the administrator may give a file away, and some file systems keep neither owner nor mode.
+    const bool owned = chown(copy.constData(), status.st_uid, status.st_gid) == 0;
+    const mode_t mode = status.st_mode & (owned ? 07777U : 0777U);
+    static_cast<void>(chmod(copy.constData(), mode));
+    return copyTimes(status, copy.constData());
+}
+
+bool removeFile(const QString &path)
+{
+    return unlink(QFile::encodeName(path).constData()) == 0;
+}
+
+bool flushToDisk(QFileDevice &file)
+{
+    if (!file.flush() || (fsync(file.handle()) != 0 && !isUnsupported(errno)))
+        return false;
+#ifdef POSIX_FADV_DONTNEED
+    // Whoever reads the file back to check it wants the disk's answer, not the page cache's.
+    posix_fadvise(file.handle(), 0, 0, POSIX_FADV_DONTNEED);
+#endif
+    return true;
+}
+
+void flushFolderToDisk(const QString &folder)
+{
+    const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    static_cast<void>(fsync(descriptor));
+    close(descriptor);
+}
+
+std::optional<Identity> identityOf(const QString &path)
+{
+    struct stat status = {};
+    if (stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return Identity { status.st_dev, status.st_ino, status.st_nlink };
+}
+
+} // namespace epr::nativefile

@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "nativefile.h"
+
+#include <QDir>
+#include <QFileDevice>
+
+#include <io.h>
+#include <memory>
+#include <string>
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+
+namespace epr::nativefile {
+
+namespace {
+
+struct CloseFileHandle {
+    void operator()(HANDLE handle) const
+    {
+        if (handle != INVALID_HANDLE_VALUE)
+            CloseHandle(handle);
+    }
+};
+
+using FileHandle = std::unique_ptr<void, CloseFileHandle>;
+
+bool isOpen(const FileHandle &handle)
+{
+    return handle.get() != INVALID_HANDLE_VALUE;
+}
+
+// The prefix lifts the limit of 260 characters and needs a clean absolute path.
+std::wstring longPath(const QString &path)
+{
+    const QString native = QDir::toNativeSeparators(QDir::cleanPath(path));
+    if (native.startsWith(QLatin1String("\\\\?\\")))
+        return native.toStdWString();
+    if (native.startsWith(QLatin1String("\\\\")))
+        return QString(QLatin1String("\\\\?\\UNC\\") + native.mid(2)).toStdWString();
+    return QString(QLatin1String("\\\\?\\") + native).toStdWString();
+}
+
+FileHandle openFile(const QString &path, DWORD access)
+{
+    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    return FileHandle(CreateFileW(longPath(path).c_str(), access, shareAll, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
+Outcome outcomeOfLastError()
+{
+    switch (GetLastError()) {
+    case ERROR_ALREADY_EXISTS:
+    case ERROR_FILE_EXISTS:
+        return Outcome::Occupied;
+    case ERROR_NOT_SAME_DEVICE:
+        return Outcome::OtherDevice;
+    default:
+        return Outcome::Failed;
+    }
+}
+
+bool copyTimes(const QString &from, const QString &to)
+{
+    const FileHandle source = openFile(from, FILE_READ_ATTRIBUTES);
+    const FileHandle copy = openFile(to, FILE_WRITE_ATTRIBUTES);
+    FILETIME created = {};
+    FILETIME accessed = {};
+    FILETIME modified = {};
+    return isOpen(source) && isOpen(copy) && GetFileTime(source.get(), &created, &accessed, &modified)
+        && SetFileTime(copy.get(), &created, &accessed, &modified);
+}
+
+} // namespace
+
+Outcome renameWithoutReplacing(const QString &from, const QString &to)
+{
+    if (MoveFileExW(longPath(from).c_str(), longPath(to).c_str(), MOVEFILE_WRITE_THROUGH))
+        return Outcome::Done;
+    return outcomeOfLastError();
+}
+
+// Making a symbolic link takes a privilege that few accounts have, so a link does not leave its volume.
+Outcome copySymbolicLink([[maybe_unused]] const QString &from, [[maybe_unused]] const QString &to)
+{
+    return Outcome::Failed;
+}
+
+bool copyTimesAndPermissions(const QString &from, const QString &to)
+{
+    if (!copyTimes(from, to))
+        return false;
+    constexpr DWORD kept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE;
+    const DWORD attributes = GetFileAttributesW(longPath(from).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kept) != 0)
+        SetFileAttributesW(longPath(to).c_str(), attributes & kept);
+    return true;
+}
+
+// Windows refuses to delete a write-protected file, although it lets it be moved.
+bool removeFile(const QString &path)
+{
+    const std::wstring name = longPath(path);
+    if (DeleteFileW(name.c_str()))
+        return true;
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY) == 0)
+        return false;
+    SetFileAttributesW(name.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    if (DeleteFileW(name.c_str()))
+        return true;
+    SetFileAttributesW(name.c_str(), attributes);
+    return false;
+}
+
+bool flushToDisk(QFileDevice &file)
+{
+    if (!file.flush())
+        return false;
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
+    return FlushFileBuffers(handle) || GetLastError() == ERROR_INVALID_FUNCTION;
+}
+
+// NTFS journals names by itself and offers no call for one folder.
+void flushFolderToDisk([[maybe_unused]] const QString &folder)
+{
+}
+
+std::optional<Identity> identityOf(const QString &path)
+{
+    const FileHandle file = openFile(path, FILE_READ_ATTRIBUTES);
+    BY_HANDLE_FILE_INFORMATION information = {};
+    if (!isOpen(file) || !GetFileInformationByHandle(file.get(), &information))
+        return std::nullopt;
+    const quint64 index = (static_cast<quint64>(information.nFileIndexHigh) << 32) | information.nFileIndexLow;
+    if (index == 0) // some network file systems number nothing
+        return std::nullopt;
+    return Identity { information.dwVolumeSerialNumber, index, information.nNumberOfLinks };
+}
+
+} // namespace epr::nativefile

@@ -1,0 +1,153 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "removal.h"
+
+#include "quarantinerun.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const char *failureText(RemovalMode mode)
+{
+    switch (mode) {
+    case RemovalMode::Quarantine:
+        return QT_TRANSLATE_NOOP("epr::Cleanup", "Could not move %1");
+    case RemovalMode::RecycleBin:
+        return QT_TRANSLATE_NOOP("epr::Cleanup", "Recycle bin unavailable for %1");
+    case RemovalMode::Delete:
+        return QT_TRANSLATE_NOOP("epr::Cleanup", "Could not delete %1");
+    }
+    return QT_TRANSLATE_NOOP("epr::Cleanup", "Unknown way of removing %1");
+}
+
+QString failureMessage(RemovalMode mode, const QString &path)
+{
+    return QCoreApplication::translate("epr::Cleanup", failureText(mode)).arg(path);
+}
+
+// Where there is no place for a bin the toolkit, on other systems than Windows, takes the working folder for one and
+// reports success. The user's own bin is its last resort, so that has to be there.
+bool hasRecycleBin()
+{
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+    const QDir data(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+    const QString bin = data.filePath(u"Trash"_s);
+    if (data.mkpath(u"."_s) && QDir().mkdir(bin))
+        QFile::setPermissions(bin, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return QFileInfo(bin).isDir();
+#else
+    return true;
+#endif
+}
+
+bool moveToRecycleBin(const QString &path)
+{
+    QString pathInBin;
+    return hasRecycleBin() && QFile::moveToTrash(path, &pathInBin);
+}
+
+class Removal final {
+public:
+    Removal(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot, const QStringList &scanRoots)
+        : m_paths(paths)
+        , m_mode(mode)
+        , m_quarantine(paths, quarantineRoot, scanRoots)
+    {
+    }
+
+    [[nodiscard]] RemovalResult run(const CleanupProgressFn &progress)
+    {
+        for (qsizetype index = 0; index < m_paths.size(); ++index) {
+            if (progress && !progress(index, m_paths.size(), m_paths.at(index)))
+                break;
+            removeOne(index);
+        }
+        QString error;
+        m_result.manifestPath = m_quarantine.finish(&error);
+        if (!error.isEmpty())
+            m_result.errors.append(error);
+        return m_result;
+    }
+
+private:
+    void removeOne(qsizetype index)
+    {
+        const QString &path = m_paths.at(index);
+        const QFileInfo info(path);
+        if (!info.exists()) {
+            reportFailure(QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(path));
+            return;
+        }
+        const qint64 size = info.isSymLink() ? 0 : info.size();
+        QString error = failureMessage(m_mode, path);
+        // What was a file when it was scanned may by now be a folder full of others.
+        if (!info.isFile() || !tryToRemove(index, size, &error)) {
+            reportFailure(error);
+            return;
+        }
+        ++m_result.succeeded;
+        m_result.bytesFreed += size;
+    }
+
+    [[nodiscard]] bool tryToRemove(qsizetype index, qint64 size, QString *error)
+    {
+        switch (m_mode) {
+        case RemovalMode::Quarantine:
+            return m_quarantine.move(index, size, error);
+        case RemovalMode::RecycleBin:
+            return moveToRecycleBin(m_paths.at(index));
+        case RemovalMode::Delete:
+            return QFile::remove(m_paths.at(index));
+        }
+        return false;
+    }
+
+    void reportFailure(const QString &message)
+    {
+        ++m_result.failed;
+        m_result.errors.append(message);
+    }
+
+    const QStringList m_paths;
+    const RemovalMode m_mode;
+    QuarantineRun m_quarantine;
+    RemovalResult m_result;
+};
+
+} // namespace
+
+QString removalModeLabel(RemovalMode mode)
+{
+    switch (mode) {
+    case RemovalMode::Quarantine:
+        return QCoreApplication::translate("epr::Cleanup", "Move to quarantine");
+    case RemovalMode::RecycleBin:
+        return QCoreApplication::translate("epr::Cleanup", "Move to recycle bin");
+    case RemovalMode::Delete:
+        return QCoreApplication::translate("epr::Cleanup", "Delete permanently");
+    }
+    return {};
+}
+
+QString defaultQuarantineRoot()
+{
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
+        .filePath(u"Echoprune Quarantine"_s);
+}
+
+RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
+                          const QStringList &scanRoots, const CleanupProgressFn &progress)
+{
+    return Removal(paths, mode, quarantineRoot, scanRoots).run(progress);
+}
+
+} // namespace epr

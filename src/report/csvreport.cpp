@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "csvreport.h"
+
+#include "displaytext.h"
+#include "reportdata.h"
+#include "reporttext.h"
+
+#include <QTextStream>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString line(const MatchGroup &group, const TrackInfo &track, bool keep)
+{
+    const QStringList fields {
+        QString::number(group.id),
+        csvField(matchTypeLabel(group.matchType)),
+        QString::number(group.confidence, 'f', 2),
+        keep ? u"KEEP"_s : u"duplicate"_s,
+        csvField(track.fileName),
+        csvField(folderOf(track)),
+        csvField(track.artist),
+        csvField(track.title),
+        csvField(track.album),
+        csvField(reportDurationText(track.durationMs)),
+        QString::number(track.bitrateKbps),
+        QString::number(track.sampleRate),
+        QString::number(track.channels),
+        csvField(track.suffix.toUpper()),
+        QString::number(track.size),
+        csvField(track.mtime.toString(Qt::ISODate)),
+    };
+    return fields.join(u',') + u'\n';
+}
+
+} // namespace
+
+void writeCsvReport(QTextStream &out, const ReportData &data)
+{
+    out << "Group,Match type,Confidence,Keep,File,Folder,Artist,Title,Album,Duration,Bitrate (kbps),Sample rate,"
+           "Channels,Format,Size (bytes),Modified\n"_L1;
+    for (const MatchGroup &group : data.groups) {
+        for (const qint32 member : group.members)
+            out << line(group, data.tracks.at(member), member == group.keep);
+    }
+}
+
+} // namespace epr

@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "matchgroup.h"
+#include "reportformat.h"
+#include "trackinfo.h"
+
+#include <QStringList>
+
+namespace epr {
+
+/// Writes a report in UTF-8, with the platform's line ends. On failure, also when the disk fills up on the way, false
+/// with the reason in *error, and the file is what it was before: the new one takes its place only when it is complete.
+/// For that its folder must allow a new file. Memory does not grow with the number of groups.
+[[nodiscard]] bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo> &tracks,
+                               const QList<MatchGroup> &groups, const QStringList &roots, QString *error);
+
+} // namespace epr

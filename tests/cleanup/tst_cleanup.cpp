@@ -1,0 +1,328 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "filemove.h"
+#include "removal.h"
+#include "restore.h"
+#include "sandbox.h"
+#include "undomanifest.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <cstdlib>
+
+using namespace epr;
+using namespace epr::test;
+
+namespace {
+
+constexpr auto childSwitch = "--quarantine"_L1;
+
+bool hasOtherFileSystem()
+{
+    if (isUnix && Sandbox(true).hasTwoFileSystems())
+        return true;
+    qWarning("This machine has no second file system at hand: moves across file systems are not tested");
+    return false;
+}
+
+QStringList filesBelow(const QString &folder)
+{
+    QStringList files;
+    QDirIterator entries(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (entries.hasNext())
+        files.append(entries.next());
+    files.sort();
+    return files;
+}
+
+RemovalResult quarantine(const Sandbox &box, const QStringList &paths, const CleanupProgressFn &progress = {})
+{
+    return removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), { box.library() }, progress);
+}
+
+void checkUndo(const Sandbox &box, const QString &manifest, qsizetype count, const Tree &before)
+{
+    QCOMPARE(restoreManifest(manifest), RestoreResult({ static_cast<qint32>(count), 0, {} }));
+    QCOMPARE(treeOf(box.library()), before);
+    QVERIFY(!QFileInfo::exists(manifest));
+}
+
+/// The child of killedRunCanBeUndone: moves everything and dies before the file with the given number.
+int quarantineAndDie(const QStringList &arguments)
+{
+    const auto die = [dieBefore = arguments.at(2).toInt()](qsizetype index, qsizetype, const QString &) {
+#ifdef Q_OS_UNIX
+        return index != dieBefore || std::raise(SIGKILL) != 0;
+#else
+        return index != dieBefore || (std::_Exit(1), true);
+#endif
+    };
+    const QStringList roots { arguments.at(0) };
+    return removeFiles(filesBelow(roots.first()), RemovalMode::Quarantine, arguments.at(1), roots, die).failed;
+}
+
+/// What this process has handed to the system for writing, which no load on the machine changes.
+[[maybe_unused]] double bytesWritten()
+{
+    QFile counters(u"/proc/self/io"_s);
+    const QByteArray lines = counters.open(QIODevice::ReadOnly) ? counters.readAll() : QByteArray();
+    return lines.mid(lines.indexOf("wchar:") + 6).split('\n').value(0).trimmed().toDouble();
+}
+
+} // namespace
+
+class TestCleanup : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void undoBringsBackTheWholeTree_data()
+    {
+        QTest::addColumn<bool>("otherFileSystem");
+        QTest::newRow("same file system") << false;
+        if (hasOtherFileSystem())
+            QTest::newRow("other file system") << true;
+    }
+
+    void undoBringsBackTheWholeTree()
+    {
+        QFETCH(bool, otherFileSystem);
+        Sandbox box(otherFileSystem);
+        QStringList names = u"1/Music/a/song.mp3|2/Music/a/song.mp3|3/Music/a/song.mp3|1/Music/README|2/Music/README|"
+                            "out/song.mp3|out/2/song.mp3|1/Music/Бајага/Живи песма.mp3|1/Music/سلام/أغنية \u202e.mp3|"
+                            "2/Music/雨/曲 🎵.flac|2/Music/%1 %2.mp3|1/Music/.hidden.mp3"_s.split(u'|');
+        names.append(u"1/Music/"_s + QString(isUnix ? 251 : 100, u'n'));
+        if (isUnix)
+            names.append(u"1/Music/two\nlines\t\".mp3"_s);
+        QStringList paths { box.add(u"1/Music/big.wav"_s, 3000000) };
+        for (const QString &name : names)
+            paths.append(box.add(name));
+        box.add(u"1/Music/kept.mp3"_s);
+        if (isUnix)
+            paths.append(box.addLink(u"kept.mp3"_s, u"1/Music/link.mp3"_s));
+        const Tree before = treeOf(box.library());
+
+        const QStringList roots { box.inLibrary(u"1/Music"_s), box.inLibrary(u"2/Music"_s),
+                                  box.inLibrary(u"3/Music/"_s) };
+        const RemovalResult removed = removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), roots);
+        const auto count = static_cast<qint32>(paths.size());
+        QCOMPARE(removed, RemovalResult({ count, 0, 3000000 + 100 * names.size(), {}, removed.manifestPath }));
+        QCOMPARE(listUndoManifests(), QStringList { removed.manifestPath });
+        QCOMPARE(filesBelow(box.library()), QStringList { box.inLibrary(u"1/Music/kept.mp3"_s) });
+        for (const QString &name : { u"Music/a/song (3).mp3"_s, u"Music/README (2)"_s, u"song (2).mp3"_s })
+            QVERIFY2(QFileInfo::exists(box.inRun(name)), qPrintable(name));
+        checkUndo(box, removed.manifestPath, count, before);
+        QCOMPARE(filesBelow(box.quarantine()), QStringList());
+    }
+
+    void fileThatCannotBeMovedStays_data() { undoBringsBackTheWholeTree_data(); }
+    void fileThatCannotBeMovedStays()
+    {
+        QFETCH(bool, otherFileSystem);
+        Sandbox box(otherFileSystem);
+        box.add(u"folder/inner"_s);
+        const QStringList paths { box.inLibrary(u"vanished"_s),
+                                  isUnix ? box.addLink(u"nowhere"_s, u"dangling"_s) : box.inLibrary(u"dangling"_s),
+                                  box.inLibrary(u"folder"_s), box.add(u"last"_s) };
+        const Tree before = treeOf(box.library());
+        const RemovalResult removed = quarantine(box, paths);
+        const QStringList errors { paths.at(0) + u" no longer exists"_s, paths.at(1) + u" no longer exists"_s,
+                                   u"Could not move "_s + paths.at(2) };
+        QCOMPARE(removed, RemovalResult({ 1, 3, 100, errors, removed.manifestPath }));
+        QCOMPARE(filesBelow(box.quarantine()).size(), 1);
+        checkUndo(box, removed.manifestPath, 1, before);
+    }
+
+    void nothingMovesWithoutAManifest()
+    {
+        for (const bool blockUndo : { true, false }) {
+            Sandbox box;
+            const QStringList paths = box.addMany(2, u"%1"_s);
+            const QString inTheWay = blockUndo ? undoDirectory() : box.quarantine();
+            QVERIFY(QDir().rmdir(inTheWay));
+            box.write(inTheWay, "a file where a folder should be");
+            const Tree before = treeOf(box.library());
+            const RemovalResult removed = quarantine(box, paths);
+            QCOMPARE(removed, RemovalResult({ 0, 2, 0, removed.errors, {} }));
+            QCOMPARE(treeOf(box.library()), before);
+        }
+    }
+
+    void newNameTakenAtTheLastMoment_data() { undoBringsBackTheWholeTree_data(); }
+    // Where the files go is settled before the first of them is moved, so what is made in between is in the way.
+    void newNameTakenAtTheLastMoment()
+    {
+        QFETCH(bool, otherFileSystem);
+        Sandbox box(otherFileSystem);
+        const QStringList paths = box.addMany(4, u"%1.mp3"_s);
+        const Tree before = treeOf(box.library());
+        const RemovalResult removed = quarantine(box, paths, [&box](qsizetype index, qsizetype, const QString &) {
+            if (index == 1)
+                box.write(box.inRun(u"library/1.mp3"_s), "an intruder");
+            else if (isUnix && index == 2)
+                std::filesystem::create_symlink("nowhere", box.inRun(u"library/2.mp3"_s).toStdString());
+            else if (index == 3)
+                limitFileSize(200); // no room for the manifest, so that the undo has to go by the journal
+            return true;
+        });
+        limitFileSize(-1);
+        QCOMPARE(removed.errors.size(), isUnix ? 1 : 0);
+        checkUndo(box, removed.manifestPath, 4, before);
+        QVERIFY(treeOf(box.inRun(u"library"_s)).value(u"1.mp3"_s).endsWith("an intruder"));
+    }
+
+    void moveNeverReplaces_data() { undoBringsBackTheWholeTree_data(); }
+    void moveNeverReplaces()
+    {
+        QFETCH(bool, otherFileSystem);
+        Sandbox box(otherFileSystem);
+        const QString from = box.add(u"from"_s);
+        box.write(box.path(u"occupied"_s), "other music");
+        const Tree before = treeOf(box.path(QString()));
+        QCOMPARE(moveFile(box.inLibrary(u"missing"_s), box.path(u"new/folder/x"_s)), MoveOutcome::Failed);
+        QCOMPARE(moveFile(from, box.path(u"occupied"_s)), MoveOutcome::Occupied);
+        QCOMPARE(treeOf(box.path(QString())), before);
+        if (!otherFileSystem)
+            return;
+        const QString there = box.quarantine() + u"/there"_s;
+        std::filesystem::create_symlink("nowhere", there.toStdString());
+        QCOMPARE(moveFile(from, there), MoveOutcome::Occupied);
+        QCOMPARE(moveFile(there, from), MoveOutcome::Occupied);
+        limitFileSize(50); // the copy breaks off half-way
+        const MoveOutcome broken = moveFile(from, box.quarantine() + u"/new/folder/x"_s);
+        limitFileSize(-1);
+        QCOMPARE(broken, MoveOutcome::Failed);
+        QCOMPARE(treeOf(box.quarantine()), Tree({ { u"there"_s, "link nowhere" } }));
+        QCOMPARE(treeOf(box.path(QString())), before);
+    }
+
+    void restoreSparesWhatIsThere()
+    {
+        Sandbox box;
+        const QStringList paths { box.add(u"occupied"_s), box.add(u"lost"_s), box.add(u"sub/back"_s) };
+        Tree expected = treeOf(box.library());
+        const RemovalResult removed = quarantine(box, paths);
+        const QString lost = box.inRun(u"library/lost"_s);
+        QVERIFY(QFile::remove(lost) && QDir(box.library()).rmdir(u"sub"_s));
+        box.write(paths.at(0), "new music");
+        expected.remove(u"lost"_s);
+        expected.insert(treeOf(box.library()));
+        const QStringList errors { u"A file already exists at "_s + paths.at(0),
+                                   u"Quarantined copy missing: "_s + lost };
+        QCOMPARE(restoreManifest(removed.manifestPath), RestoreResult({ 1, 2, errors }));
+        QCOMPARE(treeOf(box.library()), expected);
+        QCOMPARE(filesBelow(box.quarantine()), QStringList { box.inRun(u"library/occupied"_s) });
+    }
+
+    void damagedManifestTouchesNothing_data()
+    {
+        QTest::addColumn<QByteArray>("entries");
+        QTest::addColumn<int>("failed"); // -1 for a manifest that cannot be read
+
+        QTest::newRow("cut off") << QByteArray("[") << -1;
+        QTest::newRow("entries of a wrong type") << QByteArray(R"({"from": "L/x"})") << -1;
+        QTest::newRow("wrong types inside")
+            << QByteArray(R"([1, [], {}, {"from": 1, "to": "L/a"}, {"from": "L/x"}])") << 0;
+        QTest::newRow("parent parts") << QByteArray(R"([{"from": "L/sub/../x", "to": "L/a"}])") << 1;
+        QTest::newRow("parent parts below") << QByteArray(R"([{"from": "L/x", "to": "L/sub/../a"}])") << 1;
+        QTest::newRow("relative") << QByteArray(R"([{"from": "x", "to": "L/a"}])") << 1;
+        QTest::newRow("a folder") << QByteArray(R"([{"from": "L/x", "to": "L/sub"}])") << 1;
+        QTest::newRow("onto itself") << QByteArray(R"([{"from": "L/a", "to": "L/a"}])") << 1;
+    }
+
+    void damagedManifestTouchesNothing()
+    {
+        QFETCH(QByteArray, entries);
+        QFETCH(int, failed);
+        Sandbox box;
+        box.add(u"a"_s);
+        box.add(u"sub/b"_s);
+        const Tree before = treeOf(box.library());
+        const QString manifest = undoDirectory() + u"/undo-x.json"_s;
+        box.write(manifest, "{\"entries\": " + entries.replace("L/", box.library().toUtf8() + '/') + '}');
+        QDir::setCurrent(box.library());
+        const RestoreResult restored = restoreManifest(manifest);
+        QDir::setCurrent(QCoreApplication::applicationDirPath());
+        QCOMPARE(restored, RestoreResult({ 0, std::max(failed, 0), restored.errors }));
+        QCOMPARE(restored.errors.size(), std::abs(failed));
+        QVERIFY(failed >= 0 || restored.errors.first().startsWith(u"Cannot read manifest: "_s));
+        QCOMPARE(QFileInfo::exists(manifest), failed < 0);
+        QCOMPARE(treeOf(box.library()), before);
+    }
+
+    void killedRunCanBeUndone_data()
+    {
+        QTest::addColumn<int>("dieBefore");
+        QTest::addColumn<bool>("otherFileSystem");
+        QTest::newRow("after the first file") << 1 << false;
+        QTest::newRow("at the end of a batch") << 256 << false;
+        if (hasOtherFileSystem())
+            QTest::newRow("in the middle of a batch, other file system") << 300 << true;
+    }
+
+    void killedRunCanBeUndone()
+    {
+        QFETCH(int, dieBefore);
+        QFETCH(bool, otherFileSystem);
+        Sandbox box(otherFileSystem);
+        box.addMany(320, u"%1.mp3"_s);
+        const Tree before = treeOf(box.library());
+        const QStringList arguments { childSwitch, box.library(), box.quarantine(), QString::number(dieBefore) };
+        QVERIFY(QProcess::execute(QCoreApplication::applicationFilePath(), arguments) != 0);
+        QCOMPARE(before.size() - treeOf(box.library()).size(), dieBefore);
+        const QStringList manifests = listUndoManifests();
+        QCOMPARE(manifests.size(), 1);
+        QVERIFY(describeManifest(manifests.first()).endsWith(u" - %1 file(s)"_s.arg(dieBefore)));
+        checkUndo(box, manifests.first(), dieBefore, before);
+    }
+
+    void costGrowsWithTheNumberOfFiles()
+    {
+#ifdef Q_OS_LINUX
+        QList<double> costs;
+        for (const int files : { 500, 3000 }) {
+            Sandbox box;
+            const QStringList paths =
+                box.addMany(files / 2, u"%1.mp3"_s) + box.addMany(files / 2, u"%1/same name.mp3"_s);
+            const Tree before = treeOf(box.library());
+            const double start = bytesWritten();
+            // Without a root all go into one folder, half of them under one name.
+            const RemovalResult removed = removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), {});
+            costs += bytesWritten() - start;
+            checkUndo(box, removed.manifestPath, files, before);
+        }
+        QVERIFY(costs.at(0) > 0 && costs.at(1) < 7 * costs.at(0));
+#endif
+    }
+
+    void binAndDeletionTakeOnlyTheName()
+    {
+        if (!isUnix)
+            QSKIP("The bin of this system is not under the home folder");
+        Sandbox box;
+        box.add(u"kept"_s);
+        const Tree kept = treeOf(box.library());
+        const QString name = u"ünï\ncode.mp3"_s;
+        const QStringList paths { box.add(name), box.addLink(u"kept"_s, u"link"_s), box.library() };
+        const Tree whole = treeOf(box.library());
+        QCOMPARE(removeFiles({ paths.at(0) }, RemovalMode::RecycleBin, {}, {}), RemovalResult({ 1, 0, 100, {}, {} }));
+        QCOMPARE(treeOf(box.path(u"data/Trash/files"_s)), Tree({ { name, whole.value(name) } }));
+        QCOMPARE(removeFiles(paths, RemovalMode::Delete, {}, {}).succeeded, 1);
+        QCOMPARE(treeOf(box.library()), kept);
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"epr-test"_s);
+    if (!isUnix)
+        QStandardPaths::setTestModeEnabled(true); // in the child too
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == childSwitch)
+        return quarantineAndDie(arguments.sliced(2));
+    TestCleanup test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_cleanup.moc"

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "removalchecks.h"
+
+#include "quarantinepath.h"
+#include "sandbox.h"
+
+#include <QTest>
+
+using namespace epr;
+using namespace epr::test;
+
+class TestRemovalChecks : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void destinationStaysInTheRunFolder()
+    {
+#ifdef Q_OS_UNIX // absolute paths have another form elsewhere
+        const auto check = [](const QString &path, const QStringList &roots, const QString &expected) {
+            QCOMPARE(quarantineDestination(path, u"/q/run"_s, roots), u"/q/run/"_s + expected);
+        };
+        const QString song = u"/srv/Music/a/b.mp3"_s;
+        check(song, { u"/srv/Music"_s }, u"Music/a/b.mp3"_s);
+        check(song, { u"/x"_s, u"/srv/Music/a/"_s, u"/srv"_s }, u"a/b.mp3"_s); // the first root that holds it
+        check(song, { u"/srv/Mus"_s }, u"b.mp3"_s);
+        check(song, { u"/"_s }, u"srv/Music/a/b.mp3"_s); // the top folder has no name
+        check(u"/srv/Music/..b/c.mp3"_s, { u"/srv/Music"_s }, u"c.mp3"_s); // a name that looks like the way out
+        check(u"/srv/Music/../../etc/b.mp3"_s, { u"/srv/Music"_s }, u"b.mp3"_s);
+        check(u"a/../../../b.mp3"_s, { u"/srv/Music"_s }, u"b.mp3"_s);
+#endif
+    }
+
+    void groupKeepsACopyThatStandsAlone_data()
+    {
+        QTest::addColumn<QString>("members");
+        QTest::addColumn<QString>("ticked");
+        QTest::addColumn<bool>("refused");
+
+        QTest::newRow("all ticked") << u"a b"_s << u"a b"_s << true;
+        QTest::newRow("the kept copy vanished") << u"a gone"_s << u"a"_s << true;
+        QTest::newRow("the kept copy is empty now") << u"a empty"_s << u"a"_s << true;
+        QTest::newRow("the kept copy is a folder now") << u"a folder"_s << u"a"_s << true;
+#ifdef Q_OS_UNIX
+        QTest::newRow("the kept copy is a link to the ticked file") << u"a link-to-a"_s << u"a"_s << true;
+        QTest::newRow("the ticked path leads through the linked folder") << u"alias/a a"_s << u"alias/a"_s << true;
+        QTest::newRow("a ticked link to the kept copy") << u"a link-to-a"_s << u"link-to-a"_s << false;
+        QTest::newRow("a link through a ticked link") << u"link-to-a link-to-link"_s << u"link-to-a"_s << true;
+        QTest::newRow("target ticked in another group") << u"b link-to-a"_s << u"b a"_s << true;
+        QTest::newRow("a second hard link stays") << u"hard-1 hard-2"_s << u"hard-1"_s << false;
+        QTest::newRow("a symbolic link to a hard link that goes") << u"hard-1 link-to-hard-1"_s << u"hard-1"_s << true;
+#endif
+    }
+
+    void groupKeepsACopyThatStandsAlone()
+    {
+        QFETCH(QString, members);
+        QFETCH(QString, ticked);
+        Sandbox box;
+        for (const QString &name : { u"a"_s, u"b"_s, u"hard-1"_s, u"folder/file"_s })
+            box.add(name);
+        box.write(box.inLibrary(u"empty"_s), {});
+#ifdef Q_OS_UNIX
+        const std::initializer_list<std::pair<QString, QString>> links {
+            { u"a"_s, u"link-to-a"_s },
+            { u"link-to-a"_s, u"link-to-link"_s },
+            { u"hard-1"_s, u"link-to-hard-1"_s },
+            { u"."_s, u"alias"_s },
+        };
+        for (const auto &[target, name] : links)
+            box.addLink(target, name);
+        std::filesystem::create_hard_link(box.inLibrary(u"hard-1"_s).toStdString(),
+                                          box.inLibrary(u"hard-2"_s).toStdString());
+#endif
+        const auto paths = [&box](const QString &names) {
+            QStringList list = names.split(u' ');
+            for (QString &name : list)
+                name = box.inLibrary(name);
+            return list;
+        };
+        const QStringList tickedPaths = paths(ticked);
+        const QList<RefusedGroup> refused =
+            groupsWithoutSurvivor({ { 7, paths(members) } }, { tickedPaths.cbegin(), tickedPaths.cend() });
+        QTEST(!refused.isEmpty(), "refused");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRemovalChecks)
+#include "tst_removalchecks.moc"
