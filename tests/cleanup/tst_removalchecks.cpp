@@ -31,6 +31,26 @@ private Q_SLOTS:
 #endif
     }
 
+    void changedFilesAreTakenOut()
+    {
+        Sandbox box;
+        QList<RemovalCandidate> candidates;
+        for (const QString &name : { u"same"_s, u"longer"_s, u"newer"_s, u"gone"_s }) {
+            const QFileInfo info(box.add(name));
+            candidates.append({ info.filePath(), info.size(), info.lastModified() });
+        }
+        candidates[0].mtime = QDateTime::fromSecsSinceEpoch(candidates[0].mtime.toSecsSinceEpoch()); // from the cache
+        box.write(candidates[1].path, QByteArray(101, 'x'));
+        candidates[1].mtime = QFileInfo(candidates[1].path).lastModified();
+        candidates[2].mtime = candidates[2].mtime.addSecs(-1);
+        QVERIFY(QFile::remove(candidates[3].path));
+
+        const CheckedCandidates checked = checkCandidates(candidates);
+        QCOMPARE(checked.paths, QStringList({ candidates[0].path, candidates[3].path }));
+        QCOMPARE(checked.errors,
+                 QStringList({ changedMessage(candidates[1].path), changedMessage(candidates[2].path) }));
+    }
+
     void groupKeepsACopyThatStandsAlone_data()
     {
         QTest::addColumn<QString>("members");
