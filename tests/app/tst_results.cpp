@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "progressestimate.h"
 #include "resultsfilter.h"
 #include "resultsmodel.h"
 #include "searchtext.h"
@@ -290,6 +291,30 @@ private Q_SLOTS:
                  u"5 files scanned - 2 duplicate groups - 3 redundant copies (10.00 MB). Currently selected for "
                  "removal: 3 file(s), 10.00 MB."_s);
         QCOMPARE(elapsedText(60000), u"1:00"_s);
+    }
+
+    void remainingTimeFollowsTheLastHalfMinute()
+    {
+        ProgressEstimate estimate;
+        estimate.add(0, 1000, 5000);
+        estimate.add(100, 1000, 6999);
+        QCOMPARE(estimate.text(), QString());
+        estimate.add(200, 1000, 7000);
+        QCOMPARE(estimate.text(), u"100 per second, less than a minute left"_s);
+        for (int second = 1; second <= 40; ++second)
+            estimate.add(200 + second, 1000, 7000 + second * 1000);
+        QCOMPARE(estimate.perSecond(), 1.0); // what was fast before has passed
+        QCOMPARE(estimate.remainingMs(), 760000);
+        QCOMPARE(estimate.text(), u"1.0 per second, about 13 minute(s) left"_s);
+
+        estimate.add(0, 100000, 50000); // other work, which at first does not advance
+        estimate.add(0, 100000, 60000);
+        QVERIFY(estimate.text().isEmpty());
+        estimate.add(10, 100000, 70000);
+        QCOMPARE(estimate.text(), u"0.5 per second, about 55 h 33 min left"_s);
+        estimate.add(1, 19, 80000);
+        estimate.add(2, 19, 90000);
+        QVERIFY2(estimate.text().isEmpty(), "too few steps to tell");
     }
 };
 

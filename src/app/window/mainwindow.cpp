@@ -215,6 +215,7 @@ void MainWindow::createPanels()
 
     m_strip = new ScanStrip(this);
     statusBar()->addWidget(m_strip, 1);
+    connect(m_strip, &ScanStrip::briefChanged, this, &MainWindow::refreshTitle);
     connect(m_resultsPanel, &ResultsPanel::statusMessage, m_strip, &ScanStrip::showStatus);
     connect(m_folderPanel, &FolderPanel::selectionChanged, this, &MainWindow::refreshActions);
 }
@@ -355,6 +356,14 @@ void MainWindow::refreshActions()
     m_actions->enableFor({ .isScanning = m_isScanning,
                            .hasFolderSelection = m_folderPanel->hasSelection(),
                            .hasGroups = !m_results->groups().isEmpty() });
+}
+
+// A scan of hours is watched from the task bar.
+void MainWindow::refreshTitle()
+{
+    const QString brief = m_strip->brief();
+    setWindowTitle(brief.isEmpty() ? metadata::applicationName()
+                                   : tr("%1 - %2").arg(brief, metadata::applicationName()));
 }
 
 void MainWindow::report(const QString &message)

@@ -73,6 +73,7 @@ private:
     void saveSettings() const;
     void setScanning(bool scanning);
     void refreshActions();
+    void refreshTitle();
     void report(const QString &message); ///< in the status label and as a log line
     [[nodiscard]] bool confirmClose();
 

@@ -17,6 +17,7 @@ ScanStrip::ScanStrip(QWidget *parent)
 {
     m_status->setObjectName(u"statusLabel"_s);
     m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long text must not widen the window
+    m_status->setTextFormat(Qt::PlainText); // it names files
     m_bar->setObjectName(u"progressBar"_s);
     m_bar->setAccessibleName(tr("Progress of the scan"));
     m_bar->setFormat(tr("%v of %m"));
@@ -38,6 +39,14 @@ QString ScanStrip::status() const
     return m_status->text();
 }
 
+QString ScanStrip::brief() const
+{
+    if (!m_isBusy || m_bar->maximum() <= 0)
+        return m_isBusy ? m_phase : QString();
+    const qint64 percent = qint64 { 100 } * m_bar->value() / m_bar->maximum();
+    return tr("%1 %2 %").arg(m_phase).arg(percent);
+}
+
 void ScanStrip::showStatus(const QString &text)
 {
     m_status->setText(text);
@@ -45,24 +54,40 @@ void ScanStrip::showStatus(const QString &text)
 
 void ScanStrip::setBusy(bool busy)
 {
+    m_isBusy = busy;
     m_phase.clear();
-    m_bar->setRange(0, 0);
+    m_clock.start();
     m_bar->setVisible(busy);
+    setRange(0, 0);
 }
 
 void ScanStrip::setPhase(const QString &phase)
 {
     m_phase = phase;
-    m_bar->setRange(0, 0);
+    m_estimate.restart();
+    setRange(0, 0);
     showStatus(phase);
 }
 
 void ScanStrip::setProgress(int done, int total, const QString &detail)
 {
-    m_bar->setRange(0, qMax(total, 0));
+    setRange(done, qMax(total, 0));
+    m_estimate.add(done, total, m_clock.elapsed());
+    QStringList parts { m_phase };
+    if (detail != m_phase)
+        parts << detail;
+    parts << m_estimate.text();
+    parts.removeAll(QString());
+    showStatus(parts.join(tr(" - ", "between the phase of a scan, its count and its speed")));
+}
+
+void ScanStrip::setRange(int done, int total)
+{
+    const QString before = brief();
+    m_bar->setRange(0, total);
     m_bar->setValue(done);
-    const bool isPhaseOnly = detail.isEmpty() || detail == m_phase;
-    showStatus(m_phase.isEmpty() ? detail : isPhaseOnly ? m_phase : tr("%1 - %2").arg(m_phase, detail));
+    if (brief() != before)
+        Q_EMIT briefChanged();
 }
 
 } // namespace epr

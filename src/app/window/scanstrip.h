@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "progressestimate.h"
+
+#include <QElapsedTimer>
 #include <QWidget>
 
 class QLabel;
@@ -17,14 +20,23 @@ public:
     explicit ScanStrip(QWidget *parent = nullptr);
 
     [[nodiscard]] QString status() const;
+    [[nodiscard]] QString brief() const; ///< "Fingerprinting audio 42 %"; empty unless busy
 
     void showStatus(const QString &text);
     void setBusy(bool busy);
     void setPhase(const QString &phase);
     void setProgress(int done, int total, const QString &detail); ///< a total below 1 = unknown
 
+Q_SIGNALS:
+    void briefChanged();
+
 private:
+    void setRange(int done, int total);
+
     QString m_phase;
+    bool m_isBusy = false;
+    QElapsedTimer m_clock;
+    ProgressEstimate m_estimate;
     QLabel *m_status;
     QProgressBar *m_bar;
 };

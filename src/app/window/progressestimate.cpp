@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "progressestimate.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+#include <cmath>
+
+namespace epr {
+
+namespace {
+
+constexpr int fewestSteps = 20;
+constexpr qint64 shortestMs = 2000;
+constexpr qint64 windowMs = 30000;
+constexpr qint64 spacingMs = 250; // reports closer than this replace one another
+
+QString remainingText(qint64 remainingMs)
+{
+    const auto minutes = static_cast<int>(qMin<qint64>((remainingMs + 30000) / 60000, 100 * 24 * 60));
+    if (minutes < 1)
+        return QCoreApplication::translate("epr::ScanStrip", "less than a minute left");
+    if (minutes < 60)
+        return QCoreApplication::translate("epr::ScanStrip", "about %n minute(s) left", nullptr, minutes);
+    return QCoreApplication::translate("epr::ScanStrip", "about %1 h %2 min left").arg(minutes / 60).arg(minutes % 60);
+}
+
+} // namespace
+
+void ProgressEstimate::add(int done, int total, qint64 nowMs)
+{
+    if (total != m_total || done < m_latest.done) // another piece of work
+        restart();
+    m_total = total;
+    m_latest = { done, nowMs };
+    if (m_reports.empty() || nowMs - m_reports.back().timeMs >= spacingMs)
+        m_reports.push_back(m_latest);
+    while (m_reports.size() > 2 && nowMs - m_reports[1].timeMs >= windowMs)
+        m_reports.pop_front();
+}
+
+void ProgressEstimate::restart()
+{
+    m_reports.clear();
+    m_latest = {};
+    m_total = 0;
+}
+
+std::optional<double> ProgressEstimate::perSecond() const
+{
+    if (m_total < fewestSteps || m_reports.empty() || m_latest.timeMs - m_reports.front().timeMs < shortestMs)
+        return std::nullopt;
+    const Report &first = m_reports.front();
+    return (m_latest.done - first.done) * 1000.0 / static_cast<double>(m_latest.timeMs - first.timeMs);
+}
+
+std::optional<qint64> ProgressEstimate::remainingMs() const
+{
+    const std::optional<double> rate = perSecond();
+    if (!rate || *rate <= 0)
+        return std::nullopt;
+    return std::llround(qMax(0, m_total - m_latest.done) * 1000.0 / *rate);
+}
+
+QString ProgressEstimate::text() const
+{
+    const std::optional<qint64> remaining = remainingMs();
+    if (!remaining)
+        return {};
+    const double rate = perSecond().value_or(0);
+    return QCoreApplication::translate("epr::ScanStrip", "%1 per second, %2")
+        .arg(QLocale().toString(rate, 'f', rate < 10 ? 1 : 0), remainingText(*remaining));
+}
+
+} // namespace epr

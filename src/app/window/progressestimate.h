@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <deque>
+#include <optional>
+
+namespace epr {
+
+/// How fast a phase of long work goes and how much longer it will take, from what it reports now and then. Only the
+/// last half minute counts: the first files of a scan say little about the drive it is on by now.
+class ProgressEstimate {
+public:
+    /// The steps done and out of how many, at a time from any steady clock. A phase of fewer than 20 steps, or of an
+    /// unknown number, is not estimated.
+    void add(int done, int total, qint64 nowMs);
+    void restart();
+
+    [[nodiscard]] std::optional<double> perSecond() const; ///< nothing in the first two seconds
+    [[nodiscard]] std::optional<qint64> remainingMs() const; ///< nothing while nothing advances
+
+    /// "412 per second, about 3 minutes left"; empty while nothing can be said.
+    [[nodiscard]] QString text() const;
+
+private:
+    struct Report {
+        int done = 0;
+        qint64 timeMs = 0;
+    };
+
+    std::deque<Report> m_reports;
+    Report m_latest;
+    int m_total = 0;
+};
+
+} // namespace epr
