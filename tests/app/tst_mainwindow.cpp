@@ -84,10 +84,12 @@ void chooseFromMenu(const MainWindow &window, int member, const QString &action)
     QApplication::sendEvent(tree->viewport(), &event);
     auto *menu = window.findChild<QMenu *>(u"memberMenu"_s);
     QVERIFY(menu->isVisible());
-    auto *chosen = menu->findChild<QAction *>(action);
-    QVERIFY(chosen && chosen->isEnabled());
+    const QList<QAction *> actions = menu->actions();
+    const auto chosen =
+        std::find_if(actions.begin(), actions.end(), [&action](const QAction *one) { return one->text() == action; });
+    QVERIFY(chosen != actions.end() && (*chosen)->isEnabled());
     menu->close();
-    chosen->trigger();
+    (*chosen)->trigger();
 }
 
 } // namespace
@@ -212,11 +214,10 @@ private Q_SLOTS:
     // disk.
     void closingDuringAScanAsks()
     {
-        const QByteArray recording = waveOf(1, 3600);
-        for (int i = 0; i < 40; ++i) {
+        for (int i = 0; i < 12; ++i) {
             const QString path = m_folder->filePath(u"%1.wav"_s.arg(i));
-            writeFile(path, recording.first(1024));
-            QVERIFY(QFile::resize(path, recording.size()));
+            writeFile(path, waveOf(1, 6));
+            QVERIFY(QFile::resize(path, 1 << 30));
         }
         MainWindow window;
         window.show();
@@ -306,20 +307,20 @@ private Q_SLOTS:
         MainWindow window;
         window.show();
         showTwoCopies(window);
-        chooseFromMenu(window, 1, u"playMember"_s);
+        chooseFromMenu(window, 1, u"Play in system player"_s);
         QCOMPARE(m_opened, QUrl::fromLocalFile(u"/music/<two> & more.mp3"_s));
-        chooseFromMenu(window, 1, u"openMemberFolder"_s);
+        chooseFromMenu(window, 1, u"Open containing folder"_s);
         QCOMPARE(m_opened, QUrl::fromLocalFile(u"/music"_s));
-        chooseFromMenu(window, 1, u"copyMemberPath"_s);
+        chooseFromMenu(window, 1, u"Copy full path"_s);
         QCOMPARE(QGuiApplication::clipboard()->text(), QDir::toNativeSeparators(u"/music/<two> & more.mp3"_s));
         QCOMPARE(labelOf(window, u"statusLabel"_s), u"Path copied to clipboard."_s);
-        chooseFromMenu(window, 1, u"keepMember"_s);
+        chooseFromMenu(window, 1, u"Keep this copy instead"_s);
         const QAbstractItemModel *rows = treeOf(window)->model();
         QCOMPARE(rows->index(1, ResultsModel::MatchColumn, rows->index(0, 0)).data(), u"KEEP"_s);
 
         SeenBox box;
         answerNextBox(QMessageBox::Ok, &box);
-        chooseFromMenu(window, 1, u"showMemberDetails"_s);
+        chooseFromMenu(window, 1, u"File details..."_s);
         QVERIFY(box.text.contains("&lt;two&gt; &amp; more.mp3"_L1));
         QVERIFY(box.text.contains("c0ffee"_L1) && box.text.contains("not computed"_L1));
     }

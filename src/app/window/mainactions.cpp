@@ -21,10 +21,13 @@ MainActions::MainActions(QWidget *window)
     , invertSelection(make(tr("Invert Selection"), Qt::CTRL | Qt::Key_I,
                            tr("Tick every copy that is not ticked and untick the others, kept copies included.")))
     , filterResults(make(tr("Filter Results"), QKeySequence::Find, tr("Go to the filter above the results.")))
+    , nextGroup(make(tr("Next Group"), Qt::CTRL | Qt::Key_Down, tr("Go to the next group of duplicates.")))
+    , previousGroup(make(tr("Previous Group"), Qt::CTRL | Qt::Key_Up, tr("Go to the group of duplicates before.")))
     , settings(make(tr("Settings..."), Qt::CTRL | Qt::Key_Comma, tr("Choose what is scanned and how it is compared.")))
     , clearCache(make(tr("Clear Analysis Cache"), {},
                       tr("Forget all remembered results. The next scan reads every file again.")))
     , checkForUpdates(make(tr("Check for &Updates..."), {}, tr("Ask the update service for a newer version.")))
+    , shortcuts(make(tr("Keyboard Shortcuts..."), Qt::Key_F1, tr("List the keys of every command.")))
     , website(make(tr("Quorvane &Website"), {}, metadata::makerUrl()))
     , about(make(tr("&About %1").arg(metadata::applicationName()), {}, tr("Version and licences.")))
 {
@@ -42,7 +45,8 @@ void MainActions::enableFor(const Situation &situation)
     stopScan->setEnabled(situation.isScanning);
     settings->setEnabled(!situation.isScanning);
     clearCache->setEnabled(!situation.isScanning);
-    for (QAction *action : { selectDuplicates, clearSelection, invertSelection, filterResults })
+    for (QAction *action :
+         { selectDuplicates, clearSelection, invertSelection, filterResults, nextGroup, previousGroup })
         action->setEnabled(situation.hasGroups);
 }
 

@@ -32,9 +32,12 @@ public:
     QAction *const clearSelection;
     QAction *const invertSelection;
     QAction *const filterResults;
+    QAction *const nextGroup;
+    QAction *const previousGroup;
     QAction *const settings;
     QAction *const clearCache;
     QAction *const checkForUpdates;
+    QAction *const shortcuts;
     QAction *const website;
     QAction *const about;
 

@@ -6,6 +6,7 @@
 #include "activitylog.h"
 #include "folderpanel.h"
 #include "mainactions.h"
+#include "memberactions.h"
 #include "metadata.h"
 #include "resultsmodel.h"
 #include "resultspanel.h"
@@ -13,6 +14,7 @@
 #include "scanstrip.h"
 #include "settingscommand.h"
 #include "settingsstore.h"
+#include "shortcutsdialog.h"
 #include "summarytext.h"
 #include "updatenotices.h"
 
@@ -242,8 +244,11 @@ void MainWindow::createActions()
     connect(m_actions->clearSelection, &QAction::triggered, this, &MainWindow::onClearSelection);
     connect(m_actions->invertSelection, &QAction::triggered, this, &MainWindow::onInvertSelection);
     connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
+    connect(m_actions->nextGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(+1); });
+    connect(m_actions->previousGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(-1); });
     connect(m_actions->settings, &QAction::triggered, this, &MainWindow::onSettings);
     connect(m_actions->clearCache, &QAction::triggered, this, &MainWindow::onClearCache);
+    connect(m_actions->shortcuts, &QAction::triggered, this, [this] { ShortcutsDialog(menuBar(), this).exec(); });
     connect(m_actions->website, &QAction::triggered, this,
             [] { QDesktopServices::openUrl(QUrl(metadata::makerUrl())); });
     connect(m_actions->about, &QAction::triggered, this, &MainWindow::onAbout);
@@ -265,13 +270,16 @@ void MainWindow::createMenus()
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
     edit->addActions({ m_actions->selectDuplicates, m_actions->clearSelection, m_actions->invertSelection });
     edit->addSeparator();
-    edit->addAction(m_actions->filterResults);
+    const MemberActions *member = m_resultsPanel->memberActions();
+    edit->addActions({ member->keep, member->showDetails, member->copyPath });
+    edit->addSeparator();
+    edit->addActions({ m_actions->filterResults, m_actions->nextGroup, m_actions->previousGroup });
 
     QMenu *tools = menuBar()->addMenu(tr("&Tools"));
     tools->addActions({ m_actions->settings, m_actions->clearCache });
 
     QMenu *help = menuBar()->addMenu(tr("&Help"));
-    help->addAction(m_actions->checkForUpdates);
+    help->addActions({ m_actions->shortcuts, m_actions->checkForUpdates });
     help->addSeparator();
     help->addActions({ m_actions->website, m_actions->about });
 }

@@ -2,12 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultspanel.h"
 
-#include "membermenu.h"
+#include "memberactions.h"
 #include "resultsfilter.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
 #include "summarytext.h"
 
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QShortcut>
@@ -21,12 +22,12 @@ ResultsPanel::ResultsPanel(ResultsModel *results, QWidget *parent)
     : QWidget(parent)
     , m_results(results)
     , m_filter(new ResultsFilter(results, this))
-    , m_memberMenu(new MemberMenu(results, this))
+    , m_memberActions(new MemberActions(results, this))
 {
     createFilterRow();
     createTree();
     layOutWidgets();
-    connect(m_memberMenu, &MemberMenu::statusMessage, this, &ResultsPanel::statusMessage);
+    connect(m_memberActions, &MemberActions::statusMessage, this, &ResultsPanel::statusMessage);
     connect(m_results, &ResultsModel::totalsChanged, this, &ResultsPanel::refreshSummary);
     setState(State::NotScanned);
 }
@@ -36,6 +37,11 @@ void ResultsPanel::setState(State state)
     m_state = state;
     refreshSummary();
     refreshHint();
+}
+
+void ResultsPanel::goToGroup(int step)
+{
+    m_view->goToGroup(step);
 }
 
 void ResultsPanel::focusFilter()
@@ -63,7 +69,10 @@ void ResultsPanel::createTree()
     m_view->setObjectName(u"resultsView"_s);
     m_view->setAccessibleName(tr("Duplicate groups"));
     m_view->setModel(m_filter);
-    connect(m_view, &ResultsView::memberMenuRequested, this, &ResultsPanel::onTreeContextMenu);
+    connect(m_view, &ResultsView::memberMenuRequested, m_memberActions, &MemberActions::popup);
+    connect(m_view, &ResultsView::memberActivated, this, &ResultsPanel::onTreeDoubleClicked);
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &ResultsPanel::onTreeSelectionChanged);
 }
 
 void ResultsPanel::layOutWidgets()
@@ -93,9 +102,15 @@ void ResultsPanel::onFilterChanged(const QString &text)
     refreshHint();
 }
 
-void ResultsPanel::onTreeContextMenu(const QModelIndex &member, const QPoint &globalPos)
+void ResultsPanel::onTreeSelectionChanged(const QModelIndex &current)
 {
-    m_memberMenu->popup(m_filter->mapToSource(member), globalPos);
+    m_memberActions->setMember(m_filter->mapToSource(current));
+}
+
+void ResultsPanel::onTreeDoubleClicked()
+{
+    if (const TrackInfo *track = m_results->trackAt(m_filter->mapToSource(m_view->currentIndex())))
+        Q_EMIT memberActivated(TrackInfo(*track));
 }
 
 void ResultsPanel::refreshSummary()

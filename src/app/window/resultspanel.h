@@ -9,10 +9,11 @@ class QLineEdit;
 
 namespace epr {
 
-class MemberMenu;
+class MemberActions;
 class ResultsFilter;
 class ResultsModel;
 class ResultsView;
+struct TrackInfo;
 
 /// The results of a scan with all that belongs to them: filter row, tree and summary line.
 class ResultsPanel final : public QWidget {
@@ -24,25 +25,30 @@ public:
 
     explicit ResultsPanel(ResultsModel *results, QWidget *parent = nullptr);
 
+    [[nodiscard]] MemberActions *memberActions() const { return m_memberActions; }
+
     void setState(State state);
+    void goToGroup(int step); ///< -1 or +1
     void focusFilter();
 
 Q_SIGNALS:
     void statusMessage(const QString &message);
+    void memberActivated(const epr::TrackInfo &track);
 
 private:
     void createFilterRow();
     void createTree();
     void layOutWidgets();
     void onFilterChanged(const QString &text);
-    void onTreeContextMenu(const QModelIndex &member, const QPoint &globalPos);
+    void onTreeSelectionChanged(const QModelIndex &current);
+    void onTreeDoubleClicked();
     void refreshSummary();
     void refreshHint();
     [[nodiscard]] QString hintText() const;
 
     ResultsModel *m_results;
     ResultsFilter *m_filter;
-    MemberMenu *m_memberMenu;
+    MemberActions *m_memberActions;
     State m_state = State::NotScanned;
     QLineEdit *m_filterEdit = nullptr;
     ResultsView *m_view = nullptr;

@@ -35,6 +35,21 @@ void ResultsView::setHint(const QString &text)
     m_hint->setText(text);
 }
 
+void ResultsView::goToGroup(int step)
+{
+    if (!model() || model()->rowCount() == 0)
+        return;
+    const QModelIndex current = currentIndex();
+    const QModelIndex group = current.parent().isValid() ? current.parent() : current;
+    const int wanted = group.isValid() ? group.row() + step : 0;
+    const QModelIndex next = model()->index(std::clamp(wanted, 0, model()->rowCount() - 1), ResultsModel::FileColumn);
+    expand(next);
+    setFocus(Qt::ShortcutFocusReason);
+    setCurrentIndex(model()->index(0, ResultsModel::FileColumn, next));
+    scrollTo(model()->index(model()->rowCount(next) - 1, ResultsModel::FileColumn, next)); // the whole group in sight
+    scrollTo(next);
+}
+
 void ResultsView::reset()
 {
     QTreeView::reset();
@@ -66,19 +81,31 @@ void ResultsView::drawRow(QPainter *painter, const QStyleOptionViewItem &option,
 void ResultsView::contextMenuEvent(QContextMenuEvent *event)
 {
     const bool byKeyboard = event->reason() == QContextMenuEvent::Keyboard;
-    const QModelIndex index = byKeyboard ? currentIndex() : indexAt(event->pos());
-    if (!index.parent().isValid())
+    if (!byKeyboard && indexAt(event->pos()).isValid())
+        setCurrentIndex(indexAt(event->pos()));
+    if (!isOnMember())
         return;
-    const QPoint place = byKeyboard ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos();
-    Q_EMIT memberMenuRequested(index, place);
+    const QPoint centre = visualRect(currentIndex()).center();
+    Q_EMIT memberMenuRequested(byKeyboard ? viewport()->mapToGlobal(centre) : event->globalPos());
 }
 
 void ResultsView::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
+    const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (plain && event->key() == Qt::Key_Space)
         toggleCurrent();
+    else if (plain && isReturn && isOnMember())
+        Q_EMIT memberActivated();
     else
         QTreeView::keyPressEvent(event);
+}
+
+void ResultsView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    QTreeView::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton && isOnMember() && indexAt(event->position().toPoint()) == currentIndex())
+        Q_EMIT memberActivated();
 }
 
 void ResultsView::resizeEvent(QResizeEvent *event)
@@ -111,6 +138,11 @@ void ResultsView::toggleCurrent()
         return;
     const bool ticked = cell.data(Qt::CheckStateRole).toInt() == Qt::Checked;
     model()->setData(cell, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+}
+
+bool ResultsView::isOnMember() const
+{
+    return currentIndex().parent().isValid();
 }
 
 void ResultsView::drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const

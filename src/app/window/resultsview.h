@@ -17,23 +17,27 @@ public:
     explicit ResultsView(QWidget *parent = nullptr);
 
     void setHint(const QString &text); ///< shown while there are no rows
+    void goToGroup(int step); ///< -1 or +1: the first copy of the group before or after the current one
 
     void reset() override;
 
 Q_SIGNALS:
-    void memberMenuRequested(const QModelIndex &member, const QPoint &globalPos);
+    void memberMenuRequested(const QPoint &globalPos); ///< for the current member
+    void memberActivated(); ///< the current member was double-clicked, or Return was pressed on it
 
 protected:
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     void createHeader();
     void onSectionResized(int section);
     void toggleCurrent();
+    [[nodiscard]] bool isOnMember() const;
     void drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
 

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+
+class QGridLayout;
+class QMenuBar;
+
+namespace epr {
+
+/// Lists every key of the program: those of the menu's commands, read from the menu itself so that the list cannot
+/// fall behind, and those that work inside the results and the player.
+class ShortcutsDialog final : public QDialog {
+    Q_OBJECT
+
+public:
+    ShortcutsDialog(const QMenuBar *menuBar, QWidget *parent);
+
+private:
+    struct Column;
+    void addMenus(Column &column, const QMenuBar *menuBar);
+    void addResultsKeys(Column &column);
+};
+
+} // namespace epr
