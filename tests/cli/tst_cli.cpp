@@ -2,8 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "clirequest.h"
 
+#include "../cleanup/sandbox.h"
 #include "temporarylibrary.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QTest>
 
@@ -57,6 +61,9 @@ private Q_SLOTS:
         row("a file for a folder", "a.mp3", "library/a.mp3", 2, "Not a folder");
         row("on and off at once", "", "--metadata --no-metadata .", 2, "contradict");
         row("every method off", "", "--no-identical --no-same-audio --no-acoustic --no-metadata .", 2, "switched off");
+        row("report of no kind", "", "--verbose --report out.txt library", 2, "Not a kind of report: \"out.txt\"");
+        row("report without extension", "", "--verbose --report csv library", 2, "Not a kind of report");
+        row("report nowhere", "", "--verbose --report no/out.csv library", 2, "Could not write the report");
         row("empty folder", "", "library", 0, "no duplicates found");
         row("all different", "a.mp3 b.mp3", "library", 0, "no duplicates found");
         row("damaged", "x.flac", "library", 0, "x.flac: Unrecognised or damaged FLAC container");
@@ -82,9 +89,46 @@ private Q_SLOTS:
         const QString err = QString::fromUtf8(program.readAllStandardError());
         QVERIFY2(program.exitCode() == status, qPrintable(out + err));
         QCOMPARE(out.isEmpty(), status == 2);
+        QVERIFY(!err.contains("Discovered"_L1)); // refused before anything is scanned
         const bool isError = status == 2 || text.contains("damaged"_L1);
         QVERIFY2((isError ? err : out).contains(text), qPrintable(out + err));
         QCOMPARE(QDir(library()).entryList(QDir::Files).size(), words(files).size());
+    }
+
+    void reportsAreWritten_data()
+    {
+        QTest::addColumn<QByteArray>("files");
+        QTest::addColumn<int>("groups");
+        QTest::newRow("duplicates") << QByteArray("a.mp3 a2.mp3 b.mp3") << 1;
+        QTest::newRow("none") << QByteArray("a.mp3") << 0;
+    }
+
+    void reportsAreWritten()
+    {
+        QFETCH(const QByteArray, files);
+        QFETCH(const int, groups);
+        for (const QString &name : words(files))
+            writeFile(library() + u'/' + name, QByteArray(40000, name.at(0).toLatin1()));
+        QProcess program;
+        program.setWorkingDirectory(m_home->path());
+        const QStringList line =
+            words("--no-acoustic --no-cache --report o.JSON --report o.csv --report o.csv library");
+        program.start(QStringLiteral(EPR_SCAN_PROGRAM), line);
+        QVERIFY(program.waitForFinished(120000));
+        QCOMPARE(program.exitCode(), groups);
+        const QJsonObject json = QJsonDocument::fromJson(readFile(m_home->filePath(u"o.JSON"_s))).object();
+        QCOMPARE(json["filesScanned"_L1], words(files).size());
+        QCOMPARE(json["duplicateGroups"_L1].toArray().size(), groups);
+        QCOMPARE(json["roots"_L1].toArray(), QJsonArray { library() });
+        QCOMPARE(readFile(m_home->filePath(u"o.csv"_s)).count("\n"), 1 + 2 * groups);
+#ifdef Q_OS_UNIX // which can make a disk look full
+        program.setChildProcessModifier([] { limitFileSize(150); });
+        program.start(QStringLiteral(EPR_SCAN_PROGRAM), line);
+        QVERIFY(program.waitForFinished(120000));
+        QCOMPARE(program.exitCode(), 2);
+        QVERIFY(program.readAllStandardError().contains("Could not write the report " + m_home->path().toUtf8()));
+        QVERIFY(QJsonDocument::fromJson(readFile(m_home->filePath(u"o.JSON"_s))).object() == json);
+#endif
     }
 
 #ifdef Q_OS_UNIX // which has a way to send Ctrl-C to one process
@@ -95,8 +139,10 @@ private Q_SLOTS:
             writeFile(library() + u"/big%1.mp3"_s.arg(i), {});
             QVERIFY(QFile::resize(library() + u"/big%1.mp3"_s.arg(i), 4LL << 30));
         }
+        const QString report = m_home->filePath(u"report.csv"_s);
         QProcess program;
-        program.start(QStringLiteral(EPR_SCAN_PROGRAM), { u"--verbose"_s, u"--no-acoustic"_s, library() });
+        program.start(QStringLiteral(EPR_SCAN_PROGRAM),
+                      words("--verbose --no-acoustic --report") << report << library());
         program.setReadChannel(QProcess::StandardError);
         QByteArray log;
         while (!log.contains("Discovered")) {
@@ -106,7 +152,7 @@ private Q_SLOTS:
         QCOMPARE(::kill(static_cast<pid_t>(program.processId()), SIGINT), 0);
         QVERIFY(program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit);
         QCOMPARE(program.exitCode(), 2);
-        QVERIFY(program.readAllStandardOutput().isEmpty());
+        QVERIFY(program.readAllStandardOutput().isEmpty() && !QFile::exists(report));
     }
 #endif
 
