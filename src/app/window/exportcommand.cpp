@@ -11,6 +11,7 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -76,7 +77,10 @@ void exportReport(const ResultsModel &results, const QStringList &roots,
     if (choice.path.isEmpty())
         return;
     QString error;
-    if (!writeReport(choice.path, choice.format, results.tracks(), results.groups(), roots, &error)) {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor); // some seconds for tens of thousands of groups
+    const bool written = writeReport(choice.path, choice.format, results.tracks(), results.groups(), roots, &error);
+    QGuiApplication::restoreOverrideCursor();
+    if (!written) {
         showCritical(parent, tr("Export failed"), tr("Could not write the report:\n\n%1").arg(error));
         return;
     }
