@@ -76,6 +76,9 @@ bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo
     // file too and remembers a failure.
     if (out.status() == QTextStream::Ok && file.commit())
         return true;
+    // A write that was cut short is an "Unknown error"; the system says why when one more is tried.
+    file.write("\n");
+    file.flush();
     *error = file.errorString();
     return false;
 }
