@@ -50,13 +50,18 @@ void addOptions(QCommandLineParser &parser)
     parser.setApplicationDescription(
         tr("Finds duplicate music in FOLDERs and prints the groups. Never changes a library file.\n"
            "What is not given on the command line is taken from the saved settings.\n\n"
-           "Exit status: 0 no duplicates, 1 duplicates found, 2 wrong usage or the scan could not be completed."));
+           "Exit status: 0 no duplicates, 1 duplicates found, 2 wrong usage, or the scan or a "
+           "report could not be completed."));
     parser.addHelpOption();
     parser.addVersionOption();
     for (const SwitchOption &option : switchOptions) {
         parser.addOption({ QString(QLatin1StringView(option.name)), tr(option.description) });
         parser.addOption({ offName(option), tr("Switch that off.") });
     }
+    parser.addOption({ u"report"_s,
+                       tr("Write the groups to FILE, also when there are none. Its name ends in .csv, .html, .json, or "
+                          ".m3u8 for a playlist of the proposed duplicates. May be given several times."),
+                       u"FILE"_s });
     parser.addOption({ u"verbose"_s, tr("Print the activity log on standard error.") });
     parser.addPositionalArgument(u"FOLDER"_s, tr("Folder to scan, with everything below it."), u"FOLDER..."_s);
 }
@@ -129,6 +134,8 @@ CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &def
     if (const QString problem = applySwitches(parser, request.options); !problem.isEmpty())
         return refusal(problem);
     if (const QString problem = applyFolders(parser.positionalArguments(), request.options); !problem.isEmpty())
+        return refusal(problem);
+    if (const QString problem = readReportFiles(parser.values(u"report"_s), request.reports); !problem.isEmpty())
         return refusal(problem);
     if (!request.options.anyDetection())
         return refusal(tr("All detection methods are switched off."));

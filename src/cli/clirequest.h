@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "reportfiles.h"
 #include "scanoptions.h"
 
 namespace epr {
@@ -17,6 +18,7 @@ struct CliRequest {
     Kind kind = Kind::Scan;
     QString text;
     ScanOptions options; ///< roots are absolute paths of existing folders
+    QList<ReportFile> reports; ///< to write after a complete scan
     bool verbose = false; ///< log lines on standard error
 };
 

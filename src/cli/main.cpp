@@ -5,6 +5,7 @@
 #include "metadata.h"
 #include "metatypes.h"
 #include "qtdecoder.h"
+#include "reportwriter.h"
 #include "settingsstore.h"
 #include "terminal.h"
 #include "textreport.h"
@@ -17,6 +18,11 @@ using namespace epr;
 namespace {
 
 enum ExitStatus { NoDuplicates = 0, DuplicatesFound = 1, NotCompleted = 2 };
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("epr::Cli", text);
+}
 
 int refuse(const QString &message)
 {
@@ -33,6 +39,20 @@ void reportProblems(const QList<TrackInfo> &tracks)
     }
 }
 
+/// Writes as many of the reports as possible; true when that was all of them.
+bool writeReports(const CliRequest &request, const ConsoleScanResult &result)
+{
+    bool all = true;
+    for (const ReportFile &report : request.reports) {
+        QString error;
+        if (writeReport(report.path, report.format, result.tracks, result.groups, request.options.roots, &error))
+            continue;
+        refuse(cannotWriteReport(report.path, error));
+        all = false;
+    }
+    return all;
+}
+
 int scan(const CliRequest &request)
 {
     const ConsoleScanResult result = runConsoleScan(request.options, request.verbose);
@@ -40,10 +60,15 @@ int scan(const CliRequest &request)
         return refuse(result.failure);
     reportProblems(result.tracks);
     if (result.cancelled)
-        return refuse(QCoreApplication::translate("epr::Cli", "Stopped before the end; nothing is reported."));
+        return refuse(request.reports.isEmpty() ? tr("Stopped before the end; nothing is reported.")
+                                                : tr("Stopped before the end; no report is written."));
 
+    // The files first: whoever reads the standard output may close it early, which ends the program.
+    const bool written = writeReports(request, result);
     QTextStream out(stdout);
     writeTextReport(out, result.tracks, result.groups);
+    if (!written)
+        return NotCompleted;
     return result.groups.isEmpty() ? NoDuplicates : DuplicatesFound;
 }
 

@@ -44,8 +44,8 @@ void writeCsvReport(QTextStream &out, const ReportData &data)
     out << "Group,Match type,Confidence,Keep,File,Folder,Artist,Title,Album,Duration,Bitrate (kbps),Sample rate,"
            "Channels,Format,Size (bytes),Modified\n"_L1;
     for (const MatchGroup &group : data.groups) {
-        for (const qint32 member : group.members)
-            out << line(group, data.tracks.at(member), member == group.keep);
+        for (const ReportMember &member : membersOf(group, data.tracks))
+            out << line(group, member.track, member.keep);
     }
 }
 

@@ -77,8 +77,8 @@ void writeGroup(QTextStream &out, const MatchGroup &group, const QList<TrackInfo
         << " reclaimable</em></h2>\n"_L1
         << "<table><tr><th>Action</th><th>File</th><th>Artist / Title</th><th>Duration</th><th>Quality</th>"
            "<th>Size</th></tr>\n"_L1;
-    for (const qint32 member : group.members)
-        writeMember(out, tracks.at(member), member == group.keep);
+    for (const ReportMember &member : membersOf(group, tracks))
+        writeMember(out, member.track, member.keep);
     out << "</table></div>\n"_L1;
 }
 

@@ -37,8 +37,8 @@ QJsonObject fileObject(const TrackInfo &track, bool keep)
 QJsonObject groupObject(const MatchGroup &group, const QList<TrackInfo> &tracks)
 {
     QJsonArray files;
-    for (const qint32 member : group.members)
-        files.append(fileObject(tracks.at(member), member == group.keep));
+    for (const ReportMember &member : membersOf(group, tracks))
+        files.append(fileObject(member.track, member.keep));
     return {
         { u"id"_s, group.id },
         { u"matchType"_s, matchTypeLabel(group.matchType) },

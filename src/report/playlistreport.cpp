@@ -53,9 +53,9 @@ void writePlaylistReport(QTextStream &out, const ReportData &data)
         << "# "_L1 << metadata::applicationName() << ' ' << metadata::version() << " - proposed duplicates, "_L1
         << data.generated.toString(Qt::RFC2822Date) << '\n';
     for (const MatchGroup &group : data.groups) {
-        for (const qint32 member : group.members) {
-            if (member != group.keep)
-                writeEntry(out, data.tracks.at(member));
+        for (const ReportMember &member : membersOf(group, data.tracks)) {
+            if (!member.keep)
+                writeEntry(out, member.track);
         }
     }
 }

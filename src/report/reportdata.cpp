@@ -2,13 +2,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "reportdata.h"
 
+#include <algorithm>
+
 namespace epr {
+
+std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks)
+{
+    std::vector<ReportMember> members;
+    for (const qint32 member : group.members) {
+        if (member >= 0 && member < tracks.size())
+            members.push_back({ tracks.at(member), member == group.keep });
+    }
+    return members;
+}
 
 qint64 redundantFiles(const QList<MatchGroup> &groups)
 {
     qint64 files = 0;
     for (const MatchGroup &group : groups)
-        files += group.members.size() - 1;
+        files += std::max<qint64>(group.members.size() - 1, 0);
     return files;
 }
 

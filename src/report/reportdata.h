@@ -8,6 +8,8 @@
 #include <QDateTime>
 #include <QStringList>
 
+#include <vector>
+
 namespace epr {
 
 /// What a report tells about, by reference: the lists of a scan are large.
@@ -17,6 +19,15 @@ struct ReportData {
     const QStringList &roots;
     QDateTime generated;
 };
+
+/// One copy as a report lists it.
+struct ReportMember {
+    const TrackInfo &track;
+    bool keep;
+};
+
+/// In the group's order, without members that refer to no track.
+[[nodiscard]] std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks);
 
 /// Copies that could go if one of each group stays.
 [[nodiscard]] qint64 redundantFiles(const QList<MatchGroup> &groups);

@@ -42,20 +42,33 @@ bool isReplaceable(const QString &path)
     return !info.exists() || info.isFile();
 }
 
+bool openReport(QSaveFile &file, QString *error)
+{
+    if (!isReplaceable(file.fileName())) {
+        *error = QCoreApplication::translate("epr::Report", "Not a regular file");
+        return false;
+    }
+    if (file.open(QIODevice::WriteOnly | QIODevice::Text))
+        return true;
+    *error = file.errorString();
+    return false;
+}
+
 } // namespace
+
+// Asking the system for its permissions would not do: shares and read-only disks show only when something is written.
+bool canWriteReport(const QString &path, QString *error)
+{
+    QSaveFile file(path);
+    return openReport(file, error);
+}
 
 bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo> &tracks,
                  const QList<MatchGroup> &groups, const QStringList &roots, QString *error)
 {
-    if (!isReplaceable(path)) {
-        *error = QCoreApplication::translate("epr::Report", "Not a regular file");
-        return false;
-    }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        *error = file.errorString();
+    if (!openReport(file, error))
         return false;
-    }
     QTextStream out(&file);
     writeFormat(out, format, { tracks, groups, roots, QDateTime::currentDateTime() });
     out.flush();
@@ -63,6 +76,9 @@ bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo
     // file too and remembers a failure.
     if (out.status() == QTextStream::Ok && file.commit())
         return true;
+    // A write that was cut short is an "Unknown error"; the system says why when one more is tried.
+    file.write("\n");
+    file.flush();
     *error = file.errorString();
     return false;
 }

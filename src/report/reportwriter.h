@@ -10,6 +10,9 @@
 
 namespace epr {
 
+/// Whether a report can be written there at the moment, with the reason in *error if not. Leaves no trace.
+[[nodiscard]] bool canWriteReport(const QString &path, QString *error);
+
 /// Writes a report in UTF-8, with the platform's line ends. On failure, also when the disk fills up on the way, false
 /// with the reason in *error, and the file is what it was before: the new one takes its place only when it is complete.
 /// For that its folder must allow a new file. Memory does not grow with the number of groups.

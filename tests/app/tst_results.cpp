@@ -165,6 +165,7 @@ private Q_SLOTS:
         };
         QCOMPARE(without({ 3 }), u"a* b! c"_s);
         QCOMPARE(without({ 1 }), u"a* c / d! e*"_s);
+        QCOMPARE(without({ 0 }), u"b! c* / d! e*"_s); // the unticked copy is kept from now on
         QCOMPARE(without({ 0, 1, 2, 3, 4 }), QString());
     }
 

@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "clirequest.h"
 
+#include "../cleanup/sandbox.h"
 #include "temporarylibrary.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QProcess>
 #include <QTest>
 
@@ -57,6 +60,9 @@ private Q_SLOTS:
         row("a file for a folder", "a.mp3", "library/a.mp3", 2, "Not a folder");
         row("on and off at once", "", "--metadata --no-metadata .", 2, "contradict");
         row("every method off", "", "--no-identical --no-same-audio --no-acoustic --no-metadata .", 2, "switched off");
+        row("report of no kind", "", "--verbose --report out.txt library", 2, "Not a kind of report: \"out.txt\"");
+        row("report without extension", "", "--verbose --report csv library", 2, "Not a kind of report");
+        row("report nowhere", "", "--verbose --report no/out.csv library", 2, "Could not write the report");
         row("empty folder", "", "library", 0, "no duplicates found");
         row("all different", "a.mp3 b.mp3", "library", 0, "no duplicates found");
         row("damaged", "x.flac", "library", 0, "x.flac: Unrecognised or damaged FLAC container");
@@ -74,14 +80,19 @@ private Q_SLOTS:
         QFETCH(const QString, text);
         for (const QString &name : words(files))
             writeFile(library() + u'/' + name, QByteArray(40000, name.at(0).toLatin1()));
+        const QByteArray good = "--no-acoustic --report o.JSON --report o.csv --report o.csv ";
         QProcess program;
         program.setWorkingDirectory(m_home->path());
-        program.start(QStringLiteral(EPR_SCAN_PROGRAM), words(status == 2 ? arguments : "--no-acoustic " + arguments));
+        program.start(QStringLiteral(EPR_SCAN_PROGRAM), words((status == 2 ? "" : good) + arguments));
         QVERIFY(program.waitForFinished(120000) && program.exitStatus() == QProcess::NormalExit);
         const QString out = QString::fromUtf8(program.readAllStandardOutput());
         const QString err = QString::fromUtf8(program.readAllStandardError());
         QVERIFY2(program.exitCode() == status, qPrintable(out + err));
         QCOMPARE(out.isEmpty(), status == 2);
+        QVERIFY(!err.contains("Discovered"_L1)); // refused before anything is scanned
+        const QJsonDocument json = QJsonDocument::fromJson(readFile(m_home->filePath(u"o.JSON"_s)));
+        QCOMPARE(json["duplicateGroups"_L1].toArray().size(), status % 2);
+        QCOMPARE(readFile(m_home->filePath(u"o.csv"_s)).startsWith("Group,"), status != 2);
         const bool isError = status == 2 || text.contains("damaged"_L1);
         QVERIFY2((isError ? err : out).contains(text), qPrintable(out + err));
         QCOMPARE(QDir(library()).entryList(QDir::Files).size(), words(files).size());
@@ -95,8 +106,10 @@ private Q_SLOTS:
             writeFile(library() + u"/big%1.mp3"_s.arg(i), {});
             QVERIFY(QFile::resize(library() + u"/big%1.mp3"_s.arg(i), 4LL << 30));
         }
+        const QString report = m_home->filePath(u"report.csv"_s);
         QProcess program;
-        program.start(QStringLiteral(EPR_SCAN_PROGRAM), { u"--verbose"_s, u"--no-acoustic"_s, library() });
+        program.start(QStringLiteral(EPR_SCAN_PROGRAM),
+                      words("--verbose --no-acoustic --report") << report << library());
         program.setReadChannel(QProcess::StandardError);
         QByteArray log;
         while (!log.contains("Discovered")) {
@@ -106,7 +119,18 @@ private Q_SLOTS:
         QCOMPARE(::kill(static_cast<pid_t>(program.processId()), SIGINT), 0);
         QVERIFY(program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit);
         QCOMPARE(program.exitCode(), 2);
-        QVERIFY(program.readAllStandardOutput().isEmpty());
+        QVERIFY(program.readAllStandardOutput().isEmpty() && !QFile::exists(report));
+    }
+
+    void fullDiskIsNotSuccess()
+    {
+        const QString report = m_home->filePath(u"report.csv"_s);
+        QProcess program;
+        program.setChildProcessModifier([] { limitFileSize(50); });
+        program.start(QStringLiteral(EPR_SCAN_PROGRAM), words("--no-cache --report") << report << library());
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.exitCode(), 2);
+        QVERIFY(program.readAllStandardError().contains("Could not write the report") && !QFile::exists(report));
     }
 #endif
 

@@ -1,15 +1,20 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "../cleanup/sandbox.h"
-#include "reporttext.h"
+#include "csvreport.h"
+#include "htmlreport.h"
+#include "jsonreport.h"
+#include "playlistreport.h"
+#include "reportdata.h"
 #include "reportwriter.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
-#include <QRegularExpression>
+#include <QProcess>
 #include <QTest>
+#include <QTextStream>
 
 using namespace epr;
 using namespace epr::test;
@@ -58,39 +63,32 @@ QString contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly | QIODevice::Text) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// RFC 4180: fields in quotes may hold commas, line breaks and doubled quotes.
-QList<QStringList> parseCsv(const QString &text)
+/// What Python's own parsers make of a file: a list of rows, or of the texts between the tags.
+QJsonArray pythonReads(const QString &path, ReportFormat format)
 {
-    QList<QStringList> rows { { QString() } };
-    bool quoted = false;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text.at(i);
-        if (c == u'"' && quoted && text.mid(i + 1, 1) == u'"')
-            rows.last().last().append(text.at(++i));
-        else if (c == u'"')
-            quoted = !quoted;
-        else if (c == u',' && !quoted)
-            rows.last().append(QString());
-        else if (c == u'\n' && !quoted)
-            rows.append(QStringList { QString() });
-        else
-            rows.last().last().append(c);
-    }
-    return rows;
+    const QString program = u"import csv, html.parser as h, json, sys\nf = open(sys.argv[1], encoding='utf-8')\nt = "
+                            u"[]\np = h.HTMLParser()\n"
+                            "p.handle_data = t.append\nif sys.argv[2] == 'csv': t = list(csv.reader(f, strict=True))\n"
+                            "else: p.feed(f.read())\njson.dump(t, sys.stdout)"_s;
+    QProcess python;
+    python.start(u"python3"_s, { u"-c"_s, program, path, reportFormatExtension(format) });
+    return python.waitForFinished() ? QJsonDocument::fromJson(python.readAll()).array() : QJsonArray();
 }
 
-/// The texts between the tags of an HTML page.
-QStringList htmlTexts(const QString &html)
-{
-    static const QRegularExpression tag(u"<[!/a-z][^<>]*>\\n?"_s);
-    QString page = html;
-    QStringList texts = page.replace(u'|', u'/').replace(tag, u"|"_s).split(u'|', Qt::SkipEmptyParts);
-    for (QString &text : texts) {
-        text.replace(u"&lt;"_s, u"<"_s).replace(u"&gt;"_s, u">"_s).replace(u"&quot;"_s, u"\""_s);
-        text.replace(u"&amp;"_s, u"&"_s);
+/// Notes how much is written at once at most.
+class Gauge final : public QIODevice {
+public:
+    Gauge() { open(QIODevice::WriteOnly); }
+    qint64 largest = 0;
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+    qint64 writeData(const char *, qint64 size) override
+    {
+        largest = std::max(largest, size);
+        return size;
     }
-    return texts;
-}
+};
 
 } // namespace
 
@@ -102,33 +100,37 @@ private Q_SLOTS:
     void init() { m_dir = std::make_unique<QTemporaryDir>(); }
     void csvReadsBack()
     {
-        const QList<QStringList> rows = parseCsv(write(ReportFormat::Csv, someGroups(1)));
-        QCOMPARE(rows.size(), 5);
+        if (QStandardPaths::findExecutable(u"python3"_s).isEmpty())
+            QSKIP("needs Python");
+        write(ReportFormat::Csv, someGroups(1));
+        const QJsonArray rows = pythonReads(path(), ReportFormat::Csv);
+        QCOMPARE(rows.size(), 4);
         const QString name = someTracks().at(0).fileName;
-        QCOMPARE(rows.at(1),
-                 QStringList({ u"1"_s, u"Same audio, different tags"_s, u"0.98"_s, u"duplicate"_s, name, u"/music/x"_s,
-                               hostile, hostile, hostile, u"1:01"_s, u"320"_s, u"44100"_s, u"2"_s, u"MP3"_s,
-                               u"4415029"_s, u"2024-02-29T23:59:58"_s }));
-        QCOMPARE(rows.at(0).join(u','),
+        QCOMPARE(rows.at(1).toVariant().toStringList(),
+                 QStringList({ u"1"_s, u"Same audio, different tags"_s, u"0.98"_s, u"duplicate"_s, name,
+                               QFileInfo(u"/music/x"_s).absoluteFilePath(), hostile, hostile, hostile, u"1:01"_s,
+                               u"320"_s, u"44100"_s, u"2"_s, u"MP3"_s, u"4415029"_s, u"2024-02-29T23:59:58"_s }));
+        QCOMPARE(rows.at(0).toVariant().toStringList().join(u','),
                  u"Group,Match type,Confidence,Keep,File,Folder,Artist,Title,Album,Duration,"
                  "Bitrate (kbps),Sample rate,Channels,Format,Size (bytes),Modified"_s);
-        QCOMPARE(rows.at(2).mid(3, 2), QStringList({ u"KEEP"_s, u"kept.mp3"_s }));
-        QCOMPARE(rows.at(3).at(9), u"-"_s);
-        QCOMPARE(rows.at(4), QStringList { QString() });
+        QCOMPARE(rows.at(2)[3], u"KEEP"_s);
+        QCOMPARE(rows.at(3)[9], u"-"_s);
     }
 
     void htmlReadsBack()
     {
+        if (QStandardPaths::findExecutable(u"python3"_s).isEmpty())
+            QSKIP("needs Python");
         const QString html = write(ReportFormat::Html, someGroups(1));
-        QVERIFY(html.contains(u" &middot; scanned /music, /&lt;b&gt;<"_s));
-        const QStringList texts = htmlTexts(html);
-        const QString quality = u"|320 kbps, 44.1 kHz, stereo|4.21 MB"_s;
+        const QStringList texts = QVariant(pythonReads(path(), ReportFormat::Html).toVariantList()).toStringList();
+        const QString quality = u"|320 kbps, 44.1 kHz, stereo|4.21 MB|\n"_s;
         const TrackInfo first = someTracks().at(0);
-        const QString expected = u"|Size|remove|"_s + first.fileName + u'|' + first.path + u'|' + hostile
-            + u" &ndash; "_s + hostile + u"|1:01"_s + quality
-            + u"|KEEP|kept.mp3|/music/kept.mp3|(unknown artist) &ndash; kept|60:00"_s + quality
-            + u"|remove|plain name.mp3|/music/plain name.mp3|Various &ndash; plain name|-"_s + quality;
+        const QString expected = u"|Size|\n|remove|"_s + first.fileName + u'|' + first.path + u'|' + hostile
+            + u" \u2013 "_s + hostile + u"|1:01"_s + quality
+            + u"|KEEP|kept.mp3|/music/kept.mp3|(unknown artist) \u2013 kept|60:00"_s + quality
+            + u"|remove|plain name.mp3|/music/plain name.mp3|Various \u2013 plain name|-"_s + quality;
         QVERIFY2(texts.join(u'|').contains(expected), qPrintable(html));
+        QVERIFY(texts.join(u'|').contains(u" \u00b7 scanned /music, /<b>|"_s));
     }
 
     // The report is put together from pieces; that must not show.
@@ -149,6 +151,28 @@ private Q_SLOTS:
                 QCOMPARE(files.at(0)[key].toString(), hostile);
             QCOMPARE(files.at(0)["keep"_L1], QJsonValue(false));
         }
+    }
+
+    // A report that is put together before it is written arrives in one piece.
+    void reportsAreWrittenAsTheyGo()
+    {
+        const QList<TrackInfo> tracks = someTracks();
+        const QList<MatchGroup> groups = someGroups(1000);
+        for (const auto write : { writeCsvReport, writeHtmlReport, writeJsonReport, writePlaylistReport }) {
+            Gauge gauge;
+            QTextStream out(&gauge);
+            write(out, { tracks, groups, {}, QDateTime::currentDateTime() });
+            QVERIFY2(gauge.largest > 10000 && gauge.largest < 50000, qPrintable(QString::number(gauge.largest)));
+        }
+    }
+
+    void oddGroupsAreReportedAsFarAsTheyGo()
+    {
+        const QList<MatchGroup> groups { {}, { .members = { 2, -1, 4, 1 }, .keep = 9 } };
+        for (const ReportFormat format : { ReportFormat::Csv, ReportFormat::Html, ReportFormat::Json })
+            QVERIFY(write(format, groups).contains(u"kept.mp3"_s));
+        QVERIFY(write(ReportFormat::Playlist, groups).endsWith(u"/music/kept.mp3\n"_s));
+        QVERIFY(write(ReportFormat::Html, groups).contains(u"<b>3</b><span>Redundant"_s));
     }
 
     void playlistHoldsThePathsToRemove()
@@ -174,7 +198,7 @@ private Q_SLOTS:
             limitFileSize(300);
             const bool written = writeReport(target, ReportFormat::Csv, someTracks(), someGroups(groups), {}, &error);
             limitFileSize(-1);
-            QVERIFY(!written && !error.isEmpty());
+            QVERIFY2(!written && !error.isEmpty() && error != u"Unknown error"_s, qPrintable(error));
             QCOMPARE(contentOf(path()), old);
             QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
         }

@@ -12,6 +12,8 @@ MainActions::MainActions(QWidget *window)
     : QObject(window)
     , addFolder(make(tr("Add Folder..."), Qt::CTRL | Qt::Key_O, tr("Add a folder to the list of folders to scan.")))
     , removeFolder(make(tr("Remove Folder"), {}, tr("Take the selected folders off the list. No file is touched.")))
+    , exportReport(make(tr("Export Report..."), Qt::CTRL | Qt::Key_E,
+                        tr("Write the duplicate groups to a table, a web page, a JSON file or a playlist.")))
     , exit(make(tr("Exit"), Qt::CTRL | Qt::Key_Q, tr("Close the program.")))
     , startScan(make(tr("Start Scan"), Qt::Key_F5, tr("Look for duplicates in the listed folders.")))
     , stopScan(make(tr("Stop"), Qt::SHIFT | Qt::Key_F5, tr("Stop the running scan.")))
@@ -43,6 +45,7 @@ void MainActions::enableFor(const Situation &situation)
     removeFolder->setEnabled(!situation.isScanning && situation.hasFolderSelection);
     startScan->setEnabled(!situation.isScanning);
     stopScan->setEnabled(situation.isScanning);
+    exportReport->setEnabled(!situation.isScanning); // without results it says what to do first
     settings->setEnabled(!situation.isScanning);
     clearCache->setEnabled(!situation.isScanning);
     for (QAction *action :

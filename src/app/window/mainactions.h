@@ -25,6 +25,7 @@ public:
 
     QAction *const addFolder;
     QAction *const removeFolder;
+    QAction *const exportReport;
     QAction *const exit;
     QAction *const startScan;
     QAction *const stopScan;

@@ -4,6 +4,7 @@
 
 #include "aboutdialog.h"
 #include "activitylog.h"
+#include "exportcommand.h"
 #include "folderpanel.h"
 #include "mainactions.h"
 #include "memberactions.h"
@@ -102,6 +103,7 @@ void MainWindow::onStartScan()
         return;
     }
     m_results->clear();
+    m_scanRoots = options.roots;
     setScanning(true);
     onLogMessage(tr("--- Scan started %1 ---").arg(QDateTime::currentDateTime().toString()));
     Q_EMIT scanRequested(options);
@@ -168,6 +170,12 @@ void MainWindow::onClearSelection()
 void MainWindow::onInvertSelection()
 {
     m_results->invertTicks();
+}
+
+void MainWindow::onExportReport()
+{
+    exportReport(
+        *m_results, m_scanRoots, [this](const QString &message) { report(message); }, this);
 }
 
 void MainWindow::onSettings()
@@ -237,6 +245,7 @@ void MainWindow::createActions()
 {
     connect(m_actions->addFolder, &QAction::triggered, this, &MainWindow::onAddFolder);
     connect(m_actions->removeFolder, &QAction::triggered, this, &MainWindow::onRemoveFolder);
+    connect(m_actions->exportReport, &QAction::triggered, this, &MainWindow::onExportReport);
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::close);
     connect(m_actions->startScan, &QAction::triggered, this, &MainWindow::onStartScan);
     connect(m_actions->stopScan, &QAction::triggered, this, &MainWindow::onStopScan);
@@ -258,6 +267,8 @@ void MainWindow::createMenus()
 {
     QMenu *file = menuBar()->addMenu(tr("&File"));
     file->addActions({ m_actions->addFolder, m_actions->removeFolder });
+    file->addSeparator();
+    file->addAction(m_actions->exportReport);
     file->addSeparator();
     file->addAction(m_actions->exit);
 

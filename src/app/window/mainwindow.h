@@ -53,6 +53,7 @@ public Q_SLOTS:
     void onSelectDuplicates();
     void onClearSelection();
     void onInvertSelection();
+    void onExportReport();
     void onSettings();
     void onClearCache();
     void onAbout();
@@ -79,6 +80,7 @@ private:
 
     ScanOptions m_options; ///< what the settings say; its roots stay empty, they come from the folder list
     QString m_quarantineRoot;
+    QStringList m_scanRoots; ///< the folders that the results come from, whatever the folder list says now
     bool m_isScanning = false; ///< from the start command to the scan's last signal
     bool m_isStopping = false; ///< reports that were on their way must not hide that Stop was heard
 

@@ -27,4 +27,16 @@ void showWarning(QWidget *parent, const QString &title, const QString &text)
     show(QMessageBox::Warning, parent, title, text);
 }
 
+void showCritical(QWidget *parent, const QString &title, const QString &text)
+{
+    show(QMessageBox::Critical, parent, title, text);
+}
+
+bool askYesOrNo(QWidget *parent, const QString &title, const QString &question)
+{
+    QMessageBox box(QMessageBox::Question, title, question, QMessageBox::Yes | QMessageBox::No, parent);
+    box.setTextFormat(Qt::PlainText);
+    return box.exec() == QMessageBox::Yes;
+}
+
 } // namespace epr

@@ -13,5 +13,7 @@ namespace epr {
 
 void showInformation(QWidget *parent, const QString &title, const QString &text);
 void showWarning(QWidget *parent, const QString &title, const QString &text);
+void showCritical(QWidget *parent, const QString &title, const QString &text);
+[[nodiscard]] bool askYesOrNo(QWidget *parent, const QString &title, const QString &question);
 
 } // namespace epr

@@ -139,6 +139,11 @@ void ResultsModel::removeMembers(const QSet<qint32> &tracks)
             keptTicks.resize(firstTick);
             continue;
         }
+        if (!group.members.contains(group.keep)) {
+            const auto ticks = keptTicks.cbegin() + static_cast<std::ptrdiff_t>(firstTick);
+            const auto unticked = std::find(ticks, keptTicks.cend(), false);
+            group.keep = group.members.at(unticked == keptTicks.cend() ? 0 : unticked - ticks);
+        }
         group.reclaimableBytes = reclaimable(group);
         keptGroups << group;
     }

@@ -68,7 +68,8 @@ public:
     void setKeeper(int group, qint32 track);
 
     /// Takes out the members that refer to these tracks, and every group left with fewer than two members. The other
-    /// groups keep their numbers and ticks.
+    /// groups keep their numbers and ticks. Where the copy to keep went, the first unticked one takes its place, lest a
+    /// report propose every copy of a group.
     void removeMembers(const QSet<qint32> &tracks);
 
     [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;

@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "exportcommand.h"
+
+#include "plainbox.h"
+#include "reportwriter.h"
+#include "resultsmodel.h"
+
+#include <QCoreApplication>
+#include <QDate>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QStandardPaths>
+#include <QUrl>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("epr::MainWindow", text);
+}
+
+struct Choice {
+    QString path; ///< empty = the operator chose none
+    ReportFormat format = ReportFormat::Html;
+};
+
+QString proposedPath()
+{
+    const QDir documents(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    return documents.filePath(u"Echoprune-%1.html"_s.arg(QDate::currentDate().toString(Qt::ISODate)));
+}
+
+QString filterList()
+{
+    return u"%1;;%2;;%3;;%4"_s.arg(reportFormatFilter(ReportFormat::Html), reportFormatFilter(ReportFormat::Csv),
+                                   reportFormatFilter(ReportFormat::Json), reportFormatFilter(ReportFormat::Playlist));
+}
+
+// Translations keep the pattern, and with it the extension.
+ReportFormat formatOfFilter(const QString &filter)
+{
+    if (filter.contains("csv"_L1))
+        return ReportFormat::Csv;
+    if (filter.contains("json"_L1))
+        return ReportFormat::Json;
+    if (filter.contains("m3u"_L1))
+        return ReportFormat::Playlist;
+    return ReportFormat::Html;
+}
+
+// The filter decides alone: the proposed name ends in .html, and whoever then chooses another format wants that one.
+Choice chooseReport(QWidget *parent)
+{
+    QString filter;
+    const QString path =
+        QFileDialog::getSaveFileName(parent, tr("Export duplicate report"), proposedPath(), filterList(), &filter);
+    return { path, formatOfFilter(filter) };
+}
+
+} // namespace
+
+void exportReport(const ResultsModel &results, const QStringList &roots,
+                  const std::function<void(const QString &message)> &log, QWidget *parent)
+{
+    if (results.groups().isEmpty()) {
+        showInformation(parent, tr("Nothing to export"), tr("Run a scan first - there are no results to report on."));
+        return;
+    }
+    const Choice choice = chooseReport(parent);
+    if (choice.path.isEmpty())
+        return;
+    QString error;
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor); // some seconds for tens of thousands of groups
+    const bool written = writeReport(choice.path, choice.format, results.tracks(), results.groups(), roots, &error);
+    QGuiApplication::restoreOverrideCursor();
+    if (!written) {
+        showCritical(parent, tr("Export failed"), tr("Could not write the report:\n\n%1").arg(error));
+        return;
+    }
+    log(tr("Report written to %1").arg(choice.path));
+    if (askYesOrNo(parent, tr("Report saved"), tr("Report saved to:\n%1\n\nOpen it now?").arg(choice.path)))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(choice.path));
+}
+
+} // namespace epr
