@@ -16,8 +16,10 @@ QList<float> columnPeaks(const QList<float> &buckets, int columns)
     for (qsizetype column = 0; column < peaks.size(); ++column) {
         const qsizetype first = column * buckets.size() / peaks.size();
         const qsizetype end = std::max(first + 1, (column + 1) * buckets.size() / peaks.size());
+        float highest = 0;
         for (qsizetype i = first; i < end; ++i)
-            peaks[column] = std::max(peaks[column], boundedLevel(buckets[i]));
+            highest = std::max(highest, boundedLevel(buckets.at(i)));
+        peaks[column] = highest;
     }
     return peaks;
 }

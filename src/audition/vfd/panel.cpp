@@ -42,8 +42,8 @@ protected:
 
 Panel::Panel(QWidget *parent)
     : QFrame(parent)
-    , m_shade(new Shade(this))
 {
+    m_shade = new Shade(this); // joins as a child before it has an address
 }
 
 void Panel::setDimmed(bool isDimmed)

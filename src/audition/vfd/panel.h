@@ -33,7 +33,7 @@ protected:
 private:
     void drawPlate(QPainter &painter) const;
 
-    QWidget *m_shade; ///< above all other children, and blind to the mouse
+    QWidget *m_shade = nullptr; ///< above all other children, and blind to the mouse
     CachedPixmap m_plate;
     bool m_isDimmed = false;
     bool m_isPressed = false;

@@ -12,7 +12,7 @@ namespace {
 constexpr qreal digitWidth = 0.55;
 constexpr qreal dotWidth = 0.16;
 constexpr qreal spacing = 0.17;
-constexpr qreal thickness = 0.115;
+constexpr qreal thickness = 0.125;
 constexpr qreal gap = 0.016; ///< between the tips of neighbouring segments
 constexpr qreal slant = 0.09;
 

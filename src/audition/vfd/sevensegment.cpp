@@ -49,7 +49,7 @@ SevenSegment::SevenSegment(QWidget *parent)
     , m_text(u"0:00:00"_s)
 {
     installAccessibility();
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Maximum);
 }
 
 QRectF SevenSegment::digitArea() const

@@ -9,7 +9,7 @@
 namespace epr::vfd::colour {
 
 inline constexpr QColor lit(96, 255, 224);
-inline constexpr QColor litSoft(92, 172, 156); ///< captions and texts of second rank, still 4.5:1 on the panel
+inline constexpr QColor litSoft(120, 204, 187); ///< captions and texts of second rank; legible on a dimmed deck too
 inline constexpr QColor unlit(17, 51, 46);
 
 inline constexpr QColor panelTop(27, 35, 36);

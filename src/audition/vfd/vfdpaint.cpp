@@ -44,7 +44,7 @@ float boundedLevel(float level)
 void paintGlow(QPainter &painter, const QPainterPath &shape, const QColor &colour, qreal radius)
 {
     constexpr int rings = 5;
-    constexpr int alphaPerRing = 16;
+    constexpr int alphaPerRing = 13;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
