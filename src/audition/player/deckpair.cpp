@@ -41,9 +41,14 @@ void DeckPair::connectDeck(int deck)
     connect(&media, &MediaDeck::positionChanged, this, [this, deck](qint64 ms) { Q_EMIT positionChanged(deck, ms); });
     connect(&media, &MediaDeck::durationChanged, this, [this, deck](qint64 ms) { Q_EMIT durationChanged(deck, ms); });
     connect(&media, &MediaDeck::playingChanged, this, &DeckPair::playingChanged);
-    connect(&media, &MediaDeck::problem, this, [this, deck](const QString &message) {
-        Q_EMIT logMessage(tr("Deck %1: %2").arg(comparisontext::deckName(deck), message));
-    });
+    connect(&media, &MediaDeck::problem, this, [this, deck](const QString &message) { reportProblem(deck, message); });
+}
+
+void DeckPair::reportProblem(int deck, const QString &problem)
+{
+    m_problems.at(deck) = problem;
+    Q_EMIT problemReported(deck, problem);
+    Q_EMIT logMessage(tr("Deck %1: %2").arg(comparisontext::deckName(deck), problem));
 }
 
 void DeckPair::playPause()
@@ -98,6 +103,7 @@ void DeckPair::load(int deck, const TrackInfo &track)
 {
     if (track.path.isEmpty())
         return clear(deck);
+    m_problems.at(deck).clear();
     m_logic.load(deck, track);
     m_previews.request(deck, track.path);
     Q_EMIT deckChanged(deck);
@@ -105,6 +111,7 @@ void DeckPair::load(int deck, const TrackInfo &track)
 
 void DeckPair::clear(int deck)
 {
+    m_problems.at(deck).clear();
     m_logic.clear(deck);
     m_previews.cancel(deck);
     Q_EMIT deckChanged(deck);

@@ -30,6 +30,8 @@ public:
     [[nodiscard]] bool hasFile(int deck) const { return m_logic.hasFile(deck); }
     [[nodiscard]] epr::TrackInfo track(int deck) const { return m_logic.track(deck); }
     [[nodiscard]] qint64 position(int deck) const { return m_decks.at(deck).position(); }
+    /// Why the deck stays silent; empty while all is well.
+    [[nodiscard]] QString problem(int deck) const { return m_problems.at(deck); }
     /// Of the file as the player sees it, 0 = unknown.
     [[nodiscard]] qint64 duration(int deck) const { return m_decks.at(deck).duration(); }
 
@@ -55,14 +57,18 @@ Q_SIGNALS:
     void envelopeLoaded(int deck, const epr::Envelope &envelope);
     /// The reason alone; the log message has it too.
     void previewFailed(int deck, const QString &error);
+    /// The reason alone, which problem() keeps until the deck gets another file; the log message has it too.
+    void problemReported(int deck, const QString &problem);
     void logMessage(const QString &message);
 
 private:
     void connectDeck(int deck);
     void setMonitor(int deck);
+    void reportProblem(int deck, const QString &problem);
 
     std::array<MediaDeck, 2> m_decks;
     ComparisonLogic m_logic;
+    std::array<QString, 2> m_problems;
     QTimer m_syncTimer;
     WaveformLoader m_previews;
 };

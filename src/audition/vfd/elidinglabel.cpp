@@ -94,7 +94,7 @@ void ElidingLabel::paintEvent(QPaintEvent *)
         paintGlowingText(painter, box, alignment, shownText(), colour::lit);
         return;
     }
-    painter.setPen(colour::litSoft);
+    painter.setPen(m_tone == Tone::Warning ? colour::meterMiddle : colour::litSoft);
     painter.drawText(box, static_cast<int>(alignment) | Qt::TextSingleLine, shownText());
 }
 

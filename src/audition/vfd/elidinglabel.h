@@ -13,7 +13,7 @@ class ElidingLabel final : public QWidget {
     Q_PROPERTY(QString text READ text WRITE setText)
 
 public:
-    enum class Tone { Bright, Soft };
+    enum class Tone { Bright, Soft, Warning };
 
     explicit ElidingLabel(QWidget *parent = nullptr);
 
