@@ -10,7 +10,7 @@ namespace epr::vfd {
 
 /// The plate that the widgets of a deck sit on. Dimming darkens the plate and everything on it; what is on it stays
 /// usable. A click is one with the left button that no child took.
-class Panel final : public QFrame {
+class Panel : public QFrame {
     Q_OBJECT
 
 public:
