@@ -7,6 +7,7 @@
 #include "levelmeter.h"
 #include "scrubber.h"
 #include "sevensegment.h"
+#include "vfdpaint.h"
 
 #include "envelopelevels.h"
 
@@ -100,15 +101,20 @@ void DeckView::createWidgets()
     m_title->setObjectName(u"deckTitle"_s);
     m_format = new vfd::ElidingLabel(this);
     m_format->setObjectName(u"deckFormat"_s);
+    m_format->setFont(vfd::letteringFont(8)); // it has much to say
     m_format->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     m_scrubber = new vfd::Scrubber(this);
     m_scrubber->setAccessibleName(tr("Position of deck %1").arg(m_name));
     connect(m_scrubber, &vfd::Scrubber::seekRequested, this, &DeckView::seekRequested);
     m_position = new vfd::SevenSegment(this);
+    m_position->setDigitHeight(18);
+    m_position->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_duration = new vfd::ElidingLabel(this);
     m_duration->setObjectName(u"deckDuration"_s);
+    m_duration->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_duration->setTone(vfd::ElidingLabel::Tone::Soft);
     m_levels = new vfd::LevelMeter(this);
+    m_levels->setFixedWidth(130);
 }
 
 void DeckView::layOutWidgets()
@@ -116,11 +122,11 @@ void DeckView::layOutWidgets()
     auto *texts = new QHBoxLayout;
     texts->addWidget(m_heading);
     texts->addWidget(m_title, 1);
+    texts->addWidget(m_levels);
     auto *time = new QHBoxLayout;
     time->addWidget(m_position);
     time->addWidget(m_duration);
-    time->addWidget(m_levels, 1);
-    time->addWidget(m_format, 2);
+    time->addWidget(m_format, 1);
     for (QHBoxLayout *row : { texts, time })
         row->setSpacing(10);
 

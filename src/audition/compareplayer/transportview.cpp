@@ -14,7 +14,7 @@ namespace epr {
 using namespace Qt::StringLiterals;
 
 TransportView::TransportView(QWidget *parent)
-    : QWidget(parent)
+    : Panel(parent)
 {
     createLamps();
     layOutWidgets();
@@ -83,7 +83,7 @@ void TransportView::layOutWidgets()
     caption->setTone(vfd::ElidingLabel::Tone::Soft);
     caption->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
     auto *layout = new QGridLayout(this);
-    layout->setContentsMargins(6, 4, 6, 4);
+    layout->setContentsMargins(8, 6, 8, 6);
     layout->setHorizontalSpacing(6);
     layout->setVerticalSpacing(4);
     constexpr int columns = 6; // three buttons in the first row, pairs below

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QWidget>
+#include "panel.h"
 
 namespace epr {
 
@@ -12,7 +12,7 @@ class Lamp;
 } // namespace vfd
 
 /// The buttons between the decks, with the lamps that tell which deck is heard, and how deck B differs from deck A.
-class TransportView final : public QWidget {
+class TransportView final : public vfd::Panel {
     Q_OBJECT
 
 public:

@@ -33,8 +33,9 @@ qint64 Scrubber::positionAt(qreal x) const
     const int lastPixel = width() - 1;
     if (lastPixel <= 0 || !isSeekable())
         return 0;
-    const qreal part = std::clamp(x / lastPixel, 0.0, 1.0);
-    return std::min(m_durationMs, static_cast<qint64>(std::llround(part * static_cast<qreal>(m_durationMs))));
+    if (x >= lastPixel)
+        return m_durationMs;
+    return std::llround(std::max(x / lastPixel, 0.0) * static_cast<qreal>(m_durationMs));
 }
 
 QString Scrubber::valueText() const
@@ -145,6 +146,7 @@ void Scrubber::mouseMoveEvent(QMouseEvent *event)
 
 void Scrubber::mouseReleaseEvent(QMouseEvent *event)
 {
+    event->setAccepted(m_isDragging);
     if (event->button() == Qt::LeftButton)
         m_isDragging = false;
 }

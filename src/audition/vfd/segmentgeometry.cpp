@@ -119,7 +119,7 @@ QList<DigitCell> digitCells(const QString &text, const QRectF &area)
         return {};
     const qreal height = std::min(area.height(), area.width() / width);
     const qreal top = area.center().y() - height / 2;
-    qreal left = area.center().x() - width * height / 2;
+    qreal left = area.left();
     QList<DigitCell> cells;
     for (const QChar character : text) {
         cells.append({ character, QRectF(left, top, widthOf(character) * height, height) });

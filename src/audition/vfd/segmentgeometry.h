@@ -22,7 +22,7 @@ struct DigitCell {
 
 [[nodiscard]] bool isSegmentLit(QChar character, Segment segment);
 
-/// The boxes of a text, left to right, as large as the area allows and in its middle.
+/// The boxes of a text, as large as the area allows: from its left edge on, half-way up.
 [[nodiscard]] QList<DigitCell> digitCells(const QString &text, const QRectF &area);
 
 /// Width of a text whose digits are one unit high.

@@ -49,7 +49,7 @@ SevenSegment::SevenSegment(QWidget *parent)
     , m_text(u"0:00:00"_s)
 {
     installAccessibility();
-    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Maximum);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
 }
 
 QRectF SevenSegment::digitArea() const

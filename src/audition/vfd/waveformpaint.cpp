@@ -38,15 +38,16 @@ void paintWaveform(QPainter &painter, const Envelope &envelope, const QColor &co
     const qreal fullLevel = std::max(middle - margin * ratio, 1.0);
     const QList<float> left = columnPeaks(envelope.left, device->width());
     const QList<float> right = columnPeaks(envelope.right, device->width());
-    const QBrush brush = shading(colour, height);
     const auto tip = [fullLevel](float level) { return static_cast<int>(std::lround(level * fullLevel)); };
 
     painter.save();
     painter.scale(1 / ratio, 1 / ratio);
     for (int x = 0; x < device->width(); ++x) {
         const int up = tip(left[x]);
-        painter.fillRect(x, middle - up, 1, up + 1 + tip(right[x]), brush); // silence leaves a line
+        painter.fillRect(x, middle - up, 1, up + 1 + tip(right[x]), Qt::black); // silence leaves a line
     }
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn); // one gradient for all columns
+    painter.fillRect(0, 0, device->width(), height, shading(colour, height));
     painter.restore();
 }
 
