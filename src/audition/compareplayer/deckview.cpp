@@ -101,7 +101,9 @@ void DeckView::createWidgets()
     m_title->setObjectName(u"deckTitle"_s);
     m_format = new vfd::ElidingLabel(this);
     m_format->setObjectName(u"deckFormat"_s);
-    m_format->setFont(vfd::letteringFont(8)); // it has much to say
+    QFont small = vfd::letteringFont(8); // it has much to say
+    small.setLetterSpacing(QFont::PercentageSpacing, 100);
+    m_format->setFont(small);
     m_format->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     m_scrubber = new vfd::Scrubber(this);
     m_scrubber->setAccessibleName(tr("Position of deck %1").arg(m_name));

@@ -112,6 +112,10 @@ bool Scrubber::event(QEvent *event)
     case QEvent::HoverLeave:
         setHoverX(-1);
         break;
+    case QEvent::ToolTip: // the time under the pointer is tip enough; the deck's own would hide it
+        if (m_hoverX >= 0)
+            return true;
+        break;
     default:
         break;
     }
