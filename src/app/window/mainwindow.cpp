@@ -4,11 +4,13 @@
 
 #include "aboutdialog.h"
 #include "activitylog.h"
+#include "compareplayer.h"
 #include "exportcommand.h"
 #include "folderpanel.h"
 #include "mainactions.h"
 #include "memberactions.h"
 #include "metadata.h"
+#include "playerdock.h"
 #include "resultsmodel.h"
 #include "resultspanel.h"
 #include "scancontroller.h"
@@ -45,13 +47,14 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowTitle(metadata::applicationName());
     setWindowIcon(QIcon(u":/icons/appicon.png"_s));
     createPanels();
-    createLogDock();
+    createDocks();
     createActions();
     createMenus();
     createToolBar();
     placeOnScreen();
     restoreSettings();
     connectScan();
+    connectPlayer();
     refreshActions();
     m_scanThread->start();
     connectUpdates();
@@ -104,6 +107,7 @@ void MainWindow::onStartScan()
     }
     m_results->clear();
     m_scanRoots = options.roots;
+    m_playerDock->player()->stop();
     setScanning(true);
     onLogMessage(tr("--- Scan started %1 ---").arg(QDateTime::currentDateTime().toString()));
     Q_EMIT scanRequested(options);
@@ -230,15 +234,25 @@ void MainWindow::createPanels()
     connect(m_folderPanel, &FolderPanel::selectionChanged, this, &MainWindow::refreshActions);
 }
 
-void MainWindow::createLogDock()
+// Player and log share one place on a small screen, where the results need the height, and stand side by side where
+// there is the width for both.
+void MainWindow::createDocks()
 {
     m_log = new ActivityLog(this);
-    auto *dock = new QDockWidget(tr("Activity Log"), this);
-    dock->setObjectName(u"logDock"_s);
-    dock->setWidget(m_log);
-    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    auto *logDock = new QDockWidget(tr("Activity Log"), this);
+    logDock->setObjectName(u"logDock"_s);
+    logDock->setWidget(m_log);
+    m_playerDock = new PlayerDock(this);
+    addDockWidget(Qt::BottomDockWidgetArea, m_playerDock);
+    addDockWidget(Qt::BottomDockWidgetArea, logDock);
+    constexpr int widthForBoth = 1600;
+    if (screen()->availableSize().width() < widthForBoth)
+        tabifyDockWidget(m_playerDock, logDock);
+    else
+        resizeDocks({ m_playerDock, logDock }, { 2, 1 }, Qt::Horizontal);
+    m_playerDock->raise();
     constexpr int visibleLines = 6;
-    resizeDocks({ dock }, { visibleLines * m_log->fontMetrics().lineSpacing() }, Qt::Vertical);
+    resizeDocks({ logDock }, { visibleLines * m_log->fontMetrics().lineSpacing() }, Qt::Vertical);
 }
 
 void MainWindow::createActions()
@@ -273,7 +287,7 @@ void MainWindow::createMenus()
     file->addAction(m_actions->exit);
 
     QMenu *view = menuBar()->addMenu(tr("&View"));
-    view->addAction(findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction());
+    view->addActions({ m_playerDock->toggleViewAction(), findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction() });
 
     QMenu *scan = menuBar()->addMenu(tr("&Scan"));
     scan->addActions({ m_actions->startScan, m_actions->stopScan });
@@ -285,6 +299,11 @@ void MainWindow::createMenus()
     edit->addActions({ member->keep, member->showDetails, member->copyPath });
     edit->addSeparator();
     edit->addActions({ m_actions->filterResults, m_actions->nextGroup, m_actions->previousGroup });
+
+    QMenu *player = menuBar()->addMenu(tr("&Player"));
+    m_playerDock->addCommandsTo(player);
+    player->addSeparator();
+    player->addActions({ member->loadIntoDeckA, member->loadIntoDeckB, member->compareGroup });
 
     QMenu *tools = menuBar()->addMenu(tr("&Tools"));
     tools->addActions({ m_actions->settings, m_actions->clearCache });
@@ -325,6 +344,8 @@ void MainWindow::restoreSettings()
         addFolder(folder);
     m_options = store.loadScanOptions();
     m_quarantineRoot = store.quarantineRoot();
+    m_playerDock->setVisible(store.showPlayer());
+    m_playerDock->player()->setLinked(store.linkDecks());
 }
 
 void MainWindow::connectScan()
@@ -343,6 +364,15 @@ void MainWindow::connectScan()
     connect(m_controller, &ScanController::failed, this, &MainWindow::onScanFailed);
 }
 
+void MainWindow::connectPlayer()
+{
+    const MemberActions *member = m_resultsPanel->memberActions();
+    connect(m_resultsPanel, &ResultsPanel::memberActivated, m_playerDock, &PlayerDock::loadIntoFreeDeck);
+    connect(member, &MemberActions::loadRequested, m_playerDock, &PlayerDock::load);
+    connect(member, &MemberActions::compareRequested, m_playerDock, &PlayerDock::compare);
+    connect(m_playerDock->player(), &ComparePlayer::logMessage, this, &MainWindow::onLogMessage);
+}
+
 void MainWindow::connectUpdates()
 {
     m_updates = new UpdateNotices(m_actions->checkForUpdates, this);
@@ -357,6 +387,8 @@ void MainWindow::saveSettings() const
     store.setFolders(m_folderPanel->folders());
     store.saveScanOptions(m_options);
     store.setQuarantineRoot(m_quarantineRoot);
+    store.setShowPlayer(!m_playerDock->isHidden());
+    store.setLinkDecks(m_playerDock->player()->isLinked());
 }
 
 void MainWindow::setScanning(bool scanning)

@@ -16,6 +16,7 @@ namespace epr {
 class ActivityLog;
 class FolderPanel;
 class MainActions;
+class PlayerDock;
 class ResultsModel;
 class ResultsPanel;
 class ScanController;
@@ -63,13 +64,14 @@ protected:
 
 private:
     void createPanels();
-    void createLogDock();
+    void createDocks();
     void createActions();
     void createMenus();
     void createToolBar();
     void placeOnScreen();
     void restoreSettings();
     void connectScan();
+    void connectPlayer();
     void connectUpdates();
     void saveSettings() const;
     void setScanning(bool scanning);
@@ -89,6 +91,7 @@ private:
     FolderPanel *m_folderPanel = nullptr;
     ResultsPanel *m_resultsPanel = nullptr;
     ActivityLog *m_log = nullptr;
+    PlayerDock *m_playerDock = nullptr;
     ScanStrip *m_strip = nullptr;
     UpdateNotices *m_updates = nullptr;
     QThread *m_scanThread = nullptr;

@@ -13,6 +13,9 @@
 #include <QMenu>
 #include <QUrl>
 
+#include <algorithm>
+#include <tuple>
+
 namespace epr {
 
 using namespace Qt::StringLiterals;
@@ -23,6 +26,7 @@ MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
                          [this](const TrackInfo &track) { Q_EMIT loadRequested(0, track); }))
     , loadIntoDeckB(make(tr("Load into Deck B"), Qt::CTRL | Qt::Key_2,
                          [this](const TrackInfo &track) { Q_EMIT loadRequested(1, track); }))
+    , compareGroup(new QAction(tr("Compare Group in Player"), this))
     , play(make(tr("Play in system player"), {}, [this](const TrackInfo &track) { openMember(track.path); }))
     , openFolder(
           make(tr("Open containing folder"), {}, [this](const TrackInfo &track) { openMember(folderOf(track)); }))
@@ -39,7 +43,7 @@ MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
     , m_menu(new QMenu(parent))
 {
     m_menu->setObjectName(u"memberMenu"_s);
-    m_menu->addActions({ loadIntoDeckA, loadIntoDeckB });
+    m_menu->addActions({ loadIntoDeckA, loadIntoDeckB, compareGroup });
     m_menu->addSeparator();
     m_menu->addActions({ play, openFolder, copyPath });
     m_menu->addSeparator();
@@ -47,6 +51,8 @@ MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
     m_menu->addSeparator();
     m_menu->addAction(showDetails);
     connect(results, &ResultsModel::totalsChanged, this, &MemberActions::refresh);
+    compareGroup->setShortcut(Qt::CTRL | Qt::Key_Return);
+    connect(compareGroup, &QAction::triggered, this, &MemberActions::compareMember);
     refresh();
 }
 
@@ -79,7 +85,30 @@ void MemberActions::refresh()
     const bool hasTrack = m_results->trackAt(m_member) != nullptr;
     for (QAction *action : { loadIntoDeckA, loadIntoDeckB, play, openFolder, copyPath, showDetails })
         action->setEnabled(hasTrack);
+    compareGroup->setEnabled(m_member.isValid());
     keep->setEnabled(hasTrack && !m_member.data(ResultsModel::KeeperRole).toBool());
+}
+
+// The kept copy goes to deck A. The current copy goes to deck B, or the one most worth a comparison: what would be lost
+// first is quality.
+void MemberActions::compareMember()
+{
+    const MatchGroup group = m_results->groups().value(m_member.data(ResultsModel::GroupRole).toInt());
+    const QList<TrackInfo> &tracks = m_results->tracks();
+    QList<qint32> others = group.members;
+    others.removeAll(group.keep);
+    if (others.isEmpty())
+        return;
+    const auto hasLessQuality = [&tracks](qint32 a, qint32 b) {
+        const TrackInfo &trackA = tracks.at(a);
+        const TrackInfo &trackB = tracks.at(b);
+        return std::tie(trackA.bitrateKbps, trackA.size) < std::tie(trackB.bitrateKbps, trackB.size);
+    };
+    const qint32 current =
+        m_member.data(ResultsModel::TrackRole).isValid() ? m_member.data(ResultsModel::TrackRole).toInt() : group.keep;
+    const qint32 other =
+        others.contains(current) ? current : *std::max_element(others.begin(), others.end(), hasLessQuality);
+    Q_EMIT compareRequested(tracks.value(group.keep), tracks.value(other));
 }
 
 void MemberActions::keepMember()

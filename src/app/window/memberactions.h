@@ -13,19 +13,21 @@ namespace epr {
 class ResultsModel;
 struct TrackInfo;
 
-/// What can be done with one copy, the current one of the results. The context menu of the member rows holds all of
-/// it; the main window puts the commands into its menus as well, which makes their keys work everywhere.
+/// What can be done with one copy, the current one of the results, or with its group. The context menu of the member
+/// rows holds all of it; the main window puts the commands into its menus as well, which makes their keys work
+/// everywhere.
 class MemberActions final : public QObject {
     Q_OBJECT
 
 public:
     MemberActions(ResultsModel *results, QWidget *parent);
 
-    void setMember(const QModelIndex &member); ///< an index of the results model; without a track nothing can be done
+    void setMember(const QModelIndex &member); ///< any index of the results model
     void popup(const QPoint &globalPos);
 
     QAction *const loadIntoDeckA;
     QAction *const loadIntoDeckB;
+    QAction *const compareGroup;
     QAction *const play;
     QAction *const openFolder;
     QAction *const copyPath;
@@ -34,11 +36,13 @@ public:
 
 Q_SIGNALS:
     void loadRequested(int deck, const epr::TrackInfo &track); ///< 0 = A, 1 = B
+    void compareRequested(const epr::TrackInfo &kept, const epr::TrackInfo &other);
     void statusMessage(const QString &message);
 
 private:
     template <typename Handler> QAction *make(const QString &text, const QKeySequence &key, Handler handler);
     void refresh();
+    void compareMember();
     void keepMember();
     void openMember(const QString &path);
 

@@ -1,0 +1,150 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "deckview.h"
+
+#include "comparisontext.h"
+#include "elidinglabel.h"
+#include "levelmeter.h"
+#include "scrubber.h"
+#include "sevensegment.h"
+#include "vfdpaint.h"
+
+#include "envelopelevels.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+DeckView::DeckView(int deck, QWidget *parent)
+    : Panel(parent)
+    , m_name(comparisontext::deckName(deck))
+{
+    setObjectName(u"deck"_s + m_name);
+    setToolTip(tr("Listen to deck %1 (shortcut: click, or press A / B)").arg(m_name));
+    createWidgets();
+    layOutWidgets();
+    setTrack({});
+}
+
+void DeckView::setTrack(const TrackInfo &track)
+{
+    m_hasFile = !track.path.isEmpty();
+    m_envelope = {};
+    m_title->setText(comparisontext::title(track));
+    m_format->setText(comparisontext::format(track));
+    m_format->setTone(vfd::ElidingLabel::Tone::Soft);
+    m_scrubber->clear();
+    if (m_hasFile)
+        m_scrubber->setAnalysing();
+    setDurationMs(track.durationMs);
+    setPositionMs(0);
+    resetLevels();
+    refreshDimming();
+}
+
+void DeckView::setEnvelope(const Envelope &envelope)
+{
+    m_envelope = envelope;
+    m_scrubber->setEnvelope(envelope);
+}
+
+void DeckView::setPreviewUnavailable()
+{
+    m_scrubber->setUnavailable();
+}
+
+void DeckView::setProblem(const QString &message)
+{
+    m_format->setText(message);
+    m_format->setTone(vfd::ElidingLabel::Tone::Warning);
+}
+
+void DeckView::setDurationMs(qint64 durationMs)
+{
+    m_duration->setText(comparisontext::duration(durationMs));
+    m_scrubber->setDurationMs(durationMs);
+}
+
+void DeckView::setPositionMs(qint64 positionMs)
+{
+    m_position->setText(comparisontext::position(positionMs));
+    m_scrubber->setPositionMs(positionMs);
+}
+
+void DeckView::setHeard(bool heard)
+{
+    m_isHeard = heard;
+    refreshDimming();
+}
+
+void DeckView::showLevelsAt(qint64 positionMs)
+{
+    const StereoLevels levels = levelsAt(m_envelope, positionMs);
+    m_levels->setLevels(levels.left, levels.right);
+}
+
+void DeckView::resetLevels()
+{
+    m_levels->reset();
+}
+
+void DeckView::createWidgets()
+{
+    m_heading = new vfd::ElidingLabel(this);
+    m_heading->setText(tr("DECK %1").arg(m_name));
+    m_heading->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+    m_heading->setTone(vfd::ElidingLabel::Tone::Soft);
+    m_title = new vfd::ElidingLabel(this);
+    m_title->setObjectName(u"deckTitle"_s);
+    m_format = new vfd::ElidingLabel(this);
+    m_format->setObjectName(u"deckFormat"_s);
+    QFont small = vfd::letteringFont(8); // it has much to say
+    small.setLetterSpacing(QFont::PercentageSpacing, 100);
+    m_format->setFont(small);
+    m_format->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+    m_scrubber = new vfd::Scrubber(this);
+    m_scrubber->setAccessibleName(tr("Position of deck %1").arg(m_name));
+    connect(m_scrubber, &vfd::Scrubber::seekRequested, this, &DeckView::seekRequested);
+    m_position = new vfd::SevenSegment(this);
+    m_position->setDigitHeight(18);
+    m_position->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    m_duration = new vfd::ElidingLabel(this);
+    m_duration->setObjectName(u"deckDuration"_s);
+    m_duration->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    m_duration->setTone(vfd::ElidingLabel::Tone::Soft);
+    m_levels = new vfd::LevelMeter(this);
+    m_levels->setFixedWidth(130);
+}
+
+void DeckView::layOutWidgets()
+{
+    auto *texts = new QHBoxLayout;
+    texts->addWidget(m_heading);
+    texts->addWidget(m_title, 1);
+    texts->addWidget(m_levels);
+    auto *time = new QHBoxLayout;
+    time->addWidget(m_position);
+    time->addWidget(m_duration);
+    time->addWidget(m_format, 1);
+    for (QHBoxLayout *row : { texts, time })
+        row->setSpacing(10);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(10, 6, 10, 6);
+    layout->setSpacing(4);
+    layout->addLayout(texts);
+    layout->addWidget(m_scrubber, 1);
+    layout->addLayout(time);
+}
+
+// An empty deck has nothing to listen to, even if it is the one that would be heard.
+void DeckView::refreshDimming()
+{
+    setDimmed(!m_isHeard || !m_hasFile);
+    m_position->setDim(isDimmed());
+}
+
+} // namespace epr

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "envelope.h"
+#include "panel.h"
+#include "trackinfo.h"
+
+namespace epr {
+
+namespace vfd {
+class ElidingLabel;
+class LevelMeter;
+class Scrubber;
+class SevenSegment;
+} // namespace vfd
+
+/// The face of one deck: what is loaded, its waveform with the play position, the time and the levels. It shows what it
+/// is told and knows nothing of the player behind it. A click on it asks to be heard.
+class DeckView final : public vfd::Panel {
+    Q_OBJECT
+
+public:
+    DeckView(int deck, QWidget *parent);
+
+    void setTrack(const TrackInfo &track); ///< the empty record = no file
+    void setEnvelope(const Envelope &envelope);
+    void setPreviewUnavailable();
+    void setProblem(const QString &message); ///< in place of the format, until another track comes
+    void setDurationMs(qint64 durationMs);
+    void setPositionMs(qint64 positionMs);
+    void setHeard(bool heard);
+    void showLevelsAt(qint64 positionMs);
+    void resetLevels();
+
+Q_SIGNALS:
+    void seekRequested(qint64 positionMs);
+
+private:
+    void createWidgets();
+    void layOutWidgets();
+    void refreshDimming();
+
+    QString m_name;
+    bool m_hasFile = false;
+    bool m_isHeard = false;
+    Envelope m_envelope;
+    vfd::ElidingLabel *m_heading = nullptr;
+    vfd::ElidingLabel *m_title = nullptr;
+    vfd::ElidingLabel *m_format = nullptr;
+    vfd::Scrubber *m_scrubber = nullptr;
+    vfd::SevenSegment *m_position = nullptr;
+    vfd::ElidingLabel *m_duration = nullptr;
+    vfd::LevelMeter *m_levels = nullptr;
+};
+
+} // namespace epr

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "envelope.h"
+
+namespace epr {
+
+struct StereoLevels {
+    float left = 0;
+    float right = 0;
+};
+
+/// The peaks of the bucket at a position, for a level meter; silence outside the envelope. A bucket is 40 ms; where the
+/// envelope is known to cover a whole file of another pace, that follows from its duration.
+[[nodiscard]] StereoLevels levelsAt(const Envelope &envelope, qint64 positionMs);
+
+} // namespace epr

@@ -1,0 +1,103 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "transportview.h"
+
+#include "badge.h"
+#include "comparisontext.h"
+#include "elidinglabel.h"
+#include "lamp.h"
+
+#include <QGridLayout>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+TransportView::TransportView(QWidget *parent)
+    : Panel(parent)
+{
+    createLamps();
+    layOutWidgets();
+    setPlaying(false);
+    setMonitor(0);
+}
+
+void TransportView::setPlaying(bool playing)
+{
+    m_play->setCaption(playing ? tr("PAUSE") : tr("PLAY"));
+    m_play->setLit(playing);
+}
+
+void TransportView::setLinked(bool linked)
+{
+    m_link->setLit(linked);
+}
+
+void TransportView::setMonitor(int deck)
+{
+    m_monitorA->setLit(deck == 0);
+    m_monitorB->setLit(deck == 1);
+}
+
+void TransportView::setDeltas(const QString &duration, const QString &bitrate)
+{
+    m_durationDelta->setText(duration);
+    m_bitrateDelta->setText(bitrate);
+}
+
+void TransportView::createLamps()
+{
+    m_play = new vfd::Lamp({}, this);
+    m_play->setObjectName(u"playLamp"_s);
+    m_play->setToolTip(tr("Play or pause both decks"));
+    connect(m_play, &vfd::Lamp::clicked, this, &TransportView::playPauseRequested);
+    m_stop = new vfd::Lamp(tr("STOP"), this);
+    m_stop->setToolTip(tr("Stop both decks"));
+    connect(m_stop, &vfd::Lamp::clicked, this, &TransportView::stopRequested);
+    m_link = new vfd::Lamp(tr("LINK"), this);
+    m_link->setObjectName(u"linkLamp"_s);
+    m_link->setToolTip(tr("Keep both decks at the same position so the A/B switch\ncompares the same moment of the "
+                          "recording."));
+    connect(m_link, &vfd::Lamp::clicked, this, [this] { Q_EMIT linkRequested(!m_link->isLit()); });
+    for (const int deck : { 0, 1 }) {
+        const QString name = comparisontext::deckName(deck);
+        auto *lamp = new vfd::Lamp(name, this);
+        lamp->setObjectName(u"monitorLamp"_s + name);
+        lamp->setToolTip(tr("Listen to deck %1 (shortcut: click, or press A / B)").arg(name));
+        lamp->setAccessibleName(tr("Listen to deck %1").arg(name));
+        connect(lamp, &vfd::Lamp::clicked, this, [this, deck] { Q_EMIT monitorRequested(deck); });
+        (deck == 0 ? m_monitorA : m_monitorB) = lamp;
+    }
+    m_durationDelta = new vfd::Badge(this);
+    m_durationDelta->setObjectName(u"durationDelta"_s);
+    m_durationDelta->setToolTip(tr("Duration of deck B relative to deck A."));
+    m_bitrateDelta = new vfd::Badge(this);
+    m_bitrateDelta->setObjectName(u"bitrateDelta"_s);
+    m_bitrateDelta->setToolTip(tr("Bit rate of deck B relative to deck A."));
+}
+
+void TransportView::layOutWidgets()
+{
+    auto *caption = new vfd::ElidingLabel(this);
+    caption->setText(tr("MONITOR"));
+    caption->setTone(vfd::ElidingLabel::Tone::Soft);
+    caption->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
+    auto *layout = new QGridLayout(this);
+    layout->setContentsMargins(8, 6, 8, 6);
+    layout->setHorizontalSpacing(6);
+    layout->setVerticalSpacing(4);
+    constexpr int columns = 6; // three buttons in the first row, pairs below
+    layout->addWidget(m_play, 0, 0, 1, 2);
+    layout->addWidget(m_stop, 0, 2, 1, 2);
+    layout->addWidget(m_link, 0, 4, 1, 2);
+    layout->addWidget(caption, 1, 0, 1, columns);
+    layout->addWidget(m_monitorA, 2, 0, 1, 3);
+    layout->addWidget(m_monitorB, 2, 3, 1, 3);
+    layout->addWidget(m_durationDelta, 3, 0, 1, 3);
+    layout->addWidget(m_bitrateDelta, 3, 3, 1, 3);
+    for (int column = 0; column < columns; ++column)
+        layout->setColumnStretch(column, 1);
+    layout->setRowStretch(1, 1);
+}
+
+} // namespace epr

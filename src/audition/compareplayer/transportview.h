@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "panel.h"
+
+namespace epr {
+
+namespace vfd {
+class Badge;
+class Lamp;
+} // namespace vfd
+
+/// The buttons between the decks, with the lamps that tell which deck is heard, and how deck B differs from deck A.
+class TransportView final : public vfd::Panel {
+    Q_OBJECT
+
+public:
+    explicit TransportView(QWidget *parent);
+
+    void setPlaying(bool playing);
+    void setLinked(bool linked);
+    void setMonitor(int deck);
+    void setDeltas(const QString &duration, const QString &bitrate);
+
+Q_SIGNALS:
+    void playPauseRequested();
+    void stopRequested();
+    void linkRequested(bool linked);
+    void monitorRequested(int deck);
+
+private:
+    void createLamps();
+    void layOutWidgets();
+
+    vfd::Lamp *m_play = nullptr;
+    vfd::Lamp *m_stop = nullptr;
+    vfd::Lamp *m_link = nullptr;
+    vfd::Lamp *m_monitorA = nullptr;
+    vfd::Lamp *m_monitorB = nullptr;
+    vfd::Badge *m_durationDelta = nullptr;
+    vfd::Badge *m_bitrateDelta = nullptr;
+};
+
+} // namespace epr

@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "comparisontext.h"
+
+#include "displaytext.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace epr::comparisontext {
+
+namespace {
+
+constexpr QChar emDash(0x2014);
+constexpr QChar minusSign(0x2212);
+
+QChar signOf(qint64 difference)
+{
+    return difference >= 0 ? u'+' : minusSign;
+}
+
+QString twoDigits(qint64 value)
+{
+    return u"%1"_s.arg(value, 2, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
+QString deckName(int deck)
+{
+    return deck == 0 ? u"A"_s : u"B"_s;
+}
+
+QString title(const TrackInfo &track)
+{
+    if (track.path.isEmpty())
+        return QCoreApplication::translate("epr::ComparePlayer", "\u2014 no file loaded \u2014");
+    const QString name = track.fileName.isEmpty() ? QFileInfo(track.path).fileName() : track.fileName;
+    return (track.title.isEmpty() ? name : track.title).toUpper();
+}
+
+QString format(const TrackInfo &track)
+{
+    if (track.path.isEmpty())
+        return {};
+    const QString quality = qualityText(track);
+    const QString size = sizeText(track.size).toUpper();
+    return quality.isEmpty() ? size : u"%1, %2"_s.arg(size, quality);
+}
+
+QString position(qint64 positionMs)
+{
+    const qint64 seconds = std::max<qint64>(positionMs, 0) / 1000;
+    return u"%1:%2:%3"_s.arg(seconds / 3600).arg(twoDigits(seconds / 60 % 60), twoDigits(seconds % 60));
+}
+
+QString duration(qint64 durationMs)
+{
+    return u"/ %1"_s.arg(position(durationMs));
+}
+
+QString durationDelta(const TrackInfo &a, const TrackInfo &b)
+{
+    if (a.path.isEmpty() || b.path.isEmpty())
+        return emDash;
+    const qint64 difference = b.durationMs - a.durationMs;
+    const double seconds = static_cast<double>(std::abs(difference)) / 1000.0;
+    return QCoreApplication::translate("epr::ComparePlayer", "%1%2 s").arg(signOf(difference)).arg(seconds, 0, 'f', 2);
+}
+
+QString bitrateDelta(const TrackInfo &a, const TrackInfo &b)
+{
+    if (a.path.isEmpty() || b.path.isEmpty())
+        return emDash;
+    const qint64 difference = qint64 { b.bitrateKbps } - a.bitrateKbps;
+    return QCoreApplication::translate("epr::ComparePlayer", "%1%2 k")
+        .arg(signOf(difference))
+        .arg(std::abs(difference));
+}
+
+} // namespace epr::comparisontext

@@ -1,0 +1,226 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "mediadeck.h"
+
+#include "localmedia.h"
+
+#include <QAudioDevice>
+#include <QAudioOutput>
+#include <QUrl>
+
+#include <algorithm>
+#include <utility>
+
+namespace epr {
+
+MediaDeck::MediaDeck(QObject *parent)
+    : QObject(parent)
+{
+    connect(&m_devices, &QMediaDevices::audioOutputsChanged, this, &MediaDeck::followDevices);
+    connect(&m_player, &QMediaPlayer::positionChanged, this, [this] { Q_EMIT positionChanged(position()); });
+    connect(&m_player, &QMediaPlayer::durationChanged, this, [this] { Q_EMIT durationChanged(duration()); });
+    connect(&m_player, &QMediaPlayer::playbackStateChanged, this, &MediaDeck::playingChanged);
+    connect(&m_player, &QMediaPlayer::mediaStatusChanged, this, &MediaDeck::onMediaStatus);
+    connect(&m_player, &QMediaPlayer::seekableChanged, this, &MediaDeck::moveWhenPossible);
+    connect(&m_player, &QMediaPlayer::errorOccurred, this,
+            [this](QMediaPlayer::Error, const QString &message) { onError(message); });
+    followDevices();
+}
+
+// A player that is taken down still reports, to a deck that is half gone.
+MediaDeck::~MediaDeck()
+{
+    m_player.disconnect(this);
+    m_player.stop();
+}
+
+qint64 MediaDeck::duration() const
+{
+    return std::max<qint64>(m_player.duration(), 0);
+}
+
+qint64 MediaDeck::position() const
+{
+    if (m_ended)
+        return duration();
+    const bool waits = m_wantedPosition >= 0 && m_player.playbackState() != QMediaPlayer::PlayingState;
+    return waits ? m_wantedPosition : m_player.position();
+}
+
+bool MediaDeck::isPlaying() const
+{
+    return m_wantsPlay || (!m_failed && m_player.playbackState() == QMediaPlayer::PlayingState);
+}
+
+// The player would take the same file again for no change, also when the file has become another one meanwhile.
+void MediaDeck::setSource(const QString &path)
+{
+    m_loading = m_wantsPlay = m_failed = m_ended = false;
+    m_wantedPosition = -1;
+    m_player.stop();
+    m_player.setSource({});
+    m_file.close();
+    if (!path.isEmpty())
+        openSource(path);
+    Q_EMIT positionChanged(position());
+}
+
+void MediaDeck::openSource(const QString &path)
+{
+    m_loading = true;
+    m_file.setFileName(path);
+    if (!m_player.isAvailable())
+        return onError(tr("No media player is available."));
+    // Not every back-end reports a file that is not there.
+    if (!m_file.open(QIODevice::ReadOnly))
+        return onError(m_file.errorString());
+    if (mediaBackendMisreadsName(path))
+        return m_player.setSourceDevice(&m_file, QUrl::fromLocalFile(path));
+    m_file.close();
+    m_player.setSource(QUrl::fromLocalFile(path));
+}
+
+void MediaDeck::play()
+{
+    if (m_failed || (!m_loading && m_player.mediaStatus() == QMediaPlayer::NoMedia))
+        return;
+    if (!m_output)
+        return reportNoOutput();
+    if (m_ended)
+        setPosition(0);
+    if (!m_loading)
+        return m_player.play();
+    m_wantsPlay = true;
+    Q_EMIT playingChanged();
+}
+
+void MediaDeck::pause()
+{
+    if (m_wantsPlay) {
+        m_wantsPlay = false;
+        Q_EMIT playingChanged();
+    }
+    // A player that has not begun would begin to pause.
+    if (m_player.playbackState() == QMediaPlayer::PlayingState)
+        m_player.pause();
+}
+
+void MediaDeck::stop()
+{
+    m_wantsPlay = m_ended = false;
+    m_wantedPosition = -1;
+    m_player.stop();
+    if (m_player.isSeekable())
+        m_player.setPosition(0); // also when it stood still elsewhere
+    Q_EMIT positionChanged(position());
+    Q_EMIT playingChanged();
+}
+
+void MediaDeck::setPosition(qint64 positionMs)
+{
+    m_ended = false;
+    m_wantedPosition = std::max<qint64>(positionMs, 0);
+    moveWhenPossible();
+    Q_EMIT positionChanged(position());
+}
+
+// A move before the file is loaded is lost on back-ends that load in the background.
+void MediaDeck::moveWhenPossible()
+{
+    if (m_wantedPosition < 0 || m_loading || !m_player.isSeekable())
+        return;
+    const qint64 wanted = std::exchange(m_wantedPosition, -1);
+    if (duration() > 0 && wanted >= duration())
+        setEnded();
+    else
+        m_player.setPosition(wanted);
+}
+
+// Some back-ends say that a file is loaded before they have finished taking it, so the deck goes on a little later.
+void MediaDeck::onMediaStatus(QMediaPlayer::MediaStatus status)
+{
+    if (status == QMediaPlayer::EndOfMedia)
+        setEnded();
+    else if (m_loading && status == QMediaPlayer::LoadedMedia)
+        QMetaObject::invokeMethod(this, &MediaDeck::finishLoading, Qt::QueuedConnection);
+}
+
+// A paused player has its first sound decoded, so that two decks begin together.
+void MediaDeck::finishLoading()
+{
+    if (!m_loading || m_player.mediaStatus() != QMediaPlayer::LoadedMedia)
+        return;
+    m_loading = false;
+    moveWhenPossible();
+    if (std::exchange(m_wantsPlay, false) && m_output && !m_ended)
+        m_player.play();
+    else if (m_output && !m_ended)
+        m_player.pause();
+    Q_EMIT playingChanged();
+}
+
+// The player may report an error and then play the file, in silence.
+void MediaDeck::onError(const QString &message)
+{
+    m_loading = m_wantsPlay = false;
+    m_failed = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (m_failed)
+                m_player.stop();
+        },
+        Qt::QueuedConnection);
+    Q_EMIT problem(message);
+    Q_EMIT playingChanged();
+}
+
+void MediaDeck::setEnded()
+{
+    m_ended = true;
+    m_wantsPlay = false;
+    m_player.stop();
+    Q_EMIT positionChanged(position());
+    Q_EMIT playingChanged();
+}
+
+void MediaDeck::setVolume(float volume)
+{
+    m_volume = volume;
+    if (m_output)
+        m_output->setVolume(volume);
+}
+
+// A player with an output but no device brings the program down on some back-ends, and one without an output would go
+// on at a speed of its own.
+void MediaDeck::followDevices()
+{
+    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+    if (device.isNull()) {
+        if (m_output)
+            loseOutput();
+    } else if (!m_output) {
+        m_output = std::make_unique<QAudioOutput>(device);
+        m_output->setVolume(m_volume);
+        m_player.setAudioOutput(m_output.get());
+    } else if (m_output->device() != device) {
+        m_output->setDevice(device);
+    }
+}
+
+void MediaDeck::loseOutput()
+{
+    const bool wasPlaying = isPlaying();
+    pause();
+    m_player.setAudioOutput(nullptr);
+    m_output.reset();
+    if (wasPlaying)
+        reportNoOutput();
+}
+
+void MediaDeck::reportNoOutput()
+{
+    Q_EMIT problem(tr("No audio output device was found."));
+}
+
+} // namespace epr

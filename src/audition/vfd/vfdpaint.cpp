@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "vfdpaint.h"
+
+#include "vfdcolours.h"
+
+#include <QFontDatabase>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace epr::vfd {
+
+namespace {
+
+constexpr qreal cornerRadius = 3;
+
+} // namespace
+
+QFont letteringFont(int pointSize)
+{
+    constexpr qreal spacingPercent = 112;
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPointSize(pointSize);
+    font.setWeight(QFont::Bold);
+    font.setLetterSpacing(QFont::PercentageSpacing, spacingPercent);
+    return font;
+}
+
+QColor withAlpha(QColor colour, int alpha)
+{
+    colour.setAlpha(alpha);
+    return colour;
+}
+
+float boundedLevel(float level)
+{
+    return std::isnan(level) ? 0.0F : std::clamp(level, 0.0F, 1.0F);
+}
+
+void paintGlow(QPainter &painter, const QPainterPath &shape, const QColor &colour, qreal radius)
+{
+    constexpr int rings = 5;
+    constexpr int alphaPerRing = 13;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    for (int ring = 1; ring <= rings; ++ring) {
+        const qreal width = 2 * radius * ring / rings;
+        painter.setPen(QPen(withAlpha(colour, alphaPerRing), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPath(shape);
+    }
+    painter.restore();
+}
+
+void paintGlowingText(QPainter &painter, const QRectF &box, Qt::Alignment alignment, const QString &text,
+                      const QColor &colour)
+{
+    constexpr qreal radius = 1.3;
+    constexpr qreal diagonal = radius * 0.7;
+    constexpr QPointF offsets[] = { { radius, 0 },           { -radius, 0 },          { 0, radius },
+                                    { 0, -radius },          { diagonal, diagonal },  { -diagonal, diagonal },
+                                    { diagonal, -diagonal }, { -diagonal, -diagonal } };
+    const int flags = static_cast<int>(alignment) | Qt::TextSingleLine;
+    painter.setPen(withAlpha(colour, colour.alpha() / 10));
+    for (const QPointF &offset : offsets)
+        painter.drawText(box.translated(offset), flags, text);
+    painter.setPen(colour);
+    painter.drawText(box, flags, text);
+}
+
+void paintGlass(QPainter &painter, const QRectF &box)
+{
+    QLinearGradient glass(box.topLeft(), box.bottomLeft());
+    glass.setColorAt(0, colour::glassTop);
+    glass.setColorAt(1, colour::glassBottom);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colour::glassEdge, 1));
+    painter.setBrush(glass);
+    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+}
+
+void paintFocusRing(QPainter &painter, const QRectF &box)
+{
+    constexpr qreal width = 1.5;
+    constexpr qreal inset = width / 2;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colour::focus, width));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(box.adjusted(inset, inset, -inset, -inset), cornerRadius, cornerRadius);
+}
+
+} // namespace epr::vfd

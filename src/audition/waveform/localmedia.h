@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+class QString;
+
+namespace epr {
+
+/// Whether the toolkit's media back-end in use cannot open a file of this name. It is then given the opened file; other
+/// files it gets by name, because some back-ends go by the suffix.
+[[nodiscard]] bool mediaBackendMisreadsName(const QString &path);
+
+} // namespace epr

@@ -1,0 +1,147 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "badge.h"
+#include "compareplayer.h"
+#include "elidinglabel.h"
+#include "lamp.h"
+#include "levelmeter.h"
+#include "panel.h"
+#include "qtdecoder.h"
+#include "scrubber.h"
+#include "sevensegment.h"
+
+#include "temporarylibrary.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace epr;
+using namespace epr::test;
+using namespace Qt::StringLiterals;
+
+/// The face of the player on a machine that may have no sound output: what it shows and which commands it gives.
+class TestComparePlayer : public QObject {
+    Q_OBJECT
+
+public:
+    static void initMain() { preferFfmpegMediaBackend(); }
+
+private Q_SLOTS:
+    void init()
+    {
+        writeFile(fileOf(u"one.wav"_s), waveOf(100));
+        writeFile(fileOf(u"two.wav"_s), waveOf(50, 8));
+        m_player.emplace();
+        m_player->show();
+    }
+
+    void cleanup() { m_player.reset(); }
+
+    void filesGoWhereTheyDisturbLeast()
+    {
+        m_player->loadIntoFreeDeck(trackOf(u"one.wav"_s));
+        QCOMPARE(m_player->track(0).fileName, u"one.wav"_s);
+        m_player->loadIntoFreeDeck(trackOf(u"two.wav"_s));
+        QCOMPARE(m_player->track(1).fileName, u"two.wav"_s);
+        m_player->monitorDeckB(); // from now on deck A is not heard
+        m_player->loadIntoFreeDeck(trackOf(u"two.wav"_s));
+        QCOMPARE(m_player->track(0).fileName, u"two.wav"_s);
+        m_player->clear(1);
+        m_player->loadIntoFreeDeck(trackOf(u"one.wav"_s));
+        QCOMPARE(m_player->track(1).fileName, u"one.wav"_s);
+        QFile::remove(fileOf(u"one.wav"_s));
+        m_player->clearVanished();
+        QVERIFY(m_player->track(1).path.isEmpty() && !m_player->track(0).path.isEmpty());
+    }
+
+    void facesShowWhatIsLoaded()
+    {
+        QCOMPARE(titleOf(u"A"_s), u"— no file loaded —"_s);
+        QCOMPARE(delta(u"duration"_s), u"—"_s);
+        m_player->load(0, trackOf(u"one.wav"_s, 6000, 64));
+        QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Ready);
+        m_player->load(1, trackOf(u"two.wav"_s, 8500, 32));
+        QCOMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Analysing);
+        QCOMPARE(titleOf(u"B"_s), u"TWO.WAV"_s);
+        QCOMPARE(delta(u"duration"_s) + u' ' + delta(u"bitrate"_s), u"+2.50 s \u221232 k"_s);
+
+        m_player->load(1, trackOf(u"missing.wav"_s));
+        QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Unavailable);
+        const QString problem = labelOf(u"B"_s, u"deckFormat"_s);
+        QVERIFY2(problem.contains("No such file"_L1), qPrintable(problem));
+        m_player->clear(1);
+        QCOMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::NoSignal);
+        QCOMPARE(labelOf(u"B"_s, u"deckDuration"_s), u"/ 0:00:00"_s);
+        QCOMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:00"_s);
+        QVERIFY(labelOf(u"B"_s, u"deckFormat"_s).isEmpty());
+    }
+
+    void deckThatIsHeardIsBright()
+    {
+        m_player->load(0, trackOf(u"one.wav"_s));
+        QVERIFY(!deck(u"A"_s)->isDimmed() && deck(u"B"_s)->isDimmed());
+        QTest::mouseClick(deck(u"B"_s), Qt::LeftButton, {}, QPoint(3, 3));
+        QCOMPARE(m_player->monitor(), 1);
+        QVERIFY(deck(u"A"_s)->isDimmed());
+        QVERIFY2(deck(u"B"_s)->isDimmed(), "there is nothing to hear");
+        QVERIFY(!lamp(u"monitorLampA"_s)->isLit() && lamp(u"monitorLampB"_s)->isLit());
+        lamp(u"monitorLampA"_s)->click();
+        QVERIFY(lamp(u"monitorLampA"_s)->isLit() && !deck(u"A"_s)->isDimmed());
+    }
+
+    void linkLampFollowsAndAsks()
+    {
+        QSignalSpy changes(m_player.operator->(), &ComparePlayer::linkedChanged);
+        m_player->setLinked(true);
+        QVERIFY(lamp(u"linkLamp"_s)->isLit());
+        lamp(u"linkLamp"_s)->click();
+        QVERIFY(!m_player->isLinked() && !lamp(u"linkLamp"_s)->isLit());
+        QCOMPARE(changes.size(), 2);
+    }
+
+    void scrubberMovesItsDeckAndALinkedOne()
+    {
+        m_player->load(0, trackOf(u"one.wav"_s, 6000));
+        m_player->load(1, trackOf(u"two.wav"_s, 8000));
+        QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->durationMs(), 6000);
+        part<vfd::Scrubber>(u"A"_s)->seek(3000);
+        QTRY_COMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
+        QCOMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:00"_s);
+        m_player->setLinked(true);
+        part<vfd::Scrubber>(u"A"_s)->seek(5000);
+        QTRY_COMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:05"_s);
+    }
+
+private:
+    [[nodiscard]] QString fileOf(const QString &name) const { return m_folder.filePath(name); }
+
+    [[nodiscard]] TrackInfo trackOf(const QString &name, qint64 durationMs = 0, qint32 bitrateKbps = 0) const
+    {
+        TrackInfo track;
+        track.path = fileOf(name);
+        track.fileName = name;
+        track.durationMs = durationMs;
+        track.bitrateKbps = bitrateKbps;
+        return track;
+    }
+
+    [[nodiscard]] vfd::Panel *deck(const QString &name) { return m_player->findChild<vfd::Panel *>(u"deck"_s + name); }
+    [[nodiscard]] vfd::Lamp *lamp(const QString &name) { return m_player->findChild<vfd::Lamp *>(name); }
+    [[nodiscard]] QString titleOf(const QString &name) { return labelOf(name, u"deckTitle"_s); }
+    [[nodiscard]] QString labelOf(const QString &name, const QString &label)
+    {
+        return deck(name)->findChild<vfd::ElidingLabel *>(label)->text();
+    }
+    [[nodiscard]] QString delta(const QString &what)
+    {
+        return m_player->findChild<vfd::Badge *>(what + u"Delta"_s)->text();
+    }
+    template <typename Part> [[nodiscard]] Part *part(const QString &name) { return deck(name)->findChild<Part *>(); }
+
+    QTemporaryDir m_folder;
+    std::optional<ComparePlayer> m_player;
+};
+
+QTEST_MAIN(TestComparePlayer)
+
+#include "tst_compareplayer.moc"

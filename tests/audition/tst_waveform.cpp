@@ -1,0 +1,250 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "envelopebuilder.h"
+#include "qtdecoder.h"
+#include "temporarylibrary.h"
+#include "waveformloader.h"
+
+#include <QAudioBuffer>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+using namespace epr;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+template <typename Sample> QAudioBuffer bufferOf(int rate, int channels, const QList<Sample> &samples)
+{
+    QAudioFormat format;
+    format.setSampleRate(rate);
+    format.setChannelCount(channels);
+    format.setSampleFormat(std::is_same_v<Sample, float>        ? QAudioFormat::Float
+                               : std::is_same_v<Sample, quint8> ? QAudioFormat::UInt8
+                               : std::is_same_v<Sample, qint16> ? QAudioFormat::Int16
+                                                                : QAudioFormat::Int32);
+    const auto bytes = qsizetype(sizeof(Sample)) * samples.size();
+    return QAudioBuffer(QByteArray(reinterpret_cast<const char *>(samples.constData()), bytes), format);
+}
+
+bool isClose(const QList<float> &list, const QList<float> &wanted)
+{
+    return std::equal(list.begin(), list.end(), wanted.begin(), wanted.end(),
+                      [](float a, float b) { return std::abs(a - b) < 1e-6F; });
+}
+
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinite = std::numeric_limits<float>::infinity();
+constexpr qint16 lowest16 = -32768;
+constexpr qint32 lowest32 = std::numeric_limits<qint32>::min();
+
+} // namespace
+
+class TestWaveform : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    // At 50 Hz a bucket has two frames.
+    void peaks_data()
+    {
+        using Floats = QList<float>;
+        QTest::addColumn<QAudioBuffer>("buffer");
+        QTest::addColumn<Floats>("left");
+        QTest::addColumn<Floats>("right");
+        const auto row = [](const char *name, const QAudioBuffer &buffer, const Floats &left, const Floats &right) {
+            QTest::newRow(name) << buffer << left << right;
+        };
+        row("8 bits, mono, a partly filled last bucket", bufferOf<quint8>(50, 1, { 128, 0, 192, 128, 96 }),
+            { 1, 0.5F, 0.25F }, { 1, 0.5F, 0.25F });
+        row("16 bits, stereo", bufferOf<qint16>(50, 2, { lowest16, 0, 0, 8192, 0, -16384, 4096, 0 }), { 1, 0.125F },
+            { 0.25F, 0.5F });
+        row("32 bits, the first two of six channels",
+            bufferOf<qint32>(25, 6, { 1 << 29, lowest32, lowest32, 0, 0, lowest32, 0, 1 << 30, lowest32, 0, 0, 0 }),
+            { 0.25F, 0 }, { 1, 0.5F });
+        row("floats beyond full scale stay", bufferOf<float>(50, 1, { 0.5F, -1.5F, 0.25F, 0 }), { 1.5F, 0.25F },
+            { 1.5F, 0.25F });
+        row("what is no number is silent",
+            bufferOf<float>(50, 2, { notANumber, 1, 0.5F, notANumber, -infinite, 0, 0, infinite }), { 0.5F, 0 },
+            { 1, 0 });
+        row("one frame each at 8 Hz", bufferOf<quint8>(8, 1, { 0, 64, 128 }), { 1, 0.5F, 0 }, { 1, 0.5F, 0 });
+        row("one frame each at 49 Hz", bufferOf<quint8>(49, 1, { 0, 64 }), { 1, 0.5F }, { 1, 0.5F });
+        row("a quiet file is raised", bufferOf<float>(25, 2, { 0.49F, 0, 0.1F, -0.2F }), { 0.98F, 0.2F }, { 0, 0.4F });
+        row("a loud file is not lowered", bufferOf<float>(25, 1, { 0.99F }), { 0.99F }, { 0.99F });
+        row("silence", bufferOf<qint16>(25, 2, { 0, 0, 0, 0 }), { 0, 0 }, { 0, 0 });
+        row("nothing", {}, {}, {});
+    }
+    void peaks()
+    {
+        QFETCH(const QAudioBuffer, buffer);
+        QFETCH(const QList<float>, left);
+        QFETCH(const QList<float>, right);
+        EnvelopeBuilder builder;
+        builder.add(buffer);
+        const Envelope envelope = builder.take();
+        QVERIFY2(isClose(envelope.left, left), qPrintable(QDebug::toString(envelope.left)));
+        QVERIFY2(isClose(envelope.right, right), qPrintable(QDebug::toString(envelope.right)));
+        QCOMPARE(envelope.peak.size(), left.size());
+        for (qsizetype i = 0; i < left.size(); ++i)
+            QCOMPARE(envelope.peak.at(i), std::max(envelope.left.at(i), envelope.right.at(i)));
+        QVERIFY(builder.take() == Envelope());
+    }
+
+    void bufferLengthsDoNotMatter()
+    {
+        std::minstd_rand random(7);
+        QList<qint16> samples { 32767, 0 };
+        while (samples.size() < 2 * 44100)
+            samples << qint16(random());
+        EnvelopeBuilder whole;
+        whole.add(bufferOf(44100, 2, samples));
+        EnvelopeBuilder pieces;
+        for (qsizetype at = 0, length = 2; at < samples.size(); at += length, length = 2 * (1 + random() % 4000))
+            pieces.add(bufferOf(44100, 2, samples.mid(at, length)));
+        const Envelope envelope = whole.take();
+        QCOMPARE(envelope.peak.size(), 25);
+        QVERIFY(pieces.take() == envelope);
+    }
+
+    // The buffer that reaches the limit goes on beyond it, louder.
+    void endsAfterFortyMinutes()
+    {
+        EnvelopeBuilder builder;
+        builder.add(bufferOf(8, 1, QList<quint8>(59999, 192)));
+        QVERIFY(!builder.isFull());
+        builder.add(bufferOf<quint8>(8, 1, { 192, 0, 0 }));
+        QVERIFY(builder.isFull());
+        builder.add(bufferOf<quint8>(8, 1, { 0 }));
+        QVERIFY(isClose(builder.take().peak, QList<float>(60000, 0.98F)));
+    }
+
+    void aLaterBufferMayHaveOtherChannels()
+    {
+        EnvelopeBuilder builder;
+        builder.add(bufferOf<quint8>(25, 2, { 0, 64 }));
+        builder.add(bufferOf<quint8>(25, 1, { 64, 128 }));
+        QVERIFY(isClose(builder.take().right, { 0.5F, 0.5F, 0 }));
+    }
+
+    void loadsFiles_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("error"); // "*" = any
+        QTest::addColumn<Envelope>("envelope");
+        const QList<float> high(25, 0.98F);
+        const QList<float> low(25, 0);
+        QTest::newRow("sound") << wave(u"sound.wav"_s, 1, 64) << QString() << Envelope { high, high, high, 1000 };
+        QTest::newRow("silence") << wave(u"\u9759\u304b.wav"_s, 1, 128) << QString()
+                                 << Envelope { low, low, low, 1000 };
+        QTest::newRow("missing") << m_dir.filePath(u"gone.mp3"_s) << u"No such file or directory"_s << Envelope();
+        QTest::newRow("folder") << m_dir.path() << u"*"_s << Envelope();
+        QTest::newRow("no audio") << wave(u"empty.wav"_s, 0, 0) << u"*"_s << Envelope();
+        test::writeFile(m_dir.filePath(u"broken.mp3"_s), QByteArray(100000, 'x'));
+        QTest::newRow("broken") << m_dir.filePath(u"broken.mp3"_s) << u"*"_s << Envelope();
+    }
+    void loadsFiles()
+    {
+        QFETCH(const QString, path);
+        QFETCH(const QString, error);
+        QFETCH(const Envelope, envelope);
+        WaveformLoader loader;
+        const QSignalSpy loaded(&loader, &WaveformLoader::loaded);
+        const QSignalSpy failed(&loader, &WaveformLoader::failed);
+        loader.request(2, path);
+        loader.request(-1, path);
+        loader.request(1, path);
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.size() + failed.size(), 1, 30000);
+        QCOMPARE(failed.size(), error.isEmpty() ? 0 : 1);
+        const QVariantList signal = failed.value(0, loaded.value(0));
+        QCOMPARE(signal.at(0).toInt(), 1);
+        if (error.isEmpty()) {
+            const auto found = signal.at(1).value<Envelope>();
+            QVERIFY2(isClose(found.left, envelope.left), qPrintable(QDebug::toString(found.left)));
+            QVERIFY(found.right == found.left && found.peak == found.left);
+            // Not every decoder says it.
+            QVERIFY(found.durationMs == 0 || found.durationMs == envelope.durationMs);
+        } else {
+            const QString message = signal.at(1).toString();
+            QVERIFY2(error == u"*" ? !message.isEmpty() : message == error, qPrintable(message));
+        }
+    }
+
+    // In between the thread gets time to report, which then waits in this thread's queue; the last one counts even so.
+    void onlyTheNewestRequestOfADeckReports()
+    {
+        const QString other = wave(u"other.wav"_s, 2, 0);
+        const QString wanted = wave(u"wanted.wav"_s, 3, 0);
+        WaveformLoader loader;
+        const QSignalSpy loaded(&loader, &WaveformLoader::loaded);
+        const QSignalSpy failed(&loader, &WaveformLoader::failed);
+        for (int row = 0; row < 50; ++row) {
+            loader.request(row % 2, row % 3 == 0 ? m_dir.path() : other);
+            if (row % 16 == 0)
+                QThread::msleep(200);
+        }
+        loader.request(0, wanted);
+        loader.cancel(1);
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, 30000);
+        loader.request(1, wanted);
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 2, 30000);
+        for (const int deck : { 0, 1 }) {
+            QCOMPARE(loaded.at(deck).at(0).toInt(), deck);
+            QCOMPARE(loaded.at(deck).at(1).value<Envelope>().peak.size(), 75);
+        }
+        QCOMPARE(failed.size(), 0);
+    }
+
+    // A thread that was joined is gone with its loader; one that was not would have been left behind.
+    void isDestroyedInTheMiddle()
+    {
+        const QString hour = wave(u"hour.wav"_s, 3600, 0);
+        for (const int waitMs : { 0, 1, 20, 100 }) {
+            auto loader = std::make_unique<WaveformLoader>();
+            const QPointer<QThread> thread = loader->findChild<QThread *>();
+            QCOMPARE(thread->objectName(), u"epr-waveform"_s);
+            loader->request(0, hour);
+            loader->request(1, hour);
+            QTest::qWait(waitMs);
+            loader.reset();
+            QVERIFY(!thread);
+        }
+    }
+
+    void theWatchdogEndsALongDecoding()
+    {
+        WaveformLoader loader(nullptr, 1);
+        const QSignalSpy loaded(&loader, &WaveformLoader::loaded);
+        const QSignalSpy failed(&loader, &WaveformLoader::failed);
+        loader.request(0, wave(u"hour.wav"_s, 3600, 0));
+        QTRY_COMPARE_WITH_TIMEOUT(loaded.size() + failed.size(), 1, 30000);
+        if (loaded.isEmpty())
+            QCOMPARE(failed.at(0).at(1).toString(), u"This file could not be decoded for preview."_s);
+        else
+            QVERIFY(loaded.at(0).at(1).value<Envelope>().peak.size() < EnvelopeBuilder::maxBuckets);
+    }
+
+private:
+    /// 8-bit samples that are all the same.
+    QString wave(const QString &name, int seconds, quint8 sample)
+    {
+        test::writeFile(m_dir.filePath(name), test::waveOf(static_cast<char>(sample), seconds));
+        return m_dir.filePath(name);
+    }
+
+    QTemporaryDir m_dir;
+};
+
+int main(int argc, char **argv)
+{
+    preferFfmpegMediaBackend();
+    const QCoreApplication application(argc, argv);
+    TestWaveform test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_waveform.moc"
