@@ -21,6 +21,9 @@ MainActions::MainActions(QWidget *window)
     , invertSelection(make(tr("Invert Selection"), Qt::CTRL | Qt::Key_I,
                            tr("Tick every copy that is not ticked and untick the others, kept copies included.")))
     , filterResults(make(tr("Filter Results"), QKeySequence::Find, tr("Go to the filter above the results.")))
+    , removeSelected(make(tr("Remove Selected..."), QKeySequence::Delete,
+                          tr("Move the ticked copies to the quarantine or the recycle bin, or delete them.")))
+    , undoCleanup(make(tr("Undo Previous Clean-up..."), {}, tr("Move the files of a quarantine run back.")))
     , settings(make(tr("Settings..."), Qt::CTRL | Qt::Key_Comma, tr("Choose what is scanned and how it is compared.")))
     , clearCache(make(tr("Clear Analysis Cache"), {},
                       tr("Forget all remembered results. The next scan reads every file again.")))
@@ -31,6 +34,7 @@ MainActions::MainActions(QWidget *window)
     exit->setMenuRole(QAction::QuitRole);
     settings->setMenuRole(QAction::PreferencesRole);
     about->setMenuRole(QAction::AboutRole);
+    removeSelected->setShortcutContext(Qt::WidgetWithChildrenShortcut); // elsewhere the key deletes other things
     enableFor({});
 }
 
@@ -44,6 +48,8 @@ void MainActions::enableFor(const Situation &situation)
     clearCache->setEnabled(!situation.isScanning);
     for (QAction *action : { selectDuplicates, clearSelection, invertSelection, filterResults })
         action->setEnabled(situation.hasGroups);
+    removeSelected->setEnabled(situation.hasGroups && !situation.isScanning);
+    undoCleanup->setEnabled(!situation.isScanning);
 }
 
 // Tool tips name the key as well, since a toolbar has no other place for it.

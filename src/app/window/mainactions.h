@@ -32,6 +32,8 @@ public:
     QAction *const clearSelection;
     QAction *const invertSelection;
     QAction *const filterResults;
+    QAction *const removeSelected;
+    QAction *const undoCleanup;
     QAction *const settings;
     QAction *const clearCache;
     QAction *const checkForUpdates;

@@ -4,9 +4,11 @@
 
 #include "aboutdialog.h"
 #include "activitylog.h"
+#include "cleanupcommand.h"
 #include "folderpanel.h"
 #include "mainactions.h"
 #include "metadata.h"
+#include "quarantinewarning.h"
 #include "resultsmodel.h"
 #include "resultspanel.h"
 #include "scancontroller.h"
@@ -48,6 +50,7 @@ MainWindow::MainWindow(QWidget *parent)
     createToolBar();
     placeOnScreen();
     restoreSettings();
+    connectCleanup();
     connectScan();
     refreshActions();
     m_scanThread->start();
@@ -99,6 +102,10 @@ void MainWindow::onStartScan()
                              tr("Enable at least one detection method in Settings before scanning."));
         return;
     }
+    const auto log = [this](const QString &message) { report(message); };
+    if (m_cleanup->isRunning() || !confirmScanOfQuarantine(m_quarantineRoot, folders, log, this))
+        return;
+    m_scannedFolders = folders;
     m_results->clear();
     setScanning(true);
     onLogMessage(tr("--- Scan started %1 ---").arg(QDateTime::currentDateTime().toString()));
@@ -168,6 +175,19 @@ void MainWindow::onInvertSelection()
     m_results->invertTicks();
 }
 
+// A file goes into the quarantine under the folder that it was found in, even if that has left the list since.
+void MainWindow::onRemoveSelected()
+{
+    QStringList folders = m_scannedFolders + m_folderPanel->folders();
+    folders.removeDuplicates();
+    m_cleanup->removeSelected({ m_quarantineRoot, folders });
+}
+
+void MainWindow::onUndoPrevious()
+{
+    m_cleanup->undoPreviousCleanup();
+}
+
 void MainWindow::onSettings()
 {
     const auto log = [this](const QString &message) { report(message); };
@@ -192,7 +212,7 @@ void MainWindow::onAbout()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (!confirmClose()) {
+    if (m_cleanup->isRunning() || !confirmClose()) {
         event->ignore();
         return;
     }
@@ -241,6 +261,9 @@ void MainWindow::createActions()
     connect(m_actions->clearSelection, &QAction::triggered, this, &MainWindow::onClearSelection);
     connect(m_actions->invertSelection, &QAction::triggered, this, &MainWindow::onInvertSelection);
     connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
+    connect(m_actions->removeSelected, &QAction::triggered, this, &MainWindow::onRemoveSelected);
+    connect(m_actions->undoCleanup, &QAction::triggered, this, &MainWindow::onUndoPrevious);
+    m_resultsPanel->addTreeAction(m_actions->removeSelected);
     connect(m_actions->settings, &QAction::triggered, this, &MainWindow::onSettings);
     connect(m_actions->clearCache, &QAction::triggered, this, &MainWindow::onClearCache);
     connect(m_actions->website, &QAction::triggered, this,
@@ -267,6 +290,8 @@ void MainWindow::createMenus()
     edit->addAction(m_actions->filterResults);
 
     QMenu *tools = menuBar()->addMenu(tr("&Tools"));
+    tools->addActions({ m_actions->removeSelected, m_actions->undoCleanup });
+    tools->addSeparator();
     tools->addActions({ m_actions->settings, m_actions->clearCache });
 
     QMenu *help = menuBar()->addMenu(tr("&Help"));
@@ -285,6 +310,8 @@ void MainWindow::createToolBar()
     toolBar->addActions({ m_actions->startScan, m_actions->stopScan });
     toolBar->addSeparator();
     toolBar->addActions({ m_actions->selectDuplicates, m_actions->clearSelection, m_actions->invertSelection });
+    toolBar->addSeparator();
+    toolBar->addActions({ m_actions->removeSelected, m_actions->undoCleanup });
     toolBar->widgetForAction(m_actions->startScan)->setObjectName(u"startScanButton"_s);
 }
 
@@ -327,6 +354,17 @@ void MainWindow::connectUpdates()
 {
     m_updates = new UpdateNotices(m_actions->checkForUpdates, this);
     connect(m_updates, &UpdateNotices::logMessage, this, &MainWindow::onLogMessage);
+}
+
+void MainWindow::connectCleanup()
+{
+    m_cleanup = new CleanupCommand(m_results, this);
+    connect(m_cleanup, &CleanupCommand::logMessage, this, &MainWindow::onLogMessage);
+    connect(m_cleanup, &CleanupCommand::statusMessage, m_strip, &ScanStrip::showStatus);
+    connect(m_cleanup, &CleanupCommand::wholeGroupTicked, m_resultsPanel, &ResultsPanel::showGroup);
+    connect(m_cleanup, &CleanupCommand::quarantineRootChosen, this,
+            [this](const QString &folder) { m_quarantineRoot = folder; });
+    connect(m_cleanup, &CleanupCommand::filesRemoved, this, &MainWindow::refreshActions);
 }
 
 void MainWindow::saveSettings() const

@@ -14,6 +14,7 @@ class QThread;
 namespace epr {
 
 class ActivityLog;
+class CleanupCommand;
 class FolderPanel;
 class MainActions;
 class ResultsModel;
@@ -53,6 +54,8 @@ public Q_SLOTS:
     void onSelectDuplicates();
     void onClearSelection();
     void onInvertSelection();
+    void onRemoveSelected();
+    void onUndoPrevious();
     void onSettings();
     void onClearCache();
     void onAbout();
@@ -70,6 +73,7 @@ private:
     void restoreSettings();
     void connectScan();
     void connectUpdates();
+    void connectCleanup();
     void saveSettings() const;
     void setScanning(bool scanning);
     void refreshActions();
@@ -78,6 +82,7 @@ private:
 
     ScanOptions m_options; ///< what the settings say; its roots stay empty, they come from the folder list
     QString m_quarantineRoot;
+    QStringList m_scannedFolders; ///< those that the results come from
     bool m_isScanning = false; ///< from the start command to the scan's last signal
     bool m_isStopping = false; ///< reports that were on their way must not hide that Stop was heard
 
@@ -88,6 +93,7 @@ private:
     ActivityLog *m_log = nullptr;
     ScanStrip *m_strip = nullptr;
     UpdateNotices *m_updates = nullptr;
+    CleanupCommand *m_cleanup = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };
