@@ -108,7 +108,7 @@ private:
     void stop(ProgressDialog *dialog) const
     {
         const QString file = dialog->findChild<QLabel *>(u"currentFile"_s)->text();
-        if (!dialog->testAttribute(Qt::WA_DontShowOnScreen) && file.endsWith(u'/' + stopAtFile))
+        if (file.endsWith(u'/' + stopAtFile))
             dialog->findChild<QPushButton *>()->click();
     }
 

@@ -20,7 +20,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patience = 400ms; // of somebody who waits without being told for what
 constexpr auto refreshInterval = 50ms;
 
 QLabel *createPlainLabel(const QString &text)
@@ -47,13 +46,6 @@ ProgressDialog::ProgressDialog(const QString &title, CleanupProgress *progress, 
     timer->start(refreshInterval);
 }
 
-void ProgressDialog::blockInput()
-{
-    setAttribute(Qt::WA_DontShowOnScreen);
-    show();
-    QTimer::singleShot(patience, this, &ProgressDialog::appear);
-}
-
 void ProgressDialog::reject()
 {
     m_progress->requestStop();
@@ -77,13 +69,6 @@ void ProgressDialog::layOutWidgets()
     layout->addWidget(m_bar);
     layout->addWidget(m_file);
     layout->addWidget(buttons);
-}
-
-void ProgressDialog::appear()
-{
-    hide();
-    setAttribute(Qt::WA_DontShowOnScreen, false);
-    show();
 }
 
 void ProgressDialog::refresh()

@@ -21,15 +21,10 @@ public:
     /// The progress is not owned.
     ProgressDialog(const QString &title, CleanupProgress *progress, QWidget *parent = nullptr);
 
-    /// Takes all other windows' input at once, but appears only after a moment: most clean-ups are over by then, and a
-    /// dialog that flashes up tells nobody anything.
-    void blockInput();
-
     void reject() override;
 
 private:
     void layOutWidgets();
-    void appear();
     void refresh();
 
     CleanupProgress *m_progress;
