@@ -158,21 +158,17 @@ private Q_SLOTS:
         Operator person;
         scanned.window->onClearSelection();
         scanned.window->onRemoveSelected();
-        QCOMPARE(person.boxes,
-                 QStringList(u"Nothing selected|Tick the copies you want removed, or use Select All Duplicates."_s));
-
         // The group in question may be hidden by the filter.
         scanned.window->onSelectDuplicates();
         const QModelIndex keeper = scanned.results()->index(0, 0, scanned.results()->index(1, 0));
         QVERIFY(scanned.results()->setData(keeper, Qt::Checked, Qt::CheckStateRole));
         scanned.window->findChild<QLineEdit *>(u"filterEdit"_s)->setText(u"no such music"_s);
         scanned.window->onRemoveSelected();
-        QCOMPARE(person.boxes.value(1),
-                 u"Every copy selected|Group 2 has all of its copies ticked for removal. Untick at least one so a copy "
-                 "survives."_s);
-        const auto *tree = scanned.window->findChild<QTreeView *>(u"resultsView"_s);
-        QVERIFY(tree->currentIndex().data().toString().startsWith("Group 2 "_L1));
-        QCOMPARE(person.boxes.size(), 2);
+        const QString first = u"Nothing selected|Tick the copies you want removed, or use Select All Duplicates."_s;
+        const QString second = u"Every copy selected|Group 2 has all of its copies ticked for removal. Untick at least "
+                               "one so a copy survives."_s;
+        QCOMPARE(person.boxes, QStringList({ first, second }));
+        QVERIFY(scanned.window->findChild<QTreeView *>()->currentIndex().data().toString().startsWith("Group 2 "_L1));
         QCOMPARE(treeOf(box.library()), before);
     }
 
