@@ -6,6 +6,7 @@
 # not meant for them.
 set(EPR_TEST_ENVIRONMENT
   "QT_QPA_PLATFORM=offscreen" "LC_ALL=C.UTF-8"
+  "QT_MEDIA_BACKEND=ffmpeg" # as the program does: the other one crashes without its own plugins
   "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/lsan.supp:print_suppressions=0"
   "TSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/tsan.supp:ignore_noninstrumented_modules=1")
 

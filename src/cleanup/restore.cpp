@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace epr {
 
 namespace {
@@ -87,6 +89,15 @@ void keepRest(const QString &path, UndoManifest manifest, qsizetype done)
 }
 
 } // namespace
+
+bool hasQuarantinedCopies(const QString &path)
+{
+    QString error;
+    const QList<ManifestEntry> entries = readManifest(path, &error).value_or(UndoManifest()).entries;
+    return entries.isEmpty() || std::any_of(entries.cbegin(), entries.cend(), [](const ManifestEntry &entry) {
+               return entryExists(entry.to);
+           });
+}
 
 RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress)
 {

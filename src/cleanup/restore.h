@@ -16,6 +16,10 @@ struct RestoreResult {
     bool operator==(const RestoreResult &) const = default;
 };
 
+/// Whether there is at least one of the files that an undo would move back. If not, their drive may be unplugged, and
+/// restoreManifest() would use the manifest up for nothing. True for a manifest that names no files or cannot be read.
+[[nodiscard]] bool hasQuarantinedCopies(const QString &path);
+
 /// Moves the files of a quarantine run back. Nothing is ever replaced, and nothing is touched but the files that the
 /// manifest names by clean absolute paths.
 ///

@@ -25,6 +25,9 @@ MainActions::MainActions(QWidget *window)
     , filterResults(make(tr("Filter Results"), QKeySequence::Find, tr("Go to the filter above the results.")))
     , nextGroup(make(tr("Next Group"), Qt::CTRL | Qt::Key_Down, tr("Go to the next group of duplicates.")))
     , previousGroup(make(tr("Previous Group"), Qt::CTRL | Qt::Key_Up, tr("Go to the group of duplicates before.")))
+    , removeSelected(make(tr("Remove Selected..."), QKeySequence::Delete,
+                          tr("Move the ticked copies to the quarantine or the recycle bin, or delete them.")))
+    , undoCleanup(make(tr("Undo Previous Clean-up..."), {}, tr("Move the files of a quarantine run back.")))
     , settings(make(tr("Settings..."), Qt::CTRL | Qt::Key_Comma, tr("Choose what is scanned and how it is compared.")))
     , clearCache(make(tr("Clear Analysis Cache"), {},
                       tr("Forget all remembered results. The next scan reads every file again.")))
@@ -36,6 +39,7 @@ MainActions::MainActions(QWidget *window)
     exit->setMenuRole(QAction::QuitRole);
     settings->setMenuRole(QAction::PreferencesRole);
     about->setMenuRole(QAction::AboutRole);
+    removeSelected->setShortcutContext(Qt::WidgetWithChildrenShortcut); // elsewhere the key deletes other things
     enableFor({});
 }
 
@@ -51,6 +55,8 @@ void MainActions::enableFor(const Situation &situation)
     for (QAction *action :
          { selectDuplicates, clearSelection, invertSelection, filterResults, nextGroup, previousGroup })
         action->setEnabled(situation.hasGroups);
+    removeSelected->setEnabled(situation.hasGroups && !situation.isScanning);
+    undoCleanup->setEnabled(!situation.isScanning);
 }
 
 // Tool tips name the key as well, since a toolbar has no other place for it.

@@ -35,6 +35,8 @@ public:
     QAction *const filterResults;
     QAction *const nextGroup;
     QAction *const previousGroup;
+    QAction *const removeSelected;
+    QAction *const undoCleanup;
     QAction *const settings;
     QAction *const clearCache;
     QAction *const checkForUpdates;

@@ -4,6 +4,7 @@
 
 #include "aboutdialog.h"
 #include "activitylog.h"
+#include "cleanupcommand.h"
 #include "compareplayer.h"
 #include "exportcommand.h"
 #include "folderpanel.h"
@@ -11,6 +12,7 @@
 #include "memberactions.h"
 #include "metadata.h"
 #include "playerdock.h"
+#include "quarantinewarning.h"
 #include "resultsmodel.h"
 #include "resultspanel.h"
 #include "scancontroller.h"
@@ -53,6 +55,7 @@ MainWindow::MainWindow(QWidget *parent)
     createToolBar();
     placeOnScreen();
     restoreSettings();
+    connectCleanup();
     connectScan();
     connectPlayer();
     refreshActions();
@@ -105,6 +108,9 @@ void MainWindow::onStartScan()
                              tr("Enable at least one detection method in Settings before scanning."));
         return;
     }
+    const auto log = [this](const QString &message) { report(message); };
+    if (m_cleanup->isRunning() || !confirmScanOfQuarantine(m_quarantineRoot, folders, log, this))
+        return;
     m_results->clear();
     m_scanRoots = options.roots;
     m_playerDock->player()->stop();
@@ -182,6 +188,19 @@ void MainWindow::onExportReport()
         *m_results, m_scanRoots, [this](const QString &message) { report(message); }, this);
 }
 
+// A file goes into the quarantine under the folder that it was found in, even if that has left the list since.
+void MainWindow::onRemoveSelected()
+{
+    QStringList folders = m_scanRoots + m_folderPanel->folders();
+    folders.removeDuplicates();
+    m_cleanup->removeSelected({ m_quarantineRoot, folders });
+}
+
+void MainWindow::onUndoPrevious()
+{
+    m_cleanup->undoPreviousCleanup();
+}
+
 void MainWindow::onSettings()
 {
     const auto log = [this](const QString &message) { report(message); };
@@ -206,7 +225,7 @@ void MainWindow::onAbout()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (!confirmClose()) {
+    if (m_cleanup->isRunning() || !confirmClose()) {
         event->ignore();
         return;
     }
@@ -269,6 +288,9 @@ void MainWindow::createActions()
     connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
     connect(m_actions->nextGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(+1); });
     connect(m_actions->previousGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(-1); });
+    connect(m_actions->removeSelected, &QAction::triggered, this, &MainWindow::onRemoveSelected);
+    connect(m_actions->undoCleanup, &QAction::triggered, this, &MainWindow::onUndoPrevious);
+    m_resultsPanel->addTreeAction(m_actions->removeSelected);
     connect(m_actions->settings, &QAction::triggered, this, &MainWindow::onSettings);
     connect(m_actions->clearCache, &QAction::triggered, this, &MainWindow::onClearCache);
     connect(m_actions->shortcuts, &QAction::triggered, this, [this] { ShortcutsDialog(menuBar(), this).exec(); });
@@ -306,6 +328,8 @@ void MainWindow::createMenus()
     player->addActions({ member->loadIntoDeckA, member->loadIntoDeckB, member->compareGroup });
 
     QMenu *tools = menuBar()->addMenu(tr("&Tools"));
+    tools->addActions({ m_actions->removeSelected, m_actions->undoCleanup });
+    tools->addSeparator();
     tools->addActions({ m_actions->settings, m_actions->clearCache });
 
     QMenu *help = menuBar()->addMenu(tr("&Help"));
@@ -324,6 +348,8 @@ void MainWindow::createToolBar()
     toolBar->addActions({ m_actions->startScan, m_actions->stopScan });
     toolBar->addSeparator();
     toolBar->addActions({ m_actions->selectDuplicates, m_actions->clearSelection, m_actions->invertSelection });
+    toolBar->addSeparator();
+    toolBar->addActions({ m_actions->removeSelected, m_actions->undoCleanup });
     toolBar->widgetForAction(m_actions->startScan)->setObjectName(u"startScanButton"_s);
 }
 
@@ -377,6 +403,18 @@ void MainWindow::connectUpdates()
 {
     m_updates = new UpdateNotices(m_actions->checkForUpdates, this);
     connect(m_updates, &UpdateNotices::logMessage, this, &MainWindow::onLogMessage);
+}
+
+void MainWindow::connectCleanup()
+{
+    m_cleanup = new CleanupCommand(m_results, this);
+    connect(m_cleanup, &CleanupCommand::logMessage, this, &MainWindow::onLogMessage);
+    connect(m_cleanup, &CleanupCommand::statusMessage, m_strip, &ScanStrip::showStatus);
+    connect(m_cleanup, &CleanupCommand::wholeGroupTicked, m_resultsPanel, &ResultsPanel::showGroup);
+    connect(m_cleanup, &CleanupCommand::quarantineRootChosen, this,
+            [this](const QString &folder) { m_quarantineRoot = folder; });
+    connect(m_cleanup, &CleanupCommand::filesRemoved, this, &MainWindow::refreshActions);
+    connect(m_cleanup, &CleanupCommand::filesRemoved, m_playerDock->player(), &ComparePlayer::clearVanished);
 }
 
 void MainWindow::saveSettings() const

@@ -14,6 +14,7 @@ class QThread;
 namespace epr {
 
 class ActivityLog;
+class CleanupCommand;
 class FolderPanel;
 class MainActions;
 class PlayerDock;
@@ -55,6 +56,8 @@ public Q_SLOTS:
     void onClearSelection();
     void onInvertSelection();
     void onExportReport();
+    void onRemoveSelected();
+    void onUndoPrevious();
     void onSettings();
     void onClearCache();
     void onAbout();
@@ -73,6 +76,7 @@ private:
     void connectScan();
     void connectPlayer();
     void connectUpdates();
+    void connectCleanup();
     void saveSettings() const;
     void setScanning(bool scanning);
     void refreshActions();
@@ -94,6 +98,7 @@ private:
     PlayerDock *m_playerDock = nullptr;
     ScanStrip *m_strip = nullptr;
     UpdateNotices *m_updates = nullptr;
+    CleanupCommand *m_cleanup = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };

@@ -29,6 +29,7 @@ ResultsPanel::ResultsPanel(ResultsModel *results, QWidget *parent)
     layOutWidgets();
     connect(m_memberActions, &MemberActions::statusMessage, this, &ResultsPanel::statusMessage);
     connect(m_results, &ResultsModel::totalsChanged, this, &ResultsPanel::refreshSummary);
+    connect(m_results, &ResultsModel::totalsChanged, this, &ResultsPanel::refreshHint);
     setState(State::NotScanned);
 }
 
@@ -48,6 +49,19 @@ void ResultsPanel::focusFilter()
 {
     m_filterEdit->setFocus(Qt::ShortcutFocusReason);
     m_filterEdit->selectAll();
+}
+
+void ResultsPanel::addTreeAction(QAction *action)
+{
+    m_view->addAction(action);
+}
+
+void ResultsPanel::showGroup(int group)
+{
+    const QModelIndex row = m_results->index(group, 0);
+    if (!m_filter->mapFromSource(row).isValid())
+        m_filterEdit->clear();
+    m_view->setCurrentIndex(m_filter->mapFromSource(row));
 }
 
 void ResultsPanel::createFilterRow()
@@ -146,7 +160,7 @@ QString ResultsPanel::hintText() const
     case State::Finished:
         break;
     }
-    return m_results->groups().isEmpty() ? tr("No duplicates were found in these folders.")
+    return m_results->groups().isEmpty() ? tr("No duplicates in these folders.")
                                          : tr("No copy matches the filter.");
 }
 

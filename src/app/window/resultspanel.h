@@ -30,6 +30,8 @@ public:
     void setState(State state);
     void goToGroup(int step); ///< -1 or +1
     void focusFilter();
+    void addTreeAction(QAction *action); ///< its key then works in the tree
+    void showGroup(int group); ///< makes it the current row, whatever the filter says
 
 Q_SIGNALS:
     void statusMessage(const QString &message);

@@ -1,0 +1,198 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cleanupcommand.h"
+
+#include "cleanupselection.h"
+#include "displaytext.h"
+#include "plainbox.h"
+#include "quarantinewarning.h"
+#include "removaldialog.h"
+#include "restore.h"
+#include "resultsmodel.h"
+#include "undomanifest.h"
+
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScopedValueRollback>
+
+namespace epr {
+
+CleanupCommand::CleanupCommand(ResultsModel *results, QWidget *window)
+    : QObject(window)
+    , m_results(results)
+    , m_window(window)
+{
+}
+
+void CleanupCommand::removeSelected(const Places &places)
+{
+    Request request { tickedGroups(*m_results), {}, places };
+    request.paths = tickedPaths(request.groups);
+    if (request.paths.isEmpty()) {
+        showInformation(m_window, tr("Nothing selected"),
+                        tr("Tick the copies you want removed, or use Select All Duplicates."));
+        return;
+    }
+    if (const int group = firstWhollyTickedGroup(*m_results); group >= 0) {
+        showWarning(m_window, tr("Every copy selected"),
+                    tr("Group %1 has all of its copies ticked for removal. Untick at least one so a copy survives.")
+                        .arg(m_results->groups().at(group).id));
+        Q_EMIT wholeGroupTicked(group);
+        return;
+    }
+    const std::optional<qint64> bytes = totalOnDisk(request.paths);
+    if (!bytes)
+        return;
+    const std::optional<RemovalMode> mode = askMode(&request, *bytes);
+    if (mode && (*mode != RemovalMode::Delete || confirmDeletion(request.paths.size())))
+        remove(request, *mode);
+}
+
+void CleanupCommand::undoPreviousCleanup()
+{
+    const QStringList manifests = listUndoManifests();
+    if (manifests.isEmpty()) {
+        showInformation(
+            m_window, tr("Nothing to undo"),
+            tr("No reversible clean-ups have been recorded.\n\nOnly quarantine moves can be undone; recycle "
+               "bin and permanent deletions are handled by the operating system."));
+        return;
+    }
+    const std::optional<QString> manifest = askManifest(manifests);
+    if (manifest && (hasQuarantinedCopies(*manifest) || confirmWithoutCopies()))
+        restore(*manifest);
+}
+
+bool CleanupCommand::run(const QString &title, const CleanupJob &job)
+{
+    const QScopedValueRollback running(m_isRunning, true);
+    return runWithProgress(title, job, m_window);
+}
+
+// A look at thousands of files on a network drive takes its time, too.
+std::optional<qint64> CleanupCommand::totalOnDisk(const QStringList &paths)
+{
+    qint64 bytes = 0;
+    const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
+        for (qsizetype i = 0; i < paths.size() && progress(i, paths.size(), paths.at(i)); ++i)
+            bytes += QFileInfo(paths.at(i)).size();
+    });
+    return done ? std::optional(bytes) : std::nullopt;
+}
+
+std::optional<RemovalMode> CleanupCommand::askMode(Request *request, qint64 bytes)
+{
+    RemovalDialog dialog({ request->paths.size(), sizeText(bytes) }, request->places.quarantineRoot, m_window);
+    connect(&dialog, &RemovalDialog::quarantineRootChosen, this, [this, request, &dialog](const QString &folder) {
+        request->places.quarantineRoot = folder;
+        Q_EMIT quarantineRootChosen(folder);
+        warnIfScanned(folder, request->places.scanRoots, &dialog);
+    });
+    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.mode()) : std::nullopt;
+}
+
+bool CleanupCommand::confirmDeletion(qsizetype files)
+{
+    return QMessageBox::warning(
+               m_window, tr("Permanent deletion"),
+               tr("%1 file(s) will be deleted permanently and cannot be recovered.\n\nAre you certain?").arg(files),
+               QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel)
+        == QMessageBox::Yes;
+}
+
+void CleanupCommand::remove(const Request &request, RemovalMode mode)
+{
+    // The lists themselves are only looked at: nothing changes the model while the job runs.
+    RemovalPlan plan;
+    RemovalResult result;
+    QSet<qint32> vanished;
+    const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
+        plan = planRemoval(request.groups);
+        result = removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress);
+        vanished = vanishedMembers(m_results->tracks(), m_results->groups());
+    });
+    const qsizetype untouched = plan.paths.size() - result.succeeded - result.failed;
+    result.failed += plan.refused;
+    result.errors = plan.errors + result.errors;
+    if (!done)
+        Q_EMIT logMessage(tr("The clean-up was stopped: %1 file(s) were not touched.").arg(untouched));
+    tellRemoval(mode, result);
+    m_results->removeMembers(vanished);
+    Q_EMIT filesRemoved();
+}
+
+void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result)
+{
+    const QString freed = sizeText(result.bytesFreed);
+    const QString succeeded = QString::number(result.succeeded);
+    const QString failed = QString::number(result.failed);
+    const QString line =
+        tr("%1: %2 succeeded, %3 failed, %4 freed.").arg(removalModeLabel(mode), succeeded, failed, freed);
+    Q_EMIT logMessage(line);
+    for (const QString &error : result.errors)
+        Q_EMIT logMessage(error);
+    Q_EMIT statusMessage(line);
+
+    QString text = tr("Removed %1 file(s), freeing %2.").arg(succeeded, freed);
+    if (result.failed > 0)
+        text += tr("\n\n%1 file(s) could not be removed - see the Activity Log.").arg(failed);
+    if (!result.manifestPath.isEmpty())
+        text += tr("\n\nThis clean-up can be reversed from Tools > Undo Previous Clean-up.");
+    showInformation(m_window, tr("Clean-up complete"), text);
+}
+
+// Runs of one minute with as many files each look alike in the list; the newest of them is meant.
+std::optional<QString> CleanupCommand::askManifest(const QStringList &manifests)
+{
+    QStringList descriptions;
+    for (const QString &manifest : manifests)
+        descriptions.append(describeManifest(manifest));
+    bool accepted = false;
+    const QString chosen =
+        QInputDialog::getItem(m_window, tr("Undo previous clean-up"), tr("Select the clean-up to reverse:"),
+                              descriptions, 0, false, &accepted);
+    return accepted ? std::optional(manifests.at(descriptions.indexOf(chosen))) : std::nullopt;
+}
+
+// An undo uses the list up whatever comes of it, so a drive that is not plugged in must not cost the list.
+bool CleanupCommand::confirmWithoutCopies()
+{
+    QMessageBox box(QMessageBox::Warning, tr("Quarantine not found"),
+                    tr("None of the files of this clean-up can be found in the quarantine. If they are on a drive that "
+                       "is not connected, connect it and undo again.\n\nUndoing now would restore nothing and take the "
+                       "clean-up off the list for good."),
+                    QMessageBox::Ignore | QMessageBox::Cancel, m_window);
+    box.button(QMessageBox::Ignore)->setText(tr("Undo Anyway"));
+    box.setDefaultButton(QMessageBox::Cancel);
+    return box.exec() == QMessageBox::Ignore;
+}
+
+void CleanupCommand::restore(const QString &manifest)
+{
+    RestoreResult result;
+    const bool done = run(tr("Undo previous clean-up"),
+                          [&](const CleanupProgressFn &progress) { result = restoreManifest(manifest, progress); });
+    if (!done)
+        Q_EMIT logMessage(tr("The undo was stopped: the files that are left can be restored later."));
+    tellRestore(result);
+}
+
+void CleanupCommand::tellRestore(const RestoreResult &result)
+{
+    const QString succeeded = QString::number(result.succeeded);
+    const QString failed = QString::number(result.failed);
+    for (const QString &error : result.errors)
+        Q_EMIT logMessage(error);
+    const QString line = tr("Undo: %1 restored, %2 failed.").arg(succeeded, failed);
+    Q_EMIT logMessage(line);
+    Q_EMIT statusMessage(line);
+    showInformation(
+        m_window, tr("Undo complete"),
+        result.errors.isEmpty()
+            ? tr("Restored %1 file(s) to their original locations.").arg(succeeded)
+            : tr("Restored %1 file(s); %2 could not be restored. See the Activity Log.").arg(succeeded, failed));
+}
+
+} // namespace epr

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "removal.h"
+#include "removalplan.h"
+#include "runwithprogress.h"
+
+#include <QObject>
+
+#include <optional>
+
+namespace epr {
+
+class ResultsModel;
+struct RestoreResult;
+
+/// Removes the ticked copies and undoes earlier quarantine runs: the checks, the questions, the work and what is said
+/// about it afterwards.
+class CleanupCommand final : public QObject {
+    Q_OBJECT
+
+public:
+    struct Places {
+        QString quarantineRoot;
+        QStringList scanRoots;
+    };
+
+    /// The window is the parent of all dialogs.
+    CleanupCommand(ResultsModel *results, QWidget *window);
+
+    /// While files are moved, an event loop runs inside the command: the window must neither close nor start a scan.
+    [[nodiscard]] bool isRunning() const { return m_isRunning; }
+
+    void removeSelected(const Places &places);
+    void undoPreviousCleanup();
+
+Q_SIGNALS:
+    void logMessage(const QString &message);
+    void statusMessage(const QString &message);
+    void wholeGroupTicked(int group); ///< the group for which a removal was refused
+    void quarantineRootChosen(const QString &folder);
+    void filesRemoved(); ///< the tree is up to date again; whoever holds one of its files should look whether it exists
+
+private:
+    struct Request {
+        QList<TickedGroup> groups;
+        QStringList paths;
+        Places places;
+    };
+
+    [[nodiscard]] bool run(const QString &title, const CleanupJob &job);
+    [[nodiscard]] std::optional<qint64> totalOnDisk(const QStringList &paths);
+    [[nodiscard]] std::optional<RemovalMode> askMode(Request *request, qint64 bytes);
+    [[nodiscard]] bool confirmDeletion(qsizetype files);
+    void remove(const Request &request, RemovalMode mode);
+    void tellRemoval(RemovalMode mode, const RemovalResult &result);
+    [[nodiscard]] std::optional<QString> askManifest(const QStringList &manifests);
+    [[nodiscard]] bool confirmWithoutCopies();
+    void restore(const QString &manifest);
+    void tellRestore(const RestoreResult &result);
+
+    ResultsModel *m_results;
+    QWidget *m_window;
+    bool m_isRunning = false;
+};
+
+} // namespace epr

@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "progressdialog.h"
+
+#include "cleanupprogress.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <chrono>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto refreshInterval = 50ms;
+
+QLabel *createPlainLabel(const QString &text)
+{
+    auto *label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+} // namespace
+
+ProgressDialog::ProgressDialog(const QString &title, CleanupProgress *progress, QWidget *parent)
+    : QDialog(parent)
+    , m_progress(progress)
+    , m_count(createPlainLabel(tr("Checking the files...")))
+    , m_file(createPlainLabel({}))
+    , m_bar(new QProgressBar)
+{
+    setWindowTitle(title);
+    setWindowModality(Qt::ApplicationModal);
+    layOutWidgets();
+    auto *timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &ProgressDialog::refresh);
+    timer->start(refreshInterval);
+}
+
+void ProgressDialog::reject()
+{
+    m_progress->requestStop();
+    m_stop->setEnabled(false);
+    m_stop->setText(tr("Stopping..."));
+}
+
+void ProgressDialog::layOutWidgets()
+{
+    constexpr int width = 520;
+    setFixedWidth(width); // file names of all lengths come by; a dialog that follows them dances
+    m_bar->setRange(0, 0);
+    m_bar->setTextVisible(false);
+    m_file->setObjectName(u"currentFile"_s);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
+    m_stop = buttons->button(QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::rejected, this, &ProgressDialog::reject);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_count);
+    layout->addWidget(m_bar);
+    layout->addWidget(m_file);
+    layout->addWidget(buttons);
+}
+
+void ProgressDialog::refresh()
+{
+    const CleanupProgress::State state = m_progress->state();
+    if (state.total == 0)
+        return;
+    m_bar->setRange(0, static_cast<int>(state.total));
+    m_bar->setValue(static_cast<int>(state.index));
+    m_count->setText(tr("File %1 of %2").arg(state.index + 1).arg(state.total));
+    m_file->setText(m_file->fontMetrics().elidedText(state.path, Qt::ElideMiddle, m_file->width()));
+    m_file->setToolTip(state.path.toHtmlEscaped());
+}
+
+} // namespace epr

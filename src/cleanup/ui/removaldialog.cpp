@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "removaldialog.h"
+
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+RemovalDialog::RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent)
+    : QDialog(parent)
+    , m_quarantineRoot(quarantineRoot)
+    , m_hint(new QLabel(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1<br>and can be "
+                           "restored with Tools &rarr; Undo Previous Clean-up.</span>")
+                            .arg(quarantineRoot.toHtmlEscaped())))
+    , m_quarantine(new QRadioButton(tr("Move to quarantine folder (recommended)")))
+    , m_recycleBin(new QRadioButton(tr("Move to the recycle bin")))
+    , m_delete(new QRadioButton(tr("Delete permanently (cannot be undone)")))
+{
+    setWindowTitle(tr("Remove duplicates"));
+    constexpr int leastWidth = 460;
+    setMinimumWidth(leastWidth);
+    auto *change = new QPushButton(tr("Change quarantine folder..."));
+    change->setAutoDefault(false);
+    connect(change, &QPushButton::clicked, this, &RemovalDialog::chooseQuarantineRoot);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(new QLabel(
+        tr("<b>%1 file(s) selected, freeing %2.</b>").arg(QString::number(selection.files), selection.total)));
+    layout->addWidget(createChoices());
+    layout->addWidget(change, 0, Qt::AlignLeft);
+    layout->addWidget(createButtons());
+}
+
+RemovalMode RemovalDialog::mode() const
+{
+    if (m_recycleBin->isChecked())
+        return RemovalMode::RecycleBin;
+    return m_delete->isChecked() ? RemovalMode::Delete : RemovalMode::Quarantine;
+}
+
+QGroupBox *RemovalDialog::createChoices()
+{
+    m_quarantine->setChecked(true);
+    m_hint->setObjectName(u"quarantineHint"_s);
+    m_hint->setTextFormat(Qt::RichText);
+    m_hint->setWordWrap(true);
+    // In line with the text of the button that it explains.
+    m_hint->setIndent(style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth)
+                      + style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing));
+
+    auto *box = new QGroupBox(tr("What should happen to them?"));
+    auto *layout = new QVBoxLayout(box);
+    layout->addWidget(m_quarantine);
+    layout->addWidget(m_hint);
+    layout->addWidget(m_recycleBin);
+    layout->addWidget(m_delete);
+    return box;
+}
+
+QWidget *RemovalDialog::createButtons()
+{
+    auto *box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    box->button(QDialogButtonBox::Ok)->setText(tr("Remove"));
+    connect(box, &QDialogButtonBox::accepted, this, &RemovalDialog::accept);
+    connect(box, &QDialogButtonBox::rejected, this, &RemovalDialog::reject);
+    return box;
+}
+
+void RemovalDialog::chooseQuarantineRoot()
+{
+    const QString folder = QFileDialog::getExistingDirectory(this, tr("Choose a quarantine folder"), m_quarantineRoot);
+    if (folder.isEmpty())
+        return;
+    m_quarantineRoot = folder;
+    m_hint->setText(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1</span>")
+                        .arg(folder.toHtmlEscaped()));
+    Q_EMIT quarantineRootChosen(folder);
+}
+
+} // namespace epr

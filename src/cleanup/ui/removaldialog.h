@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "removal.h"
+
+#include <QDialog>
+
+class QGroupBox;
+class QLabel;
+class QRadioButton;
+
+namespace epr {
+
+/// Asks what should happen to the ticked files.
+class RemovalDialog final : public QDialog {
+    Q_OBJECT
+
+public:
+    struct Selection {
+        qsizetype files = 0;
+        QString total; ///< their size for display
+    };
+
+    RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent = nullptr);
+
+    [[nodiscard]] RemovalMode mode() const;
+    [[nodiscard]] QString quarantineRoot() const { return m_quarantineRoot; }
+
+Q_SIGNALS:
+    void quarantineRootChosen(const QString &folder); ///< at once, whether the dialog is accepted later or not
+
+private:
+    [[nodiscard]] QGroupBox *createChoices();
+    [[nodiscard]] QWidget *createButtons();
+    void chooseQuarantineRoot();
+
+    QString m_quarantineRoot;
+    QLabel *m_hint;
+    QRadioButton *m_quarantine;
+    QRadioButton *m_recycleBin;
+    QRadioButton *m_delete;
+};
+
+} // namespace epr
