@@ -1,13 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "audiobuilder.h"
 #include "deckpair.h"
 #include "qtdecoder.h"
 #include "temporarylibrary.h"
 
+#include <QAudioDevice>
 #include <QMediaDevices>
 #include <QProcess>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -29,25 +30,31 @@ public:
         m_server.waitForFinished();
     }
 
-    /// False where it cannot be had.
-    bool start()
+    /// Nothing happens where it cannot be had.
+    void start()
     {
-        const QString tool = QStandardPaths::findExecutable(u"pulseaudio"_s);
         for (const char *variable : { "XDG_RUNTIME_DIR", "HOME", "XDG_CONFIG_HOME", "PULSE_RUNTIME_PATH" })
             qputenv(variable, QFile::encodeName(m_dir.path()));
         qunsetenv("PULSE_SERVER");
-        if (tool.isEmpty())
-            return false;
-        m_server.start(tool,
-                       { u"-n"_s, u"--daemonize=no"_s, u"--exit-idle-time=-1"_s, u"-L"_s, u"module-null-sink"_s,
-                         u"-L"_s, u"module-native-protocol-unix"_s });
-        return QTest::qWaitFor([this] { return QFile::exists(m_dir.filePath(u"native"_s)); }, 10000);
+        m_server.start(u"pulseaudio"_s,
+                       u"-n --daemonize=no --exit-idle-time=-1 -L module-null-sink "
+                       "-L module-native-protocol-unix"_s.split(u' '));
+        if (m_server.waitForStarted())
+            std::ignore = QTest::qWaitFor([this] { return QFile::exists(m_dir.filePath(u"native"_s)); }, 10000);
     }
 
 private:
     QTemporaryDir m_dir;
     QProcess m_server;
 };
+
+/// 16 bits at 44.1 kHz: players tell their position in steps of the file's packets, which must be short.
+QByteArray stereoWave(int seconds)
+{
+    const QByteArray format = test::little<quint16>(2) + test::little<quint32>(44100) + test::little<quint32>(176400)
+        + test::little<quint16>(4) + test::little<quint16>(16);
+    return test::waveOf('d', 441 * seconds / 20).replace(22, format.size(), format);
+}
 
 } // namespace
 
@@ -57,16 +64,16 @@ class TestPlayback : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        for (const auto &[deck, seconds] : { std::pair(0, 60), std::pair(1, 58) }) {
+        if (QMediaDevices::defaultAudioOutput().isNull())
+            QSKIP("no sound server: pulseaudio is not installed or does not start here");
+        for (const int deck : { 0, 1 }) {
             m_tracks[deck].path = m_dir.filePath(u"%1 \u9759.wav"_s.arg(deck));
-            test::writeFile(m_tracks[deck].path, test::waveOf(char(100), seconds));
+            test::writeFile(m_tracks[deck].path, stereoWave(deck == 0 ? 60 : 40));
         }
-        m_broken.path = m_dir.filePath(u"broken.mp3"_s);
-        test::writeFile(m_broken.path, QByteArray(100000, 'x'));
     }
 
-    // What is checked is the whole of the promise: 140 ms, and what the tick of a second may take to restore it. So the
-    // decks may be further apart in single looks, but not in all those of more than two seconds.
+    // The promise is 140 ms, kept by a look once a second. So single looks may find the decks further apart, but there
+    // must be one in every two seconds that does not, and nearly all must not.
     void linkedDecksStayTogether()
     {
         DeckPair pair;
@@ -74,20 +81,19 @@ private Q_SLOTS:
         pair.setLinked(true);
         pair.playPause();
         QTRY_VERIFY_WITH_TIMEOUT(pair.position(0) > 0 && pair.position(1) > 0, 10000);
-        qint64 worst = 0;
+        QList<qint64> drifts;
         int apart = 0;
-        QElapsedTimer time;
-        time.start();
-        while (time.elapsed() < 30000) {
+        for (const QDeadlineTimer end(30000); !end.hasExpired();) {
             QTest::qWait(100);
-            const qint64 drift = std::abs(pair.position(0) - pair.position(1));
-            worst = std::max(worst, drift);
-            apart = drift > maxDriftMs ? apart + 1 : 0;
-            QVERIFY2(apart <= 25, qPrintable(u"%1 ms apart"_s.arg(drift)));
+            drifts << std::abs(pair.position(0) - pair.position(1));
+            apart = drifts.last() > maxDriftMs ? apart + 1 : 0;
+            QVERIFY2(apart < 20, qPrintable(QDebug::toString(drifts)));
         }
-        QVERIFY(pair.isPlaying(0) && pair.isPlaying(1));
-        QVERIFY(pair.position(0) > 1000);
-        qInfo("worst %lld ms", static_cast<long long>(worst));
+        std::sort(drifts.begin(), drifts.end());
+        const qint64 usual = drifts.at(drifts.size() * 9 / 10);
+        qInfo("90 %% of %lld looks: %lld ms, all: %lld ms", qint64(drifts.size()), usual, drifts.last());
+        QVERIFY(usual <= maxDriftMs);
+        QVERIFY(pair.isPlaying(0) && pair.isPlaying(1) && pair.position(0) > 1000);
     }
 
     void survivesSeeksAndSwaps()
@@ -95,22 +101,46 @@ private Q_SLOTS:
         DeckPair pair;
         loadBoth(pair);
         std::minstd_rand random(11);
-        pair.playPause();
         for (int step = 0; step < 200; ++step) {
-            switch (random() % 8) {
-            case 0: pair.swapMonitor(); break;
-            case 1: pair.setLinked(!pair.isLinked()); break;
-            case 2: pair.playPause(); break;
-            case 3: pair.load(1, pair.track(1)); break;
-            default: pair.seek(int(random() % 2), random() % 70000); break;
-            }
-            QTest::qWait(int(random() % 40));
+            const auto choice = random() % 8;
+            if (choice == 0)
+                pair.setLinked(!pair.isLinked());
+            else if (choice == 1)
+                pair.playPause();
+            else if (choice == 2)
+                pair.load(1, pair.track(1));
+            else if (choice < 5)
+                pair.swapMonitor();
+            else
+                pair.seek(int(random() % 2), random() % 70000); // beyond the end too
+            QTest::qWait(int(random() % 10));
         }
         pair.stop();
-        pair.setLinked(true);
         QVERIFY(!pair.anyPlaying());
+        pair.setLinked(true);
         pair.playPause();
         QTRY_VERIFY_WITH_TIMEOUT(pair.position(0) > 200 && pair.position(1) > 200, 10000);
+    }
+
+    // The same file again while it plays, then one that cannot be played: the other deck goes on.
+    void aReplacedFileLeavesTheOtherDeckAlone()
+    {
+        DeckPair pair;
+        loadBoth(pair);
+        const QSignalSpy messages(&pair, &DeckPair::logMessage);
+        pair.setLinked(true);
+        pair.seek(0, 20000);
+        pair.playPause();
+        pair.load(0, m_tracks[0]);
+        QVERIFY(pair.isPlaying(0) && pair.position(0) >= 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(pair.position(0) > 20200 && pair.position(1) > 20200, 10000);
+        TrackInfo gone;
+        gone.path = m_dir.filePath(u"gone.mp3"_s);
+        pair.load(0, gone);
+        QTRY_COMPARE_WITH_TIMEOUT(messages.size(), 2, 10000);
+        QCOMPARE(messages.at(0).at(0).toString(), u"Deck A: No such file or directory"_s);
+        QCOMPARE(messages.at(1).at(0).toString(), u"Preview: No such file or directory"_s);
+        QVERIFY(!pair.isPlaying(0) && pair.isPlaying(1));
     }
 
 private:
@@ -118,12 +148,11 @@ private:
     {
         for (const int deck : { 0, 1 })
             pair.load(deck, m_tracks[deck]);
-        QTRY_VERIFY(pair.duration(0) == 60000 && pair.duration(1) == 58000);
+        QTRY_VERIFY(pair.duration(0) == 60000 && pair.duration(1) == 40000);
     }
 
     QTemporaryDir m_dir;
     TrackInfo m_tracks[2];
-    TrackInfo m_broken;
 };
 
 int main(int argc, char **argv)

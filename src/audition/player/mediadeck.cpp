@@ -192,7 +192,10 @@ void MediaDeck::onError(const QString &message)
 
 void MediaDeck::setEnded()
 {
-    if (std::exchange(m_ended, true))
+    // Some back-ends load a file in which nothing can be decoded, and reach its end at once.
+    if (duration() == 0 && isUsable())
+        onError(tr("This file has no audio that can be played."));
+    if (m_failed || std::exchange(m_ended, true))
         return;
     m_wantsPlay = false;
     if (m_player.playbackState() != QMediaPlayer::StoppedState)
