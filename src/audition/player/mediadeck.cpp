@@ -19,7 +19,7 @@ MediaDeck::MediaDeck(QObject *parent)
     connect(&m_devices, &QMediaDevices::audioOutputsChanged, this, &MediaDeck::followDevices);
     connect(&m_player, &QMediaPlayer::positionChanged, this, [this] { Q_EMIT positionChanged(position()); });
     connect(&m_player, &QMediaPlayer::durationChanged, this, [this] { Q_EMIT durationChanged(duration()); });
-    connect(&m_player, &QMediaPlayer::playbackStateChanged, this, &MediaDeck::playingChanged);
+    connect(&m_player, &QMediaPlayer::playbackStateChanged, this, &MediaDeck::announcePlaying);
     connect(&m_player, &QMediaPlayer::mediaStatusChanged, this, &MediaDeck::onMediaStatus);
     connect(&m_player, &QMediaPlayer::seekableChanged, this, &MediaDeck::moveWhenPossible);
     connect(&m_player, &QMediaPlayer::errorOccurred, this,
@@ -52,6 +52,18 @@ bool MediaDeck::isPlaying() const
     return m_wantsPlay || (!m_failed && m_player.playbackState() == QMediaPlayer::PlayingState);
 }
 
+bool MediaDeck::isUsable() const
+{
+    return m_loading || (!m_failed && m_player.mediaStatus() != QMediaPlayer::NoMedia);
+}
+
+// Some back-ends say the same several times over, the end of a file above all.
+void MediaDeck::announcePlaying()
+{
+    if (std::exchange(m_announcedPlaying, isPlaying()) != isPlaying())
+        Q_EMIT playingChanged();
+}
+
 // The player would take the same file again for no change, also when the file has become another one meanwhile.
 void MediaDeck::setSource(const QString &path)
 {
@@ -82,8 +94,9 @@ void MediaDeck::openSource(const QString &path)
 
 void MediaDeck::play()
 {
-    if (m_failed || (!m_loading && m_player.mediaStatus() == QMediaPlayer::NoMedia))
+    if (!isUsable())
         return;
+    followDevices();
     if (!m_output)
         return reportNoOutput();
     if (m_ended)
@@ -91,14 +104,14 @@ void MediaDeck::play()
     if (!m_loading)
         return m_player.play();
     m_wantsPlay = true;
-    Q_EMIT playingChanged();
+    announcePlaying();
 }
 
 void MediaDeck::pause()
 {
     if (m_wantsPlay) {
         m_wantsPlay = false;
-        Q_EMIT playingChanged();
+        announcePlaying();
     }
     // A player that has not begun would begin to pause.
     if (m_player.playbackState() == QMediaPlayer::PlayingState)
@@ -113,11 +126,13 @@ void MediaDeck::stop()
     if (m_player.isSeekable())
         m_player.setPosition(0); // also when it stood still elsewhere
     Q_EMIT positionChanged(position());
-    Q_EMIT playingChanged();
+    announcePlaying();
 }
 
 void MediaDeck::setPosition(qint64 positionMs)
 {
+    if (!isUsable())
+        return;
     m_ended = false;
     m_wantedPosition = std::max<qint64>(positionMs, 0);
     moveWhenPossible();
@@ -156,7 +171,7 @@ void MediaDeck::finishLoading()
         m_player.play();
     else if (m_output && !m_ended)
         m_player.pause();
-    Q_EMIT playingChanged();
+    announcePlaying();
 }
 
 // The player may report an error and then play the file, in silence.
@@ -172,16 +187,21 @@ void MediaDeck::onError(const QString &message)
         },
         Qt::QueuedConnection);
     Q_EMIT problem(message);
-    Q_EMIT playingChanged();
+    announcePlaying();
 }
 
 void MediaDeck::setEnded()
 {
-    m_ended = true;
+    // Some back-ends load a file in which nothing can be decoded, and reach its end at once.
+    if (duration() == 0 && isUsable())
+        onError(tr("This file has no audio that can be played."));
+    if (m_failed || std::exchange(m_ended, true))
+        return;
     m_wantsPlay = false;
-    m_player.stop();
+    if (m_player.playbackState() != QMediaPlayer::StoppedState)
+        m_player.stop();
     Q_EMIT positionChanged(position());
-    Q_EMIT playingChanged();
+    announcePlaying();
 }
 
 void MediaDeck::setVolume(float volume)
@@ -191,31 +211,37 @@ void MediaDeck::setVolume(float volume)
         m_output->setVolume(volume);
 }
 
-// A player with an output but no device brings the program down on some back-ends, and one without an output would go
-// on at a speed of its own.
+// Also asked for before playing, because some back-ends do not announce that devices came or went.
 void MediaDeck::followDevices()
 {
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();
-    if (device.isNull()) {
-        if (m_output)
-            loseOutput();
-    } else if (!m_output) {
-        m_output = std::make_unique<QAudioOutput>(device);
+    if (device.isNull() && m_output) {
+        const bool wasPlaying = isPlaying();
+        replaceOutput(nullptr);
+        if (wasPlaying)
+            reportNoOutput();
+    } else if (!device.isNull() && !m_output) {
+        replaceOutput(std::make_unique<QAudioOutput>(device));
         m_output->setVolume(m_volume);
-        m_player.setAudioOutput(m_output.get());
-    } else if (m_output->device() != device) {
+    } else if (m_output && m_output->device() != device) {
         m_output->setDevice(device);
     }
 }
 
-void MediaDeck::loseOutput()
+// A player with an output but no device brings the program down on some back-ends, and one without an output would go
+// on at a speed of its own. One that gets an output with its file already open may take it for ended.
+void MediaDeck::replaceOutput(std::unique_ptr<QAudioOutput> output)
 {
-    const bool wasPlaying = isPlaying();
-    pause();
-    m_player.setAudioOutput(nullptr);
-    m_output.reset();
-    if (wasPlaying)
-        reportNoOutput();
+    const QString path = isUsable() ? m_file.fileName() : QString();
+    const qint64 at = position();
+    m_player.setAudioOutput(nullptr); // first, because unloading may open the device once more
+    setSource({});
+    m_player.setAudioOutput(output.get());
+    m_output = std::move(output);
+    if (path.isEmpty())
+        return;
+    setSource(path);
+    setPosition(at);
 }
 
 void MediaDeck::reportNoOutput()

@@ -44,6 +44,8 @@ Q_SIGNALS:
     void problem(const QString &message);
 
 private:
+    [[nodiscard]] bool isUsable() const;
+    void announcePlaying();
     void openSource(const QString &path);
     void moveWhenPossible();
     void onMediaStatus(QMediaPlayer::MediaStatus status);
@@ -51,11 +53,11 @@ private:
     void onError(const QString &message);
     void setEnded();
     void followDevices();
-    void loseOutput();
+    void replaceOutput(std::unique_ptr<QAudioOutput> output);
     void reportNoOutput();
 
     QMediaDevices m_devices;
-    QFile m_file; ///< open only where the player cannot open it itself
+    QFile m_file; ///< the source, open only where the player cannot open it itself
     std::unique_ptr<QAudioOutput> m_output; ///< null = the system has none
     QMediaPlayer m_player; // after the file and the output, which it uses
     float m_volume = 1.0F;
@@ -64,6 +66,7 @@ private:
     bool m_wantsPlay = false; ///< to begin once the file is loaded
     bool m_failed = false; ///< the file cannot be played
     bool m_ended = false;
+    bool m_announcedPlaying = false;
 };
 
 } // namespace epr

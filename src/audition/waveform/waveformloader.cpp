@@ -29,6 +29,7 @@ WaveformLoader::WaveformLoader(QObject *parent, int watchdogMs)
     m_thread->setObjectName(u"epr-waveform"_s);
     m_worker->moveToThread(m_thread);
     connect(m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    connect(this, &WaveformLoader::requested, m_worker, &WaveformWorker::analyse, Qt::QueuedConnection);
     connect(m_worker, &WaveformWorker::loaded, this, &WaveformLoader::relayEnvelope, Qt::QueuedConnection);
     connect(m_worker, &WaveformWorker::failed, this, &WaveformLoader::relayFailure, Qt::QueuedConnection);
     m_thread->start();
@@ -50,8 +51,7 @@ void WaveformLoader::request(int deck, const QString &path)
 {
     if (!isDeck(deck))
         return;
-    const WaveformRequest request { deck, path, ++m_generations->at(deck) };
-    QMetaObject::invokeMethod(m_worker, [worker = m_worker, request] { worker->analyse(request); });
+    Q_EMIT requested({ deck, path, ++m_generations->at(deck) }, {});
 }
 
 void WaveformLoader::cancel(int deck)

@@ -34,6 +34,7 @@ public:
 Q_SIGNALS:
     void loaded(int deck, const epr::Envelope &envelope);
     void failed(int deck, const QString &error);
+    void requested(const epr::WaveformRequest &request, QPrivateSignal);
 
 private:
     void relayEnvelope(const WaveformRequest &request, const Envelope &envelope);
