@@ -104,6 +104,7 @@ bool CleanupCommand::confirmDeletion(qsizetype files)
 
 void CleanupCommand::remove(const Request &request, RemovalMode mode)
 {
+    Q_EMIT aboutToRemove(request.paths);
     // The lists themselves are only looked at: nothing changes the model while the job runs.
     RemovalPlan plan;
     RemovalResult result;

@@ -40,6 +40,7 @@ Q_SIGNALS:
     void statusMessage(const QString &message);
     void wholeGroupTicked(int group); ///< the group for which a removal was refused
     void quarantineRootChosen(const QString &folder);
+    void aboutToRemove(const QStringList &paths); ///< whoever holds one open must let go of it
     void filesRemoved(); ///< the tree is up to date again; whoever holds one of its files should look whether it exists
 
 private:

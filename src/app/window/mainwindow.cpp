@@ -414,6 +414,7 @@ void MainWindow::connectCleanup()
     connect(m_cleanup, &CleanupCommand::quarantineRootChosen, this,
             [this](const QString &folder) { m_quarantineRoot = folder; });
     connect(m_cleanup, &CleanupCommand::filesRemoved, this, &MainWindow::refreshActions);
+    connect(m_cleanup, &CleanupCommand::aboutToRemove, m_playerDock->player(), &ComparePlayer::release);
     connect(m_cleanup, &CleanupCommand::filesRemoved, m_playerDock->player(), &ComparePlayer::clearVanished);
 }
 

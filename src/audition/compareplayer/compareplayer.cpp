@@ -70,6 +70,14 @@ void ComparePlayer::clear(int deck)
     m_player->clear(deck);
 }
 
+void ComparePlayer::release(const QStringList &paths)
+{
+    for (const int deck : { 0, 1 }) {
+        if (m_player->hasFile(deck) && paths.contains(m_player->track(deck).path))
+            clear(deck);
+    }
+}
+
 void ComparePlayer::clearVanished()
 {
     for (const int deck : { 0, 1 }) {

@@ -31,6 +31,8 @@ public:
     void load(int deck, const TrackInfo &track);
     void loadIntoFreeDeck(const TrackInfo &track); ///< an empty one first, else the one that is not heard
     void clear(int deck);
+    void
+    release(const QStringList &paths); ///< takes these files out of the decks: a playing one cannot be moved everywhere
     void clearVanished(); ///< the decks whose file is no longer there
 
 public Q_SLOTS:
