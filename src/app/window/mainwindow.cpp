@@ -40,7 +40,6 @@ MainWindow::MainWindow(QWidget *parent)
     , m_results(new ResultsModel(this))
 {
     setWindowTitle(metadata::applicationName());
-    setWindowIcon(QIcon(u":/icons/appicon.png"_s));
     createPanels();
     createLogDock();
     createActions();
