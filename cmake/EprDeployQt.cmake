@@ -45,17 +45,7 @@ foreach(library IN ITEMS libstdc++-6.dll libwinpthread-1.dll)
 endforeach()
 
 install(CODE "
-  set(CMAKE_GET_RUNTIME_DEPENDENCIES_PLATFORM windows+pe)
-  set(CMAKE_GET_RUNTIME_DEPENDENCIES_TOOL objdump)
-  set(CMAKE_GET_RUNTIME_DEPENDENCIES_COMMAND \"${CMAKE_OBJDUMP}\")
-  file(GET_RUNTIME_DEPENDENCIES
-    EXECUTABLES \"$<TARGET_FILE:echoprune>\" \"$<TARGET_FILE:echoprune-scan>\"
-    MODULES ${epr_plugins}
-    DIRECTORIES \"${epr_qt_bin}\" ${epr_runtime_folders}
-    RESOLVED_DEPENDENCIES_VAR libraries
-    UNRESOLVED_DEPENDENCIES_VAR missing)
-  list(FILTER missing INCLUDE REGEX \"^([Qq]t6|lib)\") # what is left is the system's
-  if(missing)
-    message(FATAL_ERROR \"Libraries not found: \${missing}\")
-  endif()
-  file(INSTALL \${libraries} DESTINATION \"\${CMAKE_INSTALL_PREFIX}\")")
+  include(\"${CMAKE_CURRENT_LIST_DIR}/EprCopyLibraries.cmake\")
+  epr_copy_libraries(\"\${CMAKE_INSTALL_PREFIX}\" OBJDUMP \"${CMAKE_OBJDUMP}\"
+    BINARIES \"$<TARGET_FILE:echoprune>\" \"$<TARGET_FILE:echoprune-scan>\" ${epr_plugins}
+    FOLDERS \"${epr_qt_bin}\" ${epr_runtime_folders})")

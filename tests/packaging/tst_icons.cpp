@@ -28,7 +28,8 @@ private Q_SLOTS:
         const QImage rendering(file);
         QCOMPARE(rendering.size(), QSize(size, size));
         const QImage shown = epr::startup::applicationIcon().pixmap(QSize(size, size), 1.0).toImage();
-        QCOMPARE(shown.convertToFormat(QImage::Format_ARGB32), rendering.convertToFormat(QImage::Format_ARGB32));
+        constexpr QImage::Format format = QImage::Format_ARGB32_Premultiplied; // what a pixmap stores
+        QCOMPARE(shown.convertToFormat(format), rendering.convertToFormat(format));
     }
 
     void theLogoIsSharpAtTwiceItsSize()
