@@ -309,7 +309,7 @@ private Q_SLOTS:
         chooseFromMenu(window, 1, u"playMember"_s);
         QCOMPARE(m_opened, QUrl::fromLocalFile(u"/music/<two> & more.mp3"_s));
         chooseFromMenu(window, 1, u"openMemberFolder"_s);
-        QCOMPARE(m_opened, QUrl::fromLocalFile(QFileInfo(u"/music"_s).absoluteFilePath())); // a drive in front on Windows
+        QCOMPARE(m_opened, QUrl::fromLocalFile(QFileInfo(u"/music"_s).absoluteFilePath())); // on Windows with a drive
         chooseFromMenu(window, 1, u"copyMemberPath"_s);
         QCOMPARE(QGuiApplication::clipboard()->text(), QDir::toNativeSeparators(u"/music/<two> & more.mp3"_s));
         QCOMPARE(labelOf(window, u"statusLabel"_s), u"Path copied to clipboard."_s);

@@ -154,7 +154,8 @@ private Q_SLOTS:
         controller.disconnect(this);
         const Outcome next = scan(controller, m_options);
         QVERIFY(next.log.contains(u"Reused 5 cached analysis results."_s));
-        QVERIFY(next.log.contains(u"Fingerprinting 3 file(s) on 1 thread(s) using built-in analysis, ffmpeg decode."_s));
+        QVERIFY(
+            next.log.contains(u"Fingerprinting 3 file(s) on 1 thread(s) using built-in analysis, ffmpeg decode."_s));
     }
 
     // Every file but a touched one gets other content under its size and time: reading it would show.
