@@ -21,13 +21,15 @@ target_compile_definitions(epr_flags INTERFACE
 )
 
 if(MSVC)
-  target_compile_options(epr_flags INTERFACE /W4 /permissive- /utf-8 $<$<BOOL:${EPR_WERROR}>:/WX>)
+  set(epr_warnings /W4 /permissive- /utf-8 $<$<BOOL:${EPR_WERROR}>:/WX>)
 else()
-  target_compile_options(epr_flags INTERFACE
+  set(epr_warnings
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
     -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wold-style-cast
     $<$<BOOL:${EPR_WERROR}>:-Werror>)
 endif()
+# The compilers of Windows resources know none of them.
+target_compile_options(epr_flags INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:${epr_warnings}>")
 
 if(EPR_SANITIZE)
   target_compile_options(epr_flags INTERFACE -fsanitize=${EPR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

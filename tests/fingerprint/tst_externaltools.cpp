@@ -27,6 +27,12 @@ class TestExternalTools : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init()
+    {
+        if (!hasStandIns && qstrcmp(QTest::currentTestFunction(), "fpcalcOutputIsParsed") != 0)
+            QSKIP("The stand-ins for the tools are shell scripts");
+    }
+
     void fpcalcOutputIsParsed()
     {
         const std::tuple<QByteArrayView, QList<quint32>, qint64> cases[] = {

@@ -50,6 +50,8 @@ private Q_SLOTS:
     // fails on files that say so in their name and is the real tool otherwise.
     void initTestCase()
     {
+        if (!hasStandIns)
+            QSKIP("The stand-ins for the tools are shell scripts");
         registerMetaTypes();
         qputenv("EPR_FPCALC", QFile::encodeName(makeStandIn(path(u"fpcalc"_s), ". \"$4\"")));
         const QByteArray ffmpeg = "case \"$*\" in *undecodable*) echo broken >&2; exit 1;; esac; exec ffmpeg \"$@\"";

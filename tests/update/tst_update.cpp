@@ -13,6 +13,7 @@
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QSslServer>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -136,6 +137,10 @@ private Q_SLOTS:
 
     void redirectsNeverDowngrade()
     {
+#ifdef Q_OS_WIN // where the set-up does not bring it
+        if (QStandardPaths::findExecutable(u"openssl"_s).isEmpty())
+            QSKIP("openssl is not installed");
+#endif
         // For the loopback address, and trusted by this process alone.
         const QString options = u"req -x509 -nodes -newkey rsa:2048 -keyout key.pem -out certificate.pem"_s;
         QProcess openssl;

@@ -9,15 +9,14 @@
 #include <QApplication>
 #include <QIcon>
 
-using namespace Qt::StringLiterals;
-
 int main(int argc, char *argv[])
 {
     epr::preferFfmpegMediaBackend();
     const QApplication application(argc, argv);
     epr::metadata::applyToApplication();
     epr::startup::loadResources();
-    QApplication::setWindowIcon(QIcon(u":/icons/appicon.png"_s));
+    QApplication::setWindowIcon(epr::startup::applicationIcon());
+    QApplication::setDesktopFileName(epr::metadata::desktopId());
     epr::registerMetaTypes();
     const epr::startup::Arguments arguments = epr::startup::processArguments(QApplication::arguments());
     epr::startup::applyLook();

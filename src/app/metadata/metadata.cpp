@@ -19,9 +19,14 @@ QString productIdentifier()
     return u"echoprune"_s;
 }
 
+QString desktopId()
+{
+    return u"example.quorvane.echoprune"_s;
+}
+
 QString version()
 {
-    return u"1.0.0"_s;
+    return QStringLiteral(EPR_VERSION);
 }
 
 QString buildDate()

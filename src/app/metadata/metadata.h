@@ -9,6 +9,7 @@ namespace epr::metadata {
 
 [[nodiscard]] QString applicationName();
 [[nodiscard]] QString productIdentifier(); ///< the name in lower case
+[[nodiscard]] QString desktopId(); ///< the name of the desktop entry on Linux
 [[nodiscard]] QString version();
 [[nodiscard]] QString buildDate(); ///< ISO 8601
 [[nodiscard]] QString organisationName();

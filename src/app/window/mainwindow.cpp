@@ -47,7 +47,6 @@ MainWindow::MainWindow(QWidget *parent)
     , m_results(new ResultsModel(this))
 {
     setWindowTitle(metadata::applicationName());
-    setWindowIcon(QIcon(u":/icons/appicon.png"_s));
     createPanels();
     createDocks();
     createActions();

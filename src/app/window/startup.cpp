@@ -8,6 +8,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
+#include <QIcon>
 #include <QPalette>
 #include <QStandardPaths>
 
@@ -72,6 +73,14 @@ void applyLook()
     QFile sheet(u":/style/app.qss"_s);
     if (sheet.open(QIODevice::ReadOnly | QIODevice::Text))
         qApp->setStyleSheet(QString::fromUtf8(sheet.readAll()));
+}
+
+QIcon applicationIcon()
+{
+    QIcon icon(u":/icons/appicon.png"_s);
+    for (const int size : { 16, 20, 24, 32, 40, 48, 64, 128 })
+        icon.addFile(u":/icons/appicon-%1.png"_s.arg(size), QSize(size, size));
+    return icon;
 }
 
 void createDataFolder()

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+QT_FORWARD_DECLARE_CLASS(QIcon)
+
 /// The steps of the program's start that the entry point calls one after the other.
 namespace epr::startup {
 
@@ -21,6 +23,9 @@ void loadResources();
 
 /// Gives the application its colours and its style sheet; without the latter it goes on with the default look.
 void applyLook();
+
+/// The program's icon in every size that has a drawing or a rendering of its own.
+[[nodiscard]] QIcon applicationIcon();
 
 /// Where the analysis cache and the undo records live. A failure shows when they are opened.
 void createDataFolder();

@@ -1,0 +1,37 @@
+# SPDX-FileCopyrightText: 2026 The Echoprune developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# What "cmake --install" puts where. On Windows everything lies in one folder, because a program finds its libraries
+# and plugins, and ours its ffmpeg folder, beside itself.
+include(GNUInstallDirs)
+
+set(epr_texts README.md CHANGELOG.md LICENSE)
+list(TRANSFORM epr_texts PREPEND "${PROJECT_SOURCE_DIR}/")
+
+if(WIN32)
+  install(TARGETS echoprune echoprune-scan RUNTIME DESTINATION .)
+  install(FILES ${epr_texts} DESTINATION .)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION .)
+  include(EprDeployQt)
+  return()
+endif()
+
+install(TARGETS echoprune echoprune-scan RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+
+set(linux "${PROJECT_SOURCE_DIR}/packaging/linux")
+set(id example.quorvane.echoprune)
+install(FILES "${linux}/${id}.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
+install(FILES "${linux}/${id}.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
+install(FILES "${linux}/echoprune.1" "${linux}/echoprune-scan.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+
+set(resources "${PROJECT_SOURCE_DIR}/resources")
+set(hicolor "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
+foreach(size IN ITEMS 16 24 32 48 64 128) # the sizes that the icon theme has folders for
+  install(FILES "${resources}/icons/appicon-${size}.png" DESTINATION "${hicolor}/${size}x${size}/apps" RENAME echoprune.png)
+endforeach()
+install(FILES "${resources}/appicon.png" DESTINATION "${hicolor}/256x256/apps" RENAME echoprune.png)
+install(FILES "${resources}/appicon.svg" DESTINATION "${hicolor}/scalable/apps" RENAME echoprune.svg)
+
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${linux}/copyright"
+  DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
