@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "compareplayer.h"
 #include "folderpanel.h"
 #include "mainwindow.h"
 #include "metadata.h"
@@ -323,6 +324,48 @@ private Q_SLOTS:
         chooseFromMenu(window, 1, u"File details..."_s);
         QVERIFY(box.text.contains("&lt;two&gt; &amp; more.mp3"_L1));
         QVERIFY(box.text.contains("c0ffee"_L1) && box.text.contains("not computed"_L1));
+    }
+
+    void reviewNeedsNoMouse()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        showTwoCopies(window);
+        const auto press = [](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+            QTest::keyClick(QApplication::focusWidget()->window()->windowHandle(), key, modifiers);
+        };
+        const QAbstractItemModel *rows = treeOf(window)->model();
+        const auto kept = [rows] { return rows->index(1, ResultsModel::MatchColumn, rows->index(0, 0)).data(); };
+        press(Qt::Key_F, Qt::ControlModifier);
+        for (const Qt::Key letter : { Qt::Key_A, Qt::Key_B })
+            press(letter); // letters, although they also switch decks
+        QCOMPARE(window.findChild<QLineEdit *>(u"filterEdit"_s)->text(), u"ab"_s);
+        press(Qt::Key_Escape);
+        press(Qt::Key_Down, Qt::ControlModifier);
+        press(Qt::Key_Down);
+        QVERIFY(labelOf(window, u"summaryLabel"_s).contains("removal: 1 file(s)"_L1));
+        press(Qt::Key_Space);
+        QVERIFY(labelOf(window, u"summaryLabel"_s).contains("removal: 0 file(s)"_L1));
+        press(Qt::Key_K, Qt::ControlModifier);
+        QCOMPARE(kept(), u"KEEP"_s);
+        auto *player = window.findChild<ComparePlayer *>();
+        press(Qt::Key_1, Qt::ControlModifier);
+        QCOMPARE(player->track(0).path, u"/music/<two> & more.mp3"_s);
+        press(Qt::Key_Up);
+        press(Qt::Key_Return); // the free deck
+        QCOMPARE(player->track(1).path, u"/music/one.mp3"_s);
+        press(Qt::Key_B);
+        QCOMPARE(player->monitor(), 1);
+        press(Qt::Key_X);
+        QCOMPARE(player->monitor(), 0);
+        press(Qt::Key_Return, Qt::ControlModifier); // the kept copy on deck A, the current one on deck B
+        QCOMPARE(player->track(0).path, u"/music/<two> & more.mp3"_s);
+        SeenBox box;
+        answerNextBox(QMessageBox::Ok, &box);
+        press(Qt::Key_Return, Qt::AltModifier);
+        QCOMPARE(box.title, u"File details"_s);
+        QCOMPARE(window.focusWidget(), treeOf(window));
     }
 
 private:

@@ -16,7 +16,6 @@ ActivityLog::ActivityLog(QWidget *parent)
     setObjectName(u"activityLog"_s);
     setReadOnly(true);
     setUndoRedoEnabled(false);
-    setLineWrapMode(NoWrap);
     setTabChangesFocus(true);
     setAccessibleName(tr("Activity Log"));
 }

@@ -5,6 +5,7 @@
 #include "displaytext.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QLocale>
 #include <QMessageBox>
 
@@ -36,7 +37,7 @@ QString line(QString name, const QString &value)
 QString fileDetailsHtml(const TrackInfo &track)
 {
     QString lines = line(FileDetails::tr("File"), track.fileName);
-    lines += line(FileDetails::tr("Folder"), folderOf(track));
+    lines += line(FileDetails::tr("Folder"), QDir::toNativeSeparators(folderOf(track)));
     lines += line(FileDetails::tr("Artist"), displayArtist(track));
     lines += line(FileDetails::tr("Title"), displayTitle(track));
     lines += line(FileDetails::tr("Album"), track.album);

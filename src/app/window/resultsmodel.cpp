@@ -6,6 +6,7 @@
 #include "matchcolour.h"
 #include "searchtext.h"
 
+#include <QDir>
 #include <QGuiApplication>
 #include <QLocale>
 #include <QPalette>
@@ -349,7 +350,7 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
     case ModifiedColumn:
         return QLocale().toString(track.mtime, u"d MMM yyyy h:mm ap"_s);
     case FolderColumn:
-        return folderOf(track);
+        return QDir::toNativeSeparators(folderOf(track));
     default:
         return {};
     }
@@ -358,7 +359,7 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
 QVariant ResultsModel::memberToolTip(const TrackInfo &track, int column) const
 {
     if (column == FolderColumn)
-        return folderOf(track);
+        return QDir::toNativeSeparators(folderOf(track));
     if (column != FileColumn)
         return {};
     return track.error.isEmpty() ? track.path : tr("%1\n\nNote: %2").arg(track.path, track.error);

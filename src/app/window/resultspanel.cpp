@@ -160,8 +160,7 @@ QString ResultsPanel::hintText() const
     case State::Finished:
         break;
     }
-    return m_results->groups().isEmpty() ? tr("No duplicates in these folders.")
-                                         : tr("No copy matches the filter.");
+    return m_results->groups().isEmpty() ? tr("No duplicates in these folders.") : tr("No copy matches the filter.");
 }
 
 } // namespace epr

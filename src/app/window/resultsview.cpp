@@ -37,24 +37,27 @@ void ResultsView::setHint(const QString &text)
 
 void ResultsView::goToGroup(int step)
 {
-    if (!model() || model()->rowCount() == 0)
-        return;
-    const QModelIndex current = currentIndex();
-    const QModelIndex group = current.parent().isValid() ? current.parent() : current;
-    const int wanted = group.isValid() ? group.row() + step : 0;
-    const QModelIndex next = model()->index(std::clamp(wanted, 0, model()->rowCount() - 1), ResultsModel::FileColumn);
-    expand(next);
     setFocus(Qt::ShortcutFocusReason);
-    setCurrentIndex(model()->index(0, ResultsModel::FileColumn, next));
-    scrollTo(model()->index(model()->rowCount(next) - 1, ResultsModel::FileColumn, next)); // the whole group in sight
-    scrollTo(next);
+    setCurrentGroup(m_currentGroup < 0 ? 0 : m_currentGroup + step);
 }
 
 void ResultsView::reset()
 {
     QTreeView::reset();
     expandAll();
-    m_hint->setVisible(!model() || model()->rowCount() == 0);
+    const bool isEmpty = !model() || model()->rowCount() == 0;
+    m_hint->setVisible(isEmpty);
+    if (isEmpty)
+        m_currentGroup = -1;
+    else if (m_currentGroup >= 0)
+        setCurrentGroup(m_currentGroup);
+}
+
+void ResultsView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QTreeView::currentChanged(current, previous);
+    if (current.isValid())
+        m_currentGroup = current.parent().isValid() ? current.parent().row() : current.row();
 }
 
 // Ticks in many groups at once change neither heights nor children, which is what the base class would go through row
@@ -138,6 +141,18 @@ void ResultsView::toggleCurrent()
         return;
     const bool ticked = cell.data(Qt::CheckStateRole).toInt() == Qt::Checked;
     model()->setData(cell, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+}
+
+// The first copy of the group, with the whole group in sight where there is room for it.
+void ResultsView::setCurrentGroup(int row)
+{
+    if (!model() || model()->rowCount() == 0)
+        return;
+    const QModelIndex group = model()->index(std::clamp(row, 0, model()->rowCount() - 1), ResultsModel::FileColumn);
+    expand(group);
+    setCurrentIndex(model()->index(0, ResultsModel::FileColumn, group));
+    scrollTo(model()->index(model()->rowCount(group) - 1, ResultsModel::FileColumn, group));
+    scrollTo(group);
 }
 
 bool ResultsView::isOnMember() const

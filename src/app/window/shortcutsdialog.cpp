@@ -4,6 +4,7 @@
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -25,6 +26,16 @@ QString withoutMnemonic(QString text)
 
 /// What is being filled: headings over rows of a command and its key.
 struct ShortcutsDialog::Column {
+    explicit Column(QHBoxLayout *columns)
+        : grid(new QGridLayout)
+    {
+        auto *column = new QVBoxLayout;
+        column->addLayout(grid);
+        column->addStretch();
+        columns->addLayout(column);
+        grid->setHorizontalSpacing(24);
+    }
+
     QGridLayout *grid;
 
     void addHeading(const QString &text)
@@ -51,10 +62,15 @@ ShortcutsDialog::ShortcutsDialog(const QMenuBar *menuBar, QWidget *parent)
 {
     setWindowTitle(tr("Keyboard shortcuts"));
     auto *content = new QWidget;
-    Column column { new QGridLayout(content) };
-    column.grid->setHorizontalSpacing(3 * fontMetrics().averageCharWidth());
-    addMenus(column, menuBar);
-    addResultsKeys(column);
+    auto *columns = new QHBoxLayout(content);
+    columns->setSpacing(6 * fontMetrics().averageCharWidth());
+    const QList<QAction *> menus = menuBar->actions();
+    constexpr int menusOnTheLeft = 4; // with which both columns are about as long
+    Column left(columns);
+    addMenus(left, menus.first(qMin(menusOnTheLeft, menus.size())));
+    Column right(columns);
+    addMenus(right, menus.sliced(qMin(menusOnTheLeft, menus.size())));
+    addResultsKeys(right);
 
     auto *scroll = new QScrollArea; // takes the focus, so that the arrow keys scroll
     scroll->setWidget(content);
@@ -69,9 +85,8 @@ ShortcutsDialog::ShortcutsDialog(const QMenuBar *menuBar, QWidget *parent)
     resize(wanted.boundedTo(screen()->availableSize() * 4 / 5));
 }
 
-void ShortcutsDialog::addMenus(Column &column, const QMenuBar *menuBar)
+void ShortcutsDialog::addMenus(Column &column, const QList<QAction *> &menus)
 {
-    const QList<QAction *> menus = menuBar->actions();
     for (const QAction *menu : menus) {
         bool hasHeading = false;
         const QList<QAction *> actions = menu->menu() ? menu->menu()->actions() : QList<QAction *>();

@@ -19,8 +19,8 @@ public:
 
 private:
     struct Column;
-    void addMenus(Column &column, const QMenuBar *menuBar);
-    void addResultsKeys(Column &column);
+    static void addMenus(Column &column, const QList<QAction *> &menus);
+    static void addResultsKeys(Column &column);
 };
 
 } // namespace epr
