@@ -209,12 +209,15 @@ void ScanController::discoverFiles(Scan &scan)
         Q_EMIT logMessage(tr("Discovered %1 audio files.").arg(scan.paths.size()));
 }
 
+// One transaction for all look-ups: otherwise each one locks and unlocks the database.
 void ScanController::checkCache(Scan &scan)
 {
     Q_EMIT phaseChanged(tr("Checking cache"));
     const qsizetype total = scan.paths.size();
     qsizetype reused = 0;
     scan.tracks.reserve(total);
+    if (scan.cache)
+        scan.cache->beginTransaction();
     for (qsizetype i = 0; i < total; ++i) {
         if (i % filesPerCacheReport == 0) {
             Q_EMIT progress(static_cast<int>(i), static_cast<int>(total), tr("Checked %1 of %2").arg(i).arg(total));
@@ -227,6 +230,8 @@ void ScanController::checkCache(Scan &scan)
         else
             scan.work.append(i);
     }
+    if (scan.cache)
+        scan.cache->commitTransaction();
     if (reused > 0)
         Q_EMIT logMessage(tr("Reused %1 cached analysis results.").arg(reused));
     logCacheError(scan, tr("The analysis cache could not be read (%1)."));
