@@ -72,14 +72,16 @@ constexpr auto replaceRow =
 QByteArray toBlob(const QList<quint32> &words)
 {
     QByteArray blob(words.size() * 4, Qt::Uninitialized);
-    qToLittleEndian<quint32>(words.constData(), words.size(), blob.data());
+    for (qsizetype i = 0; i < words.size(); ++i)
+        qToLittleEndian(words.at(i), blob.data() + i * 4);
     return blob;
 }
 
 QList<quint32> fromBlob(const QByteArray &blob)
 {
     QList<quint32> words(blob.size() / 4);
-    qFromLittleEndian<quint32>(blob.constData(), words.size(), words.data());
+    for (qsizetype i = 0; i < words.size(); ++i)
+        words[i] = qFromLittleEndian<quint32>(blob.constData() + i * 4);
     return words;
 }
 
