@@ -139,7 +139,8 @@ private Q_SLOTS:
         controller.disconnect(this);
         const Outcome next = scan(controller, m_options);
         QVERIFY(next.log.contains(u"Reused 5 cached analysis results."_s));
-        QVERIFY(next.log.contains(u"Fingerprinting 3 file(s) on 1 thread(s) using built-in analysis, ffmpeg decode."_s));
+        QVERIFY(
+            next.log.contains(u"Fingerprinting 3 file(s) on 1 thread(s) using built-in analysis, ffmpeg decode."_s));
     }
 
     // Every file but a touched one gets other content under its size and time: reading it would show.
@@ -195,6 +196,24 @@ private Q_SLOTS:
             QCOMPARE(outcome.phases, phases.first(phases.indexOf(phase) + 1));
         }
         QVERIFY2(scan(controller, m_options).groups.size() == 1, "the next scan starts afresh");
+    }
+
+    // More files than are measured at a time.
+    void checksInSlices()
+    {
+        for (int i = 0; i < 600; ++i)
+            writeFile(path(u"many/%1.wav"_s.arg(i)), "x");
+        ScanController controller;
+        QStringList expected = discover(m_options, 0);
+        expected.removeOne(path(u"short.wav"_s));
+        for (const TrackInfo &track : scan(controller, m_options).tracks)
+            QCOMPARE(track.path, expected.takeFirst());
+        QVERIFY(expected.isEmpty());
+        connect(&controller, &ScanController::progress, this, [&](int, int, const QString &detail) {
+            if (detail == "Checked 512 of 605"_L1)
+                controller.cancel();
+        });
+        QVERIFY(scan(controller, m_options).cancelled);
     }
 
     // Files that are long to hash and, where they can be sparse, quick to write.
