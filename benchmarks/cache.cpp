@@ -2,23 +2,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 // What checking an unchanged library against the analysis cache costs, against the walk that finds its files. Both are
-// called as a scan calls them, and take turns; the shortest processor time of three rounds counts.
+// called as a scan calls them, and take turns; the median of five rounds counts, of wall and of processor time. A ratio
+// is that of one round.
 //
 //   bench_cache [FILES [ROWS]]      100,000 files unless given; ROWS more than FILES adds rows of files that are gone
 
 #include "analysiscache.h"
 #include "discovery.h"
 #include "fileanalysis.h"
+#include "measureahead.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTextStream>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <ctime>
-#include <limits>
 
 using namespace epr;
 using namespace Qt::StringLiterals;
@@ -62,14 +65,16 @@ void fillCache(AnalysisCache &cache, const QStringList &paths)
 // The records are kept, as the matching that follows needs them.
 QList<TrackInfo> check(AnalysisCache &cache, const QStringList &paths)
 {
+    QThreadPool pool;
     QList<TrackInfo> tracks;
     tracks.reserve(paths.size());
     cache.beginTransaction();
-    for (const QString &path : paths) {
-        tracks.append(measureFile(path));
-        TrackInfo cached = tracks.last();
-        if (cache.lookup(cached, 0))
-            tracks.last() = std::move(cached);
+    for (MeasureAhead files(paths, &pool); !files.atEnd();) {
+        const QList<TrackInfo> measured = files.take();
+        QList<TrackInfo> cached = measured;
+        cache.lookupAll(cached, 0);
+        for (TrackInfo &track : cached)
+            tracks.append(std::move(track));
     }
     cache.commitTransaction();
     return tracks;
@@ -83,12 +88,26 @@ QStringList walk(const ScanOptions &options)
         options, cancelFlag, [](int, const QString &) {}, &undecodable);
 }
 
-template <typename Task> double seconds(Task task)
+// In seconds; processor time is that of all threads together.
+struct Cost {
+    double wall = 0;
+    double processor = 0;
+};
+
+template <typename Task> Cost costOf(Task task)
 {
-    const std::clock_t start = std::clock();
+    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t processorStart = std::clock();
     task();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    return { std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
+             static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC };
 }
+
+struct Round {
+    Cost walk;
+    Cost check;
+    Cost measuring; // the part of the check that asks the file system
+};
 
 double memoryMiB(const QByteArray &field)
 {
@@ -121,21 +140,36 @@ void reportMemory(AnalysisCache &cache, const QStringList &paths, QTextStream &o
         << memoryMiB("RssAnon:") - anonymousBefore << " MiB of it anonymous, records included\n";
 }
 
-void reportTimes(AnalysisCache &cache, const QStringList &paths, const ScanOptions &options, QTextStream &out)
+// The records are thrown away after the clock has stopped: a scan goes on to use them.
+Round timedRound(AnalysisCache &cache, const QStringList &paths, const ScanOptions &options)
 {
-    double walkS = std::numeric_limits<double>::infinity();
-    double checkS = walkS;
-    double measureS = walkS;
-    for (int round = 0; round < 3; ++round) {
-        walkS = std::min(walkS, seconds([&] { Q_UNUSED(walk(options)) }));
-        checkS = std::min(checkS, seconds([&] { Q_UNUSED(check(cache, paths)) }));
-        measureS = std::min(measureS, seconds([&] {
-                                for (const QString &path : paths)
-                                    Q_UNUSED(measureFile(path).mtime.toSecsSinceEpoch())
-                            }));
-    }
-    out << "walk " << walkS << " s, check " << checkS << " s (measuring the files alone " << measureS << " s), ratio "
-        << checkS / walkS << '\n';
+    Round round;
+    round.walk = costOf([&] { Q_UNUSED(walk(options)) });
+    QList<TrackInfo> tracks;
+    round.check = costOf([&] { tracks = check(cache, paths); });
+    tracks.clear();
+    round.measuring = costOf([&] {
+        for (const QString &path : paths)
+            Q_UNUSED(measureFile(path).mtime.toSecsSinceEpoch())
+    });
+    return round;
+}
+
+template <typename Figure> double median(const QList<Round> &rounds, Figure figure)
+{
+    QList<double> figures;
+    for (const Round &round : rounds)
+        figures.append(figure(round));
+    std::sort(figures.begin(), figures.end());
+    return figures.at(figures.size() / 2);
+}
+
+void reportTimes(const QList<Round> &rounds, double Cost::*time, QTextStream &out)
+{
+    out << "walk " << median(rounds, [time](const Round &round) { return round.walk.*time; }) << " s, check "
+        << median(rounds, [time](const Round &round) { return round.check.*time; }) << " s (measuring the files alone "
+        << median(rounds, [time](const Round &round) { return round.measuring.*time; }) << " s), ratio "
+        << median(rounds, [time](const Round &round) { return round.check.*time / (round.walk.*time); }) << '\n';
 }
 
 } // namespace
@@ -162,14 +196,20 @@ int main(int argc, char *argv[])
     AnalysisCache cache;
     if (!cache.open())
         qFatal("Cannot open the cache");
-    const double storeS = seconds([&] { fillCache(cache, cached); });
+    const double storeS = costOf([&] { fillCache(cache, cached); }).processor;
     if (!cache.open()) // afresh, as a scan finds it
         qFatal("Cannot open the cache");
 
     out << paths.size() << " files, " << cache.count() << " rows, " << cache.fileSize() / 1048576
         << " MiB of cache; storing all rows " << storeS << " s\n";
     reportMemory(cache, paths, out);
-    reportTimes(cache, paths, options, out);
+    QList<Round> rounds;
+    for (int i = 0; i < 5; ++i)
+        rounds.append(timedRound(cache, paths, options));
+    out << "wall time: ";
+    reportTimes(rounds, &Cost::wall, out);
+    out << "processor time: ";
+    reportTimes(rounds, &Cost::processor, out);
     const QList<TrackInfo> tracks = check(cache, paths);
     const auto hits = std::count_if(tracks.cbegin(), tracks.cend(),
                                     [](const TrackInfo &track) { return (track.flags & TrackFromCache) != 0; });
