@@ -1,19 +1,27 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// What looking up an unchanged library in the analysis cache costs, against the walk that finds its files.
+// What checking an unchanged library against the analysis cache costs, against the walk that finds its files. Both are
+// called as a scan calls them, and take turns; the median of five rounds counts, of wall and of processor time. A ratio
+// is that of one round.
 //
-//   bench_cache [FILES]      100,000 unless given
+//   bench_cache [FILES [ROWS]]      100,000 files unless given; ROWS more than FILES adds rows of files that are gone
 
 #include "analysiscache.h"
 #include "discovery.h"
 #include "fileanalysis.h"
+#include "measureahead.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTextStream>
+#include <QThreadPool>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <ctime>
 
 using namespace epr;
 using namespace Qt::StringLiterals;
@@ -54,14 +62,114 @@ void fillCache(AnalysisCache &cache, const QStringList &paths)
     cache.commitTransaction();
 }
 
-int countHits(AnalysisCache &cache, const QStringList &paths)
+// The records are kept, as the matching that follows needs them.
+QList<TrackInfo> check(AnalysisCache &cache, const QStringList &paths)
 {
-    int hits = 0;
-    for (const QString &path : paths) {
-        TrackInfo track = measureFile(path);
-        hits += cache.lookup(track, 0) ? 1 : 0;
+    QThreadPool pool;
+    QList<TrackInfo> tracks;
+    tracks.reserve(paths.size());
+    cache.beginTransaction();
+    for (MeasureAhead files(paths, &pool); !files.atEnd();) {
+        const QList<TrackInfo> measured = files.take();
+        QList<TrackInfo> cached = measured;
+        cache.lookupAll(cached, 0);
+        for (TrackInfo &track : cached)
+            tracks.append(std::move(track));
     }
-    return hits;
+    cache.commitTransaction();
+    return tracks;
+}
+
+QStringList walk(const ScanOptions &options)
+{
+    const std::atomic<qint32> cancelFlag = 0;
+    int undecodable = 0;
+    return discover(
+        options, cancelFlag, [](int, const QString &) {}, &undecodable);
+}
+
+// In seconds; processor time is that of all threads together.
+struct Cost {
+    double wall = 0;
+    double processor = 0;
+};
+
+template <typename Task> Cost costOf(Task task)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t processorStart = std::clock();
+    task();
+    return { std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
+             static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC };
+}
+
+struct Round {
+    Cost walk;
+    Cost check;
+    Cost measuring; // the part of the check that asks the file system
+};
+
+double memoryMiB(const QByteArray &field)
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
+        if (line.startsWith(field))
+            return line.mid(field.size()).simplified().split(' ').value(0).toDouble() / 1024;
+    }
+    return 0;
+}
+
+// The kernel then counts the peak afresh.
+void forgetPeak()
+{
+    QFile file(u"/proc/self/clear_refs"_s);
+    if (!file.open(QIODevice::WriteOnly) || file.write("5") != 1)
+        qFatal("Cannot reset the peak");
+}
+
+// In the first round only: later ones reuse memory that the process already holds.
+void reportMemory(AnalysisCache &cache, const QStringList &paths, QTextStream &out)
+{
+    forgetPeak();
+    const double before = memoryMiB("VmRSS:");
+    const double anonymousBefore = memoryMiB("RssAnon:");
+    const QList<TrackInfo> tracks = check(cache, paths);
+    out << "check adds " << memoryMiB("VmHWM:") - before << " MiB at its peak, "
+        << memoryMiB("RssAnon:") - anonymousBefore << " MiB of it anonymous, records included\n";
+}
+
+// The records are thrown away after the clock has stopped: a scan goes on to use them.
+Round timedRound(AnalysisCache &cache, const QStringList &paths, const ScanOptions &options)
+{
+    Round round;
+    round.walk = costOf([&] { Q_UNUSED(walk(options)) });
+    QList<TrackInfo> tracks;
+    round.check = costOf([&] { tracks = check(cache, paths); });
+    tracks.clear();
+    round.measuring = costOf([&] {
+        for (const QString &path : paths)
+            Q_UNUSED(measureFile(path).mtime.toSecsSinceEpoch())
+    });
+    return round;
+}
+
+template <typename Figure> double median(const QList<Round> &rounds, Figure figure)
+{
+    QList<double> figures;
+    for (const Round &round : rounds)
+        figures.append(figure(round));
+    std::sort(figures.begin(), figures.end());
+    return figures.at(figures.size() / 2);
+}
+
+void reportTimes(const QList<Round> &rounds, double Cost::*time, QTextStream &out)
+{
+    out << "walk " << median(rounds, [time](const Round &round) { return round.walk.*time; }) << " s, check "
+        << median(rounds, [time](const Round &round) { return round.check.*time; }) << " s (measuring the files alone "
+        << median(rounds, [time](const Round &round) { return round.measuring.*time; }) << " s), ratio "
+        << median(rounds, [time](const Round &round) { return round.check.*time / (round.walk.*time); }) << '\n';
 }
 
 } // namespace
@@ -73,6 +181,7 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     const int files = arguments.size() > 1 ? arguments.at(1).toInt() : 100000;
+    const int rows = arguments.size() > 2 ? arguments.at(2).toInt() : files;
 
     QTextStream out(stdout);
     makeLibrary(folder.filePath(u"library"_s), files);
@@ -80,21 +189,30 @@ int main(int argc, char *argv[])
     options.minBytes = 0;
     options.roots = QStringList { folder.filePath(u"library"_s) };
 
-    QElapsedTimer clock;
-    clock.start();
-    const QStringList paths = discover(options, 0);
-    const qint64 walkMs = clock.restart();
-
+    const QStringList paths = walk(options);
+    QStringList cached = paths;
+    for (int i = files; i < rows; ++i)
+        cached.append(folder.filePath(u"gone/A track with an ordinary name %1.mp3"_s.arg(i)));
     AnalysisCache cache;
     if (!cache.open())
         qFatal("Cannot open the cache");
-    fillCache(cache, paths);
-    const qint64 storeMs = clock.restart();
-    const int hits = countHits(cache, paths);
-    const qint64 checkMs = clock.elapsed();
+    const double storeS = costOf([&] { fillCache(cache, cached); }).processor;
+    if (!cache.open()) // afresh, as a scan finds it
+        qFatal("Cannot open the cache");
 
-    out << paths.size() << " files, " << cache.fileSize() / 1048576 << " MiB of cache, " << hits << " hits\n"
-        << "walk " << walkMs << " ms, check " << checkMs << " ms, ratio "
-        << static_cast<double>(checkMs) / static_cast<double>(walkMs) << "; storing all " << storeMs << " ms\n";
+    out << paths.size() << " files, " << cache.count() << " rows, " << cache.fileSize() / 1048576
+        << " MiB of cache; storing all rows " << storeS << " s\n";
+    reportMemory(cache, paths, out);
+    QList<Round> rounds;
+    for (int i = 0; i < 5; ++i)
+        rounds.append(timedRound(cache, paths, options));
+    out << "wall time: ";
+    reportTimes(rounds, &Cost::wall, out);
+    out << "processor time: ";
+    reportTimes(rounds, &Cost::processor, out);
+    const QList<TrackInfo> tracks = check(cache, paths);
+    const auto hits = std::count_if(tracks.cbegin(), tracks.cend(),
+                                    [](const TrackInfo &track) { return (track.flags & TrackFromCache) != 0; });
+    out << hits << " hits\n";
     return hits == files ? 0 : 1;
 }

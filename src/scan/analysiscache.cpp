@@ -2,23 +2,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
 
+#include "cacherow.h"
+
 #include <QDir>
 #include <QFileInfo>
+#include <QMultiHash>
 #include <QSqlError>
 #include <QStandardPaths>
 #include <QUuid>
 #include <QVariant>
-#include <QtEndian>
+
+#include <algorithm>
+#include <utility>
 
 namespace epr {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Rows of any other layout are not read. The table's own default stays 1, the layout of files that did not yet write
-// the number, so that their rows never pass for current ones.
-constexpr qint32 layoutVersion = 4;
 
 // A row written by another program instance is awaited this long before the cache is given up for the moment.
 constexpr auto connectOptions = "QSQLITE_BUSY_TIMEOUT=2000"_L1;
@@ -31,36 +32,18 @@ constexpr auto createTable =
     "engine INTEGER NOT NULL DEFAULT 0, schema_version INTEGER NOT NULL DEFAULT 1, analysed_at INTEGER)"_L1;
 constexpr auto createIndex = "CREATE INDEX IF NOT EXISTS idx_tracks_audio ON tracks(audio_hash)"_L1;
 
+// In the order of CacheColumn.
 constexpr auto selectRow =
     "SELECT size, mtime, full_hash, audio_hash, title, artist, album, album_artist, genre, year, comment, "
     "track_no, duration_ms, bitrate, sample_rate, channels, fingerprint, fingerprint_mask, fingerprint_alt, "
     "fingerprint_alt_mask, schema_version, engine FROM tracks WHERE path = ?"_L1;
+constexpr auto selectRows =
+    "SELECT size, mtime, full_hash, audio_hash, title, artist, album, album_artist, genre, year, comment, "
+    "track_no, duration_ms, bitrate, sample_rate, channels, fingerprint, fingerprint_mask, fingerprint_alt, "
+    "fingerprint_alt_mask, schema_version, engine, path FROM tracks WHERE path IN (%1)"_L1;
 
-// Positions in the result of selectRow.
-enum Column {
-    SizeColumn,
-    MtimeColumn,
-    FullHashColumn,
-    AudioHashColumn,
-    TitleColumn,
-    ArtistColumn,
-    AlbumColumn,
-    AlbumArtistColumn,
-    GenreColumn,
-    YearColumn,
-    CommentColumn,
-    TrackNoColumn,
-    DurationColumn,
-    BitrateColumn,
-    SampleRateColumn,
-    ChannelsColumn,
-    FingerprintColumn,
-    FingerprintMaskColumn,
-    FingerprintAltColumn,
-    FingerprintAltMaskColumn,
-    SchemaVersionColumn,
-    EngineColumn,
-};
+// The driver describes all columns afresh at every execution, which costs more than finding and reading a row.
+constexpr std::size_t pathsPerQuery = 256;
 
 constexpr auto replaceRow =
     "INSERT OR REPLACE INTO tracks (path,size,mtime,full_hash,audio_hash,title,artist, "
@@ -68,80 +51,9 @@ constexpr auto replaceRow =
     "channels,fingerprint,fingerprint_mask,fingerprint_alt,fingerprint_alt_mask, "
     "engine,schema_version,analysed_at) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"_L1;
 
-// Words are kept least significant byte first, whatever the processor. An empty list is an empty blob and not a NULL.
-QByteArray toBlob(const QList<quint32> &words)
+QString placeholders(std::size_t count)
 {
-    QByteArray blob(words.size() * 4, Qt::Uninitialized);
-    for (qsizetype i = 0; i < words.size(); ++i)
-        qToLittleEndian(words.at(i), blob.data() + i * 4);
-    return blob;
-}
-
-QList<quint32> fromBlob(const QByteArray &blob)
-{
-    QList<quint32> words(blob.size() / 4);
-    for (qsizetype i = 0; i < words.size(); ++i)
-        words[i] = qFromLittleEndian<quint32>(blob.constData() + i * 4);
-    return words;
-}
-
-bool isCurrent(const QSqlQuery &row, const TrackInfo &track, qint32 engine)
-{
-    return row.value(SizeColumn).toLongLong() == track.size
-        && row.value(MtimeColumn).toLongLong() == track.mtime.toSecsSinceEpoch()
-        && row.value(SchemaVersionColumn).toInt() == layoutVersion && row.value(EngineColumn).toInt() == engine;
-}
-
-void readRow(const QSqlQuery &row, TrackInfo &track)
-{
-    track.fullHash = row.value(FullHashColumn).toString();
-    track.audioHash = row.value(AudioHashColumn).toString();
-    track.title = row.value(TitleColumn).toString();
-    track.artist = row.value(ArtistColumn).toString();
-    track.album = row.value(AlbumColumn).toString();
-    track.albumArtist = row.value(AlbumArtistColumn).toString();
-    track.genre = row.value(GenreColumn).toString();
-    track.year = row.value(YearColumn).toString();
-    track.comment = row.value(CommentColumn).toString();
-    track.trackNo = row.value(TrackNoColumn).toInt();
-    track.durationMs = row.value(DurationColumn).toLongLong();
-    track.bitrateKbps = row.value(BitrateColumn).toInt();
-    track.sampleRate = row.value(SampleRateColumn).toInt();
-    track.channels = row.value(ChannelsColumn).toInt();
-    track.fingerprint = fromBlob(row.value(FingerprintColumn).toByteArray());
-    track.fingerprintMask = fromBlob(row.value(FingerprintMaskColumn).toByteArray());
-    track.fingerprintAlt = fromBlob(row.value(FingerprintAltColumn).toByteArray());
-    track.fingerprintAltMask = fromBlob(row.value(FingerprintAltMaskColumn).toByteArray());
-    track.analysed = true;
-    track.flags |= TrackFromCache;
-}
-
-QVariantList rowOf(const TrackInfo &track, qint32 engine)
-{
-    return { track.path,
-             track.size,
-             track.mtime.toSecsSinceEpoch(),
-             track.fullHash,
-             track.audioHash,
-             track.title,
-             track.artist,
-             track.album,
-             track.albumArtist,
-             track.genre,
-             track.year,
-             track.comment,
-             track.trackNo,
-             track.durationMs,
-             track.bitrateKbps,
-             track.sampleRate,
-             track.channels,
-             toBlob(track.fingerprint),
-             toBlob(track.fingerprintMask),
-             toBlob(track.fingerprintAlt),
-             toBlob(track.fingerprintAltMask),
-             engine,
-             layoutVersion,
-             QDateTime::currentSecsSinceEpoch() };
+    return QStringList(static_cast<qsizetype>(count), u"?"_s).join(u',');
 }
 
 bool execute(const QSqlDatabase &db, const QString &statement, QString *error)
@@ -223,8 +135,13 @@ bool AnalysisCache::prepareStatements(QString *error)
 {
     m_lookup.emplace(m_db);
     m_lookup->setForwardOnly(true);
+    m_lookupMany.emplace(m_db);
+    m_lookupMany->setForwardOnly(true);
     m_store.emplace(m_db);
-    for (const auto &[query, statement] : { std::pair(&*m_lookup, selectRow), std::pair(&*m_store, replaceRow) }) {
+    for (const auto &[query, statement] :
+         { std::pair(&*m_lookup, QString(selectRow)),
+           std::pair(&*m_lookupMany, QString(selectRows).arg(placeholders(pathsPerQuery))),
+           std::pair(&*m_store, QString(replaceRow)) }) {
         if (query->prepare(statement))
             continue;
         if (error)
@@ -238,6 +155,7 @@ bool AnalysisCache::prepareStatements(QString *error)
 void AnalysisCache::close()
 {
     m_lookup.reset();
+    m_lookupMany.reset();
     m_store.reset();
     if (m_db.isOpen())
         m_db.close();
@@ -256,20 +174,53 @@ bool AnalysisCache::lookup(TrackInfo &track, qint32 engine)
         noteError(m_lookup->lastError().text());
         return false;
     }
-    const bool hit = m_lookup->next() && isCurrent(*m_lookup, track, engine);
+    const bool hit = m_lookup->next() && isCurrentCacheRow(*m_lookup, track, engine);
     if (hit)
-        readRow(*m_lookup, track);
+        readCacheRow(*m_lookup, track);
     else if (m_lookup->lastError().isValid())
         noteError(m_lookup->lastError().text());
     m_lookup->finish(); // an unfinished read would keep the write-ahead log from being folded back
     return hit;
 }
 
+void AnalysisCache::lookupAll(std::span<TrackInfo> tracks, qint32 engine)
+{
+    while (!tracks.empty() && isOpen() && m_error.isEmpty()) {
+        const auto batch = tracks.first(std::min(tracks.size(), pathsPerQuery));
+        lookupBatch(batch, engine);
+        tracks = tracks.subspan(batch.size());
+    }
+}
+
+// The rows come in the database's order and so are assigned by their paths.
+void AnalysisCache::lookupBatch(std::span<TrackInfo> tracks, qint32 engine)
+{
+    QMultiHash<QStringView, TrackInfo *> wanted;
+    wanted.reserve(pathsPerQuery);
+    for (TrackInfo &track : tracks) {
+        wanted.insert(track.path, &track);
+        m_lookupMany->addBindValue(track.path);
+    }
+    for (std::size_t i = tracks.size(); i < pathsPerQuery; ++i)
+        m_lookupMany->addBindValue(QVariant()); // equals no path
+    m_lookupMany->exec();
+    while (m_lookupMany->next()) {
+        const QString path = m_lookupMany->value(CachePathColumn).toString();
+        for (auto [entry, end] = wanted.equal_range(path); entry != end; ++entry) {
+            if (isCurrentCacheRow(*m_lookupMany, **entry, engine))
+                readCacheRow(*m_lookupMany, **entry);
+        }
+    }
+    if (m_lookupMany->lastError().isValid())
+        noteError(m_lookupMany->lastError().text());
+    m_lookupMany->finish();
+}
+
 void AnalysisCache::store(const TrackInfo &track, qint32 engine)
 {
     if (!isOpen() || !m_error.isEmpty() || track.path.isEmpty())
         return;
-    const QVariantList values = rowOf(track, engine);
+    const QVariantList values = cacheRowOf(track, engine);
     for (const QVariant &value : values)
         m_store->addBindValue(value);
     if (!m_store->exec())

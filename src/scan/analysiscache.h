@@ -8,6 +8,7 @@
 #include <QSqlQuery>
 
 #include <optional>
+#include <span>
 
 namespace epr {
 
@@ -35,6 +36,8 @@ public:
 
     /// Completes a measured record from the row of its path; false when there is no row or it no longer holds.
     [[nodiscard]] bool lookup(TrackInfo &track, qint32 engine);
+    /// The same for many records at a fraction of the cost. What was found says so by TrackFromCache in its flags.
+    void lookupAll(std::span<TrackInfo> tracks, qint32 engine);
     void store(const TrackInfo &track, qint32 engine);
     void beginTransaction();
     void commitTransaction();
@@ -51,6 +54,7 @@ private:
     bool openConnection(QString *error);
     bool createSchema(QString *error);
     bool prepareStatements(QString *error);
+    void lookupBatch(std::span<TrackInfo> tracks, qint32 engine);
     void removeRows(const QStringList &paths);
     void noteError(const QString &text);
 
@@ -58,6 +62,7 @@ private:
     QString m_filePath;
     QString m_connectionName;
     std::optional<QSqlQuery> m_lookup; ///< prepared once, for the life of the connection
+    std::optional<QSqlQuery> m_lookupMany;
     std::optional<QSqlQuery> m_store;
     QString m_error;
 };

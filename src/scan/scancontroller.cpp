@@ -9,6 +9,7 @@
 #include "fileanalysis.h"
 #include "fingerprintpool.h"
 #include "fpcalc.h"
+#include "measureahead.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -22,7 +23,6 @@ namespace epr {
 
 namespace {
 
-constexpr qsizetype filesPerCacheReport = 512;
 constexpr int eventBudgetMs = 40; // of one polling round
 constexpr unsigned long pollPauseMs = 50;
 
@@ -102,27 +102,31 @@ struct ScanController::Scan {
     bool cancelled = false;
     QElapsedTimer clock;
 
-    bool reuseAnalysis(TrackInfo &track) const;
+    void addTracks(const QList<TrackInfo> &measured);
     void dropFingerprints();
 };
 
-// Completes a measured record from the cache. An analysis that an earlier scan made with fewer methods is not enough:
-// a file without a digest would match nothing. What the analysis does not repeat, above all the fingerprint, is still
-// good.
-bool ScanController::Scan::reuseAnalysis(TrackInfo &track) const
+// Completes measured records from the cache and keeps them. An analysis that an earlier scan made with fewer methods is
+// not enough: a file without a digest would match nothing. What the analysis does not repeat, above all the
+// fingerprint, is still good.
+void ScanController::Scan::addTracks(const QList<TrackInfo> &measured)
 {
-    if (!cache)
-        return false;
-    TrackInfo cached = track;
-    if (!cache->lookup(cached, options.fingerprintEngine))
-        return false;
-    if (!hasWantedDigests(cached, options)) {
-        takeDigestsAndFingerprint(track, cached);
-        return false;
+    QList<TrackInfo> cached = measured;
+    if (cache)
+        cache->lookupAll(cached, options.fingerprintEngine);
+    for (qsizetype i = 0; i < measured.size(); ++i) {
+        const bool found = (cached.at(i).flags & TrackFromCache) != 0;
+        if (found && hasWantedDigests(cached.at(i), options)) {
+            tracks.append(std::move(cached[i]));
+            TrackInfo &track = tracks.last();
+            track.analysed = !options.detectAcoustic || hasUsableFingerprint(track, options.fingerprintEngine);
+            continue;
+        }
+        work.append(tracks.size());
+        tracks.append(measured.at(i));
+        if (found)
+            takeDigestsAndFingerprint(tracks.last(), cached.at(i));
     }
-    cached.analysed = !options.detectAcoustic || hasUsableFingerprint(cached, options.fingerprintEngine);
-    track = std::move(cached);
-    return true;
 }
 
 ScanController::ScanController(QObject *parent)
@@ -209,24 +213,23 @@ void ScanController::discoverFiles(Scan &scan)
         Q_EMIT logMessage(tr("Discovered %1 audio files.").arg(scan.paths.size()));
 }
 
+// One transaction for all look-ups: otherwise each one locks and unlocks the database.
 void ScanController::checkCache(Scan &scan)
 {
     Q_EMIT phaseChanged(tr("Checking cache"));
     const qsizetype total = scan.paths.size();
-    qsizetype reused = 0;
     scan.tracks.reserve(total);
-    for (qsizetype i = 0; i < total; ++i) {
-        if (i % filesPerCacheReport == 0) {
-            Q_EMIT progress(static_cast<int>(i), static_cast<int>(total), tr("Checked %1 of %2").arg(i).arg(total));
-            if (isCancelled())
-                break;
-        }
-        scan.tracks.append(measureFile(scan.paths.at(i)));
-        if (scan.reuseAnalysis(scan.tracks.last()))
-            ++reused;
-        else
-            scan.work.append(i);
+    if (scan.cache)
+        scan.cache->beginTransaction();
+    for (MeasureAhead files(scan.paths, &m_analysisPool); !files.atEnd(); scan.addTracks(files.take())) {
+        const qsizetype done = files.position();
+        Q_EMIT progress(static_cast<int>(done), static_cast<int>(total), tr("Checked %1 of %2").arg(done).arg(total));
+        if (isCancelled())
+            break;
     }
+    if (scan.cache)
+        scan.cache->commitTransaction();
+    const qsizetype reused = scan.tracks.size() - scan.work.size();
     if (reused > 0)
         Q_EMIT logMessage(tr("Reused %1 cached analysis results.").arg(reused));
     logCacheError(scan, tr("The analysis cache could not be read (%1)."));

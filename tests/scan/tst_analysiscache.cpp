@@ -104,9 +104,44 @@ private Q_SLOTS:
         expected.mtime = track.mtime;
         if (hit)
             expected.flags = TrackFromCache;
+        TrackInfo batched = track;
+        cache.lookupAll({ &batched, 1 }, 1);
+        QCOMPARE(batched, expected);
         QCOMPARE(cache.lookup(track, 1), hit);
         QCOMPARE(track, expected);
         QCOMPARE(cache.count(), 1); // a row that does not hold is left in place
+    }
+
+    // More than one query asks for, in an order that is not the database's; every third path has no row.
+    void looksUpManyAtOnce()
+    {
+        constexpr int files = 600;
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        QList<TrackInfo> tracks;
+        QList<TrackInfo> expected;
+        cache.beginTransaction();
+        for (int i = files; i > 0; --i) {
+            TrackInfo track = analysed(u"/m/%1.mp3"_s.arg(i == 7 ? 8 : i)); // one path twice
+            track.durationMs = i == 7 ? 8 : i;
+            track.flags = TrackFromCache;
+            if (i % 3 != 0)
+                cache.store(track, 0);
+            tracks.append(measured(track.path));
+            expected.append(i % 3 != 0 ? track : tracks.last());
+        }
+        cache.commitTransaction();
+        cache.lookupAll(tracks, 0);
+        QVERIFY(cache.takeError().isEmpty());
+        QCOMPARE(tracks, expected);
+
+        tracks = { measured(u"/m/8.mp3"_s) };
+        otherProgram("ALTER TABLE tracks RENAME TO elsewhere");
+        cache.lookupAll(tracks, 0);
+        QVERIFY(tracks.first() == measured(u"/m/8.mp3"_s) && cache.takeError().contains("no such table"_L1));
+        otherProgram("ALTER TABLE elsewhere RENAME TO tracks");
+        cache.lookupAll(tracks, 0);
+        QVERIFY(tracks.first().analysed && cache.takeError().isEmpty());
     }
 
     void sharesItsFile()

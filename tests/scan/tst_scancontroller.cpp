@@ -213,6 +213,24 @@ private Q_SLOTS:
         QVERIFY2(scan(controller, m_options).groups.size() == 1, "the next scan starts afresh");
     }
 
+    // More files than are measured at a time.
+    void checksInSlices()
+    {
+        for (int i = 0; i < 600; ++i)
+            writeFile(path(u"many/%1.wav"_s.arg(i)), "x");
+        ScanController controller;
+        QStringList expected = discover(m_options, 0);
+        expected.removeOne(path(u"short.wav"_s));
+        for (const TrackInfo &track : scan(controller, m_options).tracks)
+            QCOMPARE(track.path, expected.takeFirst());
+        QVERIFY(expected.isEmpty());
+        connect(&controller, &ScanController::progress, this, [&](int, int, const QString &detail) {
+            if (detail == "Checked 512 of 605"_L1)
+                controller.cancel();
+        });
+        QVERIFY(scan(controller, m_options).cancelled);
+    }
+
     // Files that are long to hash and, where they can be sparse, quick to write.
     void cancelledAnalysisIsKept()
     {
