@@ -10,9 +10,9 @@ namespace epr {
 EmptyHint::EmptyHint(QAbstractScrollArea *view)
     : QLabel(view->viewport())
 {
-    constexpr int margin = 24;
+    constexpr int sideMargin = 24;
     setAlignment(Qt::AlignCenter);
-    setMargin(margin);
+    setContentsMargins(sideMargin, 0, sideMargin, 0); // the list may be only a few lines high
     setWordWrap(true);
     setForegroundRole(QPalette::PlaceholderText);
     setAttribute(Qt::WA_TransparentForMouseEvents);

@@ -34,6 +34,7 @@ struct ShortcutsDialog::Column {
         column->addStretch();
         columns->addLayout(column);
         grid->setHorizontalSpacing(24);
+        grid->setVerticalSpacing(6);
     }
 
     QGridLayout *grid;
