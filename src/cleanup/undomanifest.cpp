@@ -6,6 +6,7 @@
 #include "manifestjson.h"
 #include "nativefile.h"
 #include "undojournal.h"
+#include "writeerror.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -113,10 +114,9 @@ bool writeManifest(const QString &path, const UndoManifest &manifest, QString *e
     QSaveFile file(path);
     const QByteArray json = QJsonDocument(toJson(manifest)).toJson(QJsonDocument::Indented);
     // Committing alone would put a file in place of which the end is missing on a full disk.
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(json) == json.size()
-        && nativefile::flushToDisk(file) && file.commit();
-    if (!written) {
-        *error = file.errorString();
+    const bool opened = file.open(QIODevice::WriteOnly);
+    if (!opened || file.write(json) != json.size() || !nativefile::flushToDisk(file) || !file.commit()) {
+        *error = opened ? writeErrorOf(file) : file.errorString();
         return false;
     }
     nativefile::flushFolderToDisk(QFileInfo(path).path());
