@@ -114,9 +114,10 @@ bool writeManifest(const QString &path, const UndoManifest &manifest, QString *e
     QSaveFile file(path);
     const QByteArray json = QJsonDocument(toJson(manifest)).toJson(QJsonDocument::Indented);
     // Committing alone would put a file in place of which the end is missing on a full disk.
-    const bool opened = file.open(QIODevice::WriteOnly);
-    if (!opened || file.write(json) != json.size() || !nativefile::flushToDisk(file) || !file.commit()) {
-        *error = opened ? writeErrorOf(file) : file.errorString();
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(json) == json.size()
+        && nativefile::flushToDisk(file) && file.commit();
+    if (!written) {
+        *error = writeErrorOf(file);
         return false;
     }
     nativefile::flushFolderToDisk(QFileInfo(path).path());

@@ -10,8 +10,10 @@ namespace epr {
 /// the system says why when one more is tried.
 [[nodiscard]] inline QString writeErrorOf(QFileDevice &file)
 {
-    file.write("\n");
-    file.flush();
+    if (file.isOpen()) {
+        file.write("\n");
+        file.flush();
+    }
     return file.errorString();
 }
 
