@@ -110,9 +110,10 @@ bool QuarantineRun::claim(const QString &runName)
     if (!m_journal.create(journalPath))
         return !entryExists(journalPath) && fail(cannotWrite.arg(m_journal.errorString()));
     QString error;
-    if (!QDir().mkdir(runFolder)) {
+    // Another run may have come and gone since the look at the names.
+    if (entryExists(manifestPath) || !QDir().mkdir(runFolder)) {
         m_journal.remove();
-        return !entryExists(runFolder)
+        return !entryExists(manifestPath) && !entryExists(runFolder)
             && fail(QCoreApplication::translate("epr::Cleanup", "the folder %1 cannot be made").arg(runFolder));
     }
     if (!writeManifest(manifestPath, m_manifest, &error)) {

@@ -4,6 +4,7 @@
 
 #include "manifestjson.h"
 #include "nativefile.h"
+#include "writeerror.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -55,7 +56,9 @@ QList<ManifestEntry> UndoJournal::read(const QString &path)
 bool UndoJournal::create(const QString &path)
 {
     m_file.setFileName(path);
-    return m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
+    const bool created = m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
+    m_error = m_file.errorString();
+    return created;
 }
 
 bool UndoJournal::appendIntended(const QList<ManifestEntry> &moves)
@@ -73,7 +76,10 @@ bool UndoJournal::appendReplaced(const QString &givenUpDestination, const Manife
 
 bool UndoJournal::append(const QByteArray &lines)
 {
-    return m_file.write(lines) == lines.size() && nativefile::flushToDisk(m_file);
+    if (m_file.write(lines) == lines.size() && nativefile::flushToDisk(m_file))
+        return true;
+    m_error = writeErrorOf(m_file);
+    return false;
 }
 
 void UndoJournal::remove()

@@ -20,7 +20,8 @@ public:
     /// nothing that it speaks of was tried.
     [[nodiscard]] static QList<ManifestEntry> read(const QString &path);
 
-    [[nodiscard]] QString errorString() const { return m_file.errorString(); }
+    /// Of the last call that failed.
+    [[nodiscard]] QString errorString() const { return m_error; }
 
     /// Fails if the file exists.
     [[nodiscard]] bool create(const QString &path);
@@ -36,6 +37,7 @@ private:
     [[nodiscard]] bool append(const QByteArray &lines);
 
     QFile m_file;
+    QString m_error;
 };
 
 } // namespace epr

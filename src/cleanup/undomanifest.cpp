@@ -6,6 +6,7 @@
 #include "manifestjson.h"
 #include "nativefile.h"
 #include "undojournal.h"
+#include "writeerror.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -116,7 +117,7 @@ bool writeManifest(const QString &path, const UndoManifest &manifest, QString *e
     const bool written = file.open(QIODevice::WriteOnly) && file.write(json) == json.size()
         && nativefile::flushToDisk(file) && file.commit();
     if (!written) {
-        *error = file.errorString();
+        *error = writeErrorOf(file);
         return false;
     }
     nativefile::flushFolderToDisk(QFileInfo(path).path());

@@ -77,8 +77,10 @@ bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo
     if (out.status() == QTextStream::Ok && file.commit())
         return true;
     // A write that was cut short is an "Unknown error"; the system says why when one more is tried.
-    file.write("\n");
-    file.flush();
+    if (file.isOpen()) {
+        file.write("\n");
+        file.flush();
+    }
     *error = file.errorString();
     return false;
 }

@@ -31,6 +31,25 @@ private Q_SLOTS:
 #endif
     }
 
+    void insideIsTheFolderOrBelow()
+    {
+        Sandbox box;
+        box.add(u"music/a.mp3"_s);
+        const auto inside = [&box](const QString &folder, const QString &root) {
+            return isInside(box.inLibrary(folder), { box.path(u"data"_s), box.inLibrary(root) });
+        };
+        for (const QString &folder : { u"music"_s, u"music/"_s, u"music/not/there"_s, u"q/../music/q"_s })
+            QVERIFY2(inside(folder, u"music"_s) && inside(folder, u"music/"_s), qPrintable(folder));
+        for (const QString &folder : { u"music2"_s, u"mus"_s, u"."_s, u"music/../q"_s, u"music/q/../.."_s })
+            QVERIFY2(!inside(folder, u"music"_s), qPrintable(folder));
+        for (const QString &folder : { box.library(), QDir::rootPath() })
+            QVERIFY(isInside(folder, { QDir::rootPath() }) && !isInside(folder, {}));
+#ifdef Q_OS_UNIX
+        box.addLink(u"music"_s, u"link"_s);
+        QVERIFY(inside(u"link/q"_s, u"music"_s) && inside(u"music/q"_s, u"link"_s));
+#endif
+    }
+
     void changedFilesAreTakenOut()
     {
         Sandbox box;

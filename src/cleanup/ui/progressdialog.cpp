@@ -80,7 +80,7 @@ void ProgressDialog::refresh()
     m_bar->setValue(static_cast<int>(state.index));
     m_count->setText(tr("File %1 of %2").arg(state.index + 1).arg(state.total));
     m_file->setText(m_file->fontMetrics().elidedText(state.path, Qt::ElideMiddle, m_file->width()));
-    m_file->setToolTip(state.path.toHtmlEscaped());
+    m_file->setToolTip("<span>"_L1 + state.path.toHtmlEscaped() + "</span>"_L1); // escapes show without a tag
 }
 
 } // namespace epr
