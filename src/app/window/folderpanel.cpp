@@ -3,6 +3,7 @@
 #include "folderpanel.h"
 
 #include "emptyhint.h"
+#include "plainbox.h"
 
 #include <QAction>
 #include <QDir>
@@ -69,7 +70,7 @@ bool FolderPanel::addFolder(const QString &path)
     if (path.isEmpty() || !QFileInfo(absolute).isDir() || folders().contains(absolute))
         return false;
     m_list->addItem(absolute);
-    m_list->item(m_list->count() - 1)->setToolTip(absolute);
+    m_list->item(m_list->count() - 1)->setToolTip(plainToolTip(absolute));
     m_hint->hide();
     return true;
 }

@@ -3,6 +3,7 @@
 #include "plainbox.h"
 
 #include <QMessageBox>
+#include <QTextDocument>
 
 namespace epr {
 
@@ -37,6 +38,11 @@ bool askYesOrNo(QWidget *parent, const QString &title, const QString &question)
     QMessageBox box(QMessageBox::Question, title, question, QMessageBox::Yes | QMessageBox::No, parent);
     box.setTextFormat(Qt::PlainText);
     return box.exec() == QMessageBox::Yes;
+}
+
+QString plainToolTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpacePre) : text;
 }
 
 } // namespace epr

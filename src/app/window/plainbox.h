@@ -16,4 +16,7 @@ void showWarning(QWidget *parent, const QString &title, const QString &text);
 void showCritical(QWidget *parent, const QString &title, const QString &text);
 [[nodiscard]] bool askYesOrNo(QWidget *parent, const QString &title, const QString &question);
 
+/// The same for a tool tip: text that would be taken for markup is escaped, any other comes back as it is.
+[[nodiscard]] QString plainToolTip(const QString &text);
+
 } // namespace epr

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultsdelegate.h"
 
+#include "plainbox.h"
 #include "resultsmodel.h"
 
 #include <QAbstractItemView>
@@ -24,7 +25,7 @@ bool ResultsDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, cons
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     const QRect cell = view->visualRect(index);
     const bool isCut = sizeHint(option, index).width() > cell.width();
-    QToolTip::showText(event->globalPos(), isCut ? index.data().toString() : QString(), view->viewport(), cell);
+    QToolTip::showText(event->globalPos(), isCut ? plainToolTip(index.data().toString()) : QString(), view->viewport(), cell);
     return isCut;
 }
 

@@ -4,6 +4,7 @@
 
 #include "displaytext.h"
 #include "matchcolour.h"
+#include "plainbox.h"
 #include "searchtext.h"
 
 #include <QDir>
@@ -359,10 +360,10 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
 QVariant ResultsModel::memberToolTip(const TrackInfo &track, int column) const
 {
     if (column == FolderColumn)
-        return QDir::toNativeSeparators(folderOf(track));
+        return plainToolTip(QDir::toNativeSeparators(folderOf(track)));
     if (column != FileColumn)
         return {};
-    return track.error.isEmpty() ? track.path : tr("%1\n\nNote: %2").arg(track.path, track.error);
+    return plainToolTip(track.error.isEmpty() ? track.path : tr("%1\n\nNote: %2").arg(track.path, track.error));
 }
 
 // One pass over the bits, with the totals counted along the way.
