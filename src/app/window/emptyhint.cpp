@@ -12,7 +12,7 @@ EmptyHint::EmptyHint(QAbstractScrollArea *view)
 {
     constexpr int margin = 24;
     setAlignment(Qt::AlignCenter);
-    setMargin(margin);
+    setContentsMargins(margin, 0, margin, 0); // none above and below: a list of two lines has no room for them
     setWordWrap(true);
     setForegroundRole(QPalette::PlaceholderText);
     setAttribute(Qt::WA_TransparentForMouseEvents);
