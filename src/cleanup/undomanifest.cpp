@@ -103,8 +103,9 @@ QString describeManifest(const QString &path)
     QString error;
     const UndoManifest manifest = readManifest(path, &error).value_or(UndoManifest());
     const QDateTime created = QDateTime::fromString(manifest.createdAt, Qt::ISODate);
-    const QString when =
-        created.isValid() ? QLocale().toString(created, u"d MMM yyyy h:mm ap"_s) : QFileInfo(path).fileName();
+    const QString when = created.isValid()
+        ? QLocale().toString(created, QCoreApplication::translate("epr::Cleanup", "d MMM yyyy h:mm ap"))
+        : QFileInfo(path).fileName();
     return QCoreApplication::translate("epr::Cleanup", "%1 - %2 file(s)")
         .arg(when, QString::number(manifest.entries.size()));
 }

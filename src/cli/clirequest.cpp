@@ -35,10 +35,9 @@ constexpr std::array<SwitchOption, 5> switchOptions { {
     { "cache", QT_TRANSLATE_NOOP("epr::Cli", "Reuse and remember analysis results."), &ScanOptions::useCache },
 } };
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("epr::Cli", text);
-}
+struct Cli {
+    Q_DECLARE_TR_FUNCTIONS(epr::Cli)
+};
 
 QString offName(const SwitchOption &option)
 {
@@ -48,22 +47,23 @@ QString offName(const SwitchOption &option)
 void addOptions(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(
-        tr("Finds duplicate music in FOLDERs and prints the groups. Never changes a library file.\n"
-           "What is not given on the command line is taken from the saved settings.\n\n"
-           "Exit status: 0 no duplicates, 1 duplicates found, 2 wrong usage, or the scan or a "
-           "report could not be completed."));
+        Cli::tr("Finds duplicate music in FOLDERs and prints the groups. Never changes a library file.\n"
+                "What is not given on the command line is taken from the saved settings.\n\n"
+                "Exit status: 0 no duplicates, 1 duplicates found, 2 wrong usage, or the scan or a "
+                "report could not be completed."));
     parser.addHelpOption();
     parser.addVersionOption();
     for (const SwitchOption &option : switchOptions) {
-        parser.addOption({ QString(QLatin1StringView(option.name)), tr(option.description) });
-        parser.addOption({ offName(option), tr("Switch that off.") });
+        parser.addOption({ QString(QLatin1StringView(option.name)), Cli::tr(option.description) });
+        parser.addOption({ offName(option), Cli::tr("Switch that off.") });
     }
-    parser.addOption({ u"report"_s,
-                       tr("Write the groups to FILE, also when there are none. Its name ends in .csv, .html, .json, or "
-                          ".m3u8 for a playlist of the proposed duplicates. May be given several times."),
-                       u"FILE"_s });
-    parser.addOption({ u"verbose"_s, tr("Print the activity log on standard error.") });
-    parser.addPositionalArgument(u"FOLDER"_s, tr("Folder to scan, with everything below it."), u"FOLDER..."_s);
+    parser.addOption(
+        { u"report"_s,
+          Cli::tr("Write the groups to FILE, also when there are none. Its name ends in .csv, .html, .json, or "
+                  ".m3u8 for a playlist of the proposed duplicates. May be given several times."),
+          u"FILE"_s });
+    parser.addOption({ u"verbose"_s, Cli::tr("Print the activity log on standard error.") });
+    parser.addPositionalArgument(u"FOLDER"_s, Cli::tr("Folder to scan, with everything below it."), u"FOLDER..."_s);
 }
 
 CliRequest refusal(const QString &message)
@@ -90,7 +90,7 @@ QString applySwitches(const QCommandLineParser &parser, ScanOptions &options)
         const bool on = parser.isSet(name);
         const bool off = parser.isSet(offName(option));
         if (on && off)
-            return tr("--%1 and --%2 contradict each other.").arg(name, offName(option));
+            return Cli::tr("--%1 and --%2 contradict each other.").arg(name, offName(option));
         if (on || off)
             options.*option.field = on;
     }
@@ -102,12 +102,12 @@ QString applySwitches(const QCommandLineParser &parser, ScanOptions &options)
 QString applyFolders(const QStringList &folders, ScanOptions &options)
 {
     if (folders.isEmpty())
-        return tr("No folder given.");
+        return Cli::tr("No folder given.");
     options.roots.clear();
     for (const QString &folder : folders) {
         const QFileInfo info(folder);
         if (!info.isDir())
-            return tr("Not a folder: %1").arg(QDir::toNativeSeparators(folder));
+            return Cli::tr("Not a folder: %1").arg(QDir::toNativeSeparators(folder));
         const QString path = QDir::cleanPath(info.absoluteFilePath());
         if (!options.roots.contains(path))
             options.roots.append(path);
@@ -138,7 +138,7 @@ CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &def
     if (const QString problem = readReportFiles(parser.values(u"report"_s), request.reports); !problem.isEmpty())
         return refusal(problem);
     if (!request.options.anyDetection())
-        return refusal(tr("All detection methods are switched off."));
+        return refusal(Cli::tr("All detection methods are switched off."));
     return request;
 }
 

@@ -9,6 +9,7 @@
 #include "settingsstore.h"
 #include "terminal.h"
 #include "textreport.h"
+#include "translation.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
@@ -19,10 +20,9 @@ namespace {
 
 enum ExitStatus { NoDuplicates = 0, DuplicatesFound = 1, NotCompleted = 2 };
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("epr::Cli", text);
-}
+struct Cli {
+    Q_DECLARE_TR_FUNCTIONS(epr::Cli)
+};
 
 int refuse(const QString &message)
 {
@@ -60,8 +60,8 @@ int scan(const CliRequest &request)
         return refuse(result.failure);
     reportProblems(result.tracks);
     if (result.cancelled)
-        return refuse(request.reports.isEmpty() ? tr("Stopped before the end; nothing is reported.")
-                                                : tr("Stopped before the end; no report is written."));
+        return refuse(request.reports.isEmpty() ? Cli::tr("Stopped before the end; nothing is reported.")
+                                                : Cli::tr("Stopped before the end; no report is written."));
 
     // The files first: whoever reads the standard output may close it early, which ends the program.
     const bool written = writeReports(request, result);
@@ -79,6 +79,7 @@ int main(int argc, char *argv[])
     preferFfmpegMediaBackend();
     const QCoreApplication app(argc, argv);
     metadata::applyToApplication();
+    translation::install();
     registerMetaTypes();
     terminal::useUtf8();
 

@@ -15,14 +15,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("epr::Cli", text);
-}
+struct Cli {
+    Q_DECLARE_TR_FUNCTIONS(epr::Cli)
+};
 
 QString memberLine(const TrackInfo &track, bool keep)
 {
-    const QString action = keep ? tr("KEEP") : tr("duplicate");
+    const QString action = keep ? Cli::tr("KEEP") : Cli::tr("duplicate");
     QStringList facts { durationText(track.durationMs), qualityText(track), sizeText(track.size) };
     facts.removeAll(QString());
     return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), terminal::printable(QDir::toNativeSeparators(track.path)),
@@ -31,7 +30,7 @@ QString memberLine(const TrackInfo &track, bool keep)
 
 void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGroup &group)
 {
-    out << tr("Group %1 - %2 - %3 copies - %4 reclaimable")
+    out << Cli::tr("Group %1 - %2 - %3 copies - %4 reclaimable")
                .arg(group.id)
                .arg(matchTypeLabel(group.matchType))
                .arg(group.members.size())
@@ -54,9 +53,9 @@ void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QLi
         reclaimable += group.reclaimableBytes;
     }
     if (groups.isEmpty())
-        out << tr("Scanned %1 files - no duplicates found.").arg(tracks.size());
+        out << Cli::tr("Scanned %1 files - no duplicates found.").arg(tracks.size());
     else
-        out << tr("%1 files scanned - %2 duplicate groups - %3 redundant copies (%4).")
+        out << Cli::tr("%1 files scanned - %2 duplicate groups - %3 redundant copies (%4).")
                    .arg(tracks.size())
                    .arg(groups.size())
                    .arg(redundant)

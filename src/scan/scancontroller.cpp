@@ -206,7 +206,8 @@ void ScanController::discoverFiles(Scan &scan)
         return;
     }
     if (undecodable > 0)
-        Q_EMIT logMessage(tr("Left out %1 file(s) or folder(s) whose names are not valid UTF-8.").arg(undecodable));
+        Q_EMIT logMessage(
+            tr("Left out %n file(s) or folder(s) whose names are not valid UTF-8.", nullptr, undecodable));
     if (scan.paths.isEmpty())
         Q_EMIT logMessage(tr("No audio files matched the current filters."));
     else

@@ -56,11 +56,12 @@ FilesTab::FilesTab(const ScanOptions &options, QWidget *parent)
     , m_extensions(
           createListEdit(options.extensions.join(", "_L1), tr("Comma separated file extensions, without the dot.")))
     , m_excludes(createListEdit(options.excludes.join("; "_L1), tr("Semicolon separated wildcard patterns to skip.")))
-    , m_minKilobytes(createSpinBox({ 0, 1048576, tr(" KB") }, options.minBytes >> kilobyteShift))
-    , m_minSeconds(createSpinBox({ 0, 600, tr(" s") }, options.minDurationMs / msPerSecond))
     , m_hidden(createCheckBox(tr("Include &hidden files and folders"), options.includeHidden))
     , m_symlinks(createCheckBox(tr("Follow symbolic &links and junctions"), options.followSymlinks))
 {
+    // Not above: lupdate loses the class when it meets these braces in an initialiser list.
+    m_minKilobytes = createSpinBox({ 0, 1048576, tr(" KB") }, options.minBytes >> kilobyteShift);
+    m_minSeconds = createSpinBox({ 0, 600, tr(" s") }, options.minDurationMs / msPerSecond);
     m_minSeconds->setToolTip(tr("Station idents, stings and beds are short and repetitive; excluding them keeps the "
                                 "results readable."));
     QFormLayout *form = createForm(this);

@@ -30,8 +30,8 @@ public:
 private:
     QLineEdit *m_extensions;
     QLineEdit *m_excludes;
-    QSpinBox *m_minKilobytes;
-    QSpinBox *m_minSeconds;
+    QSpinBox *m_minKilobytes = nullptr;
+    QSpinBox *m_minSeconds = nullptr;
     QCheckBox *m_hidden;
     QCheckBox *m_symlinks;
 };

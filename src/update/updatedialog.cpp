@@ -72,7 +72,7 @@ QVBoxLayout *UpdateDialog::createHeading()
     layout->addWidget(heading);
     layout->addWidget(createPlainLabel(tr("You are running version %1.").arg(metadata::version())));
     if (const QDate day = parseReleaseDate(m_release.releaseDate); day.isValid())
-        layout->addWidget(createPlainLabel(tr("Released %1.").arg(QLocale().toString(day, u"d MMMM yyyy"_s))));
+        layout->addWidget(createPlainLabel(tr("Released %1.").arg(QLocale().toString(day, tr("d MMMM yyyy")))));
     layout->addStretch();
     return layout;
 }

@@ -34,7 +34,8 @@ QString UpdateSettings::lastCheckedText() const
     const QDateTime time = lastChecked();
     if (!time.isValid())
         return QCoreApplication::translate("epr::UpdateChecker", "never");
-    return QLocale().toString(time.toLocalTime(), u"d MMM yyyy, h:mm ap"_s);
+    return QLocale().toString(time.toLocalTime(),
+                              QCoreApplication::translate("epr::UpdateChecker", "d MMM yyyy, h:mm ap"));
 }
 
 QString UpdateSettings::skippedVersion() const

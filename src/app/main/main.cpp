@@ -5,6 +5,7 @@
 #include "metatypes.h"
 #include "qtdecoder.h"
 #include "startup.h"
+#include "translation.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -14,6 +15,7 @@ int main(int argc, char *argv[])
     epr::preferFfmpegMediaBackend();
     const QApplication application(argc, argv);
     epr::metadata::applyToApplication();
+    epr::translation::install();
     epr::startup::loadResources();
     QApplication::setWindowIcon(epr::startup::applicationIcon());
     QApplication::setDesktopFileName(epr::metadata::desktopId());

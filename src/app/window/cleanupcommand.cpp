@@ -118,7 +118,8 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     result.failed += plan.refused;
     result.errors = plan.errors + result.errors;
     if (!done)
-        Q_EMIT logMessage(tr("The clean-up was stopped: %1 file(s) were not touched.").arg(untouched));
+        Q_EMIT logMessage(
+            tr("The clean-up was stopped: %n file(s) were not touched.", nullptr, static_cast<int>(untouched)));
     tellRemoval(mode, result);
     m_results->removeMembers(vanished);
     Q_EMIT filesRemoved();

@@ -21,10 +21,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("epr::MainWindow", text);
-}
+struct ExportCommand {
+    Q_DECLARE_TR_FUNCTIONS(epr::ExportCommand)
+};
 
 struct Choice {
     QString path; ///< empty = the operator chose none
@@ -59,8 +58,8 @@ ReportFormat formatOfFilter(const QString &filter)
 Choice chooseReport(QWidget *parent)
 {
     QString filter;
-    const QString path =
-        QFileDialog::getSaveFileName(parent, tr("Export duplicate report"), proposedPath(), filterList(), &filter);
+    const QString path = QFileDialog::getSaveFileName(parent, ExportCommand::tr("Export duplicate report"),
+                                                      proposedPath(), filterList(), &filter);
     return { path, formatOfFilter(filter) };
 }
 
@@ -70,7 +69,8 @@ void exportReport(const ResultsModel &results, const QStringList &roots,
                   const std::function<void(const QString &message)> &log, QWidget *parent)
 {
     if (results.groups().isEmpty()) {
-        showInformation(parent, tr("Nothing to export"), tr("Run a scan first - there are no results to report on."));
+        showInformation(parent, ExportCommand::tr("Nothing to export"),
+                        ExportCommand::tr("Run a scan first - there are no results to report on."));
         return;
     }
     const Choice choice = chooseReport(parent);
@@ -81,11 +81,13 @@ void exportReport(const ResultsModel &results, const QStringList &roots,
     const bool written = writeReport(choice.path, choice.format, results.tracks(), results.groups(), roots, &error);
     QGuiApplication::restoreOverrideCursor();
     if (!written) {
-        showCritical(parent, tr("Export failed"), tr("Could not write the report:\n\n%1").arg(error));
+        showCritical(parent, ExportCommand::tr("Export failed"),
+                     ExportCommand::tr("Could not write the report:\n\n%1").arg(error));
         return;
     }
-    log(tr("Report written to %1").arg(choice.path));
-    if (askYesOrNo(parent, tr("Report saved"), tr("Report saved to:\n%1\n\nOpen it now?").arg(choice.path)))
+    log(ExportCommand::tr("Report written to %1").arg(choice.path));
+    if (askYesOrNo(parent, ExportCommand::tr("Report saved"),
+                   ExportCommand::tr("Report saved to:\n%1\n\nOpen it now?").arg(choice.path)))
         QDesktopServices::openUrl(QUrl::fromLocalFile(choice.path));
 }
 

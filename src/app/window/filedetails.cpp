@@ -44,7 +44,7 @@ QString fileDetailsHtml(const TrackInfo &track)
     lines += line(FileDetails::tr("Duration"), durationText(track.durationMs));
     lines += line(FileDetails::tr("Quality"), qualityText(track));
     lines += line(FileDetails::tr("Size"), sizeText(track.size));
-    lines += line(FileDetails::tr("Modified"), QLocale().toString(track.mtime, u"d MMM yyyy h:mm ap"_s));
+    lines += line(FileDetails::tr("Modified"), QLocale().toString(track.mtime, FileDetails::tr("d MMM yyyy h:mm ap")));
     lines += line(FileDetails::tr("SHA-256 of the file"), hashText(track.fullHash));
     lines += line(FileDetails::tr("SHA-256 of the audio"), hashText(track.audioHash));
     if (!track.error.isEmpty())

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultscolumns.h"
 
+#include "displaytext.h"
 #include "resultsmodel.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QHeaderView>
+#include <QLocale>
 #include <QStyle>
 
 #include <algorithm>
@@ -30,20 +33,30 @@ constexpr std::array<Share, 4> shares { {
     { ResultsModel::FolderColumn, 26 },
 } };
 
-// The widest texts to be expected. A match label is not among them: it may run on over the empty cells of its row.
+QString widestQuality()
+{
+    TrackInfo track;
+    track.bitrateKbps = 1411;
+    track.sampleRate = 44100;
+    track.channels = 2;
+    return qualityText(track);
+}
+
+// The widest texts to be expected, in the language of the program. A match label is not among them: it may run on over
+// the empty cells of its row.
 QString sampleText(ResultsModel::Column column)
 {
     switch (column) {
     case ResultsModel::MatchColumn:
-        return u"duplicate"_s;
+        return ResultsModel::tr("duplicate");
     case ResultsModel::DurationColumn:
         return u"10:00:00"_s;
     case ResultsModel::QualityColumn:
-        return u"1411 kbps, 44.1 kHz, stereo"_s;
+        return widestQuality();
     case ResultsModel::SizeColumn:
         return u"888.88 MB"_s;
     case ResultsModel::ModifiedColumn:
-        return u"28 Nov 2000 10:00 pm"_s;
+        return QLocale().toString(QDateTime({ 2000, 11, 28 }, { 22, 0 }), ResultsModel::tr("d MMM yyyy h:mm ap"));
     default:
         return {};
     }

@@ -349,7 +349,7 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
     case SizeColumn:
         return sizeText(track.size);
     case ModifiedColumn:
-        return QLocale().toString(track.mtime, u"d MMM yyyy h:mm ap"_s);
+        return QLocale().toString(track.mtime, tr("d MMM yyyy h:mm ap"));
     case FolderColumn:
         return QDir::toNativeSeparators(folderOf(track));
     default:

@@ -164,9 +164,15 @@ void ResultsView::drawGroupBand(QPainter *painter, const QStyleOptionViewItem &o
 {
     const bool isSelected = selectionModel()->isSelected(index);
     painter->fillRect(option.rect, option.palette.brush(isSelected ? QPalette::Highlight : QPalette::AlternateBase));
-    const QRect branch(columnViewportPosition(ResultsModel::FileColumn), option.rect.y(), indentation(),
-                       option.rect.height());
-    drawBranches(painter, branch, index);
+    const QRect branch(option.rect.left() + leadingEdge(option.rect, ResultsModel::FileColumn), option.rect.y(),
+                       indentation(), option.rect.height());
+    drawBranches(painter, QStyle::visualRect(option.direction, option.rect, branch), index);
+}
+
+int ResultsView::leadingEdge(const QRect &row, int column) const
+{
+    const int left = columnViewportPosition(column);
+    return isRightToLeft() ? row.right() + 1 - left - columnWidth(column) : left - row.left();
 }
 
 // The group's own text may be wider than its column, and so may the match label after it. Nothing else is in the row,
@@ -178,21 +184,27 @@ void ResultsView::drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &
     const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
     const QColor textColour = option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
 
-    QRect place = option.rect;
-    place.setLeft(columnViewportPosition(ResultsModel::FileColumn) + indentation() + margin);
+    QRect place = option.rect; // as in a window that reads from the left; mirrored where it is drawn
+    const int start = place.left() + leadingEdge(option.rect, ResultsModel::FileColumn) + indentation() + margin;
+    place.setLeft(start);
     QFont bold = option.font;
     bold.setBold(true);
     painter->save();
     painter->setFont(bold);
     painter->setPen(textColour);
     const QString text = index.data().toString();
-    painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
+    const auto draw = [&](const QString &words) {
+        painter->drawText(QStyle::visualRect(option.direction, option.rect, place),
+                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, words);
+    };
+    draw(text);
 
-    const int textEnd = place.left() + QFontMetrics(bold).horizontalAdvance(text) + 4 * margin;
-    place.setLeft(std::max(columnViewportPosition(ResultsModel::MatchColumn) + margin, textEnd));
+    const int textEnd = start + QFontMetrics(bold).horizontalAdvance(text) + 4 * margin;
+    const int labelStart = option.rect.left() + leadingEdge(option.rect, ResultsModel::MatchColumn) + margin;
+    place.setLeft(std::max(labelStart, textEnd));
     painter->setFont(option.font);
     painter->setPen(isSelected ? textColour : label.data(Qt::ForegroundRole).value<QColor>());
-    painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, label.data().toString());
+    draw(label.data().toString());
     painter->restore();
 }
 

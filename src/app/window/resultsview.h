@@ -40,6 +40,8 @@ private:
     void toggleCurrent();
     [[nodiscard]] bool isOnMember() const;
     void setCurrentGroup(int row);
+    /// How far the column begins from where the row begins, in the direction of reading.
+    [[nodiscard]] int leadingEdge(const QRect &row, int column) const;
     void drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
 

@@ -12,7 +12,8 @@ using namespace Qt::StringLiterals;
 
 ScanStrip::ScanStrip(QWidget *parent)
     : QWidget(parent)
-    , m_status(new QLabel(tr("Ready"), this))
+    , m_text(tr("Ready"))
+    , m_status(new QLabel(m_text, this))
     , m_bar(new QProgressBar(this))
 {
     m_status->setObjectName(u"statusLabel"_s);
@@ -36,7 +37,7 @@ ScanStrip::ScanStrip(QWidget *parent)
 
 QString ScanStrip::status() const
 {
-    return m_status->text();
+    return m_text;
 }
 
 QString ScanStrip::brief() const
@@ -49,7 +50,8 @@ QString ScanStrip::brief() const
 
 void ScanStrip::showStatus(const QString &text)
 {
-    m_status->setText(text);
+    m_text = text;
+    fitStatus();
 }
 
 void ScanStrip::setBusy(bool busy)
@@ -79,6 +81,20 @@ void ScanStrip::setProgress(int done, int total, const QString &detail)
     parts << m_estimate.text();
     parts.removeAll(QString());
     showStatus(parts.join(tr(" - ", "between the phase of a scan, its count and its speed")));
+}
+
+void ScanStrip::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    fitStatus();
+}
+
+void ScanStrip::fitStatus()
+{
+    layout()->activate(); // or the label would still have the width of before
+    const QString shown = m_status->fontMetrics().elidedText(m_text, Qt::ElideRight, m_status->contentsRect().width());
+    m_status->setText(shown);
+    m_status->setToolTip(shown == m_text ? QString() : m_text.toHtmlEscaped());
 }
 
 void ScanStrip::setRange(int done, int total)

@@ -30,9 +30,14 @@ public:
 Q_SIGNALS:
     void briefChanged();
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    void fitStatus();
     void setRange(int done, int total);
 
+    QString m_text; ///< the status, whether or not there is room for all of it
     QString m_phase;
     bool m_isBusy = false;
     QElapsedTimer m_clock;

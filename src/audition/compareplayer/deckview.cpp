@@ -34,6 +34,8 @@ void DeckView::setTrack(const TrackInfo &track)
     m_hasFile = !track.path.isEmpty();
     m_envelope = {};
     m_title->setText(comparisontext::title(track));
+    // A long title gives way to the meters; in an empty deck, which has no levels, they give way to the words.
+    m_title->setMinimumWidth(m_hasFile ? 0 : m_title->sizeHint().width());
     m_format->setText(comparisontext::format(track));
     m_format->setTone(vfd::ElidingLabel::Tone::Soft);
     m_scrubber->clear();
@@ -116,7 +118,9 @@ void DeckView::createWidgets()
     m_duration->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_duration->setTone(vfd::ElidingLabel::Tone::Soft);
     m_levels = new vfd::LevelMeter(this);
-    m_levels->setFixedWidth(130);
+    m_levels->setMinimumWidth(60);
+    m_levels->setMaximumWidth(130);
+    m_levels->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
 void DeckView::layOutWidgets()

@@ -1,0 +1,34 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name>epr::CleanupCommand</name>
+    <message numerus="yes">
+        <source>The clean-up was stopped: %n file(s) were not touched.</source>
+        <translation>
+            <numerusform>The clean-up was stopped: %n file was not touched.</numerusform>
+            <numerusform>The clean-up was stopped: %n files were not touched.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>epr::ScanController</name>
+    <message numerus="yes">
+        <source>Left out %n file(s) or folder(s) whose names are not valid UTF-8.</source>
+        <translation>
+            <numerusform>Left out %n file or folder whose name is not valid UTF-8.</numerusform>
+            <numerusform>Left out %n files or folders whose names are not valid UTF-8.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>epr::ScanStrip</name>
+    <message numerus="yes">
+        <source>about %n minute(s) left</source>
+        <translation>
+            <numerusform>about %n minute left</numerusform>
+            <numerusform>about %n minutes left</numerusform>
+        </translation>
+    </message>
+</context>
+</TS>
