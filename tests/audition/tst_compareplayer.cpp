@@ -5,8 +5,8 @@
 #include "elidinglabel.h"
 #include "lamp.h"
 #include "levelmeter.h"
+#include "mediabackend.h"
 #include "panel.h"
-#include "qtdecoder.h"
 #include "scrubber.h"
 #include "sevensegment.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "envelopebuilder.h"
-#include "qtdecoder.h"
+#include "mediabackend.h"
 #include "temporarylibrary.h"
 #include "waveformloader.h"
 

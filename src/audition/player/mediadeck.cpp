@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mediadeck.h"
 
-#include "localmedia.h"
+#include "mediabackend.h"
 
 #include <QAudioDevice>
 #include <QAudioOutput>

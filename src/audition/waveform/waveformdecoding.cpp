@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveformdecoding.h"
 
-#include "localmedia.h"
+#include "mediabackend.h"
 
 #include <QAudioBuffer>
 #include <QUrl>
