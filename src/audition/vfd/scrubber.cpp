@@ -83,7 +83,7 @@ void Scrubber::setDurationMs(qint64 durationMs)
 {
     m_durationMs = std::max<qint64>(durationMs, 0);
     m_isDragging = m_isDragging && isSeekable();
-    update();
+    redrawWaves();
 }
 
 void Scrubber::setPositionMs(qint64 positionMs)
@@ -159,6 +159,11 @@ void Scrubber::setState(State state)
 {
     m_state = state;
     m_envelope = Envelope();
+    redrawWaves();
+}
+
+void Scrubber::redrawWaves()
+{
     m_played.invalidate();
     m_unplayed.invalidate();
     update();

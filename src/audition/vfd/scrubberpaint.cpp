@@ -53,7 +53,8 @@ void Scrubber::paintEvent(QPaintEvent *)
 void Scrubber::paintWaves(QPainter &painter)
 {
     const auto drawn = [this](CachedPixmap &cache, const QColor &colour) {
-        return cache.pictureFor(*this, [&](QPainter &p) { paintWaveform(p, m_envelope, colour, waveMargin); });
+        return cache.pictureFor(*this,
+                                [&](QPainter &p) { paintWaveform(p, m_envelope, m_durationMs, colour, waveMargin); });
     };
     const qreal x = cursorX();
     painter.setClipRect(QRectF(0, 0, x, height()));
