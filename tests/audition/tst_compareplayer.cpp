@@ -76,6 +76,36 @@ private Q_SLOTS:
         QVERIFY(labelOf(u"B"_s, u"deckFormat"_s).isEmpty());
     }
 
+    // The player knows some files' duration better, and knows it before the deck shows the file. The same file again
+    // keeps its place on the face too.
+    void theFaceFollowsThePlayer()
+    {
+        m_player->load(0, trackOf(u"one.wav"_s));
+        QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->durationMs(), 6000);
+        part<vfd::Scrubber>(u"A"_s)->seek(3000);
+        QTRY_COMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
+        m_player->load(0, trackOf(u"one.wav"_s));
+        QCOMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
+    }
+
+    // Some decoders say nothing about such a file until the watchdog bites, after a minute.
+    void aFileThatCannotBePlayedHoldsNothingUp()
+    {
+        for (const QString &name : { u"empty.mp3"_s, u"cut.m4a"_s }) {
+            writeFile(fileOf(name),
+                      name.startsWith(u"cut") ? QByteArray("\0\0\0\x18"
+                                                           "ftypM4A \0\0\0\0M4A isom",
+                                                           24)
+                                              : QByteArray());
+            m_player->load(0, trackOf(name));
+            m_player->load(1, trackOf(u"one.wav"_s));
+            QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Unavailable);
+            QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Ready);
+            QVERIFY(!labelOf(u"A"_s, u"deckFormat"_s).isEmpty());
+            m_player->clear(1);
+        }
+    }
+
     void deckThatIsHeardIsBright()
     {
         m_player->load(0, trackOf(u"one.wav"_s));

@@ -34,8 +34,8 @@ void DeckView::setTrack(const TrackInfo &track)
     m_hasFile = !track.path.isEmpty();
     m_envelope = {};
     m_title->setText(comparisontext::title(track));
-    m_format->setText(comparisontext::format(track));
-    m_format->setTone(vfd::ElidingLabel::Tone::Soft);
+    m_formatText = comparisontext::format(track);
+    setProblem({});
     m_scrubber->clear();
     if (m_hasFile)
         m_scrubber->setAnalysing();
@@ -58,8 +58,9 @@ void DeckView::setPreviewUnavailable()
 
 void DeckView::setProblem(const QString &message)
 {
-    m_format->setText(message);
-    m_format->setTone(vfd::ElidingLabel::Tone::Warning);
+    const bool isProblem = !message.isEmpty();
+    m_format->setText(isProblem ? message : m_formatText);
+    m_format->setTone(isProblem ? vfd::ElidingLabel::Tone::Warning : vfd::ElidingLabel::Tone::Soft);
 }
 
 void DeckView::setDurationMs(qint64 durationMs)
