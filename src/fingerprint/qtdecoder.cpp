@@ -79,7 +79,7 @@ QtDecodeOutcome QtDecoding::run(const QString &path)
 // for a file that it cannot open.
 bool QtDecoding::openSource(const QString &path)
 {
-    if (!m_decoder.isSupported()) {
+    if (!m_decoder.isSupported() || mediaBackendGarbles(path)) {
         m_outcome.error = FingerprintWorker::tr("No audio decoder available");
         return false;
     }

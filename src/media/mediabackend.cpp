@@ -18,6 +18,12 @@ bool usesQtBefore(int major, int minor)
     return QVersionNumber::fromString(QLatin1StringView(qVersion())) < QVersionNumber(major, minor);
 }
 
+// The one whose faults are worked around below.
+bool usesEarlyFfmpegBackend()
+{
+    return usesQtBefore(6, 5) && qgetenv("QT_MEDIA_BACKEND") == ffmpegBackend;
+}
+
 } // namespace
 
 void preferFfmpegMediaBackend()
@@ -32,7 +38,13 @@ void preferFfmpegMediaBackend()
 bool mediaBackendMisreadsName(const QString &path)
 {
     const bool ascii = std::all_of(path.begin(), path.end(), [](QChar letter) { return letter.unicode() < 128; });
-    return !ascii && usesQtBefore(6, 5) && qgetenv("QT_MEDIA_BACKEND") == ffmpegBackend;
+    return !ascii && usesEarlyFfmpegBackend();
+}
+
+// MPEG layer II is decoded to 16 bits and then read as floating point numbers.
+bool mediaBackendGarbles(const QString &path)
+{
+    return path.endsWith(QLatin1StringView(".mp2"), Qt::CaseInsensitive) && usesEarlyFfmpegBackend();
 }
 
 } // namespace epr

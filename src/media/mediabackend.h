@@ -14,4 +14,8 @@ void preferFfmpegMediaBackend();
 /// gets by name, because some back-ends go by the suffix.
 [[nodiscard]] bool mediaBackendMisreadsName(const QString &path);
 
+/// Whether the media back-end in use takes such a file's audio for something else and makes loud noise of it. It must
+/// not be given the file at all.
+[[nodiscard]] bool mediaBackendGarbles(const QString &path);
+
 } // namespace epr

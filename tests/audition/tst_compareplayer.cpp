@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "badge.h"
 #include "compareplayer.h"
+#include "comparisontext.h"
 #include "elidinglabel.h"
 #include "lamp.h"
 #include "levelmeter.h"
@@ -91,17 +92,17 @@ private Q_SLOTS:
     // Some decoders say nothing about such a file until the watchdog bites, after a minute.
     void aFileThatCannotBePlayedHoldsNothingUp()
     {
-        for (const QString &name : { u"empty.mp3"_s, u"cut.m4a"_s }) {
-            writeFile(fileOf(name),
-                      name.startsWith(u"cut") ? QByteArray("\0\0\0\x18"
-                                                           "ftypM4A \0\0\0\0M4A isom",
-                                                           24)
-                                              : QByteArray());
+        QList<std::pair<QString, QByteArray>> files { { u"empty.mp3"_s, {} },
+                                                      { u"cut.m4a"_s, { "\0\0\0\030ftypM4A \0\0\0\0", 16 } } };
+        if (mediaBackendGarbles(u"layer2.mp2"_s))
+            files << std::pair(u"layer2.mp2"_s, waveOf(100)); // it goes by the name
+        for (const auto &[name, content] : std::as_const(files)) {
+            writeFile(fileOf(name), content);
             m_player->load(0, trackOf(name));
             m_player->load(1, trackOf(u"one.wav"_s));
             QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Unavailable);
             QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Ready);
-            QVERIFY(!labelOf(u"A"_s, u"deckFormat"_s).isEmpty());
+            QVERIFY(labelOf(u"A"_s, u"deckFormat"_s) != comparisontext::format(trackOf(name)));
             m_player->clear(1);
         }
     }

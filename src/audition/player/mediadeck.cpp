@@ -86,6 +86,8 @@ void MediaDeck::openSource(const QString &path)
     // Not every back-end reports a file that is not there.
     if (!m_file.open(QIODevice::ReadOnly))
         return onError(m_file.errorString());
+    if (mediaBackendGarbles(path))
+        return onError(tr("This system's media player cannot play MPEG layer II audio."));
     if (mediaBackendMisreadsName(path))
         return m_player.setSourceDevice(&m_file, QUrl::fromLocalFile(path));
     m_file.close();
