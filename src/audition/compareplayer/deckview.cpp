@@ -3,6 +3,7 @@
 #include "deckview.h"
 
 #include "comparisontext.h"
+#include "displaytext.h"
 #include "elidinglabel.h"
 #include "levelmeter.h"
 #include "scrubber.h"
@@ -71,7 +72,7 @@ void DeckView::setDurationMs(qint64 durationMs)
 
 void DeckView::setPositionMs(qint64 positionMs)
 {
-    m_position->setText(comparisontext::position(positionMs));
+    m_position->setText(positionText(positionMs));
     m_scrubber->setPositionMs(positionMs);
 }
 

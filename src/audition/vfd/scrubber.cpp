@@ -3,8 +3,8 @@
 #include "scrubber.h"
 
 #include "accessibility.h"
+#include "displaytext.h"
 #include "scrubberkeys.h"
-#include "timetext.h"
 #include "vfdpaint.h"
 
 #include <QHoverEvent>
@@ -42,7 +42,7 @@ QString Scrubber::valueText() const
 {
     if (!isSeekable())
         return caption();
-    return tr("%1 of %2").arg(timeText(std::min(m_positionMs, m_durationMs)), timeText(m_durationMs));
+    return tr("%1 of %2").arg(positionText(std::min(m_positionMs, m_durationMs)), positionText(m_durationMs));
 }
 
 QSize Scrubber::sizeHint() const
