@@ -87,7 +87,7 @@ void MediaDeck::openSource(const QString &path)
     if (!m_file.open(QIODevice::ReadOnly))
         return onError(m_file.errorString());
     if (mediaBackendGarbles(path))
-        return onError(tr("This system's media player cannot play MPEG layer II audio."));
+        return onError(tr("MPEG layer II cannot be played here."));
     if (mediaBackendMisreadsName(path))
         return m_player.setSourceDevice(&m_file, QUrl::fromLocalFile(path));
     m_file.close();
