@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "clirequest.h"
 #include "consolescan.h"
+#include "mediabackend.h"
 #include "metadata.h"
 #include "metatypes.h"
-#include "qtdecoder.h"
 #include "reportwriter.h"
 #include "settingsstore.h"
 #include "terminal.h"

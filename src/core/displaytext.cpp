@@ -67,6 +67,12 @@ QString durationText(qint64 durationMs)
     const qint64 seconds = durationMs / 1000;
     if (durationMs < 3600000)
         return u"%1:%2"_s.arg(seconds / 60).arg(twoDigits(seconds % 60));
+    return positionText(durationMs);
+}
+
+QString positionText(qint64 positionMs)
+{
+    const qint64 seconds = qMax<qint64>(positionMs, 0) / 1000;
     return u"%1:%2:%3"_s.arg(seconds / 3600).arg(twoDigits(seconds / 60 % 60), twoDigits(seconds % 60));
 }
 

@@ -18,6 +18,9 @@ namespace epr {
 /// "3:07" or, from one hour, "1:02:09"; "-" when below 1 ms. Seconds are truncated.
 [[nodiscard]] QString durationText(qint64 durationMs);
 
+/// "0:03:07", as a player counts; seconds are truncated, below zero counts as zero.
+[[nodiscard]] QString positionText(qint64 positionMs);
+
 /// Bytes in powers of 1024 with two decimals and the locale's separators: "4.21 MB".
 [[nodiscard]] QString sizeText(qint64 bytes);
 

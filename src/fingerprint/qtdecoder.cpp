@@ -5,6 +5,7 @@
 #include "analyser.h"
 #include "externaltool.h"
 #include "fingerprintworker.h"
+#include "mediabackend.h"
 #include "monosamples.h"
 
 #include <QAudioBuffer>
@@ -13,7 +14,6 @@
 #include <QFile>
 #include <QTimer>
 #include <QUrl>
-#include <QVersionNumber>
 
 #include <algorithm>
 
@@ -22,20 +22,6 @@ namespace epr {
 namespace {
 
 constexpr qint64 limitRate = 48000; // Hz
-constexpr QByteArrayView ffmpegBackend = "ffmpeg";
-
-bool usesQtBefore(int major, int minor)
-{
-    return QVersionNumber::fromString(QLatin1StringView(qVersion())) < QVersionNumber(major, minor);
-}
-
-// The ffmpeg back-end of Qt 6.4 turns letters outside ASCII into question marks. Other back-ends get the name, because
-// some of them go by its suffix.
-bool backendMisreadsName(const QString &path)
-{
-    const bool ascii = std::all_of(path.begin(), path.end(), [](QChar letter) { return letter.unicode() < 128; });
-    return !ascii && usesQtBefore(6, 5) && qgetenv("QT_MEDIA_BACKEND") == ffmpegBackend;
-}
 
 /// One decoding, from start to end on the calling thread.
 class QtDecoding final : public QObject {
@@ -93,7 +79,7 @@ QtDecodeOutcome QtDecoding::run(const QString &path)
 // for a file that it cannot open.
 bool QtDecoding::openSource(const QString &path)
 {
-    if (!m_decoder.isSupported()) {
+    if (!m_decoder.isSupported() || mediaBackendGarbles(path)) {
         m_outcome.error = FingerprintWorker::tr("No audio decoder available");
         return false;
     }
@@ -102,7 +88,7 @@ bool QtDecoding::openSource(const QString &path)
         m_outcome.error = m_file.errorString();
         return false;
     }
-    if (backendMisreadsName(path)) {
+    if (mediaBackendMisreadsName(path)) {
         m_decoder.setSourceDevice(&m_file);
         return true;
     }
@@ -148,14 +134,6 @@ void QtDecoding::end()
 }
 
 } // namespace
-
-void preferFfmpegMediaBackend()
-{
-#ifdef Q_OS_LINUX
-    if (usesQtBefore(6, 5) && qEnvironmentVariableIsEmpty("QT_MEDIA_BACKEND"))
-        qputenv("QT_MEDIA_BACKEND", ffmpegBackend.toByteArray());
-#endif
-}
 
 QtDecodeLimits qtDecodeLimits(int seconds)
 {

@@ -9,10 +9,6 @@ namespace epr {
 class Analyser;
 class FingerprintWorker;
 
-/// Call first in main(), before the application object exists. Where the toolkit's default media back-end is known to
-/// fail on common files, picks the better one, unless the operator has chosen in QT_MEDIA_BACKEND.
-void preferFfmpegMediaBackend();
-
 /// Decodes a file with the toolkit's decoder into the analyser, which it resets to the file's rate. Blocks in a local
 /// event loop. durationMs is overwritten when the decoder knows the file's duration, error when something went wrong;
 /// what was fed before that counts.

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "badge.h"
 #include "compareplayer.h"
+#include "comparisontext.h"
 #include "elidinglabel.h"
 #include "lamp.h"
 #include "levelmeter.h"
+#include "mediabackend.h"
 #include "panel.h"
-#include "qtdecoder.h"
 #include "scrubber.h"
 #include "sevensegment.h"
 
@@ -74,6 +75,36 @@ private Q_SLOTS:
         QCOMPARE(labelOf(u"B"_s, u"deckDuration"_s), u"/ 0:00:00"_s);
         QCOMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:00"_s);
         QVERIFY(labelOf(u"B"_s, u"deckFormat"_s).isEmpty());
+    }
+
+    // The player knows some files' duration better, and knows it before the deck shows the file. The same file again
+    // keeps its place on the face too.
+    void theFaceFollowsThePlayer()
+    {
+        m_player->load(0, trackOf(u"one.wav"_s));
+        QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->durationMs(), 6000);
+        part<vfd::Scrubber>(u"A"_s)->seek(3000);
+        QTRY_COMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
+        m_player->load(0, trackOf(u"one.wav"_s));
+        QCOMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
+    }
+
+    // Some decoders say nothing about such a file until the watchdog bites, after a minute.
+    void aFileThatCannotBePlayedHoldsNothingUp()
+    {
+        QList<std::pair<QString, QByteArray>> files { { u"empty.mp3"_s, {} },
+                                                      { u"cut.m4a"_s, { "\0\0\0\030ftypM4A \0\0\0\0", 16 } } };
+        if (mediaBackendGarbles(u"layer2.mp2"_s))
+            files << std::pair(u"layer2.mp2"_s, waveOf(100)); // it goes by the name
+        for (const auto &[name, content] : std::as_const(files)) {
+            writeFile(fileOf(name), content);
+            m_player->load(0, trackOf(name));
+            m_player->load(1, trackOf(u"one.wav"_s));
+            QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Unavailable);
+            QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Ready);
+            QVERIFY(labelOf(u"A"_s, u"deckFormat"_s) != comparisontext::format(trackOf(name)));
+            m_player->clear(1);
+        }
     }
 
     void deckThatIsHeardIsBright()

@@ -177,9 +177,7 @@ private Q_SLOTS:
         QCOMPARE(comparisontext::title(track), u"STRASSE"_s);
         QCOMPARE(comparisontext::format(track), u"1.50 MB"_s);
         QCOMPARE(comparisontext::title({}), u"\u2014 no file loaded \u2014"_s);
-        QCOMPARE(comparisontext::position(3599999), u"0:59:59"_s);
         QCOMPARE(comparisontext::duration(100 * 3600000 + 61000), u"/ 100:01:01"_s);
-        QCOMPARE(comparisontext::position(-1), u"0:00:00"_s);
     }
 };
 

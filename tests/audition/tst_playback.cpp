@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audiobuilder.h"
 #include "deckpair.h"
-#include "qtdecoder.h"
+#include "mediabackend.h"
 #include "temporarylibrary.h"
 
 #include <QAudioDevice>

@@ -388,6 +388,8 @@ private Q_SLOTS:
         QCOMPARE(columnPeaks({ notANumber, -3, infinite, 7, 0.5F }, 5), QList<float>({ 0, 0, 1, 1, 0.5F }));
         QCOMPARE(columnPeaks({ notANumber, 0.25F }, 1), QList<float> { 0.25F });
         QCOMPARE(columnPeaks({}, 2), QList<float>({ 0, 0 }));
+        QCOMPARE(columnPeaks({ 0.5F, 1, 0.25F }, 6, 5), QList<float>({ 0.5F, 0.5F, 1, 0.25F, 0, 0 }));
+        QCOMPARE(columnPeaks({ 0.5F, 1, 0.25F }, 2, 6), QList<float>({ 1, 0 }));
         QCOMPARE(columnPeaks({ 1 }, -1), QList<float>());
     }
 
@@ -422,7 +424,7 @@ private Q_SLOTS:
     {
         const auto scrubber = minuteScrubber();
         Envelope envelope;
-        envelope.left.fill(0.9F, 60'000);
+        envelope.left.fill(0.9F, 1'250); // the first 50 s
         envelope.right = envelope.left;
         scrubber->setEnvelope(envelope);
         scrubber->setPositionMs(30'000);
@@ -430,6 +432,8 @@ private Q_SLOTS:
         const int played = greenAt(280);
         const int unplayed = greenAt(320);
         QVERIFY(played > unplayed + 60);
+        QCOMPARE(greenAt(490), unplayed);
+        QVERIFY(unplayed > greenAt(510) + 30);
         scrubber->setPositionMs(60'000'000); // beyond the end
         QCOMPARE(greenAt(320), played);
         scrubber->setPositionMs(-5);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "envelopebuilder.h"
-#include "qtdecoder.h"
+#include "mediabackend.h"
 #include "temporarylibrary.h"
 #include "waveformloader.h"
 
@@ -129,12 +129,7 @@ private Q_SLOTS:
         QVERIFY(builder.isFull());
         builder.add(bufferOf<quint8>(8, 1, { 0 }));
         QVERIFY(isClose(builder.take().peak, QList<float>(60000, 0.98F)));
-    }
-
-    void aLaterBufferMayHaveOtherChannels()
-    {
-        EnvelopeBuilder builder;
-        builder.add(bufferOf<quint8>(25, 2, { 0, 64 }));
+        builder.add(bufferOf<quint8>(25, 2, { 0, 64 })); // as new, and the next buffer has other channels
         builder.add(bufferOf<quint8>(25, 1, { 64, 128 }));
         QVERIFY(isClose(builder.take().right, { 0.5F, 0.5F, 0 }));
     }
@@ -209,10 +204,9 @@ private Q_SLOTS:
         Spied spied(1);
         spied.loader.request(0, wave(u"hour.wav"_s, 3600, 0));
         QTRY_COMPARE_WITH_TIMEOUT(spied.reports(), 1, 30000);
-        if (spied.loaded.isEmpty())
-            QCOMPARE(spied.failed.at(0).at(1).toString(), u"This file could not be decoded for preview."_s);
-        else
-            QVERIFY(spied.loaded.at(0).at(1).value<Envelope>().peak.size() < EnvelopeBuilder::maxBuckets);
+        const QVariant said = spied.failed.value(0, spied.loaded.value(0)).at(1);
+        QVERIFY(said.value<Envelope>().peak.size() < EnvelopeBuilder::maxBuckets);
+        QVERIFY(spied.failed.isEmpty() || said == u"This file could not be decoded for preview."_s);
     }
 
 private:

@@ -18,6 +18,8 @@ private Q_SLOTS:
         QCOMPARE(epr::durationText(187999), u"3:07"_s);
         QCOMPARE(epr::durationText(3599999), u"59:59"_s);
         QCOMPARE(epr::durationText(90129000), u"25:02:09"_s);
+        QCOMPARE(epr::positionText(3599999), u"0:59:59"_s);
+        QCOMPARE(epr::positionText(-1), u"0:00:00"_s);
     }
 
     void qualityShowsWhatIsKnown()

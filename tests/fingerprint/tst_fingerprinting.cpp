@@ -5,6 +5,7 @@
 #include "ffmpeg.h"
 #include "fingerprintpool.h"
 #include "fingerprintworker.h"
+#include "mediabackend.h"
 #include "metatypes.h"
 #include "monosamples.h"
 #include "qtdecoder.h"

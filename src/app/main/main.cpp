@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mainwindow.h"
+#include "mediabackend.h"
 #include "metadata.h"
 #include "metatypes.h"
-#include "qtdecoder.h"
 #include "startup.h"
 #include "translation.h"
 

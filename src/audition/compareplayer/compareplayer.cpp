@@ -22,8 +22,7 @@ ComparePlayer::ComparePlayer(QWidget *parent)
     for (const int deck : { 0, 1 })
         onDeckChanged(deck);
     onMonitorChanged();
-    constexpr int bucketMs = 40; // of the envelope that the levels come from
-    m_levelTimer.setInterval(bucketMs);
+    m_levelTimer.setInterval(Envelope::bucketMs); // the levels come from the envelope
     connect(&m_levelTimer, &QTimer::timeout, this, &ComparePlayer::showLevels);
 }
 
@@ -153,7 +152,7 @@ void ComparePlayer::connectPlayer()
     connect(m_player, &DeckPair::envelopeLoaded, this,
             [view](int deck, const Envelope &envelope) { view(deck)->setEnvelope(envelope); });
     connect(m_player, &DeckPair::previewFailed, this, [view](int deck) { view(deck)->setPreviewUnavailable(); });
-    connect(m_player, &DeckPair::problemReported, this,
+    connect(m_player, &DeckPair::problemChanged, this,
             [view](int deck, const QString &problem) { view(deck)->setProblem(problem); });
     connect(m_player, &DeckPair::deckChanged, this, &ComparePlayer::onDeckChanged);
     connect(m_player, &DeckPair::playingChanged, this, &ComparePlayer::onPlayingChanged);
@@ -165,9 +164,12 @@ void ComparePlayer::connectPlayer()
 
 void ComparePlayer::onDeckChanged(int deck)
 {
-    m_decks.at(deck)->setTrack(m_player->track(deck));
-    if (const QString problem = m_player->problem(deck); !problem.isEmpty()) // known while it was being loaded
-        m_decks.at(deck)->setProblem(problem);
+    DeckView *view = m_decks.at(deck);
+    view->setTrack(m_player->track(deck));
+    view->setProblem(m_player->problem(deck)); // what follows may be known since it was loaded, and is told only once
+    if (m_player->duration(deck) > 0)
+        view->setDurationMs(m_player->duration(deck));
+    view->setPositionMs(m_player->position(deck));
     m_transport->setDeltas(comparisontext::durationDelta(m_player->track(0), m_player->track(1)),
                            comparisontext::bitrateDelta(m_player->track(0), m_player->track(1)));
 }

@@ -3,6 +3,7 @@
 #include "deckview.h"
 
 #include "comparisontext.h"
+#include "displaytext.h"
 #include "elidinglabel.h"
 #include "levelmeter.h"
 #include "scrubber.h"
@@ -36,8 +37,8 @@ void DeckView::setTrack(const TrackInfo &track)
     m_title->setText(comparisontext::title(track));
     // A long title gives way to the meters; in an empty deck, which has no levels, they give way to the words.
     m_title->setMinimumWidth(m_hasFile ? 0 : m_title->sizeHint().width());
-    m_format->setText(comparisontext::format(track));
-    m_format->setTone(vfd::ElidingLabel::Tone::Soft);
+    m_formatText = comparisontext::format(track);
+    setProblem({});
     m_scrubber->clear();
     if (m_hasFile)
         m_scrubber->setAnalysing();
@@ -60,8 +61,9 @@ void DeckView::setPreviewUnavailable()
 
 void DeckView::setProblem(const QString &message)
 {
-    m_format->setText(message);
-    m_format->setTone(vfd::ElidingLabel::Tone::Warning);
+    const bool isProblem = !message.isEmpty();
+    m_format->setText(isProblem ? message : m_formatText);
+    m_format->setTone(isProblem ? vfd::ElidingLabel::Tone::Warning : vfd::ElidingLabel::Tone::Soft);
 }
 
 void DeckView::setDurationMs(qint64 durationMs)
@@ -72,7 +74,7 @@ void DeckView::setDurationMs(qint64 durationMs)
 
 void DeckView::setPositionMs(qint64 positionMs)
 {
-    m_position->setText(comparisontext::position(positionMs));
+    m_position->setText(positionText(positionMs));
     m_scrubber->setPositionMs(positionMs);
 }
 

@@ -26,7 +26,7 @@ public:
     void setTrack(const TrackInfo &track); ///< the empty record = no file
     void setEnvelope(const Envelope &envelope);
     void setPreviewUnavailable();
-    void setProblem(const QString &message); ///< in place of the format, until another track comes
+    void setProblem(const QString &message); ///< in place of the format, which an empty one brings back
     void setDurationMs(qint64 durationMs);
     void setPositionMs(qint64 positionMs);
     void setHeard(bool heard);
@@ -44,6 +44,7 @@ private:
     QString m_name;
     bool m_hasFile = false;
     bool m_isHeard = false;
+    QString m_formatText;
     Envelope m_envelope;
     vfd::ElidingLabel *m_heading = nullptr;
     vfd::ElidingLabel *m_title = nullptr;

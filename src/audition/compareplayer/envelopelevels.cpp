@@ -6,8 +6,7 @@ namespace epr {
 
 StereoLevels levelsAt(const Envelope &envelope, qint64 positionMs)
 {
-    constexpr qint64 bucketMs = 40;
-    const qsizetype bucket = positionMs / bucketMs;
+    const qsizetype bucket = positionMs / Envelope::bucketMs;
     if (positionMs < 0 || bucket >= envelope.left.size() || bucket >= envelope.right.size())
         return {};
     return { envelope.left.at(bucket), envelope.right.at(bucket) };

@@ -47,7 +47,8 @@ void TransportView::setDeltas(const QString &duration, const QString &bitrate)
 
 void TransportView::createLamps()
 {
-    m_play = new vfd::Lamp({}, this);
+    m_play = new vfd::Lamp(tr("PAUSE"), this);
+    m_play->setMinimumWidth(m_play->sizeHint().width()); // nothing moves aside when it plays
     m_play->setObjectName(u"playLamp"_s);
     m_play->setToolTip(tr("Play or pause both decks"));
     connect(m_play, &vfd::Lamp::clicked, this, &TransportView::playPauseRequested);

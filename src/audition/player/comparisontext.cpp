@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include <algorithm>
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
@@ -22,11 +21,6 @@ constexpr QChar minusSign(0x2212);
 QChar signOf(qint64 difference)
 {
     return difference >= 0 ? u'+' : minusSign;
-}
-
-QString twoDigits(qint64 value)
-{
-    return u"%1"_s.arg(value, 2, 10, QLatin1Char('0'));
 }
 
 } // namespace
@@ -53,15 +47,9 @@ QString format(const TrackInfo &track)
     return quality.isEmpty() ? size : u"%1, %2"_s.arg(size, quality);
 }
 
-QString position(qint64 positionMs)
-{
-    const qint64 seconds = std::max<qint64>(positionMs, 0) / 1000;
-    return u"%1:%2:%3"_s.arg(seconds / 3600).arg(twoDigits(seconds / 60 % 60), twoDigits(seconds % 60));
-}
-
 QString duration(qint64 durationMs)
 {
-    return u"/ %1"_s.arg(position(durationMs));
+    return u"/ %1"_s.arg(positionText(durationMs));
 }
 
 QString durationDelta(const TrackInfo &a, const TrackInfo &b)

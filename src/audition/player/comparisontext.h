@@ -16,9 +16,6 @@ namespace epr::comparisontext {
 /// "4.21 MB, 320 kbps, 44.1 kHz, stereo"; nothing for an empty path.
 [[nodiscard]] QString format(const TrackInfo &track);
 
-/// "0:03:07"; seconds are truncated, below zero counts as zero.
-[[nodiscard]] QString position(qint64 positionMs);
-
 /// "/ 0:03:07".
 [[nodiscard]] QString duration(qint64 durationMs);
 

@@ -57,18 +57,22 @@ Q_SIGNALS:
     void envelopeLoaded(int deck, const epr::Envelope &envelope);
     /// The reason alone; the log message has it too.
     void previewFailed(int deck, const QString &error);
-    /// The reason alone, which problem() keeps until the deck gets another file; the log message has it too.
-    void problemReported(int deck, const QString &problem);
+    /// The reason alone, which problem() keeps until the deck plays or gets another file, and then empty; the log
+    /// message has it too.
+    void problemChanged(int deck, const QString &problem);
     void logMessage(const QString &message);
 
 private:
     void connectDeck(int deck);
     void setMonitor(int deck);
+    void onPlayingChanged(int deck);
     void reportProblem(int deck, const QString &problem);
+    void giveUpPreview(int deck, const QString &error);
 
     std::array<MediaDeck, 2> m_decks;
     ComparisonLogic m_logic;
     std::array<QString, 2> m_problems;
+    std::array<bool, 2> m_isPreviewWanted {}; ///< asked for, with no answer yet
     QTimer m_syncTimer;
     WaveformLoader m_previews;
 };

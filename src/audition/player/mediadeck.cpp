@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mediadeck.h"
 
-#include "localmedia.h"
+#include "mediabackend.h"
 
 #include <QAudioDevice>
 #include <QAudioOutput>
@@ -86,6 +86,8 @@ void MediaDeck::openSource(const QString &path)
     // Not every back-end reports a file that is not there.
     if (!m_file.open(QIODevice::ReadOnly))
         return onError(m_file.errorString());
+    if (mediaBackendGarbles(path))
+        return onError(tr("MPEG layer II cannot be played here."));
     if (mediaBackendMisreadsName(path))
         return m_player.setSourceDevice(&m_file, QUrl::fromLocalFile(path));
     m_file.close();

@@ -28,6 +28,8 @@ public:
     [[nodiscard]] qint64 position() const override;
     [[nodiscard]] bool isPlaying() const override;
     [[nodiscard]] bool hasEnded() const override { return m_ended; }
+    /// The file cannot be played; said once by problem().
+    [[nodiscard]] bool hasFailed() const { return m_failed; }
 
     void setSource(const QString &path) override;
     void play() override;
@@ -64,7 +66,7 @@ private:
     qint64 m_wantedPosition = -1; ///< to move to once the file can be moved in, -1 = none
     bool m_loading = false;
     bool m_wantsPlay = false; ///< to begin once the file is loaded
-    bool m_failed = false; ///< the file cannot be played
+    bool m_failed = false;
     bool m_ended = false;
     bool m_announcedPlaying = false;
 };

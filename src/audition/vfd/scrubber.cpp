@@ -3,8 +3,8 @@
 #include "scrubber.h"
 
 #include "accessibility.h"
+#include "displaytext.h"
 #include "scrubberkeys.h"
-#include "timetext.h"
 #include "vfdpaint.h"
 
 #include <QHoverEvent>
@@ -42,7 +42,7 @@ QString Scrubber::valueText() const
 {
     if (!isSeekable())
         return caption();
-    return tr("%1 of %2").arg(timeText(std::min(m_positionMs, m_durationMs)), timeText(m_durationMs));
+    return tr("%1 of %2").arg(positionText(std::min(m_positionMs, m_durationMs)), positionText(m_durationMs));
 }
 
 QSize Scrubber::sizeHint() const
@@ -83,7 +83,7 @@ void Scrubber::setDurationMs(qint64 durationMs)
 {
     m_durationMs = std::max<qint64>(durationMs, 0);
     m_isDragging = m_isDragging && isSeekable();
-    update();
+    redrawWaves();
 }
 
 void Scrubber::setPositionMs(qint64 positionMs)
@@ -159,6 +159,11 @@ void Scrubber::setState(State state)
 {
     m_state = state;
     m_envelope = Envelope();
+    redrawWaves();
+}
+
+void Scrubber::redrawWaves()
+{
     m_played.invalidate();
     m_unplayed.invalidate();
     update();

@@ -49,6 +49,7 @@ protected:
 
 private:
     void setState(State state);
+    void redrawWaves();
     void moveCursor(qint64 positionMs);
     void setHoverX(qreal x);
     [[nodiscard]] bool isSeekable() const { return m_durationMs > 0; }

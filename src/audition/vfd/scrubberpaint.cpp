@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scrubber.h"
 
-#include "timetext.h"
+#include "displaytext.h"
 #include "vfdcolours.h"
 #include "vfdpaint.h"
 #include "waveformpaint.h"
@@ -53,7 +53,8 @@ void Scrubber::paintEvent(QPaintEvent *)
 void Scrubber::paintWaves(QPainter &painter)
 {
     const auto drawn = [this](CachedPixmap &cache, const QColor &colour) {
-        return cache.pictureFor(*this, [&](QPainter &p) { paintWaveform(p, m_envelope, colour, waveMargin); });
+        return cache.pictureFor(*this,
+                                [&](QPainter &p) { paintWaveform(p, m_envelope, m_durationMs, colour, waveMargin); });
     };
     const qreal x = cursorX();
     painter.setClipRect(QRectF(0, 0, x, height()));
@@ -89,7 +90,7 @@ void Scrubber::paintHover(QPainter &painter) const
 {
     if (m_hoverX < 0)
         return;
-    const QString time = timeText(positionAt(m_hoverX));
+    const QString time = positionText(positionAt(m_hoverX));
     const qreal boxWidth = fontMetrics().horizontalAdvance(time) + 12;
     const qreal boxHeight = fontMetrics().height() + 4;
     constexpr qreal margin = 3;

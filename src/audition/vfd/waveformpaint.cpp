@@ -29,15 +29,16 @@ QLinearGradient shading(const QColor &colour, int height)
 
 } // namespace
 
-void paintWaveform(QPainter &painter, const Envelope &envelope, const QColor &colour, qreal margin)
+void paintWaveform(QPainter &painter, const Envelope &envelope, qint64 durationMs, const QColor &colour, qreal margin)
 {
     const QPaintDevice *device = painter.device();
     const qreal ratio = device->devicePixelRatio();
     const int height = device->height();
     const int middle = height / 2;
     const qreal fullLevel = std::max(middle - margin * ratio, 1.0);
-    const QList<float> left = columnPeaks(envelope.left, device->width());
-    const QList<float> right = columnPeaks(envelope.right, device->width());
+    const qint64 buckets = durationMs / Envelope::bucketMs;
+    const QList<float> left = columnPeaks(envelope.left, device->width(), buckets);
+    const QList<float> right = columnPeaks(envelope.right, device->width(), buckets);
     const auto tip = [fullLevel](float level) { return static_cast<int>(std::lround(level * fullLevel)); };
 
     painter.save();

@@ -12,7 +12,7 @@ namespace epr {
 
 namespace {
 
-constexpr int bucketsPerSecond = 25;
+constexpr int bucketsPerSecond = 1000 / Envelope::bucketMs;
 constexpr float fullHeight = 0.98F;
 
 float level(quint8 value)

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveformdecoding.h"
 
-#include "localmedia.h"
+#include "mediabackend.h"
 
 #include <QAudioBuffer>
 #include <QUrl>
@@ -52,6 +52,8 @@ bool WaveformDecoding::openSource(const QString &path)
         m_error = m_file.errorString();
         return false;
     }
+    if (mediaBackendGarbles(path))
+        return false;
     if (mediaBackendMisreadsName(path)) {
         m_decoder.setSourceDevice(&m_file);
         return true;
