@@ -8,15 +8,14 @@
 //   bench_cache [FILES [ROWS]]      100,000 files unless given; ROWS more than FILES adds rows of files that are gone
 
 #include "analysiscache.h"
+#include "cachecheck.h"
 #include "discovery.h"
 #include "fileanalysis.h"
-#include "measureahead.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTextStream>
-#include <QThreadPool>
 
 #include <algorithm>
 #include <atomic>
@@ -63,20 +62,15 @@ void fillCache(AnalysisCache &cache, const QStringList &paths)
 }
 
 // The records are kept, as the matching that follows needs them.
-QList<TrackInfo> check(AnalysisCache &cache, const QStringList &paths)
+QList<TrackInfo> check(const QStringList &paths)
 {
-    QThreadPool pool;
     QList<TrackInfo> tracks;
     tracks.reserve(paths.size());
-    cache.beginTransaction();
-    for (MeasureAhead files(paths, &pool); !files.atEnd();) {
-        const QList<TrackInfo> measured = files.take();
-        QList<TrackInfo> cached = measured;
-        cache.lookupAll(cached, 0);
-        for (TrackInfo &track : cached)
+    for (CacheCheck files(paths, 0); !files.atEnd();) {
+        QList<TrackInfo> slice = files.take();
+        for (TrackInfo &track : slice)
             tracks.append(std::move(track));
     }
-    cache.commitTransaction();
     return tracks;
 }
 
@@ -130,23 +124,23 @@ void forgetPeak()
 }
 
 // In the first round only: later ones reuse memory that the process already holds.
-void reportMemory(AnalysisCache &cache, const QStringList &paths, QTextStream &out)
+void reportMemory(const QStringList &paths, QTextStream &out)
 {
     forgetPeak();
     const double before = memoryMiB("VmRSS:");
     const double anonymousBefore = memoryMiB("RssAnon:");
-    const QList<TrackInfo> tracks = check(cache, paths);
+    const QList<TrackInfo> tracks = check(paths);
     out << "check adds " << memoryMiB("VmHWM:") - before << " MiB at its peak, "
         << memoryMiB("RssAnon:") - anonymousBefore << " MiB of it anonymous, records included\n";
 }
 
 // The records are thrown away after the clock has stopped: a scan goes on to use them.
-Round timedRound(AnalysisCache &cache, const QStringList &paths, const ScanOptions &options)
+Round timedRound(const QStringList &paths, const ScanOptions &options)
 {
     Round round;
     round.walk = costOf([&] { Q_UNUSED(walk(options)) });
     QList<TrackInfo> tracks;
-    round.check = costOf([&] { tracks = check(cache, paths); });
+    round.check = costOf([&] { tracks = check(paths); });
     tracks.clear();
     round.measuring = costOf([&] {
         for (const QString &path : paths)
@@ -202,15 +196,15 @@ int main(int argc, char *argv[])
 
     out << paths.size() << " files, " << cache.count() << " rows, " << cache.fileSize() / 1048576
         << " MiB of cache; storing all rows " << storeS << " s\n";
-    reportMemory(cache, paths, out);
+    reportMemory(paths, out);
     QList<Round> rounds;
     for (int i = 0; i < 5; ++i)
-        rounds.append(timedRound(cache, paths, options));
+        rounds.append(timedRound(paths, options));
     out << "wall time: ";
     reportTimes(rounds, &Cost::wall, out);
     out << "processor time: ";
     reportTimes(rounds, &Cost::processor, out);
-    const QList<TrackInfo> tracks = check(cache, paths);
+    const QList<TrackInfo> tracks = check(paths);
     const auto hits = std::count_if(tracks.cbegin(), tracks.cend(),
                                     [](const TrackInfo &track) { return (track.flags & TrackFromCache) != 0; });
     out << hits << " hits\n";

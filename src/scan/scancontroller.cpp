@@ -4,12 +4,12 @@
 
 #include "analysiscache.h"
 #include "buildmatchgroups.h"
+#include "cachecheck.h"
 #include "discovery.h"
 #include "ffmpeg.h"
 #include "fileanalysis.h"
 #include "fingerprintpool.h"
 #include "fpcalc.h"
-#include "measureahead.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -17,6 +17,7 @@
 #include <QtConcurrentMap>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace epr {
@@ -73,14 +74,22 @@ bool isTooShort(const TrackInfo &track, qint64 minDurationMs)
     return track.durationMs >= 1 && track.durationMs < minDurationMs;
 }
 
-void takeDigestsAndFingerprint(TrackInfo &track, const TrackInfo &cached)
+// What the cache knows and the analysis does not repeat, above all the fingerprint.
+TrackInfo withoutTags(const TrackInfo &cached)
 {
+    TrackInfo track;
+    track.path = cached.path;
+    track.fileName = cached.fileName;
+    track.suffix = cached.suffix;
+    track.size = cached.size;
+    track.mtime = cached.mtime;
     track.fullHash = cached.fullHash;
     track.audioHash = cached.audioHash;
     track.fingerprint = cached.fingerprint;
     track.fingerprintMask = cached.fingerprintMask;
     track.fingerprintAlt = cached.fingerprintAlt;
     track.fingerprintAltMask = cached.fingerprintAltMask;
+    return track;
 }
 
 QString megabytes(qint64 bytes)
@@ -102,30 +111,22 @@ struct ScanController::Scan {
     bool cancelled = false;
     QElapsedTimer clock;
 
-    void addTracks(const QList<TrackInfo> &measured);
+    void addTracks(QList<TrackInfo> checked);
     void dropFingerprints();
 };
 
-// Completes measured records from the cache and keeps them. An analysis that an earlier scan made with fewer methods is
-// not enough: a file without a digest would match nothing. What the analysis does not repeat, above all the
-// fingerprint, is still good.
-void ScanController::Scan::addTracks(const QList<TrackInfo> &measured)
+// An analysis that an earlier scan made with fewer methods is not enough: a file without a digest would match nothing.
+void ScanController::Scan::addTracks(QList<TrackInfo> checked)
 {
-    QList<TrackInfo> cached = measured;
-    if (cache)
-        cache->lookupAll(cached, options.fingerprintEngine);
-    for (qsizetype i = 0; i < measured.size(); ++i) {
-        const bool found = (cached.at(i).flags & TrackFromCache) != 0;
-        if (found && hasWantedDigests(cached.at(i), options)) {
-            tracks.append(std::move(cached[i]));
-            TrackInfo &track = tracks.last();
+    for (TrackInfo &track : checked) {
+        const bool found = (track.flags & TrackFromCache) != 0;
+        if (found && hasWantedDigests(track, options)) {
             track.analysed = !options.detectAcoustic || hasUsableFingerprint(track, options.fingerprintEngine);
+            tracks.append(std::move(track));
             continue;
         }
         work.append(tracks.size());
-        tracks.append(measured.at(i));
-        if (found)
-            takeDigestsAndFingerprint(tracks.last(), cached.at(i));
+        tracks.append(found ? withoutTags(track) : std::move(track));
     }
 }
 
@@ -214,26 +215,22 @@ void ScanController::discoverFiles(Scan &scan)
         Q_EMIT logMessage(tr("Discovered %1 audio files.").arg(scan.paths.size()));
 }
 
-// One transaction for all look-ups: otherwise each one locks and unlocks the database.
 void ScanController::checkCache(Scan &scan)
 {
     Q_EMIT phaseChanged(tr("Checking cache"));
     const qsizetype total = scan.paths.size();
     scan.tracks.reserve(total);
-    if (scan.cache)
-        scan.cache->beginTransaction();
-    for (MeasureAhead files(scan.paths, &m_analysisPool); !files.atEnd(); scan.addTracks(files.take())) {
+    CacheCheck files(scan.paths, scan.cache ? std::optional(scan.options.fingerprintEngine) : std::nullopt);
+    for (; !files.atEnd(); scan.addTracks(files.take())) {
         const qsizetype done = files.position();
         Q_EMIT progress(static_cast<int>(done), static_cast<int>(total), tr("Checked %1 of %2").arg(done).arg(total));
         if (isCancelled())
             break;
     }
-    if (scan.cache)
-        scan.cache->commitTransaction();
     const qsizetype reused = scan.tracks.size() - scan.work.size();
     if (reused > 0)
         Q_EMIT logMessage(tr("Reused %1 cached analysis results.").arg(reused));
-    logCacheError(scan, tr("The analysis cache could not be read (%1)."));
+    logCacheError(files.error(), tr("The analysis cache could not be read (%1)."));
 }
 
 // Each worker writes the record of its own file, in place: what is complete when a scan is cancelled stays complete,
@@ -357,12 +354,11 @@ void ScanController::writeCache(const Scan &scan)
         }
     }
     scan.cache->commitTransaction();
-    logCacheError(scan, tr("The analysis cache could not be written (%1)."));
+    logCacheError(scan.cache->takeError(), tr("The analysis cache could not be written (%1)."));
 }
 
-void ScanController::logCacheError(const Scan &scan, const QString &message)
+void ScanController::logCacheError(const QString &error, const QString &message)
 {
-    const QString error = scan.cache ? scan.cache->takeError() : QString();
     if (!error.isEmpty())
         Q_EMIT logMessage(message.arg(error));
 }

@@ -55,7 +55,7 @@ private:
     int runFingerprintPool(Scan &scan, const QList<FingerprintJob> &jobs);
     void logFingerprinting(const Scan &scan, qsizetype files);
     void writeCache(const Scan &scan);
-    void logCacheError(const Scan &scan, const QString &message);
+    void logCacheError(const QString &error, const QString &message);
     void groupDuplicates(Scan &scan);
     void finish(Scan &scan);
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
 
+#include "cachecheck.h"
 #include "temporarylibrary.h"
 
 #include <QRegularExpression>
@@ -142,6 +143,39 @@ private Q_SLOTS:
         otherProgram("ALTER TABLE elsewhere RENAME TO tracks");
         cache.lookupAll(tracks, 0);
         QVERIFY(tracks.first().analysed && cache.takeError().isEmpty());
+    }
+
+    // More slices than may be worked on ahead, of files that are gone, which are quick to measure.
+    void checksOnSeveralThreads()
+    {
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        QStringList paths;
+        cache.beginTransaction();
+        for (int i = 0; i < 6000; ++i) {
+            TrackInfo track;
+            track.path = paths.emplaceBack(u"/m/%1.mp3"_s.arg(i));
+            track.durationMs = i;
+            if (i % 3 != 0)
+                cache.store(track, 0);
+        }
+        cache.commitTransaction();
+        for (const bool readable : { true, false }) {
+            CacheCheck files(paths, 0);
+            QTest::qSleep(50);
+            int i = 0;
+            for (; !files.atEnd() && (readable || i < 512);) {
+                for (const TrackInfo &track : files.take()) {
+                    QCOMPARE(track.path, paths.at(i));
+                    QCOMPARE(track.durationMs, readable && i % 3 != 0 ? i : 0);
+                    ++i;
+                }
+            }
+            QCOMPARE(i, readable ? 6000 : 512); // the rest is given up
+            QCOMPARE(files.error().contains("no such column"_L1), !readable);
+            if (readable)
+                otherProgram("ALTER TABLE tracks RENAME COLUMN genre TO style");
+        }
     }
 
     void sharesItsFile()

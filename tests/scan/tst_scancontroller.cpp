@@ -231,6 +231,21 @@ private Q_SLOTS:
         QVERIFY(scan(controller, m_options).cancelled);
     }
 
+    // Every thread meets the damage.
+    void damagedCacheIsReportedOnce()
+    {
+        for (int i = 0; i < 600; ++i)
+            writeFile(path(u"many/%1.wav"_s.arg(i)), "x");
+        scan(*std::make_unique<ScanController>(), m_options);
+        constexpr qsizetype schemaPage = 4096;
+        const QByteArray intact = readFile(AnalysisCache::defaultFilePath());
+        writeFile(AnalysisCache::defaultFilePath(), intact.first(schemaPage).leftJustified(intact.size(), 'x'));
+        ScanController controller;
+        const Outcome outcome = scan(controller, m_options);
+        QCOMPARE(outcome.log.filter(u"The analysis cache could not be read ("_s).size(), 1);
+        QVERIFY(outcome.tracks.size() == 604 && outcome.log.filter(u"Reused"_s).isEmpty());
+    }
+
     // Files that are long to hash and, where they can be sparse, quick to write.
     void cancelledAnalysisIsKept()
     {
