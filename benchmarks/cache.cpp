@@ -11,6 +11,7 @@
 #include "cachecheck.h"
 #include "discovery.h"
 #include "fileanalysis.h"
+#include "timezone.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -170,6 +171,7 @@ void reportTimes(const QList<Round> &rounds, double Cost::*time, QTextStream &ou
 
 int main(int argc, char *argv[])
 {
+    rememberTimeZone(); // as the programs do
     const QTemporaryDir folder;
     qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(u"data"_s)));
     const QCoreApplication application(argc, argv);

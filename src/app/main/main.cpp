@@ -5,6 +5,7 @@
 #include "metadata.h"
 #include "metatypes.h"
 #include "startup.h"
+#include "timezone.h"
 #include "translation.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 int main(int argc, char *argv[])
 {
     epr::preferFfmpegMediaBackend();
+    epr::rememberTimeZone();
     const QApplication application(argc, argv);
     epr::metadata::applyToApplication();
     epr::translation::install();
