@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QToolTip>
+#include <QtMath>
 
 namespace epr::vfd {
 
@@ -37,7 +38,9 @@ bool ElidingLabel::isShortened() const
 
 QSize ElidingLabel::sizeHint() const
 {
-    return { fontMetrics().horizontalAdvance(m_text) + 2 * margin, fontMetrics().height() + 2 * margin };
+    // Rounded up: where a font has fractions, the whole part alone would shorten the text.
+    const int width = qCeil(QFontMetricsF(font()).horizontalAdvance(m_text));
+    return { width + 2 * margin, fontMetrics().height() + 2 * margin };
 }
 
 QSize ElidingLabel::minimumSizeHint() const
