@@ -41,6 +41,7 @@ MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
     , m_results(results)
     , m_window(parent)
     , m_menu(new QMenu(parent))
+    , m_groupMenu(new QMenu(parent))
 {
     m_menu->setObjectName(u"memberMenu"_s);
     m_menu->addActions({ loadIntoDeckA, loadIntoDeckB, compareGroup });
@@ -50,6 +51,7 @@ MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
     m_menu->addAction(keep);
     m_menu->addSeparator();
     m_menu->addAction(showDetails);
+    m_groupMenu->addAction(compareGroup);
     connect(results, &ResultsModel::totalsChanged, this, &MemberActions::refresh);
     compareGroup->setShortcut(Qt::CTRL | Qt::Key_Return);
     connect(compareGroup, &QAction::triggered, this, &MemberActions::compareMember);
@@ -66,6 +68,8 @@ void MemberActions::popup(const QPoint &globalPos)
 {
     if (m_results->trackAt(m_member))
         m_menu->popup(globalPos);
+    else if (m_member.isValid())
+        m_groupMenu->popup(globalPos);
 }
 
 // The handler gets a copy of the track: it may run an event loop in which the results go.

@@ -49,6 +49,7 @@ private:
     ResultsModel *m_results;
     QWidget *m_window;
     QMenu *m_menu;
+    QMenu *m_groupMenu; ///< on a group's own row
     QPersistentModelIndex m_member; ///< a scan may end and reset the model while the menu is open
 };
 

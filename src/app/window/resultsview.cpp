@@ -84,10 +84,10 @@ void ResultsView::drawRow(QPainter *painter, const QStyleOptionViewItem &option,
 void ResultsView::contextMenuEvent(QContextMenuEvent *event)
 {
     const bool byKeyboard = event->reason() == QContextMenuEvent::Keyboard;
-    if (!byKeyboard && indexAt(event->pos()).isValid())
-        setCurrentIndex(indexAt(event->pos()));
-    if (!isOnMember())
+    const QModelIndex index = byKeyboard ? currentIndex() : indexAt(event->pos());
+    if (!index.isValid())
         return;
+    setCurrentIndex(index);
     const QPoint centre = visualRect(currentIndex()).center();
     Q_EMIT memberMenuRequested(byKeyboard ? viewport()->mapToGlobal(centre) : event->globalPos());
 }

@@ -22,7 +22,7 @@ public:
     void reset() override; ///< a review goes on at the same place in the list
 
 Q_SIGNALS:
-    void memberMenuRequested(const QPoint &globalPos); ///< for the current member
+    void memberMenuRequested(const QPoint &globalPos); ///< for the current member or group
     void memberActivated(); ///< the current member was double-clicked, or Return was pressed on it
 
 protected:
