@@ -65,62 +65,52 @@ class TestComparison : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    // In the situation, A and B are decks with files, standing at 1000 and 5000, L is linked, s a B of 8000 ms. What
-    // the decks do after the commands is told as "position" or "position playing".
-    void commands_data()
-    {
-        QTest::addColumn<QString>("story");
-        QTest::newRow("play unlinked") << u"AB|play|1000 playing|5000"_s;
-        QTest::newRow("play with B heard") << u"AB|hearB play|1000|5000 playing"_s;
-        QTest::newRow("play linked") << u"ABL|play|1000 playing|1000 playing"_s;
-        QTest::newRow("play linked, B heard") << u"ABL|hearB play|5000 playing|5000 playing"_s;
-        QTest::newRow("play linked without B") << u"AL|play|1000 playing|0"_s;
-        QTest::newRow("play linked without A") << u"BL|play|0|0 playing"_s;
-        QTest::newRow("play linked after the end") << u"ABL|seekA60000 play|0 playing|0 playing"_s;
-        QTest::newRow("play linked beyond the end of B") << u"ABLs|seekA9000 play|9000 playing|8000"_s;
-        QTest::newRow("one that plays is enough to pause") << u"AB|play hearB play|1000|5000"_s;
-        QTest::newRow("stop") << u"ABL|play stop|0|0"_s;
-        QTest::newRow("a switch moves nothing") << u"AB|play hearB|1000 playing|5000"_s;
-        QTest::newRow("seek unlinked") << u"AB|seekB7|1000|7"_s;
-        QTest::newRow("seek linked") << u"ABL|play seekB7|7 playing|7 playing"_s;
-        QTest::newRow("seek linked without B") << u"AL|seekA7|7|0"_s;
-        QTest::newRow("seek linked without A") << u"BL|seekB7|7|7"_s;
-        QTest::newRow("a deck that ran out joins again")
-            << u"ABLs|play seekA9000 seekA2000|2000 playing|2000 playing"_s;
-        QTest::newRow("both ran out") << u"ABL|play seekA60000 seekA2000|2000|2000"_s;
-        QTest::newRow("linking moves B, even if heard") << u"AB|hearB link|1000|1000"_s;
-        QTest::newRow("linking without A") << u"B|link|0|5000"_s;
-        QTest::newRow("the same file plays on") << u"ABL|play loadA|1000 playing|1000 playing"_s;
-        QTest::newRow("the same file stays") << u"AB|hearB loadB|1000|5000"_s;
-        QTest::newRow("another file") << u"AB|play loadC|0|5000"_s;
-        QTest::newRow("clear") << u"ABL|play clearA|0|1000 playing"_s;
-        QTest::newRow("a cleared deck and its file") << u"AB|play clearA loadA|0|5000"_s;
-    }
+    // In the situation, A and B are decks with files, standing at 1000 and 5000, L is linked, s a B of 8000 ms. Then
+    // come the commands and where A and B stand after them, with "+" if they play.
     void commands()
     {
-        QFETCH(const QString, story);
-        const QStringList parts = story.split(u'|'); // situation, commands, A afterwards, B afterwards
-        FakeDeck decks[2];
-        ComparisonLogic logic(decks[0], decks[1]);
-        logic.setLinked(parts[0].contains(u'L'));
-        for (const int deck : { 0, 1 }) {
-            const QString name = deck == 0 ? u"A"_s : u"B"_s;
-            if (!parts[0].contains(name))
-                continue;
-            logic.load(deck, trackOf(name));
-            decks[deck].at = deck == 0 ? 1000 : 5000;
+        const QString stories[] = {
+            // Playing starts the deck that is heard, and a linked one from the same place if it has one there.
+            u"AB|play|1000+|5000"_s, u"AB|hearB play|1000|5000+"_s, u"ABL|play|1000+|1000+"_s,
+            u"ABL|hearB play|5000+|5000+"_s, u"AL|play|1000+|0"_s, u"BL|play|0|0+"_s, u"ABL|seekA60000 play|0+|0+"_s,
+            u"ABLs|seekA9000 play|9000+|8000"_s,
+            // One that plays is enough to pause, and to switch moves nothing.
+            u"AB|play hearB play|1000|5000"_s, u"ABL|play stop|0|0"_s, u"AB|play hearB|1000+|5000"_s,
+            // A deck that ran out joins again, unless both did.
+            u"AB|seekB7|1000|7"_s, u"ABL|play seekB7|7+|7+"_s, u"AL|seekA7|7|0"_s, u"BL|seekB7|7|7"_s,
+            u"ABLs|play seekA9000 seekA2000|2000+|2000+"_s, u"ABL|play seekA60000 seekA2000|2000|2000"_s,
+            // Linking moves B, even if it is heard.
+            u"AB|hearB link|1000|1000"_s, u"B|link|0|5000"_s,
+            // The same file goes on, but not after its deck was cleared.
+            u"ABL|play loadA|1000+|1000+"_s, u"AB|hearB loadB|1000|5000"_s, u"AB|play loadC|0|5000"_s,
+            u"ABL|play clearA|0|1000+"_s, u"AB|play clearA loadA|0|5000"_s
+        };
+        for (const QString &story : stories) {
+            const QString situation = story.section(u'|', 0, 0);
+            const QString orders = story.section(u'|', 1, 1);
+            FakeDeck decks[2];
+            ComparisonLogic logic(decks[0], decks[1]);
+            logic.setLinked(situation.contains(u'L'));
+            for (const int deck : { 0, 1 }) {
+                const QString name = deck == 0 ? u"A"_s : u"B"_s;
+                if (situation.contains(name)) {
+                    logic.load(deck, trackOf(name));
+                    decks[deck].at = deck == 0 ? 1000 : 5000;
+                }
+            }
+            if (situation.contains(u's'))
+                decks[1].length = 8000;
+            QString told = situation + u'|' + orders;
+            for (const QString &command : orders.split(u' '))
+                run(logic, command);
+            for (const int deck : { 0, 1 }) {
+                told += u"|%1"_s.arg(decks[deck].at) + (decks[deck].playing ? u"+"_s : QString());
+                QCOMPARE(decks[deck].volume, deck == logic.monitor() ? 1.0F : 0.0F);
+                QCOMPARE(decks[deck].source, logic.track(deck).path);
+            }
+            QCOMPARE(told, story);
+            QCOMPARE(logic.monitor(), orders.contains(u"hearB") ? 1 : 0);
         }
-        if (parts[0].contains(u's'))
-            decks[1].length = 8000;
-        for (const QString &command : parts[1].split(u' '))
-            run(logic, command);
-        for (const int deck : { 0, 1 }) {
-            const QString state = QString::number(decks[deck].at) + (decks[deck].playing ? u" playing"_s : QString());
-            QCOMPARE(state, parts[2 + deck]);
-            QCOMPARE(decks[deck].volume, deck == logic.monitor() ? 1.0F : 0.0F);
-            QCOMPARE(decks[deck].source, logic.track(deck).path);
-        }
-        QCOMPARE(logic.monitor(), parts[1].contains(u"hearB") ? 1 : 0);
     }
 
     // Whichever deck is heard stays where it is.
