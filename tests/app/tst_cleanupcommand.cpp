@@ -1,34 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "mainwindow.h"
-#include "metadata.h"
 #include "removaldialog.h"
 #include "restore.h"
-#include "resultsmodel.h"
 #include "runwithprogress.h"
-#include "settingsstore.h"
 #include "undomanifest.h"
 
 #include "sandbox.h"
+#include "windowsupport.h"
 
-#include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QInputDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRadioButton>
-#include <QSettings>
-#include <QTest>
 #include <QThread>
-#include <QTimer>
-#include <QTreeView>
-
-#include <optional>
-#include <utility>
 
 using namespace epr;
 using namespace epr::test;
@@ -91,13 +75,12 @@ private:
 };
 
 /// A window with the results of a scan: groups of files, of which the first is kept and the others are ticked.
-class Scanned final {
-public:
-    explicit Scanned(Sandbox &box)
+struct Review final : Sandbox {
+    Review()
     {
-        SettingsStore().setQuarantineRoot(box.quarantine());
+        SettingsStore().setQuarantineRoot(quarantine());
         window.emplace();
-        window->addFolder(box.library());
+        window->addFolder(library());
         QList<TrackInfo> tracks;
         QList<MatchGroup> groups;
         for (const QStringList &names : { words("a1 a2"), words("b1 b2"), words("sub/c1 c2 sub/c3") }) {
@@ -107,31 +90,34 @@ public:
             for (const QString &name : names) {
                 group.members << static_cast<qint32>(tracks.size());
                 TrackInfo &track = tracks.emplace_back();
-                track.path = box.add(name);
+                track.path = add(name);
                 track.size = 100;
                 track.mtime = QFileInfo(track.path).lastModified();
             }
         }
         window->show();
         window->onScanFinished(tracks, groups, false, 1);
+        results = window->findChild<ResultsModel *>();
+        before = treeOf(library());
     }
 
-    [[nodiscard]] static QStringList words(const char *text) { return QString::fromLatin1(text).split(u' '); }
-    [[nodiscard]] ResultsModel *results() const { return window->findChild<ResultsModel *>(); }
-    [[nodiscard]] bool logs(const QString &line) const
+    void tick(int group, int member, Qt::CheckState state) const
     {
-        return window->findChild<QPlainTextEdit *>(u"activityLog"_s)->toPlainText().contains("] "_L1 + line);
+        QVERIFY(results->setData(results->index(member, 0, results->index(group, 0)), state, Qt::CheckStateRole));
     }
     /// The groups left in the tree as numbers and members: "1:2 3:4".
     [[nodiscard]] QString groups() const
     {
         QStringList rows;
-        for (const MatchGroup &group : results()->groups())
+        for (const MatchGroup &group : results->groups())
             rows << u"%1:%2"_s.arg(group.id).arg(group.members.size());
         return rows.join(u' ');
     }
 
     std::optional<MainWindow> window;
+    ResultsModel *results = nullptr;
+    Tree before;
+    Operator person;
 };
 
 } // namespace
@@ -140,147 +126,123 @@ class TestCleanupCommand : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(m_settings.isValid()); // what is there is cleared
-        metadata::applyToApplication();
-        QSettings::setDefaultFormat(QSettings::IniFormat);
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_settings.path());
-    }
-
-    void init() { QSettings().clear(); }
+    void initTestCase() { setUpApplication(); }
 
     void wrongTicksAreRefused()
     {
-        Sandbox box;
-        Scanned scanned(box);
-        const Tree before = treeOf(box.library());
-        Operator person;
-        scanned.window->onClearSelection();
-        scanned.window->onRemoveSelected();
+        Review review;
+        review.window->onClearSelection();
+        review.window->onRemoveSelected();
         // The group in question may be hidden by the filter.
-        scanned.window->onSelectDuplicates();
-        const QModelIndex keeper = scanned.results()->index(0, 0, scanned.results()->index(1, 0));
-        QVERIFY(scanned.results()->setData(keeper, Qt::Checked, Qt::CheckStateRole));
-        scanned.window->findChild<QLineEdit *>(u"filterEdit"_s)->setText(u"no such music"_s);
-        scanned.window->onRemoveSelected();
+        review.window->onSelectDuplicates();
+        review.tick(1, 0, Qt::Checked);
+        review.window->findChild<QLineEdit *>(u"filterEdit"_s)->setText(u"no such music"_s);
+        review.window->onRemoveSelected();
         const QString first = u"Nothing selected|Tick the copies you want removed, or use Select All Duplicates."_s;
         const QString second = u"Every copy selected|Group 2 has all of its copies ticked for removal. Untick at least "
                                "one so a copy survives."_s;
-        QCOMPARE(person.boxes, QStringList({ first, second }));
-        QVERIFY(scanned.window->findChild<QTreeView *>()->currentIndex().data().toString().startsWith("Group 2 "_L1));
-        QCOMPARE(treeOf(box.library()), before);
+        QCOMPARE(review.person.boxes, QStringList({ first, second }));
+        QVERIFY(review.window->findChild<QTreeView *>()->currentIndex().data().toString().startsWith("Group 2 "_L1));
+        QCOMPARE(treeOf(review.library()), review.before);
     }
 
     void nothingIsDeletedWithoutConsent()
     {
-        Sandbox box;
-        Scanned scanned(box);
-        const Tree before = treeOf(box.library());
-        const QModelIndex c2 = scanned.results()->index(1, 0, scanned.results()->index(2, 0));
-        QVERIFY(scanned.results()->setData(c2, Qt::Unchecked, Qt::CheckStateRole));
-        Operator person;
+        Review review;
+        review.tick(2, 1, Qt::Unchecked);
+        Operator &person = review.person;
         person.mode = RemovalMode::Delete;
+        person.answers[u"Permanent deletion"_s] = QMessageBox::Cancel;
         for (const auto button : { QDialogButtonBox::Cancel, QDialogButtonBox::Ok }) {
             person.removal = button;
-            person.answers[u"Permanent deletion"_s] = QMessageBox::Cancel;
-            scanned.window->onRemoveSelected();
+            review.window->onRemoveSelected();
             QCOMPARE(person.boxes.size(), button == QDialogButtonBox::Ok ? 1 : 0);
-            QCOMPARE(treeOf(box.library()), before);
+            QCOMPARE(treeOf(review.library()), review.before);
         }
         person.answers[u"Permanent deletion"_s] = QMessageBox::Yes;
-        scanned.window->onRemoveSelected();
+        review.window->onRemoveSelected();
         const QString question =
             u"Permanent deletion|3 file(s) will be deleted permanently and cannot be recovered.\n\n"
             "Are you certain?"_s;
         const QString end = u"Clean-up complete|Removed 3 file(s), freeing 300 bytes."_s;
         QCOMPARE(person.boxes, QStringList({ question, question, end }));
-        QCOMPARE(treeOf(box.library()).keys(), Scanned::words("a1 b1 c2 sub sub/c1"));
-        QCOMPARE(scanned.groups(), u"3:2"_s);
-        QVERIFY(scanned.logs(u"Delete permanently: 3 succeeded, 0 failed, 300 bytes freed."_s));
+        QCOMPARE(treeOf(review.library()).keys(), words("a1 b1 c2 sub sub/c1"));
+        QCOMPARE(review.groups(), u"3:2"_s);
+        QVERIFY(logs(*review.window, u"Delete permanently: 3 succeeded, 0 failed, 300 bytes freed."_s));
     }
 
     void quarantineIsUndoneInTheWindow()
     {
-        Sandbox box;
-        Scanned scanned(box);
-        const Tree before = treeOf(box.library());
-        Operator person;
-        person.newQuarantine = box.inLibrary(u"<quarantine>"_s);
+        Review review;
+        Operator &person = review.person;
+        person.newQuarantine = review.inLibrary(u"<quarantine>"_s);
         QVERIFY(QDir().mkdir(person.newQuarantine));
-        scanned.window->onRemoveSelected();
-        QVERIFY(person.hint.endsWith("under<br>"_L1 + box.library() + "/&lt;quarantine&gt;</span>"_L1));
+        review.window->onRemoveSelected();
+        QVERIFY(person.hint.endsWith("under<br>"_L1 + review.library() + "/&lt;quarantine&gt;</span>"_L1));
         QVERIFY(person.boxes.value(0).startsWith("Quarantine folder will be scanned|"_L1));
-        QCOMPARE(
-            person.boxes.value(1),
-            u"Clean-up complete|Removed 4 file(s), freeing 400 bytes.\n\nThis clean-up can be reversed from Tools > "
-            "Undo Previous Clean-up."_s);
-        QVERIFY(!QFileInfo::exists(box.inLibrary(u"sub/c3"_s)));
-        QCOMPARE(scanned.groups(), QString());
+        QCOMPARE(person.boxes.value(1),
+                 u"Clean-up complete|Removed 4 file(s), freeing 400 bytes.\n\nThis clean-up can be reversed from Tools "
+                 "> Undo Previous Clean-up."_s);
+        QVERIFY(!QFileInfo::exists(review.inLibrary(u"sub/c3"_s)));
+        QCOMPARE(review.groups(), QString());
 
         person.answers[u"Quarantine will be scanned"_s] = QMessageBox::Cancel;
-        scanned.window->onStartScan();
-        QVERIFY(!scanned.window->isScanning() && person.boxes.size() == 3);
+        review.window->onStartScan();
+        QVERIFY(!review.window->isScanning() && person.boxes.size() == 3);
 
-        scanned.window->onUndoPrevious();
+        review.window->onUndoPrevious();
         QCOMPARE(person.boxes.last(), u"Undo complete|Restored 4 file(s) to their original locations."_s);
-        QVERIFY(scanned.logs(u"Undo: 4 restored, 0 failed."_s));
-        QVERIFY(QDir(box.inLibrary(u"<quarantine>"_s)).removeRecursively());
-        QCOMPARE(treeOf(box.library()), before);
-        scanned.window->onUndoPrevious();
-        QVERIFY(
-            person.boxes.last().startsWith(u"Nothing to undo|No reversible clean-ups have been recorded.\n\nOnly "));
+        QVERIFY(logs(*review.window, u"Undo: 4 restored, 0 failed."_s));
+        QVERIFY(QDir(review.inLibrary(u"<quarantine>"_s)).removeRecursively());
+        QCOMPARE(treeOf(review.library()), review.before);
+        review.window->onUndoPrevious();
+        QVERIFY(person.boxes.last().startsWith(u"Nothing to undo|No reversible clean-ups have been recorded."_s));
     }
 
     void doubtfulFilesStay()
     {
-        Sandbox box;
-        Scanned scanned(box);
-        QVERIFY(QFile::remove(box.inLibrary(u"a1"_s))); // the copy to keep
-        box.write(box.inLibrary(u"b1"_s), "other music"); // another one
-        box.write(box.inLibrary(u"c2"_s), "other music"); // one to be removed
-        Tree expected = treeOf(box.library());
+        Review review;
+        QVERIFY(QFile::remove(review.inLibrary(u"a1"_s))); // the copy to keep
+        review.write(review.inLibrary(u"b1"_s), "other music"); // another one
+        review.write(review.inLibrary(u"c2"_s), "other music"); // one to be removed
+        Tree expected = treeOf(review.library());
         expected.remove(u"sub/c3"_s);
-        Operator person;
-        scanned.window->onRemoveSelected();
-        QCOMPARE(treeOf(box.library()), expected);
-        QVERIFY(person.boxes.value(0).contains("\n\n3 file(s) could not be removed - see the Activity Log.\n\n"_L1));
-        QVERIFY(scanned.logs(u"Move to quarantine: 1 succeeded, 3 failed, 100 bytes freed."_s));
-        QVERIFY(scanned.logs(u"Group 1 was left alone: no copy would remain"_s));
-        QVERIFY(scanned.logs(u"Group 2 was left alone: the copy to keep changed"_s));
-        QVERIFY(scanned.logs(box.inLibrary(u"c2"_s) + " changed since the scan"_L1));
-        QCOMPARE(scanned.groups(), u"2:2 3:2"_s); // only one file of the first group is left
+        review.window->onRemoveSelected();
+        QCOMPARE(treeOf(review.library()), expected);
+        QVERIFY(review.person.boxes.value(0).contains("\n\n3 file(s) could not be removed - see the Activity Log."_L1));
+        for (const QString &line :
+             { u"Move to quarantine: 1 succeeded, 3 failed, 100 bytes freed."_s,
+               u"Group 1 was left alone: no copy would remain"_s, u"Group 2 was left alone: the copy to keep changed"_s,
+               review.inLibrary(u"c2"_s) + u" changed since the scan"_s })
+            QVERIFY2(logs(*review.window, line), qPrintable(line));
+        QCOMPARE(review.groups(), u"2:2 3:2"_s); // only one file of the first group is left
     }
 
     void undoOfLookAlikesTakesTheNewer()
     {
-        Sandbox box;
-        Scanned scanned(box);
-        const QStringList files = box.addMany(2, u"file-%1"_s);
+        Review review;
+        const QStringList files = review.addMany(2, u"file-%1"_s);
         QStringList manifests;
         for (const QString &file : files) { // within one second, as a rule
-            manifests << removeFiles({ file }, RemovalMode::Quarantine, box.quarantine(), {}).manifestPath;
+            manifests << removeFiles({ file }, RemovalMode::Quarantine, review.quarantine(), {}).manifestPath;
             QString error;
             UndoManifest manifest = readManifest(manifests.last(), &error).value();
             manifest.createdAt = u"2026-03-01T21:05:00"_s;
             QVERIFY(writeManifest(manifests.last(), manifest, &error));
         }
-        QCOMPARE(box.runs().size(), 2);
-        Operator person;
-        scanned.window->onUndoPrevious();
-        QCOMPARE(person.offered, QStringList(2, u"1 Mar 2026 9:05 pm - 1 file(s)"_s));
+        review.window->onUndoPrevious();
+        QCOMPARE(review.person.offered, QStringList(2, u"1 Mar 2026 9:05 pm - 1 file(s)"_s));
         QVERIFY(QFileInfo::exists(files.last()) && !QFileInfo::exists(files.first()));
 
         // The drive with the quarantine goes.
-        QVERIFY(QDir().rename(box.quarantine(), box.path(u"unplugged"_s)));
-        person.answers[u"Quarantine not found"_s] = QMessageBox::Cancel;
-        scanned.window->onUndoPrevious();
-        QCOMPARE(listUndoManifests(), manifests.first(1));
-        person.answers[u"Quarantine not found"_s] = QMessageBox::Ignore;
-        scanned.window->onUndoPrevious();
-        QCOMPARE(person.boxes.last(),
+        QVERIFY(QDir().rename(review.quarantine(), review.path(u"unplugged"_s)));
+        for (const auto button : { QMessageBox::Cancel, QMessageBox::Ignore }) {
+            review.person.answers[u"Quarantine not found"_s] = button;
+            review.window->onUndoPrevious();
+            QCOMPARE(listUndoManifests(), button == QMessageBox::Cancel ? manifests.first(1) : QStringList());
+        }
+        QCOMPARE(review.person.boxes.last(),
                  u"Undo complete|Restored 0 file(s); 1 could not be restored. See the Activity Log."_s);
-        QVERIFY(listUndoManifests().isEmpty());
     }
 
     // The job stays before its fourth file until somebody stops it, which takes a dialog that is alive.
@@ -302,13 +264,10 @@ private Q_SLOTS:
         };
         QVERIFY(!runWithProgress(u"Test"_s, job, nullptr));
         QCOMPARE(result, RemovalResult({ 3, 0, 300, {}, result.manifestPath }));
-        QCOMPARE(treeOf(box.library()).keys(), Scanned::words("3 4 5"));
+        QCOMPARE(treeOf(box.library()).keys(), words("3 4 5"));
         QCOMPARE(restoreManifest(result.manifestPath), RestoreResult({ 3, 0, {} }));
         QCOMPARE(treeOf(box.library()), before);
     }
-
-private:
-    QTemporaryDir m_settings;
 };
 
 QTEST_MAIN(TestCleanupCommand)

@@ -2,36 +2,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
 #include "mainactions.h"
-#include "mainwindow.h"
-#include "metadata.h"
-#include "metatypes.h"
-#include "settingsstore.h"
-#include "startup.h"
 
 #include "loopbackserver.h"
-#include "messagebox.h"
-#include "temporarylibrary.h"
+#include "windowsupport.h"
 
-#include <QDialog>
-#include <QLabel>
-#include <QPlainTextEdit>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QSpinBox>
-#include <QTest>
 
 using namespace epr;
 using namespace epr::test;
-using namespace Qt::StringLiterals;
 
 namespace {
-
-// The log's lines without their times.
-QStringList logOf(const MainWindow &window)
-{
-    QStringList lines = window.findChild<QPlainTextEdit *>(u"activityLog"_s)->toPlainText().split(u'\n');
-    for (QString &line : lines)
-        line = line.section(u"] "_s, 1);
-    return lines;
-}
 
 MainActions *actionsOf(const MainWindow &window)
 {
@@ -40,33 +24,11 @@ MainActions *actionsOf(const MainWindow &window)
 
 template <typename Widget> Widget *named(const QWidget *parent, const QString &text)
 {
-    const auto widgets = parent->findChildren<Widget *>();
-    const auto found = std::find_if(widgets.begin(), widgets.end(),
-                                    [&text](const Widget *widget) { return widget->text().remove(u'&') == text; });
-    return found == widgets.end() ? nullptr : *found;
-}
-
-// Does something with the next dialog, while its event loop runs.
-void withNextDialog(const std::function<void(QDialog *)> &act)
-{
-    auto *timer = new QTimer(qApp);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (!dialog || !dialog->isVisible())
-            return;
-        timer->deleteLater();
-        act(dialog);
-    });
-    timer->start(1);
-}
-
-void storeOneAnalysis()
-{
-    TrackInfo track;
-    track.path = u"/music/one.mp3"_s;
-    AnalysisCache cache;
-    QVERIFY(cache.open());
-    cache.store(track, 0);
+    for (Widget *widget : parent->findChildren<Widget *>()) {
+        if (widget->text().remove(u'&') == text)
+            return widget;
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -74,11 +36,14 @@ void storeOneAnalysis()
 class TestWindowCommands : public QObject {
     Q_OBJECT
 
+public Q_SLOTS:
+    void keepUrl(const QUrl &url) { m_opened = url; }
+
 private Q_SLOTS:
     void initTestCase()
     {
-        metadata::applyToApplication();
-        registerMetaTypes();
+        setUpApplication();
+        QDesktopServices::setUrlHandler(u"file"_s, this, "keepUrl");
     }
 
     void init()
@@ -93,20 +58,18 @@ private Q_SLOTS:
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("text"); // of a label or a box
         QTest::addColumn<QString>("line");
-        const auto row = [](const char *name, const QByteArray &answer, const char *title, const char *text,
-                            const char *line) {
-            QTest::newRow(name) << answer << QString::fromUtf8(title) << QString::fromUtf8(text)
-                                << QString::fromUtf8(line);
-        };
-        row("newer", http("200 OK", R"({"latest_version":"1.4"})"), "Update available", "Echoprune 1.4 is available.",
-            "Update available: version 1.4.");
-        row("critical", http("200 OK", R"({"latest_version":"1.4","critical":true})"), "Important update",
-            "Echoprune 1.4 is available.", "Important update available: version 1.4.");
-        row("the same", http("200 OK", R"({"latest_version":"1.0"})"), "No update available",
-            "You are running the latest version of Echoprune (1.0.0).", "Echoprune 1.0.0 is up to date.");
-        row("failure", http("500 Oops", {}), "Update check failed",
-            "Could not reach the update service.\n\nThe update service returned HTTP 500.",
-            "Update check failed: The update service returned HTTP 500.");
+        QTest::newRow("newer") << http("200 OK", R"({"latest_version":"1.4"})") << u"Update available"_s
+                               << u"Echoprune 1.4 is available."_s << u"Update available: version 1.4."_s;
+        QTest::newRow("critical") << http("200 OK", R"({"latest_version":"1.4","critical":true})")
+                                  << u"Important update"_s << u"Echoprune 1.4 is available."_s
+                                  << u"Important update available: version 1.4."_s;
+        QTest::newRow("the same") << http("200 OK", R"({"latest_version":"1.0"})") << u"No update available"_s
+                                  << u"You are running the latest version of Echoprune (1.0.0)."_s
+                                  << u"Echoprune 1.0.0 is up to date."_s;
+        const QString reason = u"The update service returned HTTP 500."_s;
+        QTest::newRow("failure") << http("500 Oops", {}) << u"Update check failed"_s
+                                 << u"Could not reach the update service.\n\n"_s + reason
+                                 << u"Update check failed: "_s + reason;
     }
 
     void explicitUpdateCheckEndsInABox()
@@ -118,7 +81,7 @@ private Q_SLOTS:
         MainWindow window;
         QString title;
         QStringList texts;
-        withNextDialog([&](QDialog *dialog) {
+        withNext<QDialog>([&](QDialog *dialog) {
             title = dialog->windowTitle();
             for (const QLabel *label : dialog->findChildren<QLabel *>())
                 texts << label->text();
@@ -155,7 +118,7 @@ private Q_SLOTS:
     {
         MainWindow window;
         for (const bool accepted : { false, true }) {
-            withNextDialog([accepted](QDialog *dialog) {
+            withNext<QDialog>([accepted](QDialog *dialog) {
                 for (QSpinBox *box : dialog->findChildren<QSpinBox *>())
                     box->setValue(20);
                 accepted ? dialog->accept() : dialog->reject();
@@ -169,24 +132,25 @@ private Q_SLOTS:
     void cacheIsClearedFromMenuAndDialog()
     {
         MainWindow window;
-        AnalysisCache cache;
-        QVERIFY(cache.open());
-        storeOneAnalysis();
-        actionsOf(window)->clearCache->trigger();
-        QCOMPARE(cache.count(), 0);
-        QCOMPARE(logOf(window).last(), u"Analysis cache cleared."_s);
-
-        storeOneAnalysis();
-        withNextDialog([](QDialog *dialog) {
+        withNext<QDialog>([](QDialog *dialog) {
             auto *clear = named<QAbstractButton>(dialog, u"Clear cache"_s);
             QVERIFY(clear && !named<QLabel>(dialog, u"Cache unavailable."_s));
             clear->click();
             QVERIFY(named<QLabel>(dialog, u"Cache cleared. The next scan will re-analyse everything."_s));
             dialog->reject();
         });
-        actionsOf(window)->settings->trigger();
-        QCOMPARE(cache.count(), 0);
-        QCOMPARE(logOf(window).count(u"Analysis cache cleared."_s), 2);
+        TrackInfo track;
+        track.path = u"/music/one.mp3"_s;
+        int cleared = 0;
+        for (QAction *command : { actionsOf(window)->clearCache, actionsOf(window)->settings }) {
+            AnalysisCache cache;
+            QVERIFY(cache.open());
+            cache.store(track, 0);
+            QCOMPARE(cache.count(), 1);
+            command->trigger();
+            QCOMPARE(cache.count(), 0);
+            QCOMPARE(logOf(window).count(u"Analysis cache cleared."_s), ++cleared);
+        }
     }
 
     void cacheThatCannotBeClearedIsLeft()
@@ -199,10 +163,73 @@ private Q_SLOTS:
         QCOMPARE(readFile(AnalysisCache::defaultFilePath()), damaged);
     }
 
+    void reportShowsTheResultsAsTheyStand()
+    {
+        for (const QString &name : { u"1"_s, u"2"_s, u"3"_s })
+            writeFile(pathOf(u"scanned/%1.wav"_s.arg(name)), waveOf(1));
+        MainWindow window;
+        scan(window, pathOf(u"scanned"_s));
+        window.addFolder(m_home->path());
+        auto *results = window.findChild<ResultsModel *>();
+        results->removeMembers({ 0 });
+        results->setKeeper(0, 2);
+
+        // The filter decides on the format, whatever the name says.
+        const QList<QByteArray> starts { "<!DOCTYPE html>", "Group,", "{\n", "#EXTM3U\n" };
+        for (int filter = 0; filter < starts.size(); ++filter) {
+            const QString path = pathOf(u"<b>%1.html"_s.arg(filter));
+            const SeenBox box = exportTo(window, path, filter, filter == 0 ? QMessageBox::Yes : QMessageBox::No);
+            QCOMPARE(box.title + box.text, u"Report savedReport saved to:\n%1\n\nOpen it now?"_s.arg(path));
+            QVERIFY(readFile(path).startsWith(starts.at(filter)));
+        }
+        QCOMPARE(m_opened, QUrl::fromLocalFile(pathOf(u"<b>0.html"_s)));
+        const QJsonDocument json = QJsonDocument::fromJson(readFile(pathOf(u"<b>2.html"_s)));
+        QCOMPARE(json["roots"_L1].toArray(), QJsonArray { pathOf(u"scanned"_s) });
+        const QJsonArray files = json["duplicateGroups"_L1][0]["files"_L1].toArray();
+        QCOMPARE(files.size(), 2);
+        QVERIFY(!files.at(0)["keep"_L1].toBool() && files.at(1)["path"_L1] == pathOf(u"scanned/3.wav"_s));
+    }
+
+    void nothingIsWrittenWithoutResultsOrAName()
+    {
+        MainWindow window;
+        SeenBox box;
+        answerNextBox(QMessageBox::Ok, &box);
+        window.onExportReport();
+        QCOMPARE(box.title + box.text, u"Nothing to exportRun a scan first - there are no results to report on."_s);
+        window.onScanFinished({ TrackInfo(), TrackInfo() }, { { .members = { 0, 1 }, .keep = 0 } }, false, 1);
+        answerFileDialog({}, 0);
+        window.onExportReport(); // a box would never close
+        box = exportTo(window, pathOf(u"none/report.html"_s), 0, QMessageBox::Ok);
+        QVERIFY((box.title + box.text).startsWith("Export failedCould not write the report:\n\n"_L1));
+        QVERIFY2(box.text.size() > 35, "there is a reason");
+    }
+
 private:
+    QString pathOf(const QString &name) const { return m_home->filePath(name); }
+
+    /// Types a name into the next file dialog, under the filter with that number; cancels without a name.
+    static void answerFileDialog(const QString &path, int filter)
+    {
+        withNext<QFileDialog>([=](QFileDialog *dialog) {
+            dialog->selectNameFilter(dialog->nameFilters().at(filter));
+            dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(path);
+            QMetaObject::invokeMethod(dialog, path.isEmpty() ? "reject" : "accept");
+        });
+    }
+
+    static SeenBox exportTo(MainWindow &window, const QString &path, int filter, QMessageBox::StandardButton answer)
+    {
+        SeenBox box;
+        answerFileDialog(path, filter);
+        answerNextBox(answer, &box);
+        window.onExportReport();
+        return box;
+    }
+
     std::optional<TemporaryHome> m_home;
+    QUrl m_opened;
 };
 
 QTEST_MAIN(TestWindowCommands)
-
 #include "tst_windowcommands.moc"

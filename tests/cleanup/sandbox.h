@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "temporarylibrary.h"
+
 #include <QDateTime>
 #include <QDirIterator>
 #include <QMap>
-#include <QStandardPaths>
 #include <QStorageInfo>
-#include <QTemporaryDir>
 
 #include <filesystem>
 
@@ -45,8 +45,8 @@ inline Tree treeOf(const QString &folder)
     return tree;
 }
 
-/// A temporary place that holds the application's data, a library and a quarantine. Files get distinct content and old
-/// modification times, so that a copy made anew or mixed up shows.
+/// A temporary place that holds the application's settings and data, a library and a quarantine. Files get distinct
+/// content and old modification times, so that a copy made anew or mixed up shows.
 class Sandbox {
 public:
     bool hasTwoFileSystems() const { return QStorageInfo(m_other.path()) != QStorageInfo(m_dir.path()); }
@@ -65,17 +65,12 @@ public:
             qFatal("No temporary folders"); // an empty path would lead to the top folder
         QDir().mkpath(library());
 #ifdef Q_OS_UNIX
-        qputenv("HOME", QFile::encodeName(m_dir.path()));
-        qputenv("XDG_DATA_HOME", QFile::encodeName(path(u"data"_s)));
-#else
-        QStandardPaths::setTestModeEnabled(true);
-        QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).removeRecursively();
+        qputenv("HOME", QFile::encodeName(m_dir.path())); // what is deleted there goes to the bin of the data
 #endif
     }
 
     QString add(const QString &name, qsizetype size = 100)
     {
-        QDir().mkpath(QFileInfo(inLibrary(name)).path());
         write(inLibrary(name), QByteArray::number(++m_files).rightJustified(size, '.'));
         return inLibrary(name);
     }
@@ -97,16 +92,15 @@ public:
 
     void write(const QString &path, const QByteArray &content) const
     {
-        const QDateTime time = QDateTime::fromMSecsSinceEpoch(1000000000123 + m_files * 1001);
+        writeFile(path, content);
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush()
-            || !file.setFileTime(time, QFile::FileModificationTime)) {
-            qFatal("Cannot write %ls", qUtf16Printable(path));
-        }
+        const QDateTime time = QDateTime::fromMSecsSinceEpoch(1000000000123 + m_files * 1001);
+        if (!file.open(QIODevice::ReadWrite) || !file.setFileTime(time, QFile::FileModificationTime))
+            qFatal("Cannot date %ls", qUtf16Printable(path));
     }
 
 private:
-    QTemporaryDir m_dir;
+    TemporaryHome m_dir;
     QTemporaryDir m_other;
     int m_files = 0;
 };

@@ -5,6 +5,7 @@
 #include "quarantinepath.h"
 #include "sandbox.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace epr;
@@ -96,26 +97,17 @@ private Q_SLOTS:
         QFETCH(QString, members);
         QFETCH(QString, ticked);
         Sandbox box;
-        for (const QString &name : { u"a"_s, u"b"_s, u"hard-1"_s, u"folder/file"_s })
+        for (const QString &name : words("a b hard-1 folder/file"))
             box.add(name);
         box.write(box.inLibrary(u"empty"_s), {});
 #ifdef Q_OS_UNIX
-        const std::initializer_list<std::pair<QString, QString>> links {
-            { u"a"_s, u"link-to-a"_s },
-            { u"link-to-a"_s, u"link-to-link"_s },
-            { u"hard-1"_s, u"link-to-hard-1"_s },
-            { u"."_s, u"alias"_s },
-        };
-        for (const auto &[target, name] : links)
-            box.addLink(target, name);
+        for (const QString &link : words("a>link-to-a link-to-a>link-to-link hard-1>link-to-hard-1 .>alias"))
+            box.addLink(link.section(u'>', 0, 0), link.section(u'>', 1));
         std::filesystem::create_hard_link(box.inLibrary(u"hard-1"_s).toStdString(),
                                           box.inLibrary(u"hard-2"_s).toStdString());
 #endif
         const auto paths = [&box](const QString &names) {
-            QStringList list = names.split(u' ');
-            for (QString &name : list)
-                name = box.inLibrary(name);
-            return list;
+            return names.split(u' ').replaceInStrings(QRegularExpression(u"^"_s), box.library() + u'/');
         };
         const QStringList tickedPaths = paths(ticked);
         const QList<RefusedGroup> refused =

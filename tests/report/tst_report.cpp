@@ -97,17 +97,17 @@ class TestReport : public QObject {
 
 private Q_SLOTS:
     void initTestCase() { QLocale::setDefault(QLocale::c()); }
-    void init() { m_dir = std::make_unique<QTemporaryDir>(); }
-    void csvReadsBack()
+
+    void tablesReadBack()
     {
         if (QStandardPaths::findExecutable(u"python3"_s).isEmpty())
             QSKIP("needs Python");
         write(ReportFormat::Csv, someGroups(1));
         const QJsonArray rows = pythonReads(path(), ReportFormat::Csv);
         QCOMPARE(rows.size(), 4);
-        const QString name = someTracks().at(0).fileName;
+        const TrackInfo first = someTracks().at(0);
         QCOMPARE(rows.at(1).toVariant().toStringList(),
-                 QStringList({ u"1"_s, u"Same audio, different tags"_s, u"0.98"_s, u"duplicate"_s, name,
+                 QStringList({ u"1"_s, u"Same audio, different tags"_s, u"0.98"_s, u"duplicate"_s, first.fileName,
                                QFileInfo(u"/music/x"_s).absoluteFilePath(), hostile, hostile, hostile, u"1:01"_s,
                                u"320"_s, u"44100"_s, u"2"_s, u"MP3"_s, u"4415029"_s, u"2024-02-29T23:59:58"_s }));
         QCOMPARE(rows.at(0).toVariant().toStringList().join(u','),
@@ -115,16 +115,10 @@ private Q_SLOTS:
                  "Bitrate (kbps),Sample rate,Channels,Format,Size (bytes),Modified"_s);
         QCOMPARE(rows.at(2)[3], u"KEEP"_s);
         QCOMPARE(rows.at(3)[9], u"-"_s);
-    }
 
-    void htmlReadsBack()
-    {
-        if (QStandardPaths::findExecutable(u"python3"_s).isEmpty())
-            QSKIP("needs Python");
         const QString html = write(ReportFormat::Html, someGroups(1));
         const QStringList texts = QVariant(pythonReads(path(), ReportFormat::Html).toVariantList()).toStringList();
         const QString quality = u"|320 kbps, 44.1 kHz, stereo|4.21 MB|\n"_s;
-        const TrackInfo first = someTracks().at(0);
         const QString expected = u"|Size|\n|remove|"_s + first.fileName + u'|' + first.path + u'|' + hostile
             + u" \u2013 "_s + hostile + u"|1:01"_s + quality
             + u"|KEEP|kept.mp3|/music/kept.mp3|(unknown artist) \u2013 kept|60:00"_s + quality
@@ -146,10 +140,9 @@ private Q_SLOTS:
             if (groups.isEmpty())
                 continue;
             const QJsonArray files = groups.last()["files"_L1].toArray();
-            QCOMPARE(files.at(1)["keep"_L1], QJsonValue(true));
+            QVERIFY(files.at(1)["keep"_L1].toBool() && !files.at(0)["keep"_L1].toBool(true));
             for (const QString &key : { u"album"_s, u"artist"_s, u"title"_s })
                 QCOMPARE(files.at(0)[key].toString(), hostile);
-            QCOMPARE(files.at(0)["keep"_L1], QJsonValue(false));
         }
     }
 
@@ -200,12 +193,12 @@ private Q_SLOTS:
             limitFileSize(-1);
             QVERIFY2(!written && !error.isEmpty() && error != u"Unknown error"_s, qPrintable(error));
             QCOMPARE(contentOf(path()), old);
-            QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+            QCOMPARE(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
         }
     }
 
 private:
-    QString path() const { return m_dir->filePath(u"report"_s); }
+    QString path() const { return m_dir.filePath(u"report"_s); }
     QString write(ReportFormat format, const QList<MatchGroup> &groups) const
     {
         QString error;
@@ -214,7 +207,7 @@ private:
         return written ? contentOf(path()).replace(QFileInfo(u"/x"_s).absolutePath(), u"/"_s) : error;
     }
 
-    std::unique_ptr<QTemporaryDir> m_dir;
+    QTemporaryDir m_dir;
 };
 
 QTEST_GUILESS_MAIN(TestReport)

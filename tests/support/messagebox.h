@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <functional>
+
 namespace epr::test {
 
 struct SeenBox {
@@ -15,19 +17,27 @@ struct SeenBox {
     QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
 };
 
+/// Does something with the next dialog of a kind, while its event loop runs.
+template <typename Dialog> void withNext(const std::function<void(Dialog *)> &act)
+{
+    auto *timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
+        auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
+        if (!dialog || !dialog->isVisible())
+            return;
+        timer->deleteLater();
+        act(dialog);
+    });
+    timer->start(1);
+}
+
 /// Presses a button of the next message box and keeps what the box said.
 inline void answerNextBox(QMessageBox::StandardButton button, SeenBox *seen)
 {
-    auto *timer = new QTimer(qApp);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, button, seen] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box || !box->isVisible())
-            return;
+    withNext<QMessageBox>([button, seen](QMessageBox *box) {
         *seen = { box->windowTitle(), box->text(), box->standardButton(box->defaultButton()) };
-        timer->deleteLater();
         box->button(button)->click();
     });
-    timer->start(1);
 }
 
 } // namespace epr::test

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "mainwindow.h"
+#include "metadata.h"
+#include "metatypes.h"
+#include "resultsmodel.h"
+#include "settingsstore.h"
+#include "startup.h"
+
+#include "messagebox.h"
+#include "temporarylibrary.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QTreeView>
+
+namespace epr::test {
+
+using namespace Qt::StringLiterals;
+
+/// What the program does before it makes its window.
+inline void setUpApplication()
+{
+    metadata::applyToApplication();
+    registerMetaTypes();
+    startup::loadResources();
+    startup::applyLook();
+}
+
+inline QString labelOf(const MainWindow &window, const QString &name)
+{
+    return window.findChild<QLabel *>(name)->text();
+}
+
+inline QString summaryOf(const MainWindow &window)
+{
+    return labelOf(window, u"summaryLabel"_s);
+}
+
+/// The lines of the activity log without their times.
+inline QStringList logOf(const MainWindow &window)
+{
+    QStringList lines = window.findChild<QPlainTextEdit *>(u"activityLog"_s)->toPlainText().split(u'\n');
+    for (QString &line : lines)
+        line = line.section(u"] "_s, 1);
+    return lines;
+}
+
+inline bool logs(const MainWindow &window, const QString &startOfLine)
+{
+    return (u'\n' + logOf(window).join(u'\n')).contains(u'\n' + startOfLine);
+}
+
+/// Scans a folder to the end.
+inline void scan(MainWindow &window, const QString &folder)
+{
+    window.addFolder(folder);
+    window.onStartScan();
+    QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
+}
+
+} // namespace epr::test
