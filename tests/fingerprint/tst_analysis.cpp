@@ -4,7 +4,6 @@
 
 #include <QTest>
 
-#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <limits>

@@ -195,11 +195,9 @@ private Q_SLOTS:
     {
         QList<TrackInfo> tracks(2, track(u"C:/m/x.mp3"_s, 10));
         ScanOptions options;
-        for (options.keeperPolicy = 0; options.keeperPolicy < 8; ++options.keeperPolicy)
-            QCOMPARE(epr::chooseKeeper({ 1, 0 }, tracks, options), 1);
-        tracks[0].bitrateKbps = 320;
-        for (const qint32 unknownPolicy : { smallestInt, -1, 8 }) {
-            options.keeperPolicy = unknownPolicy;
+        for (const qint32 policy : { 0, 1, 2, 3, 4, 5, 6, 7, 8, -1, smallestInt }) { // the last three are unknown ones
+            options.keeperPolicy = policy;
+            tracks[0].bitrateKbps = policy < 0 || policy > 7 ? 320 : 0;
             QCOMPARE(epr::chooseKeeper({ 1, 0 }, tracks, options), 1);
         }
         QCOMPARE(epr::chooseKeeper({}, tracks, options), -1);
