@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QFile>
+#include "temporarylibrary.h"
+
 #include <QProcess>
-#include <QStringList>
 
 #include <algorithm>
 #include <bit>
@@ -38,10 +38,8 @@ constexpr bool hasStandIns = true;
 /// An executable shell script that takes the part of a tool.
 inline QString makeStandIn(const QString &path, const QByteArray &body)
 {
-    QFile script(path);
-    if (script.open(QIODevice::WriteOnly))
-        script.write("#!/bin/sh\n" + body + "\n");
-    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    test::writeFile(path, "#!/bin/sh\n" + body + "\n");
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return path;
 }
 

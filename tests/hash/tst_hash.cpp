@@ -2,12 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "hashing.h"
 #include "sha256.h"
+#include "temporarylibrary.h"
 
 #include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
@@ -42,66 +40,56 @@ class TestHash final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void publishedVectors_data()
-    {
-        QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QString>("digest");
-        QTest::newRow("no bytes") << QByteArray()
-                                  << u"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"_s;
-        QTest::newRow("one block") << QByteArray("abc")
-                                   << u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s;
-        QTest::newRow("padding that takes a second block")
-            << QByteArray("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq")
-            << u"248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1"_s;
-        QTest::newRow("a million letters")
-            << QByteArray(1000000, 'a') << u"cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"_s;
-    }
-
     void publishedVectors()
     {
-        QFETCH(QByteArray, message);
+        const std::pair<QByteArray, QByteArray> vectors[] {
+            { {}, "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855" },
+            { "abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad" },
+            // The padding takes a second block.
+            { "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+              "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1" },
+            { QByteArray(1000000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0" },
+        };
         epr::Sha256 hash;
-        for (const qsizetype piece : { 63, 1000000 }) {
-            hash.addData("left over from an abandoned file");
-            hash.reset();
-            for (qsizetype at = 0; at < message.size(); at += piece)
-                hash.addData(QByteArrayView(message).sliced(at, std::min(piece, message.size() - at)));
-            QTEST(QString::fromLatin1(hash.result().toHex()), "digest");
-            hash.reset();
+        for (const auto &[message, digest] : vectors) {
+            for (const qsizetype piece : { 63, 1000000 }) {
+                hash.addData("left over from an abandoned file");
+                hash.reset();
+                for (qsizetype at = 0; at < message.size(); at += piece)
+                    hash.addData(QByteArrayView(message).sliced(at, std::min(piece, message.size() - at)));
+                QCOMPARE(hash.result().toHex(), digest);
+                hash.reset();
+            }
         }
-    }
-
-    void oneReadingEqualsTwo_data()
-    {
-        QTest::addColumn<qint64>("offset");
-        QTest::addColumn<qint64>("length");
-        QTest::newRow("range across three blocks") << block - 1 << block + 2;
-        QTest::newRow("range of exactly one block") << block << block;
-        QTest::newRow("range that runs past the end") << 2 * block << 9 * block;
-        QTest::newRow("range beyond the end") << 4 * block << qint64(1);
-        QTest::newRow("range whose end needs more than 64 bits") << qint64(3) << std::numeric_limits<qint64>::max();
-        QTest::newRow("negative offset") << qint64(-5) << qint64(10);
     }
 
     void oneReadingEqualsTwo()
     {
-        QFETCH(qint64, offset);
-        QFETCH(qint64, length);
+        const std::pair<qint64, qint64> ranges[] {
+            { block - 1, block + 2 }, // across three blocks
+            { block, block },
+            { 2 * block, 9 * block }, // past the end
+            { 4 * block, 1 }, // beyond the end
+            { 3, std::numeric_limits<qint64>::max() },
+            { -5, 10 },
+        };
         const QByteArray bytes = someBytes(3 * block + 17);
         const QString path = write(bytes);
-        const QString payload = length > 0 && offset >= 0 ? referenceDigest(bytes.mid(offset, length)) : QString();
-        const QString message = offset < 0 ? u"Cannot seek within %1"_s.arg(path) : QString();
-        QString error;
-        QCOMPARE(epr::hashAudioPayload(path, offset, length, &error), payload);
-        QCOMPARE(error, message);
-        error.clear();
-        const epr::HashRequest both {
-            .whole = true, .payload = true, .payloadOffset = offset, .payloadLength = length
-        };
-        const epr::FileDigests digests = epr::hashFile(path, both, &error);
-        QCOMPARE(digests.whole, referenceDigest(bytes));
-        QCOMPARE(digests.payload, payload);
-        QCOMPARE(error, message);
+        for (const auto &[offset, length] : ranges) {
+            const QString payload = offset >= 0 ? referenceDigest(bytes.mid(offset, length)) : QString();
+            const QString message = offset < 0 ? u"Cannot seek within %1"_s.arg(path) : QString();
+            QString error;
+            QCOMPARE(epr::hashAudioPayload(path, offset, length, &error), payload);
+            QCOMPARE(error, message);
+            error.clear();
+            const epr::HashRequest both {
+                .whole = true, .payload = true, .payloadOffset = offset, .payloadLength = length
+            };
+            const epr::FileDigests digests = epr::hashFile(path, both, &error);
+            QCOMPARE(digests.whole, referenceDigest(bytes));
+            QCOMPARE(digests.payload, payload);
+            QCOMPARE(error, message);
+        }
     }
 
     void offsetsBeyondFourGigabytes()
@@ -159,10 +147,9 @@ private Q_SLOTS:
 private:
     QString write(const QByteArray &bytes) const
     {
-        QFile file(m_dir.filePath(u"track.mp3"_s));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("cannot write the test file");
-        return file.fileName();
+        const QString path = m_dir.filePath(u"track.mp3"_s);
+        epr::test::writeFile(path, bytes);
+        return path;
     }
 
     QTemporaryDir m_dir;

@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audiobuilder.h"
 #include "probe.h"
+#include "temporarylibrary.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -97,6 +96,11 @@ void addChunkRows()
     const QByteArray sound = formChunk("SSND", QByteArray(8, '\0') + QByteArray(1000, 's'));
     row("aiff", "odd chunk", formChunk("FORM", "AIFF" + common + formChunk("odd ", "123") + sound),
         "10000ms 1411 44100x2 @66+1000");
+    row("aifc", "floats in AIFF-C",
+        formChunk("FORM",
+                  "AIFC" + aiffCommon(2, 441000, 32, 0x400E, 0xAC44ull << 48).replace(4, 4, big<quint32>(24))
+                      + QByteArray("fl32\0\0", 6) + sound),
+        "10000ms 2822 44100x2 @60+1000");
     row("aiff", "largest exponent", formChunk("FORM", "AIFF" + aiffCommon(2, 9, 16, 0x7FFF, 1)), "? 0ms 0 0x2");
 }
 
@@ -204,12 +208,11 @@ private Q_SLOTS:
         QFETCH(QString, suffix);
         QFETCH(QByteArray, bytes);
         QFETCH(bool, isTags);
-        QFile file(m_folder.filePath(u"file."_s + suffix));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-        file.close();
+        const QString path = m_folder.filePath(u"file."_s + suffix);
+        writeFile(path, bytes);
         ProbeResult result;
         QString error;
-        const bool ok = probeFile(file.fileName(), result, &error);
+        const bool ok = probeFile(path, result, &error);
         QTEST(isTags ? describeTags(result) : describeAudio(ok, result), "expected");
         QVERIFY(ok ? error.isEmpty() : !isTags && error.startsWith("Unrecognised or damaged "_L1));
     }

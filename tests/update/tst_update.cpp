@@ -6,15 +6,13 @@
 #include "versioncompare.h"
 
 #include "loopbackserver.h"
+#include "temporarylibrary.h"
 
 #include <QDesktopServices>
-#include <QFile>
 #include <QProcess>
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QSslServer>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace epr;
@@ -53,12 +51,7 @@ public Q_SLOTS:
     void openUrl(const QUrl &url) { m_opened << url.toString(); }
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QSettings::setDefaultFormat(QSettings::IniFormat);
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_dir.path());
-        metadata::applyToApplication();
-    }
+    void initTestCase() { metadata::applyToApplication(); }
 
     void init()
     {
@@ -88,7 +81,6 @@ private Q_SLOTS:
         const QString unreadable = u"The update service returned an unreadable response."_s;
         const std::initializer_list<std::tuple<const char *, QByteArray, bool, QString>> rows {
             { "newer", http("200 OK", newer), false, u"1.1"_s },
-            { "newer, silent", http("200 OK", newer), true, u"silent 1.1"_s },
             { "equal", http("200 OK", R"({"latest_version":" 1.0 "})"), false, u"up to date"_s },
             { "older, silent", http("200 OK", R"({"latest_version":"0.9.9"})"), true, u"silent up to date"_s },
             { "skipped, silent", http("200 OK", skipped), true, u"silent up to date"_s },
@@ -102,8 +94,7 @@ private Q_SLOTS:
             { "no version", http("200 OK", R"({"notes":"7.0"})"), false,
               u"The update service did not report a version."_s },
             { "as long as allowed", http("200 OK", newer.leftJustified(longest)), false, u"1.1"_s },
-            { "too long", http("200 OK", newer.leftJustified(longest + 1)), false, unreadable },
-            { "far too long", http("200 OK", newer.leftJustified(8 * longest)), true, u"silent "_s + unreadable },
+            { "too long", http("200 OK", newer.leftJustified(longest + 1)), true, u"silent "_s + unreadable },
         };
         for (const auto &[name, answer, silent, said] : rows) {
             init();
@@ -148,11 +139,9 @@ private Q_SLOTS:
         openssl.start(u"openssl"_s,
                       (options + u" -subj /CN=loopback -addext subjectAltName=IP:127.0.0.1"_s).split(u' '));
         QVERIFY(openssl.waitForFinished() && openssl.exitCode() == 0);
-        QFile key(m_dir.filePath(u"key.pem"_s));
-        QVERIFY(key.open(QIODevice::ReadOnly));
         const QList<QSslCertificate> certificates = QSslCertificate::fromPath(m_dir.filePath(u"certificate.pem"_s));
         m_tls.setLocalCertificateChain(certificates);
-        m_tls.setPrivateKey(QSslKey(&key, QSsl::Rsa));
+        m_tls.setPrivateKey(QSslKey(readFile(m_dir.filePath(u"key.pem"_s)), QSsl::Rsa));
         QSslConfiguration clients = QSslConfiguration::defaultConfiguration();
         clients.addCaCertificates(certificates);
         QSslConfiguration::setDefaultConfiguration(clients);
@@ -220,7 +209,7 @@ private:
         return server;
     }
 
-    QTemporaryDir m_dir;
+    TemporaryHome m_dir;
     QSslConfiguration m_tls;
     QStringList m_opened;
 };
