@@ -9,6 +9,7 @@
 #include <QProcess>
 #include <QTest>
 
+#include <csignal>
 #include <cstdlib>
 
 #ifdef Q_OS_LINUX
@@ -70,7 +71,11 @@ void checkUndo(const Sandbox &box, const QString &manifest, qsizetype count, con
 int quarantineAndDie(const QStringList &arguments)
 {
     const auto die = [dieBefore = arguments.at(2).toInt()](qsizetype index, qsizetype, const QString &) {
-        return index != dieBefore || (std::_Exit(1), true); // nothing is flushed or tidied up
+#ifdef Q_OS_UNIX
+        return index != dieBefore || std::raise(SIGKILL) != 0;
+#else
+        return index != dieBefore || (std::_Exit(1), true);
+#endif
     };
     const QString library = arguments.at(0);
     return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, die).failed;
