@@ -99,7 +99,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("isOther");
         QTest::newRow("same file system") << false;
-        if (isUnix && Sandbox(true).hasTwoFileSystems())
+        if (isUnix && Sandbox::hasTwoFileSystems())
             QTest::newRow("other file system") << true;
         else
             qWarning("This machine has no second file system at hand: moves across file systems are not tested");
