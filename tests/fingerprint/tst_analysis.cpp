@@ -4,6 +4,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <limits>
@@ -105,8 +106,11 @@ private Q_SLOTS:
                                            { twoFrames - 683, 1.0F } }) {
             const QList<float> samples = noise(count, gain);
             const Lists lists = results(analysed(11025, samples));
-            QCOMPARE(lists.first(2), slowWords(samples.first(count - 1)));
-            QCOMPARE(lists.last(2), slowWords(QList<float>(682, 0.0F) + samples.first(count - 1)));
+            // Element by element: the toolkit compares two empty lists through null pointers, which UBSan reports.
+            const auto same = [](const auto &a, const auto &b) { return std::ranges::equal(a, b, std::ranges::equal); };
+            const QList<float> shifted = QList<float>(682, 0.0F) + samples.first(count - 1);
+            QVERIFY2(same(lists.first(2), slowWords(samples.first(count - 1))), qPrintable(QString::number(count)));
+            QVERIFY2(same(lists.last(2), slowWords(shifted)), qPrintable(QString::number(count)));
         }
     }
 
