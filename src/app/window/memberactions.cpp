@@ -14,7 +14,7 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <tuple>
+#include <utility>
 
 namespace epr {
 
@@ -103,11 +103,11 @@ void MemberActions::compareMember()
     others.removeAll(group.keep);
     if (others.isEmpty())
         return;
-    const auto hasLessQuality = [&tracks](qint32 a, qint32 b) {
-        const TrackInfo &trackA = tracks.at(a);
-        const TrackInfo &trackB = tracks.at(b);
-        return std::tie(trackA.bitrateKbps, trackA.size) < std::tie(trackB.bitrateKbps, trackB.size);
+    const auto quality = [&tracks](qint32 index) {
+        const TrackInfo track = tracks.value(index);
+        return std::pair(track.bitrateKbps, track.size);
     };
+    const auto hasLessQuality = [quality](qint32 a, qint32 b) { return quality(a) < quality(b); };
     const qint32 current =
         m_member.data(ResultsModel::TrackRole).isValid() ? m_member.data(ResultsModel::TrackRole).toInt() : group.keep;
     const qint32 other =

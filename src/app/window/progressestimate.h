@@ -18,9 +18,6 @@ public:
     void add(int done, int total, qint64 nowMs);
     void restart();
 
-    [[nodiscard]] std::optional<double> perSecond() const; ///< nothing in the first two seconds
-    [[nodiscard]] std::optional<qint64> remainingMs() const; ///< nothing while nothing advances
-
     /// "412 per second, about 3 minutes left"; empty while nothing can be said.
     [[nodiscard]] QString text() const;
 
@@ -29,6 +26,9 @@ private:
         int done = 0;
         qint64 timeMs = 0;
     };
+
+    [[nodiscard]] std::optional<double> perSecond() const; ///< nothing in the first two seconds
+    [[nodiscard]] std::optional<qint64> remainingMs() const; ///< nothing while nothing advances
 
     std::deque<Report> m_reports;
     Report m_latest;

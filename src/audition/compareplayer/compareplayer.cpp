@@ -43,11 +43,6 @@ int ComparePlayer::monitor() const
     return m_player->monitor();
 }
 
-bool ComparePlayer::isPlaying() const
-{
-    return m_player->anyPlaying();
-}
-
 TrackInfo ComparePlayer::track(int deck) const
 {
     return m_player->track(deck);
@@ -186,7 +181,6 @@ void ComparePlayer::onPlayingChanged()
         if (!m_player->isPlaying(deck))
             m_decks.at(deck)->resetLevels();
     }
-    Q_EMIT playingChanged(playing);
 }
 
 void ComparePlayer::onMonitorChanged()

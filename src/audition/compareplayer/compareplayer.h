@@ -25,7 +25,6 @@ public:
 
     [[nodiscard]] bool isLinked() const;
     [[nodiscard]] int monitor() const;
-    [[nodiscard]] bool isPlaying() const;
     [[nodiscard]] TrackInfo track(int deck) const; ///< the empty record = none
 
     void load(int deck, const TrackInfo &track);
@@ -46,7 +45,6 @@ public Q_SLOTS:
 Q_SIGNALS:
     void logMessage(const QString &message);
     void linkedChanged(bool linked);
-    void playingChanged(bool playing);
 
 private:
     void createViews();

@@ -11,8 +11,7 @@ struct StereoLevels {
     float right = 0;
 };
 
-/// The peaks of the bucket at a position, for a level meter; silence outside the envelope. A bucket is 40 ms; where the
-/// envelope is known to cover a whole file of another pace, that follows from its duration.
+/// The peaks of the bucket at a position, for a level meter; silence outside the envelope.
 [[nodiscard]] StereoLevels levelsAt(const Envelope &envelope, qint64 positionMs);
 
 } // namespace epr
