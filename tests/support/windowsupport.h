@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "look.h"
 #include "mainwindow.h"
 #include "metadata.h"
 #include "metatypes.h"
@@ -28,7 +29,7 @@ inline void setUpApplication()
     metadata::applyToApplication();
     registerMetaTypes();
     startup::loadResources();
-    startup::applyLook();
+    applyLook();
 }
 
 inline QString labelOf(const MainWindow &window, const QString &name)

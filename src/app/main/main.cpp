@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "look.h"
 #include "mainwindow.h"
 #include "mediabackend.h"
 #include "metadata.h"
@@ -23,7 +24,7 @@ int main(int argc, char *argv[])
     QApplication::setDesktopFileName(epr::metadata::desktopId());
     epr::registerMetaTypes();
     const epr::startup::Arguments arguments = epr::startup::processArguments(QApplication::arguments());
-    epr::startup::applyLook();
+    epr::applyLook();
     epr::startup::createDataFolder();
 
     epr::MainWindow window;

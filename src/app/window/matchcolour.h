@@ -10,10 +10,7 @@ class QPalette;
 
 namespace epr {
 
-[[nodiscard]] bool isDarkPalette(const QPalette &palette);
-
-/// Text colour of a match type. The tones are dark; on a dark palette their lighter kin is returned, so that the
-/// contrast with the background stays well above 4.5:1 either way.
+/// Text colour of a match type, in its lighter kin on a dark palette.
 [[nodiscard]] QColor matchColour(MatchType type, const QPalette &palette);
 [[nodiscard]] QColor keeperColour(const QPalette &palette);
 

@@ -2,14 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "startup.h"
 
-#include "matchcolour.h"
-
-#include <QApplication>
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QIcon>
-#include <QPalette>
 #include <QStandardPaths>
 
 // The resources are part of a static library, from which the linker takes nothing that nobody asks for. The macro must
@@ -28,23 +24,6 @@ namespace {
 struct Startup {
     Q_DECLARE_TR_FUNCTIONS(epr::Startup)
 };
-
-// The program's own tones where the system's are light. A dark system keeps its palette: only the selection and the
-// links are ours there, in tones that a dark background carries.
-QPalette palettedFrom(QPalette palette)
-{
-    const bool isDark = isDarkPalette(palette);
-    const QColor selection = isDark ? QColor(52, 96, 150) : QColor(13, 36, 64);
-    palette.setColor(QPalette::Active, QPalette::Highlight, selection);
-    palette.setColor(QPalette::Inactive, QPalette::Highlight, selection.lighter(130));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, isDark ? QColor(132, 180, 240) : QColor(28, 90, 138));
-    if (!isDark) {
-        palette.setColor(QPalette::Window, QColor(247, 249, 252));
-        palette.setColor(QPalette::AlternateBase, QColor(232, 238, 246));
-    }
-    return palette;
-}
 
 } // namespace
 
@@ -65,14 +44,6 @@ Arguments processArguments(const QStringList &arguments)
     parser.addOptions({ scan, autostart });
     parser.process(arguments);
     return { parser.values(scan), parser.isSet(autostart) };
-}
-
-void applyLook()
-{
-    QApplication::setPalette(palettedFrom(QApplication::palette()));
-    QFile sheet(u":/style/app.qss"_s);
-    if (sheet.open(QIODevice::ReadOnly | QIODevice::Text))
-        qApp->setStyleSheet(QString::fromUtf8(sheet.readAll()));
 }
 
 QIcon applicationIcon()

@@ -21,9 +21,6 @@ void loadResources();
 /// process.
 [[nodiscard]] Arguments processArguments(const QStringList &arguments);
 
-/// Gives the application its colours and its style sheet; without the latter it goes on with the default look.
-void applyLook();
-
 /// The program's icon in every size that has a drawing or a rendering of its own.
 [[nodiscard]] QIcon applicationIcon();
 

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "removaldialog.h"
 
+#include "tones.h"
+
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QGroupBox>
@@ -18,9 +20,7 @@ using namespace Qt::StringLiterals;
 RemovalDialog::RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent)
     : QDialog(parent)
     , m_quarantineRoot(quarantineRoot)
-    , m_hint(new QLabel(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1<br>and can be "
-                           "restored with Tools &rarr; Undo Previous Clean-up.</span>")
-                            .arg(quarantineRoot.toHtmlEscaped())))
+    , m_hint(new QLabel)
     , m_quarantine(new QRadioButton(tr("Move to quarantine folder (recommended)")))
     , m_recycleBin(new QRadioButton(tr("Move to the recycle bin")))
     , m_delete(new QRadioButton(tr("Delete permanently (cannot be undone)")))
@@ -28,6 +28,8 @@ RemovalDialog::RemovalDialog(const Selection &selection, const QString &quaranti
     setWindowTitle(tr("Remove duplicates"));
     constexpr int leastWidth = 460;
     setMinimumWidth(leastWidth);
+    explain(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1<br>and can be restored with "
+               "Tools &rarr; Undo Previous Clean-up.</span>"));
     auto *change = new QPushButton(tr("Change quarantine folder..."));
     change->setAutoDefault(false);
     connect(change, &QPushButton::clicked, this, &RemovalDialog::chooseQuarantineRoot);
@@ -81,9 +83,16 @@ void RemovalDialog::chooseQuarantineRoot()
     if (folder.isEmpty())
         return;
     m_quarantineRoot = folder;
-    m_hint->setText(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1</span>")
-                        .arg(folder.toHtmlEscaped()));
+    explain(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1</span>"));
     Q_EMIT quarantineRootChosen(folder);
+}
+
+// The texts name a dark grey, and %1 stands for the folder.
+void RemovalDialog::explain(QString html)
+{
+    constexpr QRgb grey = qRgb(0x5b, 0x6b, 0x80);
+    html.replace(QColor(grey).name(), readableTone(grey, palette()).name());
+    m_hint->setText(html.arg(m_quarantineRoot.toHtmlEscaped()));
 }
 
 } // namespace epr

@@ -34,6 +34,7 @@ private:
     [[nodiscard]] QGroupBox *createChoices();
     [[nodiscard]] QWidget *createButtons();
     void chooseQuarantineRoot();
+    void explain(QString html);
 
     QString m_quarantineRoot;
     QLabel *m_hint;
