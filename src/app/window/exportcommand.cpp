@@ -10,10 +10,14 @@
 #include <QDate>
 #include <QDesktopServices>
 #include <QDir>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QStandardPaths>
+#include <QThread>
 #include <QUrl>
+
+#include <memory>
 
 namespace epr {
 
@@ -63,6 +67,24 @@ Choice chooseReport(QWidget *parent)
     return { path, formatOfFilter(filter) };
 }
 
+// On a thread of its own, so that the windows are painted during the seconds that tens of thousands of groups take;
+// their input waits. Not in Qt's global pool, on which large fills are painted.
+bool writeInBackground(const Choice &choice, const ResultsModel &results, const QStringList &roots, QString *error)
+{
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    bool written = false;
+    QEventLoop loop;
+    const std::unique_ptr<QThread> writer(QThread::create([&, tracks = results.tracks(), groups = results.groups()] {
+        written = writeReport(choice.path, choice.format, tracks, groups, roots, error);
+    }));
+    QObject::connect(writer.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    writer->start();
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    writer->wait();
+    QGuiApplication::restoreOverrideCursor();
+    return written;
+}
+
 } // namespace
 
 void exportReport(const ResultsModel &results, const QStringList &roots,
@@ -77,10 +99,7 @@ void exportReport(const ResultsModel &results, const QStringList &roots,
     if (choice.path.isEmpty())
         return;
     QString error;
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor); // some seconds for tens of thousands of groups
-    const bool written = writeReport(choice.path, choice.format, results.tracks(), results.groups(), roots, &error);
-    QGuiApplication::restoreOverrideCursor();
-    if (!written) {
+    if (!writeInBackground(choice, results, roots, &error)) {
         showCritical(parent, ExportCommand::tr("Export failed"),
                      ExportCommand::tr("Could not write the report:\n\n%1").arg(error));
         return;
