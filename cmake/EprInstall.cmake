@@ -22,7 +22,21 @@ set(linux "${PROJECT_SOURCE_DIR}/packaging/linux")
 set(id example.quorvane.echoprune)
 install(FILES "${linux}/${id}.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
 install(FILES "${linux}/${id}.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
-install(FILES "${linux}/echoprune.1" "${linux}/echoprune-scan.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+
+# Manual pages and the package's list of changes are kept compressed, without a time in them so that a build can be
+# repeated.
+find_program(EPR_GZIP gzip REQUIRED)
+function(epr_install_compressed source name destination)
+  set(compressed "${CMAKE_CURRENT_BINARY_DIR}/${name}.gz")
+  add_custom_command(OUTPUT "${compressed}" DEPENDS "${source}" VERBATIM
+    COMMAND sh -c "exec \"$1\" -9 -n -c \"$2\" > \"$3\"" gzip "${EPR_GZIP}" "${source}" "${compressed}")
+  add_custom_target(compress_${name} ALL DEPENDS "${compressed}")
+  install(FILES "${compressed}" DESTINATION "${destination}")
+endfunction()
+epr_install_compressed("${linux}/echoprune.1" echoprune.1 "${CMAKE_INSTALL_MANDIR}/man1")
+epr_install_compressed("${linux}/echoprune-scan.1" echoprune-scan.1 "${CMAKE_INSTALL_MANDIR}/man1")
+configure_file("${linux}/changelog.in" changelog @ONLY)
+epr_install_compressed("${CMAKE_CURRENT_BINARY_DIR}/changelog" changelog "${CMAKE_INSTALL_DOCDIR}")
 
 set(resources "${PROJECT_SOURCE_DIR}/resources")
 set(hicolor "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
