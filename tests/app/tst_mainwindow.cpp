@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "compareplayer.h"
 #include "folderpanel.h"
+#include "memberactions.h"
 
 #include "windowsupport.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
+#include <QDockWidget>
 #include <QListWidget>
 #include <QMenu>
 #include <QProcess>
@@ -112,14 +114,25 @@ private Q_SLOTS:
         const startup::Arguments arguments = startup::processArguments(
             words("echoprune -s " + here.toUtf8() + "/A -s B --scan A/ -s A/file -s none") << u"-s"_s << QString());
         MainWindow window;
-        for (const QString &folder : arguments.folders)
-            window.addFolder(folder);
+        startup::open(window, arguments);
         QDir::setCurrent(before);
+        QVERIFY(window.isVisible() && !window.isScanning());
         QCOMPARE(foldersOf(window), (QStringList { here + "/A"_L1, here + "/B"_L1 }));
         window.findChild<QListWidget *>(u"folderList"_s)->setCurrentRow(0);
         window.onRemoveFolder();
         QCOMPARE(foldersOf(window), QStringList(here + "/B"_L1));
-        QVERIFY(!arguments.autostart && startup::processArguments(words("echoprune -a")).autostart);
+    }
+
+    void autostartWithoutFoldersSaysSoInFrontOfTheWindow()
+    {
+        MainWindow window;
+        QString title;
+        withNext<QMessageBox>([&](QMessageBox *box) {
+            title = window.isVisible() ? box->windowTitle() : QString();
+            box->accept();
+        });
+        startup::open(window, startup::processArguments(words("echoprune --autostart")));
+        QCOMPARE(title, u"Nothing to scan"_s);
     }
 
 #ifndef Q_OS_WIN // where a program without a console shows this in a box
@@ -240,6 +253,25 @@ private Q_SLOTS:
         QCOMPARE(SettingsStore().folders(), folders.last(1));
     }
 
+    void windowLooksAfterARestartAsItDid()
+    {
+        QSize size;
+        {
+            MainWindow window;
+            window.resize(window.minimumSizeHint() + QSize(37, 23));
+            window.addDockWidget(Qt::RightDockWidgetArea, window.findChild<QDockWidget *>(u"logDock"_s));
+            window.findChild<QDockWidget *>(u"playerDock"_s)->hide();
+            window.findChild<ComparePlayer *>()->setLinked(false);
+            size = window.size();
+            window.close();
+        }
+        MainWindow window;
+        QCOMPARE(window.size(), size);
+        QCOMPARE(window.dockWidgetArea(window.findChild<QDockWidget *>(u"logDock"_s)), Qt::RightDockWidgetArea);
+        QVERIFY(window.findChild<QDockWidget *>(u"playerDock"_s)->isHidden());
+        QVERIFY(!window.findChild<ComparePlayer *>()->isLinked());
+    }
+
     void ticksChangeTheSummary()
     {
         MainWindow window;
@@ -334,6 +366,51 @@ private Q_SLOTS:
         press(Qt::Key_Return, Qt::AltModifier);
         QCOMPARE(box.title, u"File details"_s);
         QCOMPARE(window.focusWidget(), resultsOf(window));
+    }
+
+    // Commands must not act on a copy that is out of sight, and nobody wants to look for their place again.
+    void placeSurvivesAFilterAndARemoval()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QList<TrackInfo> tracks;
+        QList<MatchGroup> groups;
+        for (qint32 g = 0; g < 3; ++g) {
+            groups << MatchGroup { .id = g + 1, .members = { 2 * g, 2 * g + 1 }, .keep = 2 * g };
+            for (const QString &name : { u"kept %1"_s, u"copy %1"_s }) {
+                tracks << TrackInfo();
+                tracks.last().path = u"/music/"_s + name.arg(g);
+            }
+        }
+        window.onScanFinished(tracks, groups, false, 1);
+        const auto *results = window.findChild<ResultsModel *>();
+        const auto *member = window.findChild<MemberActions *>();
+        const auto current = [&] {
+            const TrackInfo *track = resultsOf(window)->currentIndex().isValid()
+                ? &tracks.at(resultsOf(window)->currentIndex().siblingAtColumn(0).data(ResultsModel::TrackRole).toInt())
+                : nullptr;
+            return track ? track->path.section(u'/', -1) : QString();
+        };
+        const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+            QTest::keyClick(window.windowHandle(), key, modifiers);
+        };
+        press(Qt::Key_Down, Qt::ControlModifier);
+        QCOMPARE(current(), u"kept 0"_s);
+        press(Qt::Key_Down, Qt::ControlModifier);
+        press(Qt::Key_Down);
+        auto *filter = window.findChild<QLineEdit *>(u"filterEdit"_s);
+        filter->setText(u"kept"_s);
+        QVERIFY(current().isEmpty() && !member->keep->isEnabled() && !member->showDetails->isEnabled());
+        press(Qt::Key_K, Qt::ControlModifier);
+        QCOMPARE(results->groups().at(1).keep, 2);
+        filter->clear();
+        QCOMPARE(current(), u"copy 1"_s);
+        window.findChild<ResultsModel *>()->removeMembers({ 3 });
+        QCOMPARE(current(), u"kept 2"_s);
+        QVERIFY(member->showDetails->isEnabled());
+        press(Qt::Key_Up, Qt::ControlModifier);
+        QCOMPARE(current(), u"kept 0"_s);
     }
 
 private:

@@ -64,7 +64,7 @@ QPalette dressed(QPalette system)
     const bool isDark = isDarkPalette(system);
     const QColor selection = isDark ? QColor(52, 96, 150) : QColor(13, 36, 64);
     palette.setColor(QPalette::Active, QPalette::Highlight, selection);
-    palette.setColor(QPalette::Inactive, QPalette::Highlight, selection.lighter(115));
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, isDark ? QColor(72, 84, 100) : QColor(91, 107, 128));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, isDark ? QColor(132, 180, 240) : QColor(28, 90, 138));
     if (!isDark) {

@@ -28,10 +28,6 @@ int main(int argc, char *argv[])
     epr::startup::createDataFolder();
 
     epr::MainWindow window;
-    for (const QString &folder : arguments.folders)
-        window.addFolder(folder);
-    window.show();
-    if (arguments.autostart)
-        window.onStartScan();
+    epr::startup::open(window, arguments);
     return QApplication::exec();
 }

@@ -132,7 +132,8 @@ ScanOptions SettingsStore::loadScanOptions() const
 
 QString SettingsStore::quarantineRoot() const
 {
-    return readValue(m_settings, keyQuarantineRoot, defaultQuarantineRoot());
+    const QString root = readValue(m_settings, keyQuarantineRoot, defaultQuarantineRoot());
+    return root.isEmpty() ? defaultQuarantineRoot() : root; // no folder has no name
 }
 
 bool SettingsStore::showPlayer() const

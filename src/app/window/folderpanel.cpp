@@ -116,6 +116,8 @@ void FolderPanel::createList(QAction *remove)
     deleteKey->setContext(Qt::WidgetShortcut);
     connect(deleteKey, &QShortcut::activated, remove, &QAction::trigger);
     connect(m_list, &QListWidget::itemSelectionChanged, this, &FolderPanel::selectionChanged);
+    connect(m_list->model(), &QAbstractItemModel::rowsInserted, this, &FolderPanel::foldersChanged);
+    connect(m_list->model(), &QAbstractItemModel::rowsRemoved, this, &FolderPanel::foldersChanged);
 }
 
 void FolderPanel::layOutWidgets(QAction *add, QAction *remove)

@@ -31,6 +31,7 @@ public:
 
 Q_SIGNALS:
     void selectionChanged();
+    void foldersChanged();
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;

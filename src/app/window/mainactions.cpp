@@ -59,12 +59,11 @@ void MainActions::enableFor(const Situation &situation)
     undoCleanup->setEnabled(!situation.isScanning);
 }
 
-// Tool tips name the key as well, since a toolbar has no other place for it.
 QAction *MainActions::make(const QString &text, const QKeySequence &key, const QString &tip)
 {
     auto *action = new QAction(text, this);
     action->setShortcut(key);
-    action->setToolTip(key.isEmpty() ? tip : tr("%1 (%2)").arg(tip, key.toString(QKeySequence::NativeText)));
+    action->setToolTip(tip);
     return action;
 }
 

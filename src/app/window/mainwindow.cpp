@@ -20,10 +20,12 @@
 #include "settingscommand.h"
 #include "settingsstore.h"
 #include "shortcutsdialog.h"
+#include "startup.h"
 #include "summarytext.h"
 #include "updatenotices.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDesktopServices>
 #include <QDockWidget>
@@ -40,6 +42,16 @@ namespace epr {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// What lies behind another tab counts as visible, and would take the focus to where nobody sees it.
+void keepFocusOutWhileHidden(QDockWidget *dock)
+{
+    QObject::connect(dock, &QDockWidget::visibilityChanged, dock->widget(), &QWidget::setEnabled);
+}
+
+} // namespace
+
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
     , m_quarantineRoot(SettingsStore::defaultQuarantineRoot())
@@ -47,11 +59,12 @@ MainWindow::MainWindow(QWidget *parent)
     , m_results(new ResultsModel(this))
 {
     setWindowTitle(metadata::applicationName());
+    setWindowIcon(startup::applicationIcon());
     createPanels();
     createDocks();
     createActions();
-    createMenus();
     createToolBar();
+    createMenus();
     placeOnScreen();
     restoreSettings();
     connectCleanup();
@@ -67,8 +80,10 @@ MainWindow::MainWindow(QWidget *parent)
 MainWindow::~MainWindow()
 {
     constexpr int longestWaitMs = 10000;
-    if (m_controller)
+    if (m_controller) {
         m_controller->cancel();
+        QCoreApplication::removePostedEvents(m_controller, QEvent::MetaCall); // a start on its way would take it back
+    }
     m_scanThread->quit();
     // A thread that is still at work must not be destroyed with the window, that would abort the program.
     if (!m_scanThread->wait(longestWaitMs))
@@ -127,7 +142,10 @@ void MainWindow::onStopScan()
 
 void MainWindow::onScanStarted()
 {
-    m_strip->showStatus(tr("Scanning..."));
+    if (m_isStopping)
+        m_controller->cancel(); // Stop was quicker than the start, which has taken it back
+    else
+        m_strip->showStatus(tr("Scanning..."));
 }
 
 void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups, bool cancelled,
@@ -181,12 +199,6 @@ void MainWindow::onInvertSelection()
     m_results->invertTicks();
 }
 
-void MainWindow::onExportReport()
-{
-    exportReport(
-        *m_results, m_scanRoots, [this](const QString &message) { report(message); }, this);
-}
-
 // A file goes into the quarantine under the folder that it was found in, even if that has left the list since.
 void MainWindow::onRemoveSelected()
 {
@@ -198,6 +210,12 @@ void MainWindow::onRemoveSelected()
 void MainWindow::onUndoPrevious()
 {
     m_cleanup->undoPreviousCleanup();
+}
+
+void MainWindow::onExportReport()
+{
+    exportReport(
+        *m_results, m_scanRoots, [this](const QString &message) { report(message); }, this);
 }
 
 void MainWindow::onSettings()
@@ -220,6 +238,11 @@ void MainWindow::onClearCache()
 void MainWindow::onAbout()
 {
     AboutDialog(this).exec();
+}
+
+void MainWindow::onCheckForUpdates()
+{
+    m_updates->startExplicitCheck();
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
@@ -250,6 +273,8 @@ void MainWindow::createPanels()
     connect(m_strip, &ScanStrip::briefChanged, this, &MainWindow::refreshTitle);
     connect(m_resultsPanel, &ResultsPanel::statusMessage, m_strip, &ScanStrip::showStatus);
     connect(m_folderPanel, &FolderPanel::selectionChanged, this, &MainWindow::refreshActions);
+    connect(m_folderPanel, &FolderPanel::foldersChanged, m_resultsPanel,
+            [this] { m_resultsPanel->setHasFolders(!m_folderPanel->folders().isEmpty()); });
 }
 
 // Player and log share one place on a small screen, where the results need the height, and stand side by side where
@@ -269,6 +294,8 @@ void MainWindow::createDocks()
     else
         resizeDocks({ m_playerDock, logDock }, { 2, 1 }, Qt::Horizontal);
     m_playerDock->raise();
+    for (QDockWidget *dock : { static_cast<QDockWidget *>(m_playerDock), logDock })
+        keepFocusOutWhileHidden(dock);
     constexpr int visibleLines = 6;
     resizeDocks({ logDock }, { visibleLines * m_log->fontMetrics().lineSpacing() }, Qt::Vertical);
 }
@@ -296,6 +323,7 @@ void MainWindow::createActions()
     connect(m_actions->website, &QAction::triggered, this,
             [] { QDesktopServices::openUrl(QUrl(metadata::makerUrl())); });
     connect(m_actions->about, &QAction::triggered, this, &MainWindow::onAbout);
+    connect(m_actions->checkForUpdates, &QAction::triggered, this, &MainWindow::onCheckForUpdates);
 }
 
 void MainWindow::createMenus()
@@ -308,7 +336,8 @@ void MainWindow::createMenus()
     file->addAction(m_actions->exit);
 
     QMenu *view = menuBar()->addMenu(tr("&View"));
-    view->addActions({ m_playerDock->toggleViewAction(), findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction() });
+    view->addActions({ findChild<QToolBar *>(u"mainToolBar"_s)->toggleViewAction(), m_playerDock->toggleViewAction(),
+                       findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction() });
 
     QMenu *scan = menuBar()->addMenu(tr("&Scan"));
     scan->addActions({ m_actions->startScan, m_actions->stopScan });
@@ -341,6 +370,7 @@ void MainWindow::createToolBar()
 {
     QToolBar *toolBar = addToolBar(tr("Main"));
     toolBar->setObjectName(u"mainToolBar"_s);
+    toolBar->toggleViewAction()->setText(tr("Toolbar"));
     toolBar->setToolButtonStyle(Qt::ToolButtonTextOnly);
     toolBar->addAction(m_actions->addFolder);
     toolBar->addSeparator();

@@ -55,12 +55,13 @@ public Q_SLOTS:
     void onSelectDuplicates();
     void onClearSelection();
     void onInvertSelection();
-    void onExportReport();
     void onRemoveSelected();
     void onUndoPrevious();
+    void onExportReport();
     void onSettings();
     void onClearCache();
     void onAbout();
+    void onCheckForUpdates();
 
 protected:
     void closeEvent(QCloseEvent *event) override;

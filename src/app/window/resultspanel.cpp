@@ -6,9 +6,10 @@
 #include "resultsfilter.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
+#include "reviewplace.h"
 #include "summarytext.h"
 
-#include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QShortcut>
@@ -17,6 +18,27 @@
 namespace epr {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// On X11 a line edit keeps some keys for editing as in Emacs, which are commands of ours.
+class FilterEdit final : public QLineEdit {
+public:
+    using QLineEdit::QLineEdit;
+
+protected:
+    bool event(QEvent *event) override
+    {
+        if (event->type() != QEvent::ShortcutOverride)
+            return QLineEdit::event(event);
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const bool isCommand = key->modifiers() == Qt::ControlModifier
+            && (key->key() == Qt::Key_D || key->key() == Qt::Key_E || key->key() == Qt::Key_K);
+        return isCommand ? false : QLineEdit::event(event);
+    }
+};
+
+} // namespace
 
 ResultsPanel::ResultsPanel(ResultsModel *results, QWidget *parent)
     : QWidget(parent)
@@ -36,13 +58,20 @@ ResultsPanel::ResultsPanel(ResultsModel *results, QWidget *parent)
 void ResultsPanel::setState(State state)
 {
     m_state = state;
+    m_foundGroups = !m_results->groups().isEmpty();
     refreshSummary();
+    refreshHint();
+}
+
+void ResultsPanel::setHasFolders(bool hasFolders)
+{
+    m_hasFolders = hasFolders;
     refreshHint();
 }
 
 void ResultsPanel::goToGroup(int step)
 {
-    m_view->goToGroup(step);
+    m_place->goToGroup(step);
 }
 
 void ResultsPanel::focusFilter()
@@ -66,7 +95,7 @@ void ResultsPanel::showGroup(int group)
 
 void ResultsPanel::createFilterRow()
 {
-    m_filterEdit = new QLineEdit(this);
+    m_filterEdit = new FilterEdit(this);
     m_filterEdit->setObjectName(u"filterEdit"_s);
     m_filterEdit->setPlaceholderText(tr("Artist, title, file name or folder..."));
     m_filterEdit->setClearButtonEnabled(true);
@@ -83,10 +112,10 @@ void ResultsPanel::createTree()
     m_view->setObjectName(u"resultsView"_s);
     m_view->setAccessibleName(tr("Duplicate groups"));
     m_view->setModel(m_filter);
-    connect(m_view, &ResultsView::memberMenuRequested, m_memberActions, &MemberActions::popup);
+    m_place = new ReviewPlace(m_results, m_filter, m_view);
+    connect(m_place, &ReviewPlace::changed, this, &ResultsPanel::onTreeSelectionChanged);
+    connect(m_view, &ResultsView::memberMenuRequested, this, &ResultsPanel::onTreeContextMenu);
     connect(m_view, &ResultsView::memberActivated, this, &ResultsPanel::onTreeDoubleClicked);
-    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &ResultsPanel::onTreeSelectionChanged);
 }
 
 void ResultsPanel::layOutWidgets()
@@ -118,7 +147,12 @@ void ResultsPanel::onFilterChanged(const QString &text)
 
 void ResultsPanel::onTreeSelectionChanged(const QModelIndex &current)
 {
-    m_memberActions->setMember(m_filter->mapToSource(current));
+    m_memberActions->setMember(current);
+}
+
+void ResultsPanel::onTreeContextMenu(const QPoint &globalPos)
+{
+    m_memberActions->popup(globalPos);
 }
 
 void ResultsPanel::onTreeDoubleClicked()
@@ -152,7 +186,8 @@ QString ResultsPanel::hintText() const
 {
     switch (m_state) {
     case State::NotScanned:
-        return tr("Add a folder with music, then press Start Scan.");
+        return m_hasFolders ? tr("Press Start Scan to look for duplicates.")
+                            : tr("Add a folder with music, then press Start Scan.");
     case State::Scanning:
         return tr("Scanning. Duplicate groups appear here as soon as the scan is complete.");
     case State::Cancelled:
@@ -160,7 +195,13 @@ QString ResultsPanel::hintText() const
     case State::Finished:
         break;
     }
-    return m_results->groups().isEmpty() ? tr("No duplicates in these folders.") : tr("No copy matches the filter.");
+    if (!m_results->groups().isEmpty())
+        return tr("No copy matches the filter.");
+    if (m_foundGroups)
+        return tr("All duplicates have been dealt with.");
+    return m_results->totals().files > 0
+        ? tr("No duplicates in these folders.")
+        : tr("No music files were found in these folders. Settings choose which files are looked at.");
 }
 
 } // namespace epr

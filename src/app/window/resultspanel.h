@@ -13,6 +13,7 @@ class MemberActions;
 class ResultsFilter;
 class ResultsModel;
 class ResultsView;
+class ReviewPlace;
 struct TrackInfo;
 
 /// The results of a scan with all that belongs to them: filter row, tree and summary line.
@@ -27,7 +28,8 @@ public:
 
     [[nodiscard]] MemberActions *memberActions() const { return m_memberActions; }
 
-    void setState(State state);
+    void setState(State state); ///< after the results have been set
+    void setHasFolders(bool hasFolders); ///< whether there is anything to scan
     void goToGroup(int step); ///< -1 or +1
     void focusFilter();
     void addTreeAction(QAction *action); ///< its key then works in the tree
@@ -43,6 +45,7 @@ private:
     void layOutWidgets();
     void onFilterChanged(const QString &text);
     void onTreeSelectionChanged(const QModelIndex &current);
+    void onTreeContextMenu(const QPoint &globalPos);
     void onTreeDoubleClicked();
     void refreshSummary();
     void refreshHint();
@@ -52,8 +55,11 @@ private:
     ResultsFilter *m_filter;
     MemberActions *m_memberActions;
     State m_state = State::NotScanned;
+    bool m_foundGroups = false; ///< by the last scan, whether or not they are there still
+    bool m_hasFolders = false;
     QLineEdit *m_filterEdit = nullptr;
     ResultsView *m_view = nullptr;
+    ReviewPlace *m_place = nullptr;
     QLabel *m_summary = nullptr;
 };
 

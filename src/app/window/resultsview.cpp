@@ -35,29 +35,11 @@ void ResultsView::setHint(const QString &text)
     m_hint->setText(text);
 }
 
-void ResultsView::goToGroup(int step)
-{
-    setFocus(Qt::ShortcutFocusReason);
-    setCurrentGroup(m_currentGroup < 0 ? 0 : m_currentGroup + step);
-}
-
 void ResultsView::reset()
 {
     QTreeView::reset();
     expandAll();
-    const bool isEmpty = !model() || model()->rowCount() == 0;
-    m_hint->setVisible(isEmpty);
-    if (isEmpty)
-        m_currentGroup = -1;
-    else if (m_currentGroup >= 0)
-        setCurrentGroup(m_currentGroup);
-}
-
-void ResultsView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
-{
-    QTreeView::currentChanged(current, previous);
-    if (current.isValid())
-        m_currentGroup = current.parent().isValid() ? current.parent().row() : current.row();
+    m_hint->setVisible(!model() || model()->rowCount() == 0);
 }
 
 // Ticks in many groups at once change neither heights nor children, which is what the base class would go through row
@@ -73,12 +55,17 @@ void ResultsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bot
 
 void ResultsView::drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
+    QStyleOptionViewItem row = option;
+    if (!hasFocus()) {
+        row.state &= ~QStyle::State_Active; // a selection that the keys move looks other than one that they do not
+        row.palette.setCurrentColorGroup(QPalette::Inactive);
+    }
     if (index.parent().isValid()) {
-        QTreeView::drawRow(painter, option, index);
+        QTreeView::drawRow(painter, row, index);
         return;
     }
-    drawGroupBand(painter, option, index);
-    drawGroupTexts(painter, option, index);
+    drawGroupBand(painter, row, index);
+    drawGroupTexts(painter, row, index);
 }
 
 void ResultsView::contextMenuEvent(QContextMenuEvent *event)
@@ -92,8 +79,27 @@ void ResultsView::contextMenuEvent(QContextMenuEvent *event)
     Q_EMIT memberMenuRequested(byKeyboard ? viewport()->mapToGlobal(centre) : event->globalPos());
 }
 
+// The base class would make the first row current, which moves the place although nobody went there.
+void ResultsView::focusInEvent(QFocusEvent *event)
+{
+    const bool isByKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (!currentIndex().isValid() && isByKey)
+        Q_EMIT enteredWithoutCurrent();
+    if (currentIndex().isValid())
+        QTreeView::focusInEvent(event);
+    else
+        QAbstractScrollArea::focusInEvent(event); // NOLINT(bugprone-parent-virtual-call)
+}
+
 void ResultsView::keyPressEvent(QKeyEvent *event)
 {
+#ifndef Q_OS_WIN
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) { // Windows turns it into the menu key
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+        contextMenuEvent(&menu);
+        return;
+    }
+#endif
     const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (plain && event->key() == Qt::Key_Space)
@@ -143,18 +149,6 @@ void ResultsView::toggleCurrent()
     model()->setData(cell, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }
 
-// The first copy of the group, with the whole group in sight where there is room for it.
-void ResultsView::setCurrentGroup(int row)
-{
-    if (!model() || model()->rowCount() == 0)
-        return;
-    const QModelIndex group = model()->index(std::clamp(row, 0, model()->rowCount() - 1), ResultsModel::FileColumn);
-    expand(group);
-    setCurrentIndex(model()->index(0, ResultsModel::FileColumn, group));
-    scrollTo(model()->index(model()->rowCount(group) - 1, ResultsModel::FileColumn, group));
-    scrollTo(group);
-}
-
 bool ResultsView::isOnMember() const
 {
     return currentIndex().parent().isValid();
@@ -167,6 +161,11 @@ void ResultsView::drawGroupBand(QPainter *painter, const QStyleOptionViewItem &o
     const QRect branch(option.rect.left() + leadingEdge(option.rect, ResultsModel::FileColumn), option.rect.y(),
                        indentation(), option.rect.height());
     drawBranches(painter, QStyle::visualRect(option.direction, option.rect, branch), index);
+    if (hasFocus() && index.row() == currentIndex().row() && !currentIndex().parent().isValid()) {
+        QStyleOptionFocusRect focus;
+        focus.QStyleOption::operator=(option);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, this);
+    }
 }
 
 int ResultsView::leadingEdge(const QRect &row, int column) const

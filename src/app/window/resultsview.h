@@ -17,19 +17,19 @@ public:
     explicit ResultsView(QWidget *parent = nullptr);
 
     void setHint(const QString &text); ///< shown while there are no rows
-    void goToGroup(int step); ///< -1 or +1: the first copy of the group before or after the current one
 
-    void reset() override; ///< a review goes on at the same place in the list
+    void reset() override;
 
 Q_SIGNALS:
     void memberMenuRequested(const QPoint &globalPos); ///< for the current member or group
+    void enteredWithoutCurrent(); ///< the focus came by key and no row is current
     void memberActivated(); ///< the current member was double-clicked, or Return was pressed on it
 
 protected:
-    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -39,14 +39,12 @@ private:
     void onSectionResized(int section);
     void toggleCurrent();
     [[nodiscard]] bool isOnMember() const;
-    void setCurrentGroup(int row);
     /// How far the column begins from where the row begins, in the direction of reading.
     [[nodiscard]] int leadingEdge(const QRect &row, int column) const;
     void drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
 
     EmptyHint *m_hint;
-    int m_currentGroup = -1; ///< row of the group that the current index is in, -1 = there is none
     bool m_fittingColumns = false;
     bool m_columnsChosen = false; ///< the operator has dragged a column: the widths are theirs from now on
 };

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "startup.h"
 
+#include "mainwindow.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -44,6 +46,15 @@ Arguments processArguments(const QStringList &arguments)
     parser.addOptions({ scan, autostart });
     parser.process(arguments);
     return { parser.values(scan), parser.isSet(autostart) };
+}
+
+void open(MainWindow &window, const Arguments &arguments)
+{
+    for (const QString &folder : arguments.folders)
+        window.addFolder(folder);
+    window.show();
+    if (arguments.autostart)
+        window.onStartScan();
 }
 
 QIcon applicationIcon()

@@ -6,6 +6,10 @@
 
 QT_FORWARD_DECLARE_CLASS(QIcon)
 
+namespace epr {
+class MainWindow;
+}
+
 /// The steps of the program's start that the entry point calls one after the other.
 namespace epr::startup {
 
@@ -20,6 +24,10 @@ void loadResources();
 /// Parses the command line, program name first. Asked for help or the version, or given an unknown option, it ends the
 /// process.
 [[nodiscard]] Arguments processArguments(const QStringList &arguments);
+
+/// Adds the folders, shows the window and then starts the scan, if that was asked for, so that what keeps it from
+/// starting is said in front of the window.
+void open(MainWindow &window, const Arguments &arguments);
 
 /// The program's icon in every size that has a drawing or a rendering of its own.
 [[nodiscard]] QIcon applicationIcon();

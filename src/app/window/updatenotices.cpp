@@ -25,7 +25,6 @@ UpdateNotices::UpdateNotices(QAction *checkAction, QWidget *window)
     , m_checkAction(checkAction)
     , m_window(window)
 {
-    connect(m_checkAction, &QAction::triggered, this, &UpdateNotices::startExplicitCheck);
     connect(m_checker, &UpdateChecker::updateAvailable, this, &UpdateNotices::announce);
     connect(m_checker, &UpdateChecker::upToDate, this, &UpdateNotices::reportUpToDate);
     connect(m_checker, &UpdateChecker::checkFailed, this, &UpdateNotices::reportFailure);

@@ -23,13 +23,13 @@ public:
     UpdateNotices(QAction *checkAction, QWidget *window);
 
     void scheduleStartupCheck(); ///< silent, and only if checks at start-up are wanted and one is due
+    void startExplicitCheck();
     void reloadAddress(); ///< after the settings were edited
 
 Q_SIGNALS:
     void logMessage(const QString &message);
 
 private:
-    void startExplicitCheck();
     void announce(const UpdateChecker::Release &release, bool silent);
     void reportUpToDate(bool silent);
     void reportFailure(const QString &error, bool silent);
