@@ -18,6 +18,7 @@ ActivityLog::ActivityLog(QWidget *parent)
     setUndoRedoEnabled(false);
     setTabChangesFocus(true);
     setAccessibleName(tr("Activity Log"));
+    setMinimumHeight(2 * fontMetrics().lineSpacing() + 2 * frameWidth());
 }
 
 void ActivityLog::append(const QString &message)

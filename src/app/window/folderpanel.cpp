@@ -108,7 +108,7 @@ void FolderPanel::createList(QAction *remove)
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setTextElideMode(Qt::ElideMiddle);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    constexpr int leastLines = 4;
+    constexpr int leastLines = 3;
     m_list->setMinimumHeight(leastLines * m_list->fontMetrics().lineSpacing() + 2 * m_list->frameWidth());
     m_hint = new EmptyHint(m_list);
     m_hint->setText(tr("Drop folders with music here."));

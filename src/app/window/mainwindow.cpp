@@ -278,7 +278,8 @@ void MainWindow::createPanels()
 }
 
 // Player and log share one place on a small screen, where the results need the height, and stand side by side where
-// there is the width for both.
+// there is the width for both. A screen too low for them, one of high magnification, begins without; the player then
+// opens in a window of its own.
 void MainWindow::createDocks()
 {
     m_log = new ActivityLog(this);
@@ -296,6 +297,12 @@ void MainWindow::createDocks()
     m_playerDock->raise();
     for (QDockWidget *dock : { static_cast<QDockWidget *>(m_playerDock), logDock })
         keepFocusOutWhileHidden(dock);
+    constexpr int heightForAny = 540;
+    if (screen()->availableSize().height() < heightForAny) {
+        m_playerDock->hide();
+        m_playerDock->setFloating(true);
+        logDock->hide();
+    }
     constexpr int visibleLines = 6;
     resizeDocks({ logDock }, { visibleLines * m_log->fontMetrics().lineSpacing() }, Qt::Vertical);
 }
@@ -393,13 +400,14 @@ void MainWindow::restoreSettings()
 {
     const SettingsStore store;
     restoreGeometry(store.windowGeometry());
-    restoreState(store.windowState());
+    const bool isFirstStart = !restoreState(store.windowState());
     const QStringList folders = store.folders();
     for (const QString &folder : folders)
         addFolder(folder);
     m_options = store.loadScanOptions();
     m_quarantineRoot = store.quarantineRoot();
-    m_playerDock->setVisible(store.showPlayer());
+    const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();
+    m_playerDock->setVisible(store.showPlayer() && hasRoom);
     m_playerDock->player()->setLinked(store.linkDecks());
 }
 

@@ -35,8 +35,6 @@ void DeckView::setTrack(const TrackInfo &track)
     m_hasFile = !track.path.isEmpty();
     m_envelope = {};
     m_title->setText(comparisontext::title(track));
-    // A long title gives way to the meters; in an empty deck, which has no levels, they give way to the words.
-    m_title->setMinimumWidth(m_hasFile ? 0 : m_title->sizeHint().width());
     m_formatText = comparisontext::format(track);
     setProblem({});
     m_scrubber->clear();
@@ -117,7 +115,7 @@ void DeckView::createWidgets()
     m_position->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     m_duration = new vfd::ElidingLabel(this);
     m_duration->setObjectName(u"deckDuration"_s);
-    m_duration->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    m_duration->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     m_duration->setTone(vfd::ElidingLabel::Tone::Soft);
     m_levels = new vfd::LevelMeter(this);
     m_levels->setMinimumWidth(60);
