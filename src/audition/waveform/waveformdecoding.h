@@ -3,13 +3,7 @@
 #pragma once
 
 #include "envelopebuilder.h"
-
-#include <QAudioDecoder>
-#include <QEventLoop>
-#include <QFile>
-#include <QTimer>
-
-#include <functional>
+#include "filedecoding.h"
 
 namespace epr {
 
@@ -18,36 +12,23 @@ struct WaveformOutcome {
     QString error; ///< what the decoder said, or empty
 };
 
-/// One decoding of one file, from start to end on the thread that runs it.
-class WaveformDecoding final : public QObject {
-    Q_OBJECT
-
+/// One decoding of one file into its envelope, on the thread that runs it.
+class WaveformDecoding final {
 public:
     using Wanted = std::function<bool()>;
 
-    /// Asked before each buffer: the decoding ends as soon as the answer is no.
+    /// Asked at each buffer: the decoding ends as soon as the answer is no.
     WaveformDecoding(Wanted wanted, int watchdogMs);
 
     /// Blocks in a local event loop. What was decoded before an error or before the watchdog bites counts.
     [[nodiscard]] WaveformOutcome run(const QString &path);
 
     /// Makes run() return; to be called on the same thread, from within the event loop.
-    void end();
+    void end() { m_decoding.end(); }
 
 private:
-    bool openSource(const QString &path);
-    void readBuffers();
-    void fail(const QString &error);
-
-    Wanted m_wanted;
     EnvelopeBuilder m_builder;
-    QString m_error;
-    QFile m_file;
-    QAudioDecoder m_decoder; // after the file, which it may be reading
-    QEventLoop m_loop;
-    QTimer m_watchdog;
-    int m_watchdogMs;
-    bool m_ended = false;
+    FileDecoding m_decoding;
 };
 
 } // namespace epr
