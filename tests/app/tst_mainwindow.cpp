@@ -183,6 +183,7 @@ private Q_SLOTS:
         QVERIFY(summaryOf(window).startsWith("3 files scanned - 1 duplicate groups - 1 redundant copies"_L1));
         QVERIFY(logOf(window).contains(u"Discovered 3 audio files."_s));
         QVERIFY(labelOf(window, u"statusLabel"_s).startsWith("Scan complete in "_L1));
+        QCOMPARE(window.windowTitle(), u"Echoprune"_s);
     }
 
     // Enough to hash that the scan is still at it when the answers come.

@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QProgressBar>
 
+#include <utility>
+
 namespace epr {
 
 using namespace Qt::StringLiterals;
@@ -99,10 +101,9 @@ void ScanStrip::fitStatus()
 
 void ScanStrip::setRange(int done, int total)
 {
-    const QString before = brief();
     m_bar->setRange(0, total);
     m_bar->setValue(done);
-    if (brief() != before)
+    if (const QString now = brief(); std::exchange(m_announced, now) != now)
         Q_EMIT briefChanged();
 }
 

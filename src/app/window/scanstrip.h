@@ -39,6 +39,7 @@ private:
 
     QString m_text; ///< the status, whether or not there is room for all of it
     QString m_phase;
+    QString m_announced; ///< what it was when the signal was last sent
     bool m_isBusy = false;
     QElapsedTimer m_clock;
     ProgressEstimate m_estimate;
