@@ -3,11 +3,12 @@
 
 cmake_policy(VERSION 3.21)
 
-# epr_copy_libraries(DESTINATION BINARIES... OBJDUMP tool FOLDERS...): copies the libraries that the programs and plugins
-# import, directly or through each other, as far as the folders hold them; what else they import is the system's. For
-# install scripts. CMake's own search asks for the names in lower case, which a case-sensitive file system does not have.
+# epr_copy_libraries(DESTINATION BINARIES... OBJDUMP tool STRIP tool FOLDERS...): copies the libraries that the programs
+# and plugins import, directly or through each other, as far as the folders hold them; what else they import is the
+# system's. The copies are stripped, since some compilers bring a runtime full of debug information. For install scripts.
+# CMake's own search asks for the names in lower case, which a case-sensitive file system does not have.
 function(epr_copy_libraries destination)
-  cmake_parse_arguments(COPY "" "OBJDUMP" "BINARIES;FOLDERS" ${ARGN})
+  cmake_parse_arguments(COPY "" "OBJDUMP;STRIP" "BINARIES;FOLDERS" ${ARGN})
   set(waiting ${COPY_BINARIES})
   set(seen)
   while(waiting)
@@ -23,6 +24,7 @@ function(epr_copy_libraries destination)
       find_file(library NAMES "${name}" PATHS ${COPY_FOLDERS} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
       if(library)
         file(INSTALL "${library}" DESTINATION "${destination}")
+        execute_process(COMMAND "${COPY_STRIP}" --strip-unneeded "${destination}/${name}" COMMAND_ERROR_IS_FATAL ANY)
         list(APPEND waiting "${library}")
       elseif(name MATCHES "^(Qt|lib)")
         message(FATAL_ERROR "${binary} needs ${name}, which is not in ${COPY_FOLDERS}")

@@ -46,6 +46,6 @@ endforeach()
 
 install(CODE "
   include(\"${CMAKE_CURRENT_LIST_DIR}/EprCopyLibraries.cmake\")
-  epr_copy_libraries(\"\${CMAKE_INSTALL_PREFIX}\" OBJDUMP \"${CMAKE_OBJDUMP}\"
+  epr_copy_libraries(\"\${CMAKE_INSTALL_PREFIX}\" OBJDUMP \"${CMAKE_OBJDUMP}\" STRIP \"${CMAKE_STRIP}\"
     BINARIES \"$<TARGET_FILE:echoprune>\" \"$<TARGET_FILE:echoprune-scan>\" ${epr_plugins}
     FOLDERS \"${epr_qt_bin}\" ${epr_runtime_folders})")

@@ -22,6 +22,13 @@ namespace {
 
 constexpr qsizetype filesPerReport = 64;
 
+#if defined(Q_OS_WIN) && defined(Q_CC_GNU)
+// A compiled expression gets a stack for each thread, which a Qt built with MinGW frees when the thread ends, after the
+// memory of the pointer to it. The thread dies of it with a lock of the runtime in its hand, and the program, closed
+// after a scan, waits for that lock for ever. Set before main(), since the toolkit looks only once.
+[[maybe_unused]] const bool expressionsAreInterpreted = qputenv("QT_ENABLE_REGEXP_JIT", "0");
+#endif
+
 // Exclude patterns compiled once for a whole walk.
 class ExcludePatterns {
 public:

@@ -175,10 +175,10 @@ private Q_SLOTS:
     {
         Review review;
         Operator &person = review.person;
-        person.newQuarantine = review.inLibrary(u"<quarantine>"_s);
+        person.newQuarantine = review.inLibrary(u"&quarantine;"_s);
         QVERIFY(QDir().mkdir(person.newQuarantine));
         review.window->onRemoveSelected();
-        QVERIFY(person.hint.endsWith("under<br>"_L1 + review.library() + "/&lt;quarantine&gt;</span>"_L1));
+        QVERIFY(person.hint.endsWith("under<br>"_L1 + review.library() + "/&amp;quarantine;</span>"_L1));
         QVERIFY(person.boxes.value(0).startsWith("Quarantine folder will be scanned|"_L1));
         QCOMPARE(person.boxes.value(1),
                  u"Clean-up complete|Removed 4 file(s), freeing 400 bytes.\n\nThis clean-up can be reversed from Tools "
@@ -193,7 +193,7 @@ private Q_SLOTS:
         review.window->onUndoPrevious();
         QCOMPARE(person.boxes.last(), u"Undo complete|Restored 4 file(s) to their original locations."_s);
         QVERIFY(logs(*review.window, u"Undo: 4 restored, 0 failed."_s));
-        QVERIFY(QDir(review.inLibrary(u"<quarantine>"_s)).removeRecursively());
+        QVERIFY(QDir(review.inLibrary(u"&quarantine;"_s)).removeRecursively());
         QCOMPARE(treeOf(review.library()), review.before);
         review.window->onUndoPrevious();
         QVERIFY(person.boxes.last().startsWith(u"Nothing to undo|No reversible clean-ups have been recorded."_s));

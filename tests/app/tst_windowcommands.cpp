@@ -175,15 +175,15 @@ private Q_SLOTS:
         results->setKeeper(0, 2);
 
         // The filter decides on the format, whatever the name says.
-        const QList<QByteArray> starts { "<!DOCTYPE html>", "Group,", "{\n", "#EXTM3U\n" };
+        const QList<QByteArray> starts { "<!DOCTYPE html>", "Group,", "{", "#EXTM3U" };
         for (int filter = 0; filter < starts.size(); ++filter) {
-            const QString path = pathOf(u"<b>%1.html"_s.arg(filter));
+            const QString path = pathOf(u"&lt;%1&gt;.html"_s.arg(filter));
             const SeenBox box = exportTo(window, path, filter, filter == 0 ? QMessageBox::Yes : QMessageBox::No);
             QCOMPARE(box.title + box.text, u"Report savedReport saved to:\n%1\n\nOpen it now?"_s.arg(path));
             QVERIFY(readFile(path).startsWith(starts.at(filter)));
         }
-        QCOMPARE(m_opened, QUrl::fromLocalFile(pathOf(u"<b>0.html"_s)));
-        const QJsonDocument json = QJsonDocument::fromJson(readFile(pathOf(u"<b>2.html"_s)));
+        QCOMPARE(m_opened, QUrl::fromLocalFile(pathOf(u"&lt;0&gt;.html"_s)));
+        const QJsonDocument json = QJsonDocument::fromJson(readFile(pathOf(u"&lt;2&gt;.html"_s)));
         QCOMPARE(json["roots"_L1].toArray(), QJsonArray { pathOf(u"scanned"_s) });
         const QJsonArray files = json["duplicateGroups"_L1][0]["files"_L1].toArray();
         QCOMPARE(files.size(), 2);

@@ -3,6 +3,7 @@
 #include "clirequest.h"
 
 #include "../cleanup/sandbox.h"
+#include "hole.h"
 #include "temporarylibrary.h"
 
 #include <QJsonArray>
@@ -101,10 +102,8 @@ private Q_SLOTS:
     void interruptStopsCleanly()
     {
         // Big sparse files keep the hashing stage busy for long enough to be interrupted in it.
-        for (const QString &name : words("library/1.mp3 library/2.mp3 library/3.mp3 library/4.mp3")) {
-            writeFile(m_home->filePath(name), {});
-            QVERIFY(QFile::resize(m_home->filePath(name), 4LL << 30));
-        }
+        for (const QString &name : words("library/1.wma library/2.wma library/3.wma library/4.wma"))
+            QVERIFY(makeHole(m_home->filePath(name), 4LL << 30));
         const QString report = m_home->filePath(u"report.csv"_s);
         QProcess program;
         program.start(QStringLiteral(EPR_SCAN_PROGRAM),

@@ -31,12 +31,13 @@ template <typename Dialog> void withNext(const std::function<void(Dialog *)> &ac
     timer->start(1);
 }
 
-/// Presses a button of the next message box and keeps what the box said.
+/// Presses a button of the next message box and keeps what the box said. A box without that button is closed.
 inline void answerNextBox(QMessageBox::StandardButton button, SeenBox *seen)
 {
     withNext<QMessageBox>([button, seen](QMessageBox *box) {
         *seen = { box->windowTitle(), box->text(), box->standardButton(box->defaultButton()) };
-        box->button(button)->click();
+        QAbstractButton *wanted = box->button(button);
+        wanted ? wanted->click() : box->reject();
     });
 }
 

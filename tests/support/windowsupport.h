@@ -23,9 +23,10 @@ namespace epr::test {
 
 using namespace Qt::StringLiterals;
 
-/// What the program does before it makes its window.
+/// What the program does before it makes its window. The system's own dialogs are no widgets, which a test could use.
 inline void setUpApplication()
 {
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     metadata::applyToApplication();
     registerMetaTypes();
     startup::loadResources();
