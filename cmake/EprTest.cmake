@@ -27,4 +27,7 @@ function(epr_add_test name)
   endif()
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT "${environment}")
+  if(WIN32) # where no environment variable moves the folder that programs keep their data in
+    set_tests_properties(${name} PROPERTIES RUN_SERIAL ON)
+  endif()
 endfunction()

@@ -7,10 +7,10 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QThreadStorage>
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 
 namespace epr {
 
@@ -20,11 +20,14 @@ constexpr qint64 blockSize = 1048576;
 constexpr qint64 identityWindow = 65536;
 constexpr qint64 noLimit = std::numeric_limits<qint64>::max();
 
-// One block for each thread that hashes, kept from file to file: a fresh mebibyte costs 256 page faults every time.
+// One block for each thread that hashes, kept from file to file: a fresh mebibyte costs 256 page faults every time. Not
+// thread_local, because MinGW's runtime destroys such objects when their memory is gone already.
 char *blockBuffer()
 {
-    thread_local const std::unique_ptr<char[]> buffer(new char[blockSize]);
-    return buffer.get();
+    static QThreadStorage<QByteArray> buffers;
+    if (!buffers.hasLocalData())
+        buffers.setLocalData(QByteArray(blockSize, Qt::Uninitialized));
+    return buffers.localData().data();
 }
 
 void setError(QString *error, const QString &message)

@@ -41,7 +41,7 @@ private Q_SLOTS:
     {
         const QString python = u"" EPR_PYTHON ""_s;
         if (python.isEmpty())
-            QSKIP("needs lupdate and Python");
+            QSKIP("needs lupdate and Python, where the tests are built");
         const QTemporaryDir folder;
         const QString catalogue = folder.filePath(u"cli.ts"_s);
         const QString compiled = folder.filePath(u"cli.qm"_s);
