@@ -25,16 +25,17 @@ ScanStrip::ScanStrip(QWidget *parent)
     m_bar->setAccessibleName(tr("Progress of the scan"));
     m_bar->setFormat(tr("%v of %m"));
     m_bar->setAlignment(Qt::AlignCenter);
-    m_bar->setFixedWidth(40 * fontMetrics().averageCharWidth());
-    QSizePolicy policy = m_bar->sizePolicy();
+    m_bar->setMinimumWidth(14 * fontMetrics().averageCharWidth());
+    m_bar->setMaximumWidth(40 * fontMetrics().averageCharWidth());
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setRetainSizeWhenHidden(true); // the window must not jump when a scan starts
     m_bar->setSizePolicy(policy);
     m_bar->hide();
 
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 2, 6, 2);
-    layout->addWidget(m_status, 1);
-    layout->addWidget(m_bar);
+    layout->addWidget(m_status, 3);
+    layout->addWidget(m_bar, 1);
 }
 
 QString ScanStrip::status() const
