@@ -25,8 +25,8 @@ if(WIN32)
   set(CPACK_NSIS_MUI_UNIICON "${CPACK_NSIS_MUI_ICON}")
   set(CPACK_NSIS_ENABLE_UNINSTALL_BEFORE_INSTALL ON)
   set(CPACK_NSIS_MANIFEST_DPI_AWARE ON)
-  # The maker's key, if nothing else of the maker is installed.
-  set(CPACK_NSIS_EXTRA_UNINSTALL_COMMANDS "DeleteRegKey /ifempty SHCTX \"Software\\Quorvane\"")
+  # Not the name of the program: under that lie the operator's settings, and removal deletes the installer's key.
+  set(CPACK_PACKAGE_INSTALL_REGISTRY_KEY "Echoprune Setup")
   set(CPACK_NSIS_URL_INFO_ABOUT "${CPACK_PACKAGE_HOMEPAGE_URL}")
 else()
   set(CPACK_GENERATOR DEB)
