@@ -12,22 +12,22 @@
     </message>
 </context>
 <context>
+    <name>epr::ProgressEstimate</name>
+    <message numerus="yes">
+        <source>about %n minute(s) left</source>
+        <translation>
+            <numerusform>about %n minute left</numerusform>
+            <numerusform>about %n minutes left</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::ScanController</name>
     <message numerus="yes">
         <source>Left out %n file(s) or folder(s) whose names are not valid UTF-8.</source>
         <translation>
             <numerusform>Left out %n file or folder whose name is not valid UTF-8.</numerusform>
             <numerusform>Left out %n files or folders whose names are not valid UTF-8.</numerusform>
-        </translation>
-    </message>
-</context>
-<context>
-    <name>epr::ScanStrip</name>
-    <message numerus="yes">
-        <source>about %n minute(s) left</source>
-        <translation>
-            <numerusform>about %n minute left</numerusform>
-            <numerusform>about %n minutes left</numerusform>
         </translation>
     </message>
 </context>

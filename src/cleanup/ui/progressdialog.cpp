@@ -33,6 +33,8 @@ QLabel *createPlainLabel(const QString &text)
 
 ProgressDialog::ProgressDialog(const QString &title, CleanupProgress *progress, QWidget *parent)
     : QDialog(parent)
+    , m_title(title)
+    , m_windowTitle(parent ? parent->window()->windowTitle() : QString())
     , m_progress(progress)
     , m_count(createPlainLabel(tr("Checking the files...")))
     , m_file(createPlainLabel({}))
@@ -44,6 +46,13 @@ ProgressDialog::ProgressDialog(const QString &title, CleanupProgress *progress, 
     auto *timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &ProgressDialog::refresh);
     timer->start(refreshInterval);
+    m_clock.start();
+}
+
+ProgressDialog::~ProgressDialog()
+{
+    if (parentWidget())
+        parentWidget()->window()->setWindowTitle(m_windowTitle);
 }
 
 void ProgressDialog::reject()
@@ -76,11 +85,26 @@ void ProgressDialog::refresh()
     const CleanupProgress::State state = m_progress->state();
     if (state.total == 0)
         return;
-    m_bar->setRange(0, static_cast<int>(state.total));
-    m_bar->setValue(static_cast<int>(state.index));
-    m_count->setText(tr("File %1 of %2").arg(state.index + 1).arg(state.total));
+    const auto done = static_cast<int>(state.index);
+    const auto total = static_cast<int>(state.total);
+    m_bar->setRange(0, total);
+    m_bar->setValue(done);
+    m_estimate.add(done, total, m_clock.elapsed());
+    const QString count = tr("File %1 of %2").arg(done + 1).arg(total);
+    const QString rest = m_estimate.text();
+    m_count->setText(rest.isEmpty() ? count : tr("%1 - %2", "the count of a clean-up and its speed").arg(count, rest));
+    showInTitles(static_cast<int>(qint64 { 100 } * done / total));
     m_file->setText(m_file->fontMetrics().elidedText(state.path, Qt::ElideMiddle, m_file->width()));
     m_file->setToolTip("<span>"_L1 + state.path.toHtmlEscaped() + "</span>"_L1); // escapes show without a tag
+}
+
+// Also in the title of the window behind, which is what a task bar shows.
+void ProgressDialog::showInTitles(int percent)
+{
+    const QString brief = tr("%1 %2 %").arg(m_title).arg(percent);
+    setWindowTitle(brief);
+    if (parentWidget())
+        parentWidget()->window()->setWindowTitle(tr("%1 - %2").arg(brief, m_windowTitle));
 }
 
 } // namespace epr

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "progressestimate.h"
+
 #include <QDialog>
+#include <QElapsedTimer>
 
 class QLabel;
 class QProgressBar;
@@ -20,14 +23,20 @@ class ProgressDialog final : public QDialog {
 public:
     /// The progress is not owned.
     ProgressDialog(const QString &title, CleanupProgress *progress, QWidget *parent = nullptr);
+    ~ProgressDialog() override;
 
     void reject() override;
 
 private:
     void layOutWidgets();
     void refresh();
+    void showInTitles(int percent);
 
+    const QString m_title;
+    const QString m_windowTitle; ///< of the window behind, which has the progress in its title meanwhile
     CleanupProgress *m_progress;
+    QElapsedTimer m_clock;
+    ProgressEstimate m_estimate;
     QLabel *m_count;
     QLabel *m_file;
     QProgressBar *m_bar;

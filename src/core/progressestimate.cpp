@@ -20,10 +20,10 @@ QString remainingText(qint64 remainingMs)
 {
     const auto minutes = static_cast<int>(qMin<qint64>((remainingMs + 30000) / 60000, 100 * 24 * 60));
     if (minutes < 1)
-        return QCoreApplication::translate("epr::ScanStrip", "less than a minute left");
+        return QCoreApplication::translate("epr::ProgressEstimate", "less than a minute left");
     if (minutes < 60)
-        return QCoreApplication::translate("epr::ScanStrip", "about %n minute(s) left", nullptr, minutes);
-    return QCoreApplication::translate("epr::ScanStrip", "about %1 h %2 min left").arg(minutes / 60).arg(minutes % 60);
+        return QCoreApplication::translate("epr::ProgressEstimate", "about %n minute(s) left", nullptr, minutes);
+    return QCoreApplication::translate("epr::ProgressEstimate", "about %1 h %2 min left").arg(minutes / 60).arg(minutes % 60);
 }
 
 } // namespace
@@ -69,7 +69,7 @@ QString ProgressEstimate::text() const
     if (!remaining)
         return {};
     const double rate = perSecond().value_or(0);
-    return QCoreApplication::translate("epr::ScanStrip", "%1 per second, %2")
+    return QCoreApplication::translate("epr::ProgressEstimate", "%1 per second, %2")
         .arg(QLocale().toString(rate, 'f', rate < 10 ? 1 : 0), remainingText(*remaining));
 }
 
