@@ -22,6 +22,16 @@
     </message>
 </context>
 <context>
+    <name>epr::RemovalDialog</name>
+    <message numerus="yes">
+        <source>%n of them are hidden by the filter at the moment.</source>
+        <translation>
+            <numerusform>%n of them is hidden by the filter at the moment.</numerusform>
+            <numerusform>%n of them are hidden by the filter at the moment.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::ScanController</name>
     <message numerus="yes">
         <source>Left out %n file(s) or folder(s) whose names are not valid UTF-8.</source>

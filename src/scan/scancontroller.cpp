@@ -13,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QThread>
 #include <QtConcurrentMap>
 
@@ -196,6 +197,10 @@ void ScanController::openCache(Scan &scan)
 void ScanController::discoverFiles(Scan &scan)
 {
     Q_EMIT phaseChanged(tr("Scanning folders"));
+    for (const QString &root : scan.options.roots) {
+        if (!QFileInfo(root).isDir())
+            Q_EMIT logMessage(tr("Folder not found: %1").arg(root));
+    }
     int undecodable = 0;
     scan.paths = discover(
         scan.options, m_cancelFlag,

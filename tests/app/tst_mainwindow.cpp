@@ -187,12 +187,15 @@ private Q_SLOTS:
         QVERIFY(hintOf(window).contains("No duplicates"_L1));
 
         writeFile(m_folder->filePath(u"sub/one again.wav"_s), waveOf(1));
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        window.findChild<QListWidget *>(u"folderList"_s)->setFocus();
         window.onStartScan();
         QVERIFY(window.isScanning());
         QCOMPARE(summaryOf(window), QString());
         QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
         QCOMPARE(resultsOf(window)->model()->rowCount(), 1);
         QVERIFY(resultsOf(window)->isExpanded(resultsOf(window)->model()->index(0, 0)));
+        QVERIFY(resultsOf(window)->hasFocus() && resultsOf(window)->currentIndex().isValid());
         QVERIFY(summaryOf(window).startsWith("3 files scanned - 1 duplicate groups - 1 redundant copies"_L1));
         QVERIFY(logOf(window).contains(u"Discovered 3 audio files."_s));
         QVERIFY(labelOf(window, u"statusLabel"_s).startsWith("Scan complete in "_L1));

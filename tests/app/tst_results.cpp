@@ -153,6 +153,8 @@ private Q_SLOTS:
         QCOMPARE(after(u"a* b c / d e*"_s, without({ 1 })), u"a* c / d! e* 3 MB"_s);
         // The unticked copy is kept from now on.
         QCOMPARE(after(u"a* b c / d e*"_s, without({ 0 })), u"b! c* / d! e* 2 MB"_s);
+        // Where there is none, one is unticked: it would be removed next time.
+        QCOMPARE(after(u"a* b c"_s, [](ResultsModel &model) { model.removeMembers({ 0 }); }), u"b* c! 3 MB"_s);
         QCOMPARE(after(u"a* b c / d e*"_s, without({ 0, 1, 2, 3, 4 })), u" 0 MB"_s);
     }
 
@@ -264,6 +266,7 @@ private Q_SLOTS:
             else
                 model.setData(cell(model, group, member, 0), random.bounded(2) * 2, Qt::CheckStateRole);
             QCOMPARE(model.totals(), countedTotals(model));
+            QCOMPARE(filter.hiddenTicks(), model.totals().tickedFiles - sketchOf(filter).count(u'!'));
         }
     }
 

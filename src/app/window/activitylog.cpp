@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "activitylog.h"
 
+#include <QScrollBar>
 #include <QTime>
 
 namespace epr {
@@ -15,6 +16,7 @@ ActivityLog::ActivityLog(QWidget *parent)
     setMaximumBlockCount(mostLines);
     setObjectName(u"activityLog"_s);
     setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setUndoRedoEnabled(false);
     setTabChangesFocus(true);
     setAccessibleName(tr("Activity Log"));
@@ -24,6 +26,11 @@ ActivityLog::ActivityLog(QWidget *parent)
 void ActivityLog::append(const QString &message)
 {
     appendPlainText(tr("[%1] %2").arg(QTime::currentTime().toString(u"HH:mm:ss"_s), message));
+}
+
+void ActivityLog::showEnd()
+{
+    verticalScrollBar()->setValue(verticalScrollBar()->maximum());
 }
 
 } // namespace epr

@@ -15,6 +15,7 @@ public:
     explicit ActivityLog(QWidget *parent = nullptr);
 
     void append(const QString &message); ///< with the current time before it
+    void showEnd();
 };
 
 } // namespace epr

@@ -19,6 +19,8 @@
 
 namespace epr {
 
+using namespace Qt::StringLiterals;
+
 CleanupCommand::CleanupCommand(ResultsModel *results, QWidget *window)
     : QObject(window)
     , m_results(results)
@@ -84,7 +86,8 @@ std::optional<qint64> CleanupCommand::totalOnDisk(const QStringList &paths)
 
 std::optional<RemovalMode> CleanupCommand::askMode(Request *request, qint64 bytes)
 {
-    RemovalDialog dialog({ request->paths.size(), sizeText(bytes) }, request->places.quarantineRoot, m_window);
+    RemovalDialog dialog({ request->paths.size(), sizeText(bytes), request->places.hiddenTicks },
+                         request->places.quarantineRoot, m_window);
     connect(&dialog, &RemovalDialog::quarantineRootChosen, this, [this, request, &dialog](const QString &folder) {
         request->places.quarantineRoot = folder;
         Q_EMIT quarantineRootChosen(folder);
@@ -117,16 +120,17 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     const qsizetype untouched = plan.paths.size() - result.succeeded - result.failed;
     result.failed += plan.refused;
     result.errors = plan.errors + result.errors;
-    if (!done)
-        Q_EMIT logMessage(
-            tr("The clean-up was stopped: %n file(s) were not touched.", nullptr, static_cast<int>(untouched)));
-    tellRemoval(mode, result);
+    const QString stopped = done
+        ? QString()
+        : tr("The clean-up was stopped: %n file(s) were not touched.", nullptr, static_cast<int>(untouched));
+    tellRemoval(mode, result, stopped);
     m_results->removeMembers(vanished);
     Q_EMIT filesRemoved();
 }
 
-void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result)
+void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped)
 {
+    tellStop(stopped);
     const QString freed = sizeText(result.bytesFreed);
     const QString succeeded = QString::number(result.succeeded);
     const QString failed = QString::number(result.failed);
@@ -138,6 +142,8 @@ void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result)
     Q_EMIT statusMessage(line);
 
     QString text = tr("Removed %1 file(s), freeing %2.").arg(succeeded, freed);
+    if (!stopped.isEmpty())
+        text += "\n\n"_L1 + stopped;
     if (result.failed > 0)
         text += tr("\n\n%1 file(s) could not be removed - see the Activity Log.").arg(failed);
     if (!result.manifestPath.isEmpty())
@@ -151,11 +157,15 @@ std::optional<QString> CleanupCommand::askManifest(const QStringList &manifests)
     QStringList descriptions;
     for (const QString &manifest : manifests)
         descriptions.append(describeManifest(manifest));
-    bool accepted = false;
-    const QString chosen =
-        QInputDialog::getItem(m_window, tr("Undo previous clean-up"), tr("Select the clean-up to reverse:"),
-                              descriptions, 0, false, &accepted);
-    return accepted ? std::optional(manifests.at(descriptions.indexOf(chosen))) : std::nullopt;
+    QInputDialog dialog(m_window);
+    dialog.setWindowTitle(tr("Undo previous clean-up"));
+    dialog.setLabelText(tr("Select the clean-up to reverse:"));
+    dialog.setComboBoxItems(descriptions);
+    constexpr int charactersOfTitle = 60; // else its frame cuts its own title off
+    dialog.resize(charactersOfTitle * dialog.fontMetrics().averageCharWidth(), dialog.sizeHint().height());
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    return manifests.at(descriptions.indexOf(dialog.textValue()));
 }
 
 // An undo uses the list up whatever comes of it, so a drive that is not plugged in must not cost the list.
@@ -176,13 +186,18 @@ void CleanupCommand::restore(const QString &manifest)
     RestoreResult result;
     const bool done = run(tr("Undo previous clean-up"),
                           [&](const CleanupProgressFn &progress) { result = restoreManifest(manifest, progress); });
-    if (!done)
-        Q_EMIT logMessage(tr("The undo was stopped: the files that are left can be restored later."));
-    tellRestore(result);
+    tellRestore(result, done ? QString() : tr("The undo was stopped: the files that are left can be restored later."));
 }
 
-void CleanupCommand::tellRestore(const RestoreResult &result)
+void CleanupCommand::tellStop(const QString &stopped)
 {
+    if (!stopped.isEmpty())
+        Q_EMIT logMessage(stopped);
+}
+
+void CleanupCommand::tellRestore(const RestoreResult &result, const QString &stopped)
+{
+    tellStop(stopped);
     const QString succeeded = QString::number(result.succeeded);
     const QString failed = QString::number(result.failed);
     for (const QString &error : result.errors)
@@ -190,11 +205,12 @@ void CleanupCommand::tellRestore(const RestoreResult &result)
     const QString line = tr("Undo: %1 restored, %2 failed.").arg(succeeded, failed);
     Q_EMIT logMessage(line);
     Q_EMIT statusMessage(line);
-    showInformation(
-        m_window, tr("Undo complete"),
-        result.errors.isEmpty()
-            ? tr("Restored %1 file(s) to their original locations.").arg(succeeded)
-            : tr("Restored %1 file(s); %2 could not be restored. See the Activity Log.").arg(succeeded, failed));
+    QString text = result.errors.isEmpty()
+        ? tr("Restored %1 file(s) to their original locations.").arg(succeeded)
+        : tr("Restored %1 file(s); %2 could not be restored. See the Activity Log.").arg(succeeded, failed);
+    if (!stopped.isEmpty())
+        text += "\n\n"_L1 + stopped;
+    showInformation(m_window, tr("Undo complete"), text);
 }
 
 } // namespace epr

@@ -24,6 +24,7 @@ public:
     struct Places {
         QString quarantineRoot;
         QStringList scanRoots;
+        qint64 hiddenTicks = 0; ///< of the ticked copies, those that the operator does not see at the moment
     };
 
     /// The window is the parent of all dialogs.
@@ -55,11 +56,12 @@ private:
     [[nodiscard]] std::optional<RemovalMode> askMode(Request *request, qint64 bytes);
     [[nodiscard]] bool confirmDeletion(qsizetype files);
     void remove(const Request &request, RemovalMode mode);
-    void tellRemoval(RemovalMode mode, const RemovalResult &result);
+    void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);
+    void tellStop(const QString &stopped); ///< empty = it was not stopped
     [[nodiscard]] std::optional<QString> askManifest(const QStringList &manifests);
     [[nodiscard]] bool confirmWithoutCopies();
     void restore(const QString &manifest);
-    void tellRestore(const RestoreResult &result);
+    void tellRestore(const RestoreResult &result, const QString &stopped);
 
     ResultsModel *m_results;
     QWidget *m_window;

@@ -123,7 +123,9 @@ void FolderPanel::createList(QAction *remove)
 void FolderPanel::layOutWidgets(QAction *add, QAction *remove)
 {
     auto *buttons = new QVBoxLayout;
-    buttons->addWidget(buttonFor(add, tr("Add..."), this));
+    QPushButton *addButton = buttonFor(add, tr("Add..."), this);
+    buttons->addWidget(addButton);
+    setFocusProxy(addButton);
     buttons->addWidget(buttonFor(remove, tr("Remove"), this));
     buttons->addStretch();
     auto *layout = new QHBoxLayout(this);

@@ -75,6 +75,10 @@ MainWindow::MainWindow(QWidget *parent)
     connectUpdates();
     onLogMessage(tr("%1 %2 ready.").arg(metadata::applicationName(), metadata::version()));
     m_updates->scheduleStartupCheck();
+    if (m_folderPanel->folders().isEmpty())
+        m_folderPanel->setFocus();
+    else
+        m_resultsPanel->focusResults();
 }
 
 MainWindow::~MainWindow()
@@ -204,7 +208,7 @@ void MainWindow::onRemoveSelected()
 {
     QStringList folders = m_scanRoots + m_folderPanel->folders();
     folders.removeDuplicates();
-    m_cleanup->removeSelected({ m_quarantineRoot, folders });
+    m_cleanup->removeSelected({ m_quarantineRoot, folders, m_resultsPanel->hiddenTicks() });
 }
 
 void MainWindow::onUndoPrevious()
@@ -297,6 +301,8 @@ void MainWindow::createDocks()
     m_playerDock->raise();
     for (QDockWidget *dock : { static_cast<QDockWidget *>(m_playerDock), logDock })
         keepFocusOutWhileHidden(dock);
+    // Lines that come while the log is out of sight do not scroll it, and the newest are the ones that are looked for.
+    connect(logDock, &QDockWidget::visibilityChanged, m_log, &ActivityLog::showEnd, Qt::QueuedConnection);
     constexpr int heightForAny = 540;
     if (screen()->availableSize().height() < heightForAny) {
         m_playerDock->hide();
@@ -402,8 +408,10 @@ void MainWindow::restoreSettings()
     restoreGeometry(store.windowGeometry());
     const bool isFirstStart = !restoreState(store.windowState());
     const QStringList folders = store.folders();
-    for (const QString &folder : folders)
-        addFolder(folder);
+    for (const QString &folder : folders) {
+        if (!addFolder(folder) && !m_folderPanel->folders().contains(folder))
+            onLogMessage(tr("Folder not found and taken off the list: %1").arg(folder));
+    }
     m_options = store.loadScanOptions();
     m_quarantineRoot = store.quarantineRoot();
     const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();
@@ -471,6 +479,8 @@ void MainWindow::setScanning(bool scanning)
 {
     m_isScanning = scanning;
     m_isStopping = false;
+    if (scanning && m_folderPanel->isAncestorOf(focusWidget()))
+        m_resultsPanel->focusResults(); // the folders are disabled, and the results are what comes next
     m_strip->setBusy(scanning);
     m_folderPanel->setEnabled(!scanning);
     if (scanning)

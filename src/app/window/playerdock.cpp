@@ -30,6 +30,10 @@ PlayerDock::PlayerDock(QWidget *parent)
     connect(m_keepInSync, &QAction::toggled, m_player, &ComparePlayer::setLinked);
     connect(m_player, &ComparePlayer::linkedChanged, m_keepInSync, &QAction::setChecked);
     toggleViewAction()->setShortcut(Qt::Key_F8);
+    connect(toggleViewAction(), &QAction::triggered, this, [this](bool shown) {
+        if (shown)
+            bringToFront();
+    });
 }
 
 void PlayerDock::addCommandsTo(QMenu *menu) const

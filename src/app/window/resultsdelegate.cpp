@@ -25,7 +25,8 @@ bool ResultsDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, cons
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     const QRect cell = view->visualRect(index);
     const bool isCut = sizeHint(option, index).width() > cell.width();
-    QToolTip::showText(event->globalPos(), isCut ? plainToolTip(index.data().toString()) : QString(), view->viewport(), cell);
+    QToolTip::showText(event->globalPos(), isCut ? plainToolTip(index.data().toString()) : QString(), view->viewport(),
+                       cell);
     return isCut;
 }
 

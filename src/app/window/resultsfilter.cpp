@@ -46,6 +46,18 @@ void ResultsFilter::setText(const QString &text)
     endResetModel();
 }
 
+qint64 ResultsFilter::hiddenTicks() const
+{
+    if (!isActive())
+        return 0;
+    qint64 shown = 0;
+    for (const VisibleGroup &group : m_groups) {
+        for (int i = 0; i < group.memberCount; ++i)
+            shown += m_results->isTicked(group.sourceRow, m_members[static_cast<std::size_t>(group.firstMember + i)]);
+    }
+    return m_results->totals().tickedFiles - shown;
+}
+
 QModelIndex ResultsFilter::mapToSource(const QModelIndex &proxyIndex) const
 {
     if (!proxyIndex.isValid())

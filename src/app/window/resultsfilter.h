@@ -22,7 +22,7 @@ public:
     explicit ResultsFilter(ResultsModel *results, QObject *parent = nullptr);
 
     [[nodiscard]] bool isActive() const { return !m_needles.isEmpty(); }
-    [[nodiscard]] int visibleMembers() const { return static_cast<int>(m_members.size()); }
+    [[nodiscard]] qint64 hiddenTicks() const; ///< ticked members that do not match
     void setText(const QString &text); ///< as typed; blanks around it do not count
 
     [[nodiscard]] QModelIndex mapToSource(const QModelIndex &proxyIndex) const override;

@@ -142,9 +142,11 @@ void ResultsModel::removeMembers(const QSet<qint32> &tracks)
             continue;
         }
         if (!group.members.contains(group.keep)) {
-            const auto ticks = keptTicks.cbegin() + static_cast<std::ptrdiff_t>(firstTick);
-            const auto unticked = std::find(ticks, keptTicks.cend(), false);
-            group.keep = group.members.at(unticked == keptTicks.cend() ? 0 : unticked - ticks);
+            const auto ticks = keptTicks.begin() + static_cast<std::ptrdiff_t>(firstTick);
+            const auto unticked = std::find(ticks, keptTicks.end(), false);
+            const auto keeper = unticked == keptTicks.end() ? ticks : unticked;
+            *keeper = false;
+            group.keep = group.members.at(keeper - ticks);
         }
         group.reclaimableBytes = reclaimable(group);
         keptGroups << group;

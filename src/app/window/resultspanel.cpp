@@ -80,6 +80,16 @@ void ResultsPanel::focusFilter()
     m_filterEdit->selectAll();
 }
 
+void ResultsPanel::focusResults()
+{
+    m_view->setFocus(Qt::OtherFocusReason);
+}
+
+qint64 ResultsPanel::hiddenTicks() const
+{
+    return m_filter->hiddenTicks();
+}
+
 void ResultsPanel::addTreeAction(QAction *action)
 {
     m_view->addAction(action);
@@ -198,10 +208,11 @@ QString ResultsPanel::hintText() const
     if (!m_results->groups().isEmpty())
         return tr("No copy matches the filter.");
     if (m_foundGroups)
-        return tr("All duplicates have been dealt with.");
+        return tr("No duplicates are left. The next scan shows what was put back since.");
     return m_results->totals().files > 0
         ? tr("No duplicates in these folders.")
-        : tr("No music files were found in these folders. Settings choose which files are looked at.");
+        : tr("No music files were found. The activity log says whether a folder is missing, and Settings choose which "
+             "files are looked at.");
 }
 
 } // namespace epr

@@ -32,6 +32,8 @@ public:
     void setHasFolders(bool hasFolders); ///< whether there is anything to scan
     void goToGroup(int step); ///< -1 or +1
     void focusFilter();
+    void focusResults();
+    [[nodiscard]] qint64 hiddenTicks() const; ///< ticked copies that the filter hides
     void addTreeAction(QAction *action); ///< its key then works in the tree
     void showGroup(int group); ///< makes it the current row, whatever the filter says
 

@@ -52,7 +52,11 @@ void ReviewPlace::restore()
     const auto place =
         std::find_if(groups.begin(), groups.end(), [this](const MatchGroup &g) { return g.id == m_group; });
     if (m_group == 0) {
-        Q_EMIT changed({});
+        m_track = -1;
+        if (m_view->hasFocus())
+            enter();
+        else
+            Q_EMIT changed({});
     } else if (place == groups.end()) { // removed
         showGroup(firstRowFrom(m_group));
     } else {

@@ -70,6 +70,7 @@ void ComparePlayer::release(const QStringList &paths)
         if (m_player->hasFile(deck) && paths.contains(m_player->track(deck).path))
             clear(deck);
     }
+    leaveEmptyDeck();
 }
 
 void ComparePlayer::clearVanished()
@@ -78,6 +79,14 @@ void ComparePlayer::clearVanished()
         if (m_player->hasFile(deck) && !QFileInfo::exists(m_player->track(deck).path))
             clear(deck);
     }
+    leaveEmptyDeck();
+}
+
+// What plays on should be heard.
+void ComparePlayer::leaveEmptyDeck()
+{
+    if (!m_player->hasFile(monitor()) && m_player->hasFile(1 - monitor()))
+        swapMonitor();
 }
 
 void ComparePlayer::playPause()

@@ -47,6 +47,7 @@ Q_SIGNALS:
     void linkedChanged(bool linked);
 
 private:
+    void leaveEmptyDeck();
     void createViews();
     void connectViews();
     void connectPlayer();

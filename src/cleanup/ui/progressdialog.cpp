@@ -71,6 +71,7 @@ void ProgressDialog::layOutWidgets()
     m_file->setObjectName(u"currentFile"_s);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     m_stop = buttons->button(QDialogButtonBox::Cancel);
+    m_stop->setText(tr("Stop")); // what is done stays done
     connect(buttons, &QDialogButtonBox::rejected, this, &ProgressDialog::reject);
 
     auto *layout = new QVBoxLayout(this);

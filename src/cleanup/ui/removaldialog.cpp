@@ -37,6 +37,9 @@ RemovalDialog::RemovalDialog(const Selection &selection, const QString &quaranti
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel(
         tr("<b>%1 file(s) selected, freeing %2.</b>").arg(QString::number(selection.files), selection.total)));
+    if (selection.hidden > 0)
+        layout->addWidget(new QLabel(
+            tr("%n of them are hidden by the filter at the moment.", nullptr, static_cast<int>(selection.hidden))));
     layout->addWidget(createChoices());
     layout->addWidget(change, 0, Qt::AlignLeft);
     layout->addWidget(createButtons());

@@ -20,6 +20,7 @@ public:
     struct Selection {
         qsizetype files = 0;
         QString total; ///< their size for display
+        qint64 hidden = 0; ///< of the files, those that are not in sight
     };
 
     RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent = nullptr);
