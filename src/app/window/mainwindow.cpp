@@ -9,6 +9,7 @@
 #include "exportcommand.h"
 #include "folderpanel.h"
 #include "mainactions.h"
+#include "mainmenus.h"
 #include "memberactions.h"
 #include "metadata.h"
 #include "playerdock.h"
@@ -63,7 +64,6 @@ MainWindow::MainWindow(QWidget *parent)
     createPanels();
     createDocks();
     createActions();
-    createToolBar();
     createMenus();
     placeOnScreen();
     restoreSettings();
@@ -341,58 +341,16 @@ void MainWindow::createActions()
 
 void MainWindow::createMenus()
 {
-    QMenu *file = menuBar()->addMenu(tr("&File"));
-    file->addActions({ m_actions->addFolder, m_actions->removeFolder });
-    file->addSeparator();
-    file->addAction(m_actions->exportReport);
-    file->addSeparator();
-    file->addAction(m_actions->exit);
-
-    QMenu *view = menuBar()->addMenu(tr("&View"));
-    view->addActions({ findChild<QToolBar *>(u"mainToolBar"_s)->toggleViewAction(), m_playerDock->toggleViewAction(),
-                       findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction() });
-
-    QMenu *scan = menuBar()->addMenu(tr("&Scan"));
-    scan->addActions({ m_actions->startScan, m_actions->stopScan });
-
-    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
-    edit->addActions({ m_actions->selectDuplicates, m_actions->clearSelection, m_actions->invertSelection });
-    edit->addSeparator();
-    const MemberActions *member = m_resultsPanel->memberActions();
-    edit->addActions({ member->keep, member->showDetails, member->copyPath });
-    edit->addSeparator();
-    edit->addActions({ m_actions->filterResults, m_actions->nextGroup, m_actions->previousGroup });
-
-    QMenu *player = menuBar()->addMenu(tr("&Player"));
-    m_playerDock->addCommandsTo(player);
-    player->addSeparator();
-    player->addActions({ member->loadIntoDeckA, member->loadIntoDeckB, member->compareGroup });
-
-    QMenu *tools = menuBar()->addMenu(tr("&Tools"));
-    tools->addActions({ m_actions->removeSelected, m_actions->undoCleanup });
-    tools->addSeparator();
-    tools->addActions({ m_actions->settings, m_actions->clearCache });
-
-    QMenu *help = menuBar()->addMenu(tr("&Help"));
-    help->addActions({ m_actions->shortcuts, m_actions->checkForUpdates });
-    help->addSeparator();
-    help->addActions({ m_actions->website, m_actions->about });
-}
-
-void MainWindow::createToolBar()
-{
     QToolBar *toolBar = addToolBar(tr("Main"));
     toolBar->setObjectName(u"mainToolBar"_s);
     toolBar->toggleViewAction()->setText(tr("Toolbar"));
-    toolBar->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    toolBar->addAction(m_actions->addFolder);
-    toolBar->addSeparator();
-    toolBar->addActions({ m_actions->startScan, m_actions->stopScan });
-    toolBar->addSeparator();
-    toolBar->addActions({ m_actions->selectDuplicates, m_actions->clearSelection, m_actions->invertSelection });
-    toolBar->addSeparator();
-    toolBar->addActions({ m_actions->removeSelected, m_actions->undoCleanup });
-    toolBar->widgetForAction(m_actions->startScan)->setObjectName(u"startScanButton"_s);
+    fillToolBar(toolBar, *m_actions);
+    fillMenuBar(menuBar(),
+                { m_actions,
+                  m_resultsPanel->memberActions(),
+                  m_playerDock,
+                  { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(),
+                    findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction() } });
 }
 
 // Nine tenths of the screen up to a size beyond which lines only get too long to read.

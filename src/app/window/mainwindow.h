@@ -71,7 +71,6 @@ private:
     void createDocks();
     void createActions();
     void createMenus();
-    void createToolBar();
     void placeOnScreen();
     void restoreSettings();
     void connectScan();
