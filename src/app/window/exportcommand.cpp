@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "exportcommand.h"
 
+#include "backgroundjob.h"
 #include "plainbox.h"
 #include "reportwriter.h"
 #include "resultsmodel.h"
@@ -10,14 +11,10 @@
 #include <QDate>
 #include <QDesktopServices>
 #include <QDir>
-#include <QEventLoop>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QStandardPaths>
-#include <QThread>
 #include <QUrl>
-
-#include <memory>
 
 namespace epr {
 
@@ -68,19 +65,16 @@ Choice chooseReport(QWidget *parent)
 }
 
 // On a thread of its own, so that the windows are painted during the seconds that tens of thousands of groups take;
-// their input waits. Not in Qt's global pool, on which large fills are painted.
+// their input waits.
 bool writeInBackground(const Choice &choice, const ResultsModel &results, const QStringList &roots, QString *error)
 {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     bool written = false;
-    QEventLoop loop;
-    const std::unique_ptr<QThread> writer(QThread::create([&, tracks = results.tracks(), groups = results.groups()] {
+    BackgroundJob writer([&, tracks = results.tracks(), groups = results.groups()] {
         written = writeReport(choice.path, choice.format, tracks, groups, roots, error);
-    }));
-    QObject::connect(writer.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    writer->start();
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
-    writer->wait();
+    });
+    writer.wait(QEventLoop::ExcludeUserInputEvents);
+    writer.finish();
     QGuiApplication::restoreOverrideCursor();
     return written;
 }

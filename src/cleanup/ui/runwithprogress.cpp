@@ -2,15 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "runwithprogress.h"
 
+#include "backgroundjob.h"
 #include "cleanupprogress.h"
 #include "progressdialog.h"
 
-#include <QEventLoop>
 #include <QGuiApplication>
-#include <QTimer>
 
 #include <chrono>
-#include <thread>
 
 namespace epr {
 
@@ -34,29 +32,20 @@ bool runWithProgress(const QString &title, const CleanupJob &job, QWidget *paren
     const WaitCursor cursor;
     CleanupProgress progress;
     ProgressDialog dialog(title, &progress, parent);
-    QEventLoop loop;
-    bool isDone = false;
-    std::thread worker([&] {
+    BackgroundJob worker([&] {
         job([&progress](qsizetype index, qsizetype total, const QString &path) {
             return progress.advance({ index, total, path });
         });
-        const auto end = [&] {
-            isDone = true;
-            loop.quit();
-        };
-        QMetaObject::invokeMethod(&loop, end, Qt::QueuedConnection);
     });
     // Input waits while there is no dialog to keep it from the other windows. Most clean-ups are over before there is
     // one, and a dialog that flashes up tells nobody anything.
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
-    if (!isDone) {
+    if (!worker.wait(QEventLoop::ExcludeUserInputEvents, patience)) {
         dialog.show();
-        loop.exec();
+        worker.wait(QEventLoop::AllEvents);
     }
-    // A loop that ended for another reason ends with the program, which then waits for one file at most.
+    // A wait that ended for another reason ended with the program, which then waits for one file at most.
     progress.requestStop();
-    worker.join();
+    worker.finish();
     return !progress.hasStopped();
 }
 

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "backgroundjob.h"
+
+#include <QTimer>
+
+namespace epr {
+
+BackgroundJob::BackgroundJob(const std::function<void()> &work)
+    : m_thread([this, work] {
+        work();
+        const auto end = [this] {
+            m_isDone = true;
+            m_loop.quit();
+        };
+        QMetaObject::invokeMethod(&m_loop, end, Qt::QueuedConnection);
+    })
+{
+}
+
+bool BackgroundJob::wait(QEventLoop::ProcessEventsFlags events, std::optional<std::chrono::milliseconds> atMost)
+{
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &m_loop, &QEventLoop::quit);
+    if (atMost)
+        timer.start(*atMost);
+    if (!m_isDone)
+        m_loop.exec(events);
+    return m_isDone;
+}
+
+void BackgroundJob::finish()
+{
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+} // namespace epr

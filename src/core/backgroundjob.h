@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QEventLoop>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <thread>
+
+namespace epr {
+
+/// A function at work on a thread of its own, while the thread that began it handles events.
+class BackgroundJob final {
+public:
+    explicit BackgroundJob(const std::function<void()> &work);
+    ~BackgroundJob() { finish(); }
+    Q_DISABLE_COPY_MOVE(BackgroundJob)
+
+    /// Handles events until the work is done, the time is over, or the program is told to end. True if it is done.
+    bool wait(QEventLoop::ProcessEventsFlags events, std::optional<std::chrono::milliseconds> atMost = {});
+
+    /// Blocks until the work is done.
+    void finish();
+
+private:
+    QEventLoop m_loop;
+    bool m_isDone = false;
+    std::thread m_thread; // after what it uses
+};
+
+} // namespace epr
