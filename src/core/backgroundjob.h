@@ -4,6 +4,7 @@
 
 #include <QEventLoop>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -26,7 +27,7 @@ public:
 
 private:
     QEventLoop m_loop;
-    bool m_isDone = false;
+    std::atomic<bool> m_isDone = false;
     std::thread m_thread; // after what it uses
 };
 
