@@ -44,6 +44,7 @@ void showTwoCopies(MainWindow &window)
     track.path = u"/music/one.mp3"_s;
     track.size = 2 << 20;
     track.fullHash = u"c0ffee"_s;
+    track.album = QString(100, u'x');
     TrackInfo copy = track;
     copy.path = u"/music/<two> & more.mp3"_s;
     copy.fileName = u"<two> & more.mp3"_s;
@@ -327,7 +328,9 @@ private Q_SLOTS:
         SeenBox box;
         answerNextBox(QMessageBox::Ok, &box);
         chooseFromMenu(window, 1, u"File details..."_s);
-        for (const QString &text : { u"&lt;two&gt; &amp; more.mp3"_s, u"c0ffee"_s, u"not computed"_s })
+        const QString part(48, u'x'); // a word as long as this may break
+        for (const QString &text : { u"&lt;two&gt; &amp; more.mp3"_s, u"c0ffee"_s, u"not computed"_s,
+                                     part + u'\u200b' + part + u"\u200bxxxx<"_s })
             QVERIFY2(box.text.contains(text), qPrintable(box.text));
     }
 

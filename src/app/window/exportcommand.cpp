@@ -34,7 +34,8 @@ struct Choice {
 QString proposedPath()
 {
     const QDir documents(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    return documents.filePath(u"Echoprune-%1.html"_s.arg(QDate::currentDate().toString(Qt::ISODate)));
+    const QDir folder = documents.exists() ? documents : QDir::home(); // the dialog would start anywhere
+    return folder.filePath(u"Echoprune-%1.html"_s.arg(QDate::currentDate().toString(Qt::ISODate)));
 }
 
 QString filterList()

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QLocale>
 #include <QMessageBox>
+#include <QRegularExpression>
 
 namespace epr {
 
@@ -25,11 +26,25 @@ QString hashText(const QString &hash)
 }
 
 // The names must not wrap, and non-breaking spaces are the one way of saying so that a table cell heeds.
-QString line(QString name, const QString &value)
+QString htmlLine(QString name, const QString &valueHtml)
 {
     name.replace(u' ', QChar::Nbsp);
-    return u"<tr><td><b>%1</b></td><td style='padding-left:12px'>%2</td></tr>"_s.arg(name.toHtmlEscaped(),
-                                                                                     value.toHtmlEscaped());
+    return u"<tr><td><b>%1</b></td><td style='padding-left:12px'>%2</td></tr>"_s.arg(name.toHtmlEscaped(), valueHtml);
+}
+
+// A word that is wider than the box would be cut off, so a very long one may break. There is a command of its own for
+// copying a path.
+QString line(const QString &name, QString value)
+{
+    static const QRegularExpression longWord(u"(\\S{48})(?=\\S)"_s);
+    value.replace(longWord, u"\\1\u200b"_s);
+    return htmlLine(name, value.toHtmlEscaped());
+}
+
+// Small, so that 64 characters that nobody reads find room on a small screen.
+QString hashLine(const QString &name, const QString &hash)
+{
+    return htmlLine(name, u"<small>%1</small>"_s.arg(hashText(hash)));
 }
 
 } // namespace
@@ -45,8 +60,8 @@ QString fileDetailsHtml(const TrackInfo &track)
     lines += line(FileDetails::tr("Quality"), qualityText(track));
     lines += line(FileDetails::tr("Size"), sizeText(track.size));
     lines += line(FileDetails::tr("Modified"), QLocale().toString(track.mtime, FileDetails::tr("d MMM yyyy h:mm ap")));
-    lines += line(FileDetails::tr("SHA-256 of the file"), hashText(track.fullHash));
-    lines += line(FileDetails::tr("SHA-256 of the audio"), hashText(track.audioHash));
+    lines += hashLine(FileDetails::tr("SHA-256 of the file"), track.fullHash);
+    lines += hashLine(FileDetails::tr("SHA-256 of the audio"), track.audioHash);
     if (!track.error.isEmpty())
         lines += line(FileDetails::tr("Note"), track.error);
     return u"<table cellspacing='2'>%1</table>"_s.arg(lines);

@@ -127,8 +127,8 @@ void DeckView::layOutWidgets()
 {
     auto *texts = new QHBoxLayout;
     texts->addWidget(m_heading);
-    texts->addWidget(m_title, 1);
-    texts->addWidget(m_levels);
+    texts->addWidget(m_title, 3);
+    texts->addWidget(m_levels, 1);
     auto *time = new QHBoxLayout;
     time->addWidget(m_position);
     time->addWidget(m_duration);
