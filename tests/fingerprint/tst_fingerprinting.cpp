@@ -205,7 +205,12 @@ private Q_SLOTS:
             Analyser expected;
             expected.feed(samples.constData(), samples.size());
             Analyser analyser;
-            const QtDecodeOutcome outcome = decodeWithQt(file, { 8 * rate, 30000 }, analyser);
+            const QtDecodeLimits limits { 8 * rate, 15000 };
+            QtDecodeOutcome outcome = decodeWithQt(file, limits, analyser);
+            if (outcome.error.startsWith("Timed out"_L1)) {
+                qWarning("the toolkit's decoder stood still"); // Qt 6.4's does, once in some hundred files under load
+                outcome = decodeWithQt(file, limits, analyser);
+            }
             QCOMPARE(outcome.error, QString());
             // The ffmpeg back-end of Qt 6.4 never knows the duration.
             QVERIFY(outcome.durationMs == 0 || qAbs(outcome.durationMs - 10000) < 100);
