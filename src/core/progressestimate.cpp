@@ -23,7 +23,9 @@ QString remainingText(qint64 remainingMs)
         return QCoreApplication::translate("epr::ProgressEstimate", "less than a minute left");
     if (minutes < 60)
         return QCoreApplication::translate("epr::ProgressEstimate", "about %n minute(s) left", nullptr, minutes);
-    return QCoreApplication::translate("epr::ProgressEstimate", "about %1 h %2 min left").arg(minutes / 60).arg(minutes % 60);
+    return QCoreApplication::translate("epr::ProgressEstimate", "about %1 h %2 min left")
+        .arg(minutes / 60)
+        .arg(minutes % 60);
 }
 
 } // namespace

@@ -28,7 +28,7 @@ bool isHighContrast()
     state.cbSize = sizeof state;
     return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof state, &state, 0) && (state.dwFlags & HCF_HIGHCONTRASTON);
 #else
-    return false; // no desktop-independent way to know; a dark or light palette of high contrast is kept that way
+    return false; // no way to know that all desktops share; ours can be read on their grounds as well
 #endif
 }
 
@@ -58,7 +58,7 @@ private:
 
 } // namespace
 
-QPalette dressed(QPalette system)
+QPalette dressed(const QPalette &system)
 {
     QPalette palette = system;
     const bool isDark = isDarkPalette(system);

@@ -12,6 +12,6 @@ void applyLook();
 
 /// The palette that the application wears on a system of this palette: the program's own tones where it is light; where
 /// it is dark only a selection, links and muted texts that a dark ground carries.
-[[nodiscard]] QPalette dressed(QPalette system);
+[[nodiscard]] QPalette dressed(const QPalette &system);
 
 } // namespace epr

@@ -51,24 +51,24 @@ void ReviewPlace::restore()
         m_group = 0;
     const auto place =
         std::find_if(groups.begin(), groups.end(), [this](const MatchGroup &g) { return g.id == m_group; });
-    if (m_group == 0) {
-        m_track = -1;
-        if (m_view->hasFocus())
-            enter();
-        else
-            Q_EMIT changed({});
-    } else if (place == groups.end()) { // removed
-        showGroup(firstRowFrom(m_group));
-    } else {
-        const QModelIndex group = m_results->index(static_cast<int>(place - groups.begin()), 0);
-        const auto member = static_cast<int>(place->members.indexOf(m_track));
-        const QModelIndex row = m_results->index(std::max(member, 0), 0, group);
-        const QModelIndex shown = m_filter->mapFromSource(m_track < 0 ? group : row);
-        if (shown.isValid())
-            m_view->setCurrentIndex(shown);
-        else
-            Q_EMIT changed({});
-    }
+    const bool isNowhere = m_group == 0;
+    const bool isRemoved = place == groups.end();
+    if (isNowhere ? m_view->hasFocus() : isRemoved)
+        return enter();
+    const QModelIndex shown = isNowhere ? QModelIndex() : m_filter->mapFromSource(rowIn(*place));
+    if (shown.isValid())
+        m_view->setCurrentIndex(shown);
+    else
+        Q_EMIT changed({});
+}
+
+// The copy, or the first one when it was removed, or the group's own row.
+QModelIndex ReviewPlace::rowIn(const MatchGroup &place) const
+{
+    const auto number = &place - m_results->groups().constData();
+    const QModelIndex group = m_results->index(static_cast<int>(number), 0);
+    const auto member = static_cast<int>(place.members.indexOf(m_track));
+    return m_track < 0 ? group : m_results->index(std::max(member, 0), 0, group);
 }
 
 void ReviewPlace::enter()

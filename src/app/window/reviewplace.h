@@ -7,6 +7,7 @@
 
 namespace epr {
 
+struct MatchGroup;
 class ResultsFilter;
 class ResultsModel;
 class ResultsView;
@@ -29,6 +30,7 @@ Q_SIGNALS:
 private:
     void remember(const QModelIndex &current);
     void restore();
+    [[nodiscard]] QModelIndex rowIn(const MatchGroup &place) const; ///< of the results model
     void enter();
     void showGroup(int row);
     [[nodiscard]] qint32 idOfRow(int row) const;
