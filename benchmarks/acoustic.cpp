@@ -120,12 +120,12 @@ template <typename Plain, typename Ours> bool comparePair(const char *what, Plai
 
 MaskedWords primary(const TrackInfo &track)
 {
-    return { track.fingerprint, track.fingerprintMask };
+    return { track.fingerprint.words, track.fingerprint.mask };
 }
 
 MaskedWords alternative(const TrackInfo &track)
 {
-    return { track.fingerprintAlt, track.fingerprintAltMask };
+    return { track.fingerprint.alternative, track.fingerprint.alternativeMask };
 }
 
 bool measureDistances(const char *kind, const TrackInfo &a, const TrackInfo &b)
@@ -133,8 +133,8 @@ bool measureDistances(const char *kind, const TrackInfo &a, const TrackInfo &b)
     const QByteArray aligned = QByteArray("all bits, 81 offsets, ") + kind;
     const QByteArray masked = QByteArray("masked, 97 offsets, ") + kind;
     const bool same = comparePair(
-        aligned.constData(), [&] { return plainAligned(a.fingerprint, b.fingerprint); },
-        [&] { return epr::berAligned(a.fingerprint, b.fingerprint, alignedSearch); });
+        aligned.constData(), [&] { return plainAligned(a.fingerprint.words, b.fingerprint.words); },
+        [&] { return epr::berAligned(a.fingerprint.words, b.fingerprint.words, alignedSearch); });
     return comparePair(
                masked.constData(), [&] { return plainMasked(primary(a), primary(b)); },
                [&] { return epr::berMasked(primary(a), primary(b), maskedSearch); })
@@ -153,7 +153,7 @@ void measurePair(const char *kind, const TrackInfo &a, const TrackInfo &b)
 {
     const epr::AcousticRules rules = epr::acousticRules(optionsFor(false));
     const auto [prefilter, full] = microseconds(
-        20, [&] { sink = epr::acousticPrefilter(a.fingerprint, b.fingerprint, rules) ? 1 : 0; },
+        20, [&] { sink = epr::acousticPrefilter(a.fingerprint.words, b.fingerprint.words, rules) ? 1 : 0; },
         [&] {
             sink = epr::berMasked(primary(a), primary(b), rules.search)
                 + epr::berMasked(primary(a), alternative(b), rules.search);
@@ -237,9 +237,9 @@ double bitsBetweenNeighbours(const QList<TrackInfo> &tracks)
     qint64 bits = 0;
     qint64 words = 0;
     for (const TrackInfo &track : tracks) {
-        for (qsizetype i = 1; i < track.fingerprint.size(); ++i)
-            bits += std::popcount(track.fingerprint[i] ^ track.fingerprint[i - 1]);
-        words += track.fingerprint.size() - 1;
+        for (qsizetype i = 1; i < track.fingerprint.words.size(); ++i)
+            bits += std::popcount(track.fingerprint.words[i] ^ track.fingerprint.words[i - 1]);
+        words += track.fingerprint.words.size() - 1;
     }
     return static_cast<double>(bits) / static_cast<double>(words);
 }

@@ -46,10 +46,10 @@ void makeLibrary(const QString &root, int files)
 TrackInfo analysedTrack(const QString &path)
 {
     TrackInfo track = measureFile(path);
-    track.title = track.artist = track.album = u"Some text as tags have it"_s;
+    track.tags.title = track.tags.artist = track.tags.album = u"Some text as tags have it"_s;
     track.fullHash = track.audioHash = QString(64, u'a');
-    track.fingerprint = track.fingerprintMask = QList<quint32>(fingerprintWords, 0x12345678);
-    track.fingerprintAlt = track.fingerprintAltMask = track.fingerprint;
+    track.fingerprint.words = track.fingerprint.mask = QList<quint32>(fingerprintWords, 0x12345678);
+    track.fingerprint.alternative = track.fingerprint.alternativeMask = track.fingerprint.words;
     track.analysed = true;
     return track;
 }

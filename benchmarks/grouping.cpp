@@ -22,9 +22,9 @@ TrackInfo ordinaryTrack(int number)
     TrackInfo track;
     track.path = u"/library/Artists/%1/Album %2/%3 Title.flac"_s.arg(number % 977).arg(number % 7919).arg(number);
     track.size = 4000000 + number;
-    track.durationMs = 180000 + number % 60000;
-    track.artist = u"The Artist No. %1"_s.arg(number / 2);
-    track.title = u"Title %1 (Remastered %2)"_s.arg(number / 2).arg(1960 + number % 60);
+    track.stream.durationMs = 180000 + number % 60000;
+    track.tags.artist = u"The Artist No. %1"_s.arg(number / 2);
+    track.tags.title = u"Title %1 (Remastered %2)"_s.arg(number / 2).arg(1960 + number % 60);
     track.fullHash = u"%1"_s.arg(number, 64, 16, QLatin1Char('0'));
     track.audioHash = u"%1"_s.arg(number / 3, 64, 16, QLatin1Char('0')); // every three share their audio
     return track;
@@ -38,8 +38,8 @@ QList<TrackInfo> library(int trackCount, int bulk)
     for (int number = 0; number < trackCount; ++number) {
         TrackInfo track = ordinaryTrack(number);
         if (number < bulk) {
-            track.artist = u"Station"_s;
-            track.title = u"News jingle"_s;
+            track.tags.artist = u"Station"_s;
+            track.tags.title = u"News jingle"_s;
             track.audioHash.clear();
         } else if (number < 2 * bulk) {
             track.fullHash = QString(64, u'f');

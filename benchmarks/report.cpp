@@ -29,17 +29,17 @@ constexpr std::array titles { "Slow Train Home", "Été indien (live at the harb
 TrackInfo someTrack(epr::bench::Random &random, const QString &artist, const QString &title, bool lossless)
 {
     TrackInfo track;
-    track.artist = artist;
-    track.title = title;
-    track.album = u"Collected recordings, vol. %1"_s.arg(random.below(30));
+    track.tags.artist = artist;
+    track.tags.title = title;
+    track.tags.album = u"Collected recordings, vol. %1"_s.arg(random.below(30));
     track.suffix = lossless ? u"flac"_s : u"mp3"_s;
     track.fileName = u"%1 - %2 [%3].%4"_s.arg(artist, title, QString::number(random.below(100000)), track.suffix);
-    track.path = u"/srv/music/library/%1/%2/%3"_s.arg(artist, track.album, track.fileName);
-    track.durationMs = 90000 + random.below(240000);
-    track.bitrateKbps = lossless ? 931 : 320;
-    track.sampleRate = 44100;
-    track.channels = 2;
-    track.size = track.durationMs * track.bitrateKbps / 8;
+    track.path = u"/srv/music/library/%1/%2/%3"_s.arg(artist, track.tags.album, track.fileName);
+    track.stream.durationMs = 90000 + random.below(240000);
+    track.stream.bitrateKbps = lossless ? 931 : 320;
+    track.stream.sampleRate = 44100;
+    track.stream.channels = 2;
+    track.size = track.stream.durationMs * track.stream.bitrateKbps / 8;
     track.mtime = QDateTime::fromSecsSinceEpoch(1500000000 + random.below(100000000));
     track.fullHash = track.audioHash = QString(64, u'a');
     return track;

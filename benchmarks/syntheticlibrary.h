@@ -111,7 +111,7 @@ inline TrackInfo builtinTrack(quint64 recording, quint64 encoding, qsizetype wor
     Random traits(recording + 77);
     const qsizetype silence = traits.below(10) == 0 ? traits.below(20) : 0;
     TrackInfo track;
-    track.durationMs = 90000 + static_cast<qint64>(90000 * std::exp(0.5F * traits.normal())) + noise.below(60);
+    track.stream.durationMs = 90000 + static_cast<qint64>(90000 * std::exp(0.5F * traits.normal())) + noise.below(60);
     std::array<Bands::Energies, 3> heard {}; // the last three half hops
     for (qsizetype half = 0; half < 2 * wordCount + 2; ++half) {
         heard = { heard[1], heard[2], bands.next() };
@@ -120,8 +120,8 @@ inline TrackInfo builtinTrack(quint64 recording, quint64 encoding, qsizetype wor
         if (half < 2)
             continue;
         const WordAndMask made = half / 2 <= silence ? WordAndMask() : wordOf(heard[2], heard[0]);
-        (half % 2 == 0 ? track.fingerprintAlt : track.fingerprint) << made.word;
-        (half % 2 == 0 ? track.fingerprintAltMask : track.fingerprintMask) << made.mask;
+        (half % 2 == 0 ? track.fingerprint.alternative : track.fingerprint.words) << made.word;
+        (half % 2 == 0 ? track.fingerprint.alternativeMask : track.fingerprint.mask) << made.mask;
     }
     return track;
 }
@@ -131,10 +131,10 @@ inline TrackInfo fpcalcTrack(quint64 recording, quint64 encoding, qsizetype word
     Random random(recording);
     Random noise(recording ^ encoding << 40 ^ 0x5555);
     TrackInfo track;
-    track.durationMs = 90000 + static_cast<qint64>(90000 * std::exp(0.5F * random.normal())) + noise.below(60);
+    track.stream.durationMs = 90000 + static_cast<qint64>(90000 * std::exp(0.5F * random.normal())) + noise.below(60);
     auto word = static_cast<quint32>(random.bits());
-    track.fingerprint.reserve(wordCount);
-    while (track.fingerprint.size() < wordCount) {
+    track.fingerprint.words.reserve(wordCount);
+    while (track.fingerprint.words.size() < wordCount) {
         // An eighth of the bits change from word to word; one word in fifty is one of a thousand that everybody has.
         word ^= static_cast<quint32>(random.bits() & random.bits() & random.bits());
         const bool common = random.below(50) == 0;
@@ -142,7 +142,7 @@ inline TrackInfo fpcalcTrack(quint64 recording, quint64 encoding, qsizetype word
         quint32 flips = 0;
         for (int i = noise.below(3); encoding != 0 && i > 0; --i) // a thirtieth of the bits on average
             flips |= 1U << noise.below(32);
-        track.fingerprint << (value ^ flips);
+        track.fingerprint.words << (value ^ flips);
     }
     return track;
 }

@@ -20,6 +20,12 @@ target_compile_definitions(epr_flags INTERFACE
   $<$<CXX_COMPILER_ID:MSVC>:NOMINMAX>
 )
 
+# std::expected as C++23 has it, for the compilers that do not. One header that is the same everywhere; it is copied, so
+# that a cross-build sees it and nothing else of the machine that it runs on.
+find_path(EPR_TL_INCLUDE tl/expected.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include)
+file(COPY "${EPR_TL_INCLUDE}/tl" DESTINATION "${PROJECT_BINARY_DIR}/include")
+target_include_directories(epr_flags SYSTEM INTERFACE "${PROJECT_BINARY_DIR}/include")
+
 if(MSVC)
   set(epr_warnings /W4 /permissive- /utf-8 $<$<BOOL:${EPR_WERROR}>:/WX>)
 else()

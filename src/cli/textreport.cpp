@@ -22,7 +22,7 @@ struct Cli {
 QString memberLine(const TrackInfo &track, bool keep)
 {
     const QString action = keep ? Cli::tr("KEEP") : Cli::tr("duplicate");
-    QStringList facts { durationText(track.durationMs), qualityText(track), sizeText(track.size) };
+    QStringList facts { durationText(track.stream.durationMs), qualityText(track), sizeText(track.size) };
     facts.removeAll(QString());
     return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), terminal::printable(QDir::toNativeSeparators(track.path)),
                                      facts.join("; "_L1));

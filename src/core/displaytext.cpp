@@ -34,29 +34,29 @@ QString channelText(qint32 channels)
 
 QString displayTitle(const TrackInfo &track)
 {
-    return track.title.isEmpty() ? QFileInfo(track.fileName).completeBaseName() : track.title;
+    return track.tags.title.isEmpty() ? QFileInfo(track.fileName).completeBaseName() : track.tags.title;
 }
 
 QString displayArtist(const TrackInfo &track)
 {
-    if (!track.artist.isEmpty())
-        return track.artist;
-    if (!track.albumArtist.isEmpty())
-        return track.albumArtist;
+    if (!track.tags.artist.isEmpty())
+        return track.tags.artist;
+    if (!track.tags.albumArtist.isEmpty())
+        return track.tags.albumArtist;
     return QCoreApplication::translate("epr::TrackInfo", "(unknown artist)");
 }
 
 QString qualityText(const TrackInfo &track)
 {
     QStringList pieces;
-    if (track.bitrateKbps > 0)
-        pieces << QCoreApplication::translate("epr::TrackInfo", "%1 kbps").arg(track.bitrateKbps);
-    if (track.sampleRate > 0) {
+    if (track.stream.bitrateKbps > 0)
+        pieces << QCoreApplication::translate("epr::TrackInfo", "%1 kbps").arg(track.stream.bitrateKbps);
+    if (track.stream.sampleRate > 0) {
         pieces << QCoreApplication::translate("epr::TrackInfo", "%1 kHz")
-                      .arg(QLocale().toString(track.sampleRate / 1000.0, 'g', 6));
+                      .arg(QLocale().toString(track.stream.sampleRate / 1000.0, 'g', 6));
     }
-    if (track.channels > 0)
-        pieces << channelText(track.channels);
+    if (track.stream.channels > 0)
+        pieces << channelText(track.stream.channels);
     return pieces.join(", "_L1);
 }
 

@@ -3,7 +3,6 @@
 #include "metatypes.h"
 
 #include "envelope.h"
-#include "fingerprintresult.h"
 #include "matchgroup.h"
 #include "scanoptions.h"
 #include "trackinfo.h"

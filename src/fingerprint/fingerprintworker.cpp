@@ -18,7 +18,7 @@ FingerprintWorker::FingerprintWorker(int seconds, bool preferFpcalc)
 void FingerprintWorker::process(int id, const QString &path)
 {
     FingerprintResult result = m_preferFpcalc && hasFpcalc() ? runTool(path) : analyse(path);
-    if (result.fingerprint.isEmpty() && result.error.isEmpty())
+    if (result.fingerprint.words.isEmpty() && result.error.isEmpty())
         result.error = tr("No decodable audio found");
     Q_EMIT completed(id, result);
 }
@@ -28,7 +28,7 @@ FingerprintResult FingerprintWorker::runTool(const QString &path) const
 {
     const FpcalcResult tool = runFpcalc(path, m_seconds);
     FingerprintResult result;
-    result.fingerprint = tool.fingerprint;
+    result.fingerprint.words = tool.fingerprint;
     result.durationMs = tool.durationMs;
     result.error = tool.error;
     return result;
@@ -44,11 +44,11 @@ FingerprintResult FingerprintWorker::analyse(const QString &path) const
         analyser.feed(samples.constData(), samples.size());
     else
         decodeWithQt(*this, analyser, path, result.durationMs, error);
-    result.fingerprint = analyser.main().words();
-    result.fingerprintMask = analyser.main().masks();
-    result.fingerprintAlt = analyser.alternative().words();
-    result.fingerprintAltMask = analyser.alternative().masks();
-    if (result.fingerprint.isEmpty())
+    result.fingerprint.words = analyser.main().words();
+    result.fingerprint.mask = analyser.main().masks();
+    result.fingerprint.alternative = analyser.alternative().words();
+    result.fingerprint.alternativeMask = analyser.alternative().masks();
+    if (result.fingerprint.words.isEmpty())
         result.error = error;
     return result;
 }

@@ -54,7 +54,7 @@ public:
     {
         const TrackInfo &first = m_tracks[a];
         const TrackInfo &second = m_tracks[b];
-        if (durationsAgree(first.durationMs, second.durationMs, m_durationTolerance)
+        if (durationsAgree(first.stream.durationMs, second.stream.durationMs, m_durationTolerance)
             && m_unions.findRoot(a) != m_unions.findRoot(b) && sameRecording(first, second, m_rules))
             m_unions.link(a, b, MatchType::SameRecording);
     }

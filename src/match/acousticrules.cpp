@@ -25,12 +25,12 @@ double berAtOffset(Words a, Words b, qsizetype start, qsizetype offset, qsizetyp
 
 MaskedWords primaryWords(const TrackInfo &track)
 {
-    return { track.fingerprint, track.fingerprintMask };
+    return { track.fingerprint.words, track.fingerprint.mask };
 }
 
 MaskedWords alternativeWords(const TrackInfo &track)
 {
-    return { track.fingerprintAlt, track.fingerprintAltMask };
+    return { track.fingerprint.alternative, track.fingerprint.alternativeMask };
 }
 
 } // namespace
@@ -44,7 +44,7 @@ AcousticRules acousticRules(const ScanOptions &options)
 
 bool hasUsableFingerprint(const TrackInfo &track)
 {
-    return track.fingerprint.size() >= shortestUsable;
+    return track.fingerprint.words.size() >= shortestUsable;
 }
 
 // The difference in hundredths may be no more than the longer duration in as many percent. Durations come from files
@@ -84,13 +84,13 @@ bool acousticPrefilter(Words a, Words b, const AcousticRules &rules)
 
 bool sameRecording(const TrackInfo &a, const TrackInfo &b, const AcousticRules &rules)
 {
-    if (!acousticPrefilter(a.fingerprint, b.fingerprint, rules))
+    if (!acousticPrefilter(a.fingerprint.words, b.fingerprint.words, rules))
         return false;
     if (rules.chromaprint)
-        return berAligned(a.fingerprint, b.fingerprint, rules.search) <= rules.threshold;
+        return berAligned(a.fingerprint.words, b.fingerprint.words, rules.search) <= rules.threshold;
     if (berMasked(primaryWords(a), primaryWords(b), rules.search) <= rules.threshold)
         return true;
-    return !b.fingerprintAlt.isEmpty()
+    return !b.fingerprint.alternative.isEmpty()
         && berMasked(primaryWords(a), alternativeWords(b), rules.search) <= rules.threshold;
 }
 

@@ -44,20 +44,20 @@ Score scoreOf(const TrackInfo &track, const ScanOptions &options)
     const auto policy = static_cast<KeeperPolicy>(options.keeperPolicy);
     switch (policy) {
     case KeeperPolicy::HighestBitrate:
-        return { track.bitrateKbps, track.size };
+        return { track.stream.bitrateKbps, track.size };
     case KeeperPolicy::LongestDuration:
-        return { track.durationMs, 0 };
+        return { track.stream.durationMs, 0 };
     case KeeperPolicy::LargestFile:
         return { track.size, 0 };
     case KeeperPolicy::PreferredFormat:
-        return { reversed(formatRank(track, options.formatPreference)), track.bitrateKbps };
+        return { reversed(formatRank(track, options.formatPreference)), track.stream.bitrateKbps };
     case KeeperPolicy::ShallowestFolder:
         return { reversed(folderDepth(track)), reversed(track.path.size()) };
     case KeeperPolicy::OldestFile:
     case KeeperPolicy::NewestFile:
         return timeScore(track, policy);
     case KeeperPolicy::MostCompleteTags:
-        return { tagCompleteness(track), track.bitrateKbps };
+        return { tagCompleteness(track), track.stream.bitrateKbps };
     }
     return { 0, 0 };
 }
@@ -67,9 +67,10 @@ Score scoreOf(const TrackInfo &track, const ScanOptions &options)
 qint32 tagCompleteness(const TrackInfo &track)
 {
     const auto points = [](bool present, qint32 worth) { return present ? worth : 0; };
-    return points(!track.title.isEmpty(), 3) + points(!track.artist.isEmpty(), 3) + points(!track.album.isEmpty(), 2)
-        + points(!track.albumArtist.isEmpty(), 1) + points(!track.genre.isEmpty(), 1) + points(!track.year.isEmpty(), 1)
-        + points(track.trackNo > 0, 1);
+    return points(!track.tags.title.isEmpty(), 3) + points(!track.tags.artist.isEmpty(), 3)
+        + points(!track.tags.album.isEmpty(), 2) + points(!track.tags.albumArtist.isEmpty(), 1)
+        + points(!track.tags.genre.isEmpty(), 1) + points(!track.tags.year.isEmpty(), 1)
+        + points(track.tags.trackNo > 0, 1);
 }
 
 qint32 chooseKeeper(const QList<qint32> &members, const QList<TrackInfo> &tracks, const ScanOptions &options)

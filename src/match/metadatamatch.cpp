@@ -111,13 +111,13 @@ std::vector<Song> sortedSongs(const QList<TrackInfo> &tracks)
     std::unordered_map<QString, qint32> numberOf;
     for (qint32 index = 0; index < static_cast<qint32>(tracks.size()); ++index) {
         const TrackInfo &track = tracks[index];
-        if (track.title.isEmpty() || track.artist.isEmpty())
+        if (track.tags.title.isEmpty() || track.tags.artist.isEmpty())
             continue;
         const QString key = metadataKey(track);
         if (key.size() < shortestKey)
             continue;
         const auto number = numberOf.try_emplace(key, static_cast<qint32>(numberOf.size())).first->second;
-        songs.push_back({ number, std::max<qint64>(track.durationMs, 0), index });
+        songs.push_back({ number, std::max<qint64>(track.stream.durationMs, 0), index });
     }
     std::sort(songs.begin(), songs.end());
     return songs;
@@ -133,7 +133,7 @@ QString normaliseForMatch(const QString &text)
 
 QString metadataKey(const TrackInfo &track)
 {
-    return normaliseForMatch(track.artist) + QChar(0x1F) + normaliseForMatch(track.title);
+    return normaliseForMatch(track.tags.artist) + QChar(0x1F) + normaliseForMatch(track.tags.title);
 }
 
 // By definition every pair of one key is linked whose durations agree. A station has ten thousand tracks tagged

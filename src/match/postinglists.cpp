@@ -31,7 +31,7 @@ bool forEachUsable(const QList<TrackInfo> &tracks, const ProgressSlice &slice, c
         if (track % tracksPerReport == 0 && !checkpoint.pass(slice, track, tracks.size()))
             return false;
         if (hasUsableFingerprint(tracks[track]))
-            visit(static_cast<quint32>(track), Words(tracks[track].fingerprint));
+            visit(static_cast<quint32>(track), Words(tracks[track].fingerprint.words));
     }
     return true;
 }
@@ -111,7 +111,7 @@ public:
     {
         for (const TrackInfo &track : tracks)
             if (hasUsableFingerprint(track))
-                for (const quint32 word : track.fingerprint)
+                for (const quint32 word : track.fingerprint.words)
                     ++m_ends[bucketOf(word)];
         std::size_t total = 0;
         for (std::size_t &end : m_ends)

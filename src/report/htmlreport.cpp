@@ -65,7 +65,7 @@ void writeMember(QTextStream &out, const TrackInfo &track, bool keep)
     out << "<tr><td class=\""_L1 << (keep ? "keep\">KEEP"_L1 : "dupe\">remove"_L1) << "</td><td>"_L1
         << track.fileName.toHtmlEscaped() << "<div class=\"path\">"_L1 << track.path.toHtmlEscaped()
         << "</div></td><td>"_L1 << displayArtist(track).toHtmlEscaped() << " &ndash; "_L1
-        << displayTitle(track).toHtmlEscaped() << "</td><td>"_L1 << reportDurationText(track.durationMs)
+        << displayTitle(track).toHtmlEscaped() << "</td><td>"_L1 << reportDurationText(track.stream.durationMs)
         << "</td><td>"_L1 << qualityText(track).toHtmlEscaped() << "</td><td>"_L1 << sizeText(track.size)
         << "</td></tr>\n"_L1;
 }

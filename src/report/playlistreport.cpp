@@ -40,7 +40,7 @@ void writeEntry(QTextStream &out, const TrackInfo &track)
         out << "# Left out, its path contains a line break: "_L1 << onOneLine(track.path) << '\n';
         return;
     }
-    out << "#EXTINF:"_L1 << track.durationMs / 1000 << ',' << onOneLine(displayArtist(track)) << " - "_L1
+    out << "#EXTINF:"_L1 << track.stream.durationMs / 1000 << ',' << onOneLine(displayArtist(track)) << " - "_L1
         << onOneLine(displayTitle(track)) << '\n'
         << track.path << '\n';
 }

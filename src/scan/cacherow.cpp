@@ -44,22 +44,22 @@ void readCacheRow(const QSqlQuery &row, TrackInfo &track)
 {
     track.fullHash = row.value(CacheFullHashColumn).toString();
     track.audioHash = row.value(CacheAudioHashColumn).toString();
-    track.title = row.value(CacheTitleColumn).toString();
-    track.artist = row.value(CacheArtistColumn).toString();
-    track.album = row.value(CacheAlbumColumn).toString();
-    track.albumArtist = row.value(CacheAlbumArtistColumn).toString();
-    track.genre = row.value(CacheGenreColumn).toString();
-    track.year = row.value(CacheYearColumn).toString();
-    track.comment = row.value(CacheCommentColumn).toString();
-    track.trackNo = row.value(CacheTrackNoColumn).toInt();
-    track.durationMs = row.value(CacheDurationColumn).toLongLong();
-    track.bitrateKbps = row.value(CacheBitrateColumn).toInt();
-    track.sampleRate = row.value(CacheSampleRateColumn).toInt();
-    track.channels = row.value(CacheChannelsColumn).toInt();
-    track.fingerprint = fromBlob(row.value(CacheFingerprintColumn).toByteArray());
-    track.fingerprintMask = fromBlob(row.value(CacheFingerprintMaskColumn).toByteArray());
-    track.fingerprintAlt = fromBlob(row.value(CacheFingerprintAltColumn).toByteArray());
-    track.fingerprintAltMask = fromBlob(row.value(CacheFingerprintAltMaskColumn).toByteArray());
+    track.tags.title = row.value(CacheTitleColumn).toString();
+    track.tags.artist = row.value(CacheArtistColumn).toString();
+    track.tags.album = row.value(CacheAlbumColumn).toString();
+    track.tags.albumArtist = row.value(CacheAlbumArtistColumn).toString();
+    track.tags.genre = row.value(CacheGenreColumn).toString();
+    track.tags.year = row.value(CacheYearColumn).toString();
+    track.tags.comment = row.value(CacheCommentColumn).toString();
+    track.tags.trackNo = row.value(CacheTrackNoColumn).toInt();
+    track.stream.durationMs = row.value(CacheDurationColumn).toLongLong();
+    track.stream.bitrateKbps = row.value(CacheBitrateColumn).toInt();
+    track.stream.sampleRate = row.value(CacheSampleRateColumn).toInt();
+    track.stream.channels = row.value(CacheChannelsColumn).toInt();
+    track.fingerprint.words = fromBlob(row.value(CacheFingerprintColumn).toByteArray());
+    track.fingerprint.mask = fromBlob(row.value(CacheFingerprintMaskColumn).toByteArray());
+    track.fingerprint.alternative = fromBlob(row.value(CacheFingerprintAltColumn).toByteArray());
+    track.fingerprint.alternativeMask = fromBlob(row.value(CacheFingerprintAltMaskColumn).toByteArray());
     track.analysed = true;
     track.flags |= TrackFromCache;
 }
@@ -71,22 +71,22 @@ QVariantList cacheRowOf(const TrackInfo &track, qint32 engine)
              track.mtime.toSecsSinceEpoch(),
              track.fullHash,
              track.audioHash,
-             track.title,
-             track.artist,
-             track.album,
-             track.albumArtist,
-             track.genre,
-             track.year,
-             track.comment,
-             track.trackNo,
-             track.durationMs,
-             track.bitrateKbps,
-             track.sampleRate,
-             track.channels,
-             toBlob(track.fingerprint),
-             toBlob(track.fingerprintMask),
-             toBlob(track.fingerprintAlt),
-             toBlob(track.fingerprintAltMask),
+             track.tags.title,
+             track.tags.artist,
+             track.tags.album,
+             track.tags.albumArtist,
+             track.tags.genre,
+             track.tags.year,
+             track.tags.comment,
+             track.tags.trackNo,
+             track.stream.durationMs,
+             track.stream.bitrateKbps,
+             track.stream.sampleRate,
+             track.stream.channels,
+             toBlob(track.fingerprint.words),
+             toBlob(track.fingerprint.mask),
+             toBlob(track.fingerprint.alternative),
+             toBlob(track.fingerprint.alternativeMask),
              engine,
              layoutVersion,
              QDateTime::currentSecsSinceEpoch() };

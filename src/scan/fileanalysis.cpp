@@ -15,18 +15,8 @@ namespace {
 
 void copyTags(const ProbeResult &probe, TrackInfo &track)
 {
-    track.title = probe.title;
-    track.artist = probe.artist;
-    track.album = probe.album;
-    track.albumArtist = probe.albumArtist;
-    track.genre = probe.genre;
-    track.year = probe.year;
-    track.comment = probe.comment;
-    track.trackNo = probe.trackNo;
-    track.durationMs = probe.durationMs;
-    track.bitrateKbps = probe.bitrateKbps;
-    track.sampleRate = probe.sampleRate;
-    track.channels = probe.channels;
+    track.tags = probe.tags;
+    track.stream = probe.stream;
 }
 
 // A payload that cannot be delimited counts as the whole file, which then matches byte-identical copies only.
@@ -95,10 +85,7 @@ TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::at
 
 void dropFingerprint(TrackInfo &track)
 {
-    track.fingerprint.clear();
-    track.fingerprintMask.clear();
-    track.fingerprintAlt.clear();
-    track.fingerprintAltMask.clear();
+    track.fingerprint = {};
 }
 
 bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options)

@@ -41,8 +41,8 @@ qint32 engineFor(const ScanOptions &options)
 // Whether the acoustic comparison can use the record's fingerprint. Only the built-in analysis makes masks.
 bool hasUsableFingerprint(const TrackInfo &track, qint32 engine)
 {
-    return !track.fingerprint.isEmpty()
-        && (engine != builtInEngine || track.fingerprint.size() == track.fingerprintMask.size());
+    return !track.fingerprint.words.isEmpty()
+        && (engine != builtInEngine || track.fingerprint.words.size() == track.fingerprint.mask.size());
 }
 
 QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, qint32 engine)
@@ -59,11 +59,8 @@ QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, qint32 eng
 void applyFingerprint(const FingerprintResult &result, TrackInfo &track)
 {
     track.fingerprint = result.fingerprint;
-    track.fingerprintMask = result.fingerprintMask;
-    track.fingerprintAlt = result.fingerprintAlt;
-    track.fingerprintAltMask = result.fingerprintAltMask;
-    if (track.durationMs < 1 && result.durationMs > 0)
-        track.durationMs = result.durationMs;
+    if (track.stream.durationMs < 1 && result.durationMs > 0)
+        track.stream.durationMs = result.durationMs;
     if (result.error.isEmpty())
         track.analysed = true;
     else if (track.error.isEmpty())
@@ -72,7 +69,7 @@ void applyFingerprint(const FingerprintResult &result, TrackInfo &track)
 
 bool isTooShort(const TrackInfo &track, qint64 minDurationMs)
 {
-    return track.durationMs >= 1 && track.durationMs < minDurationMs;
+    return track.stream.durationMs >= 1 && track.stream.durationMs < minDurationMs;
 }
 
 // What the cache knows and the analysis does not repeat, above all the fingerprint.
@@ -87,9 +84,6 @@ TrackInfo withoutTags(const TrackInfo &cached)
     track.fullHash = cached.fullHash;
     track.audioHash = cached.audioHash;
     track.fingerprint = cached.fingerprint;
-    track.fingerprintMask = cached.fingerprintMask;
-    track.fingerprintAlt = cached.fingerprintAlt;
-    track.fingerprintAltMask = cached.fingerprintAltMask;
     return track;
 }
 

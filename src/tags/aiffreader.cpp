@@ -48,11 +48,11 @@ void readCommon(QIODevice &device, const Chunk &chunk, CommonChunk &common, Prob
     if (body.size() < qsizetype(commonSize))
         return;
     ByteCursor cursor(body);
-    result.channels = cursor.u16be();
+    result.stream.channels = cursor.u16be();
     common.frames = cursor.u32be();
     common.bitsPerSample = cursor.u16be();
     const quint16 signAndExponent = cursor.u16be();
-    result.sampleRate = wholeOfExtended(signAndExponent, cursor.u64be());
+    result.stream.sampleRate = wholeOfExtended(signAndExponent, cursor.u64be());
 }
 
 void readSound(const Chunk &chunk, ProbeResult &result)
@@ -69,13 +69,13 @@ QString readText(QIODevice &device, const Chunk &chunk)
 
 void setDuration(const CommonChunk &common, ProbeResult &result)
 {
-    if (common.frames == 0 || result.sampleRate < 1)
+    if (common.frames == 0 || result.stream.sampleRate < 1)
         return;
-    const auto rate = static_cast<quint64>(result.sampleRate);
-    result.durationMs = mulDiv(common.frames, 1000, rate);
-    const quint64 bitsPerSecond = rate * static_cast<quint64>(result.channels) * common.bitsPerSample;
+    const auto rate = static_cast<quint64>(result.stream.sampleRate);
+    result.stream.durationMs = mulDiv(common.frames, 1000, rate);
+    const quint64 bitsPerSecond = rate * static_cast<quint64>(result.stream.channels) * common.bitsPerSample;
     if (bitsPerSecond <= std::numeric_limits<quint32>::max())
-        result.bitrateKbps = int32OrZero(bitsPerSecond / 1000);
+        result.stream.bitrateKbps = int32OrZero(bitsPerSecond / 1000);
 }
 
 } // namespace
@@ -95,12 +95,12 @@ bool readAiff(QIODevice &device, ProbeResult &result)
         else if (chunk.id == "SSND")
             readSound(chunk, result);
         else if (chunk.id == "NAME" && chunk.size <= maxTextSize)
-            result.title = readText(device, chunk);
+            result.tags.title = readText(device, chunk);
         else if (chunk.id == "AUTH" && chunk.size <= maxTextSize)
-            result.artist = readText(device, chunk);
+            result.tags.artist = readText(device, chunk);
     });
     setDuration(common, result);
-    return result.durationMs > 0;
+    return result.stream.durationMs > 0;
 }
 
 } // namespace epr

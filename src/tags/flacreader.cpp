@@ -56,8 +56,8 @@ void readStreamInfo(QIODevice &device, const Block &block, ProbeResult &result, 
         return;
     // 20 bits of sample rate, 3 of channels, 5 of sample size, 36 of total samples.
     const quint64 packed = ByteCursor(body).at(10).u64be();
-    result.sampleRate = static_cast<qint32>(packed >> 44);
-    result.channels = static_cast<qint32>(packed >> 41 & 7) + 1;
+    result.stream.sampleRate = static_cast<qint32>(packed >> 44);
+    result.stream.channels = static_cast<qint32>(packed >> 41 & 7) + 1;
     totalSamples = packed & 0xFFFFFFFFF;
 }
 
@@ -66,9 +66,9 @@ void finish(qint64 audioStart, qint64 fileSize, quint64 totalSamples, ProbeResul
     result.audioOffset = audioStart;
     result.audioLength = std::max<qint64>(fileSize - audioStart, 0);
     result.audioRangeValid = result.audioLength > 0;
-    if (result.sampleRate > 0)
-        result.durationMs = mulDiv(totalSamples, 1000, static_cast<quint64>(result.sampleRate));
-    result.bitrateKbps = averageKbps(result.audioLength, result.durationMs);
+    if (result.stream.sampleRate > 0)
+        result.stream.durationMs = mulDiv(totalSamples, 1000, static_cast<quint64>(result.stream.sampleRate));
+    result.stream.bitrateKbps = averageKbps(result.audioLength, result.stream.durationMs);
 }
 
 } // namespace

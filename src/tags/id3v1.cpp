@@ -24,18 +24,18 @@ bool applyId3v1(QByteArrayView tag, ProbeResult &result)
         return false;
     ByteCursor cursor(tag);
     cursor.skip(3);
-    fillText(result.title, cursor.take(30));
-    fillText(result.artist, cursor.take(30));
-    fillText(result.album, cursor.take(30));
-    fillText(result.year, cursor.take(4));
+    fillText(result.tags.title, cursor.take(30));
+    fillText(result.tags.artist, cursor.take(30));
+    fillText(result.tags.album, cursor.take(30));
+    fillText(result.tags.year, cursor.take(4));
     cursor.skip(28);
     // A zero where the comment's 29th character stood says that the 30th is a track number.
     const bool hasTrack = cursor.u8() == 0;
     const quint8 track = cursor.u8();
-    if (hasTrack && result.trackNo == 0)
-        result.trackNo = track;
-    if (result.genre.isEmpty())
-        result.genre = id3Genre(cursor.u8());
+    if (hasTrack && result.tags.trackNo == 0)
+        result.tags.trackNo = track;
+    if (result.tags.genre.isEmpty())
+        result.tags.genre = id3Genre(cursor.u8());
     return true;
 }
 

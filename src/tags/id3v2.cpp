@@ -26,20 +26,20 @@ constexpr quint8 footerFlag = 0x10;
 
 struct FrameField {
     QLatin1StringView identifier;
-    QString ProbeResult::*field;
+    QString Tags::*field;
 };
 
 constexpr std::array<FrameField, 10> textFields { {
-    { "TIT2"_L1, &ProbeResult::title },
-    { "TT2"_L1, &ProbeResult::title },
-    { "TPE1"_L1, &ProbeResult::artist },
-    { "TP1"_L1, &ProbeResult::artist },
-    { "TALB"_L1, &ProbeResult::album },
-    { "TAL"_L1, &ProbeResult::album },
-    { "TPE2"_L1, &ProbeResult::albumArtist },
-    { "TP2"_L1, &ProbeResult::albumArtist },
-    { "COMM"_L1, &ProbeResult::comment },
-    { "COM"_L1, &ProbeResult::comment },
+    { "TIT2"_L1, &Tags::title },
+    { "TT2"_L1, &Tags::title },
+    { "TPE1"_L1, &Tags::artist },
+    { "TP1"_L1, &Tags::artist },
+    { "TALB"_L1, &Tags::album },
+    { "TAL"_L1, &Tags::album },
+    { "TPE2"_L1, &Tags::albumArtist },
+    { "TP2"_L1, &Tags::albumArtist },
+    { "COMM"_L1, &Tags::comment },
+    { "COM"_L1, &Tags::comment },
 } };
 
 /// Four bytes of seven bits each.
@@ -115,15 +115,15 @@ void applyId3Frame(ProbeResult &result, const QString &identifier, const QString
         return;
     const QString id = identifier.toUpper();
     if (id == "TCON"_L1 || id == "TCO"_L1)
-        result.genre = resolveGenre(text);
+        result.tags.genre = resolveGenre(text);
     else if (id == "TRCK"_L1 || id == "TRK"_L1)
-        result.trackNo = trackNumber(text);
+        result.tags.trackNo = trackNumber(text);
     else if (id == "TYER"_L1 || id == "TDRC"_L1 || id == "TDRL"_L1 || id == "TYE"_L1)
-        result.year = yearOfDate(text);
+        result.tags.year = yearOfDate(text);
     else if (const auto entry = std::find_if(textFields.begin(), textFields.end(),
                                              [&](const FrameField &field) { return field.identifier == id; });
              entry != textFields.end())
-        result.*entry->field = text;
+        result.tags.*entry->field = text;
 }
 
 void walkId3v2Frames(QByteArrayView body, quint8 version, quint8 flags, ProbeResult &result)

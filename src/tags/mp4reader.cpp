@@ -39,17 +39,17 @@ struct Span {
 
 struct ItemField {
     QByteArrayView type;
-    QString ProbeResult::*field;
+    QString Tags::*field;
 };
 
 /// The copyright sign is the one byte 0xA9.
 constexpr std::array<ItemField, 6> textFields { {
-    { "\251nam", &ProbeResult::title },
-    { "\251ART", &ProbeResult::artist },
-    { "\251alb", &ProbeResult::album },
-    { "aART", &ProbeResult::albumArtist },
-    { "\251gen", &ProbeResult::genre },
-    { "\251cmt", &ProbeResult::comment },
+    { "\251nam", &Tags::title },
+    { "\251ART", &Tags::artist },
+    { "\251alb", &Tags::album },
+    { "aART", &Tags::albumArtist },
+    { "\251gen", &Tags::genre },
+    { "\251cmt", &Tags::comment },
 } };
 
 /// The atom at position, which must end within end. Nothing when it does not or when its header is cut off.
@@ -96,7 +96,7 @@ void readMovieHeader(QIODevice &device, const Atom &atom, ProbeResult &result)
     const quint32 timescale = cursor.at(wide ? 20 : 12).u32be();
     const quint64 duration = wide ? cursor.u64be() : cursor.u32be();
     if (timescale != 0)
-        result.durationMs = mulDiv(duration, 1000, timescale);
+        result.stream.durationMs = mulDiv(duration, 1000, timescale);
 }
 
 void setPayload(const Atom &atom, ProbeResult &result)
@@ -133,16 +133,16 @@ void applyItem(QByteArrayView type, QByteArrayView value, ProbeResult &result)
     if (type == "gnre") {
         const QString genre = id3Genre(cursor.u16be() - 1); // counted from 1
         if (!genre.isEmpty())
-            result.genre = genre;
+            result.tags.genre = genre;
     } else if (type == "trkn") {
         if (value.size() >= 4)
-            result.trackNo = cursor.at(2).u16be();
+            result.tags.trackNo = cursor.at(2).u16be();
     } else if (type == "\251day") {
-        result.year = yearOfDate(cleanTagText(QString::fromUtf8(value)));
+        result.tags.year = yearOfDate(cleanTagText(QString::fromUtf8(value)));
     } else if (const auto entry = std::find_if(textFields.begin(), textFields.end(),
                                                [&](const ItemField &field) { return field.type == type; });
                entry != textFields.end()) {
-        result.*entry->field = cleanTagText(QString::fromUtf8(value));
+        result.tags.*entry->field = cleanTagText(QString::fromUtf8(value));
     }
 }
 
@@ -192,10 +192,10 @@ bool readMp4(QIODevice &device, ProbeResult &result)
     result.format = u"MPEG-4 Audio"_s;
     walkAtoms(device, 0, device.size(), result);
     // Coded channel layouts are not looked into; nearly all of a music library is stereo.
-    if (result.channels == 0)
-        result.channels = 2;
-    result.bitrateKbps = averageKbps(device.size(), result.durationMs);
-    return result.durationMs >= 1 || result.audioRangeValid;
+    if (result.stream.channels == 0)
+        result.stream.channels = 2;
+    result.stream.bitrateKbps = averageKbps(device.size(), result.stream.durationMs);
+    return result.stream.durationMs >= 1 || result.audioRangeValid;
 }
 
 } // namespace epr

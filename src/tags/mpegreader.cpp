@@ -124,15 +124,15 @@ void setDuration(const MpegFrameHeader &header, const VbrInfo &vbr, ProbeResult 
 {
     if (vbr.frames == 0) {
         if (header.bitrateKbps > 0) {
-            result.bitrateKbps = header.bitrateKbps;
-            result.durationMs =
+            result.stream.bitrateKbps = header.bitrateKbps;
+            result.stream.durationMs =
                 mulDiv(static_cast<quint64>(result.audioLength), 8, static_cast<quint64>(header.bitrateKbps));
         }
         return;
     }
     const quint64 samples = static_cast<quint64>(header.samplesPerFrame) * vbr.frames;
-    result.durationMs = mulDiv(samples, 1000, static_cast<quint64>(header.sampleRate));
-    result.bitrateKbps = averageKbps(vbr.bytes == 0 ? result.audioLength : vbr.bytes, result.durationMs);
+    result.stream.durationMs = mulDiv(samples, 1000, static_cast<quint64>(header.sampleRate));
+    result.stream.bitrateKbps = averageKbps(vbr.bytes == 0 ? result.audioLength : vbr.bytes, result.stream.durationMs);
 }
 
 void setPayload(qint64 start, qint64 end, ProbeResult &result)
@@ -159,8 +159,8 @@ bool readMpeg(QIODevice &device, ProbeResult &result)
         return false;
     const QByteArrayView frame = QByteArrayView(buffer).sliced(position);
     const MpegFrameHeader header = parseMpegFrameHeader(frame);
-    result.sampleRate = header.sampleRate;
-    result.channels = header.channels;
+    result.stream.sampleRate = header.sampleRate;
+    result.stream.channels = header.channels;
 
     // The frame that carries the VBR information holds no audio, and encoders rewrite it.
     const VbrInfo vbr = readVbrInfo(frame, header);

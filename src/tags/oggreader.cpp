@@ -105,13 +105,13 @@ void applyPacket(const QByteArray &packet, ProbeResult &result, qint32 &granuleR
     constexpr qsizetype identificationSize = 16;
     ByteCursor cursor(packet);
     if (packet.startsWith("\x01vorbis") && packet.size() >= identificationSize) {
-        result.channels = cursor.at(11).u8();
-        result.sampleRate = int32OrZero(cursor.at(12).u32le());
+        result.stream.channels = cursor.at(11).u8();
+        result.stream.sampleRate = int32OrZero(cursor.at(12).u32le());
         result.format = u"Ogg Vorbis"_s;
-        granuleRate = result.sampleRate;
+        granuleRate = result.stream.sampleRate;
     } else if (packet.startsWith("OpusHead") && packet.size() >= identificationSize) {
-        result.channels = cursor.at(9).u8();
-        result.sampleRate = int32OrZero(cursor.at(12).u32le());
+        result.stream.channels = cursor.at(9).u8();
+        result.stream.sampleRate = int32OrZero(cursor.at(12).u32le());
         result.format = u"Opus"_s;
         granuleRate = opusGranuleRate;
     } else if (packet.startsWith("\x03vorbis")) {
@@ -163,8 +163,8 @@ bool readOgg(QIODevice &device, ProbeResult &result)
         return false;
     const qint32 granuleRate = readHeaderPackets(device, result);
     // The samples that an Opus decoder drops at the start are counted: they are a fraction of a second.
-    result.durationMs = mulDiv(lastGranule(device), 1000, static_cast<quint64>(granuleRate));
-    result.bitrateKbps = averageKbps(device.size(), result.durationMs);
+    result.stream.durationMs = mulDiv(lastGranule(device), 1000, static_cast<quint64>(granuleRate));
+    result.stream.bitrateKbps = averageKbps(device.size(), result.stream.durationMs);
     result.audioRangeValid = false;
     return true;
 }

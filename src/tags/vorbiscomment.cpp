@@ -16,17 +16,17 @@ namespace {
 
 struct CommentField {
     QLatin1StringView key;
-    QString ProbeResult::*field;
+    QString Tags::*field;
 };
 
 constexpr std::array<CommentField, 7> textFields { {
-    { "TITLE"_L1, &ProbeResult::title },
-    { "ARTIST"_L1, &ProbeResult::artist },
-    { "ALBUM"_L1, &ProbeResult::album },
-    { "ALBUMARTIST"_L1, &ProbeResult::albumArtist },
-    { "GENRE"_L1, &ProbeResult::genre },
-    { "COMMENT"_L1, &ProbeResult::comment },
-    { "DESCRIPTION"_L1, &ProbeResult::comment },
+    { "TITLE"_L1, &Tags::title },
+    { "ARTIST"_L1, &Tags::artist },
+    { "ALBUM"_L1, &Tags::album },
+    { "ALBUMARTIST"_L1, &Tags::albumArtist },
+    { "GENRE"_L1, &Tags::genre },
+    { "COMMENT"_L1, &Tags::comment },
+    { "DESCRIPTION"_L1, &Tags::comment },
 } };
 
 constexpr qsizetype longestKey = 11;
@@ -36,13 +36,13 @@ void storeValue(const QString &key, const QString &value, ProbeResult &result)
     if (value.isEmpty())
         return;
     if (key == "DATE"_L1)
-        result.year = yearOfDate(value);
+        result.tags.year = yearOfDate(value);
     else if (key == "TRACKNUMBER"_L1)
-        result.trackNo = trackNumber(value);
+        result.tags.trackNo = trackNumber(value);
     else if (const auto entry = std::find_if(textFields.begin(), textFields.end(),
                                              [&](const CommentField &field) { return field.key == key; });
              entry != textFields.end())
-        result.*entry->field = value;
+        result.tags.*entry->field = value;
 }
 
 /// "KEY=value". Keys longer than any known one are passed over unread: their values are cover art more often than not.

@@ -25,15 +25,15 @@ constexpr quint32 maxListSize = 1048575;
 
 struct InfoField {
     QByteArrayView id;
-    QString ProbeResult::*field;
+    QString Tags::*field;
 };
 
 constexpr std::array<InfoField, 5> textFields { {
-    { "INAM", &ProbeResult::title },
-    { "IART", &ProbeResult::artist },
-    { "IPRD", &ProbeResult::album },
-    { "IGNR", &ProbeResult::genre },
-    { "ICMT", &ProbeResult::comment },
+    { "INAM", &Tags::title },
+    { "IART", &Tags::artist },
+    { "IPRD", &Tags::album },
+    { "IGNR", &Tags::genre },
+    { "ICMT", &Tags::comment },
 } };
 
 /// Returns the byte rate, 0 when it cannot be read.
@@ -43,8 +43,8 @@ quint32 readFormat(QIODevice &device, const Chunk &chunk, ProbeResult &result)
     if (body.size() < qsizetype(formatSize))
         return 0;
     ByteCursor cursor(body);
-    result.channels = cursor.at(2).u16le();
-    result.sampleRate = int32OrZero(cursor.u32le());
+    result.stream.channels = cursor.at(2).u16le();
+    result.stream.sampleRate = int32OrZero(cursor.u32le());
     return cursor.u32le();
 }
 
@@ -56,7 +56,7 @@ void readData(const Chunk &chunk, qint64 fileSize, quint32 byteRate, ProbeResult
     result.audioLength = std::min<qint64>(chunk.size, fileSize - chunk.body);
     result.audioRangeValid = result.audioLength > 0;
     if (byteRate != 0)
-        result.durationMs = mulDiv(static_cast<quint64>(result.audioLength), 1000, byteRate);
+        result.stream.durationMs = mulDiv(static_cast<quint64>(result.audioLength), 1000, byteRate);
 }
 
 void applyInfo(QByteArrayView id, const QString &value, ProbeResult &result)
@@ -64,13 +64,13 @@ void applyInfo(QByteArrayView id, const QString &value, ProbeResult &result)
     if (value.isEmpty())
         return;
     if (id == "ICRD")
-        result.year = yearOfDate(value);
+        result.tags.year = yearOfDate(value);
     else if (id == "ITRK")
-        result.trackNo = numberOrZero(value);
+        result.tags.trackNo = numberOrZero(value);
     else if (const auto entry = std::find_if(textFields.begin(), textFields.end(),
                                              [&](const InfoField &field) { return field.id == id; });
              entry != textFields.end())
-        result.*entry->field = value;
+        result.tags.*entry->field = value;
 }
 
 void readList(QIODevice &device, const Chunk &chunk, ProbeResult &result)
@@ -110,7 +110,7 @@ bool readWave(QIODevice &device, ProbeResult &result)
         else if (chunk.id == "LIST" && chunk.size >= minListSize && chunk.size <= maxListSize)
             readList(device, chunk, result);
     });
-    result.bitrateKbps = int32OrZero(static_cast<quint64>(byteRate) * 8 / 1000);
+    result.stream.bitrateKbps = int32OrZero(static_cast<quint64>(byteRate) * 8 / 1000);
     return result.audioRangeValid;
 }
 

@@ -144,8 +144,8 @@ private:
         TrackInfo track;
         track.path = fileOf(name);
         track.fileName = name;
-        track.durationMs = durationMs;
-        track.bitrateKbps = bitrateKbps;
+        track.stream.durationMs = durationMs;
+        track.stream.bitrateKbps = bitrateKbps;
         return track;
     }
 

@@ -34,8 +34,8 @@ TrackInfo trackOf(const QString &path, qint64 durationMs = 0, qint32 bitrateKbps
 {
     TrackInfo track;
     track.path = path;
-    track.durationMs = durationMs;
-    track.bitrateKbps = bitrateKbps;
+    track.stream.durationMs = durationMs;
+    track.stream.bitrateKbps = bitrateKbps;
     return track;
 }
 
@@ -162,8 +162,8 @@ private Q_SLOTS:
         track.size = 1572864;
         QCOMPARE(comparisontext::title(track), u"CAF\u00c9 DEL MAR.MP3"_s);
         QCOMPARE(comparisontext::format(track), u"1.50 MB, 320 kbps"_s);
-        track.title = u"Stra\u00dfe"_s;
-        track.bitrateKbps = 0;
+        track.tags.title = u"Stra\u00dfe"_s;
+        track.stream.bitrateKbps = 0;
         QCOMPARE(comparisontext::title(track), u"STRASSE"_s);
         QCOMPARE(comparisontext::format(track), u"1.50 MB"_s);
         QCOMPARE(comparisontext::title({}), u"\u2014 no file loaded \u2014"_s);

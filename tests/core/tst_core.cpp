@@ -26,14 +26,14 @@ private Q_SLOTS:
     {
         epr::TrackInfo track;
         QCOMPARE(epr::qualityText(track), QString());
-        track.channels = 6;
-        track.sampleRate = 11025;
+        track.stream.channels = 6;
+        track.stream.sampleRate = 11025;
         QCOMPARE(epr::qualityText(track), u"11.025 kHz, 6 ch"_s);
-        track.channels = 2;
-        track.bitrateKbps = 320;
+        track.stream.channels = 2;
+        track.stream.bitrateKbps = 320;
         QCOMPARE(epr::qualityText(track), u"320 kbps, 11.025 kHz, stereo"_s);
-        track.channels = 1;
-        track.sampleRate = 0;
+        track.stream.channels = 1;
+        track.stream.sampleRate = 0;
         QCOMPARE(epr::qualityText(track), u"320 kbps, mono"_s);
     }
 };

@@ -28,9 +28,9 @@ ProbeResult probedByFfprobe(const QString &path)
     if (!ffprobe.waitForFinished(30000))
         return result;
     const QByteArrayList values = ffprobe.readAllStandardOutput().replace('\n', ',').split(',');
-    result.sampleRate = values.value(0).toInt();
-    result.channels = values.value(1).toInt();
-    result.durationMs = qRound64(values.value(2).toDouble() * 1000);
+    result.stream.sampleRate = values.value(0).toInt();
+    result.stream.channels = values.value(1).toInt();
+    result.stream.durationMs = qRound64(values.value(2).toDouble() * 1000);
     return result;
 }
 
@@ -72,14 +72,17 @@ private Q_SLOTS:
             QString error;
             QVERIFY2(probeFile(path, ours, &error), qPrintable(path + error));
             ProbeResult theirs = probedByFfprobe(path);
-            QVERIFY2(theirs.durationMs > 0, qPrintable(path));
+            QVERIFY2(theirs.stream.durationMs > 0, qPrintable(path));
             const QString suffix = QFileInfo(path).suffix();
             if (suffix == "wma"_L1) // has no reader: known by its digests and its fingerprint only
                 theirs = {};
             if (suffix == "m4a"_L1) // has none in the movie header
-                theirs.sampleRate = 0;
-            QVERIFY2(ours.sampleRate == theirs.sampleRate && ours.channels == theirs.channels, qPrintable(path));
-            QVERIFY2(qAbs(ours.durationMs - theirs.durationMs) <= durationToleranceMs(suffix), qPrintable(path));
+                theirs.stream.sampleRate = 0;
+            QVERIFY2(ours.stream.sampleRate == theirs.stream.sampleRate
+                         && ours.stream.channels == theirs.stream.channels,
+                     qPrintable(path));
+            QVERIFY2(qAbs(ours.stream.durationMs - theirs.stream.durationMs) <= durationToleranceMs(suffix),
+                     qPrintable(path));
         }
     }
 

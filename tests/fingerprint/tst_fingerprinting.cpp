@@ -73,8 +73,8 @@ private Q_SLOTS:
                 const QByteArray good = "echo DURATION=2; echo FINGERPRINT=" + QByteArray::number(id);
                 jobs << job(id, i % 3 == 2 ? QByteArray("echo bad >&2; exit 1") : good);
                 expected.insert(id,
-                                i % 3 == 2 ? FingerprintResult { {}, {}, {}, {}, 0, u"bad"_s }
-                                           : FingerprintResult { { quint32(id) }, {}, {}, {}, 2000, {} });
+                                i % 3 == 2 ? FingerprintResult { {}, 0, u"bad"_s }
+                                           : FingerprintResult { { { quint32(id) }, {}, {}, {} }, 2000, {} });
                 steps << QVariantList { i + 1, count };
             }
             const QSignalSpy progress(&pool, &FingerprintPool::progress);
@@ -94,7 +94,7 @@ private Q_SLOTS:
             QCOMPARE(lanes.size(), givenThreads);
             QCOMPARE(lanes.last()->objectName(), u"epr-fingerprint-%1"_s.arg(givenThreads - 1));
             const Results results = run(pool, { job(1, "echo FINGERPRINT=$3") });
-            QCOMPARE(results.value(1).fingerprint, QList<quint32>({ givenSeconds }));
+            QCOMPARE(results.value(1).fingerprint.words, QList<quint32>({ givenSeconds }));
         }
     }
 
@@ -123,7 +123,7 @@ private Q_SLOTS:
             pool, { job(1, "echo FINGERPRINT=1"), job(2, wait + "echo FINGERPRINT=2"), job(3, "echo FINGERPRINT=3") });
         other.join();
         QCOMPARE(results.keys(), QList<int>({ 1, 2 }));
-        QCOMPARE(results.value(2).fingerprint, QList<quint32>({ 2 }));
+        QCOMPARE(results.value(2).fingerprint.words, QList<quint32>({ 2 }));
         QCOMPARE(progress.last(), QVariantList({ 2, 3 }));
     }
 
@@ -155,12 +155,12 @@ private Q_SLOTS:
         const Results results = run(pool, jobs);
         for (const FingerprintResult &result : { results.value(0), results.value(1) }) {
             QCOMPARE(result.error, QString());
-            QVERIFY(result.fingerprint.size() > 30);
-            QCOMPARE(result.fingerprintMask.size(), result.fingerprint.size());
-            QVERIFY(result.fingerprintAlt.size() >= result.fingerprint.size());
-            QCOMPARE(result.fingerprintAltMask.size(), result.fingerprintAlt.size());
+            QVERIFY(result.fingerprint.words.size() > 30);
+            QCOMPARE(result.fingerprint.mask.size(), result.fingerprint.words.size());
+            QVERIFY(result.fingerprint.alternative.size() >= result.fingerprint.words.size());
+            QCOMPARE(result.fingerprint.alternativeMask.size(), result.fingerprint.alternative.size());
         }
-        QVERIFY(bitErrorRate(results.value(0).fingerprint, results.value(1).fingerprint.first(36)) < 0.03);
+        QVERIFY(bitErrorRate(results.value(0).fingerprint.words, results.value(1).fingerprint.words.first(36)) < 0.03);
         QCOMPARE(results.value(0).durationMs, 5000);
         QCOMPARE(results.value(2).error, u"No decodable audio found"_s);
         QCOMPARE(results.value(3).error, u"broken"_s); // what the toolkit decodes is too short, too

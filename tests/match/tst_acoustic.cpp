@@ -86,7 +86,7 @@ Pairs plainCandidates(const QList<TrackInfo> &tracks, bool chromaprint)
 {
     std::map<quint32, std::set<qint32>> known;
     for (qint32 track = 0; track < tracks.size(); ++track) {
-        const List &words = tracks[track].fingerprint;
+        const List &words = tracks[track].fingerprint.words;
         const qsizetype step = chromaprint ? 1 : std::max<qsizetype>(1, words.size() / 400);
         for (qsizetype i = 0; i < words.size() && words.size() >= 40; i += step)
             for (const quint32 key :
@@ -144,15 +144,15 @@ QList<TrackInfo> randomLibrary(QRandomGenerator &random, qsizetype trackCount)
     QList<TrackInfo> tracks(trackCount);
     for (qsizetype number = 0; number < trackCount; ++number) {
         TrackInfo &track = tracks[number];
-        track.fingerprint.resize(lengths[random.bounded(random.bounded(4) == 0 ? 8 : 5)]);
-        for (quint32 &word : track.fingerprint)
+        track.fingerprint.words.resize(lengths[random.bounded(random.bounded(4) == 0 ? 8 : 5)]);
+        for (quint32 &word : track.fingerprint.words)
             word = random.bounded(100) < 12 ? random.bounded(20) * 0x01010101U : random.bounded(4000) * 2654435761U;
         if (number > 0 && random.bounded(3) == 0) {
             track = tracks[random.bounded(number)];
-            for (quint32 &word : track.fingerprint)
+            for (quint32 &word : track.fingerprint.words)
                 word ^= random.generate() & random.generate() & 0x11;
         }
-        track.durationMs = 180000 + 5000 * random.bounded(3);
+        track.stream.durationMs = 180000 + 5000 * random.bounded(3);
     }
     return tracks;
 }
@@ -206,9 +206,10 @@ void TestAcoustic::pairs()
         const Print alternative { copyOf(random, a.words, round % 3 == 0 ? 90 : 0, 1), a.mask };
         TrackInfo trackA;
         TrackInfo trackB;
-        std::tie(trackA.fingerprint, trackA.fingerprintMask) = std::tie(a.words, a.mask);
-        std::tie(trackB.fingerprint, trackB.fingerprintMask) = std::tie(b.words, b.mask);
-        std::tie(trackB.fingerprintAlt, trackB.fingerprintAltMask) = std::tie(alternative.words, alternative.mask);
+        std::tie(trackA.fingerprint.words, trackA.fingerprint.mask) = std::tie(a.words, a.mask);
+        std::tie(trackB.fingerprint.words, trackB.fingerprint.mask) = std::tie(b.words, b.mask);
+        std::tie(trackB.fingerprint.alternative, trackB.fingerprint.alternativeMask) =
+            std::tie(alternative.words, alternative.mask);
         const bool search = std::min(a.words.size(), b.words.size()) >= 80;
         const double aligned = plainBer({ a.words }, { b.words }, search ? 40 : 0, search ? 80 : 8);
         const double masked = plainMasked(a, b);
@@ -254,7 +255,7 @@ void TestAcoustic::candidatesAndLinks()
     // Copies of one recording share all their keys, so that these are pruned or kept together. The limit is two percent
     // of all tracks, unusable ones too, but 64 at least and 256 at most.
     TrackInfo copy;
-    copy.fingerprint = randomWords(random, 200); // more shared keys than a count of 8 bits holds
+    copy.fingerprint.words = randomWords(random, 200); // more shared keys than a count of 8 bits holds
     const std::tuple<qsizetype, qsizetype, bool> copies[] {
         { 64, 64, true }, { 3249, 65, false }, { 3250, 65, true }, { 20000, 256, true }, { 20000, 257, false }
     };
@@ -280,7 +281,7 @@ void TestAcoustic::candidatesAndLinks()
             for (const auto &[a, b] : candidates)
                 if (expected.findRoot(a) != expected.findRoot(b)
                     && epr::sameRecording(tracks[a], tracks[b], epr::acousticRules(options))
-                    && epr::durationsAgree(tracks[a].durationMs, tracks[b].durationMs, tolerance))
+                    && epr::durationsAgree(tracks[a].stream.durationMs, tracks[b].stream.durationMs, tolerance))
                     expected.link(a, b, epr::MatchType::SameRecording);
             epr::matchAcoustic(tracks, options, notCancelled, {}, sets);
             for (qint32 track = 0; track < trackCount; ++track) {

@@ -37,9 +37,9 @@ QList<TrackInfo> randomTracks(QRandomGenerator &random)
     for (TrackInfo &track : tracks) {
         track.path = u"/m/%1"_s.arg(random.bounded(12)); // some paths are equal
         track.size = random.bounded(3);
-        track.durationMs = anyOf<qint64>(random, { -5, 0, 1000, 2000, 3000, 4001, 9000, 12000, 60000 });
-        track.title = anyOf<QString>(random, { u"Jingle"_s, u"Jingle (Edit)"_s, u"(Remix)"_s, {} });
-        track.artist = anyOf<QString>(random, { u"abc"_s, u"The ABC"_s, u"ab"_s, {} });
+        track.stream.durationMs = anyOf<qint64>(random, { -5, 0, 1000, 2000, 3000, 4001, 9000, 12000, 60000 });
+        track.tags.title = anyOf<QString>(random, { u"Jingle"_s, u"Jingle (Edit)"_s, u"(Remix)"_s, {} });
+        track.tags.artist = anyOf<QString>(random, { u"abc"_s, u"The ABC"_s, u"ab"_s, {} });
         track.fullHash = anyOf<QString>(random, { {}, {}, u"f1"_s, u"f2"_s, u"F1"_s });
         track.audioHash = anyOf<QString>(random, { {}, {}, {}, u"a1"_s, u"a2"_s });
     }
@@ -53,11 +53,12 @@ bool agree(const TrackInfo &a, const TrackInfo &b, MatchType type, qint32 tolera
         return !a.fullHash.isEmpty() && a.fullHash == b.fullHash;
     if (type == MatchType::SameAudio)
         return !a.audioHash.isEmpty() && a.audioHash == b.audioHash;
-    if (a.title.isEmpty() || a.artist.isEmpty() || b.title.isEmpty() || b.artist.isEmpty())
+    if (a.tags.title.isEmpty() || a.tags.artist.isEmpty() || b.tags.title.isEmpty() || b.tags.artist.isEmpty())
         return false;
     if (epr::metadataKey(a) != epr::metadataKey(b) || epr::metadataKey(a).size() <= 3)
         return false;
-    return a.durationMs <= 0 || b.durationMs <= 0 || qAbs(a.durationMs - b.durationMs) <= toleranceMs;
+    return a.stream.durationMs <= 0 || b.stream.durationMs <= 0
+        || qAbs(a.stream.durationMs - b.stream.durationMs) <= toleranceMs;
 }
 
 /// What the title clean-up means, as three substitutions.
@@ -118,8 +119,8 @@ private Q_SLOTS:
                << track(u"c1"_s, 5, {}, u"equal"_s) << track(u"c0"_s, 5, {}, u"equal"_s) << track(u"a"_s, 1, u"tiny"_s)
                << track(u"b"_s, 1, u"tiny"_s) << track(u"z"_s, 9, u"pair"_s) << track(u"y"_s, 9, u"pair"_s)
                << track(u"x"_s, 9);
-        tracks[8].artist = tracks[10].artist = u"Abba"_s;
-        tracks[8].title = tracks[10].title = u"Waterloo"_s;
+        tracks[8].tags.artist = tracks[10].tags.artist = u"Abba"_s;
+        tracks[8].tags.title = tracks[10].tags.title = u"Waterloo"_s;
         ScanOptions options;
         options.keeperPolicy = static_cast<qint32>(epr::KeeperPolicy::LargestFile);
         options.detectMetadata = true;
@@ -171,10 +172,10 @@ private Q_SLOTS:
             QVERIFY2(epr::chooseKeeper({ 1, 0 }, tracks, options) == 1, name);
         };
         const auto time = [](qint64 ms) { return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC); };
-        keeps("bit rate before size", 0, [](auto &a, auto &b) { a.size = 11, b.bitrateKbps = 320; });
+        keeps("bit rate before size", 0, [](auto &a, auto &b) { a.size = 11, b.stream.bitrateKbps = 320; });
         keeps("equal bit rates keep the larger file", 0, [](auto &, auto &b) { b.size = 11; });
-        keeps("a known duration beats none", 1, [](auto &a, auto &b) { a.size = 11, b.durationMs = 1; });
-        keeps("the larger file", 2, [](auto &a, auto &b) { a.bitrateKbps = 320, b.size = 11; });
+        keeps("a known duration beats none", 1, [](auto &a, auto &b) { a.size = 11, b.stream.durationMs = 1; });
+        keeps("the larger file", 2, [](auto &a, auto &b) { a.stream.bitrateKbps = 320, b.size = 11; });
         keeps("the last listed format", 3, [](auto &a, auto &b) { a.suffix = u"aif"_s, b.suffix = u"wma"_s; });
         keeps("the shallower folder", 4,
               [](auto &a, auto &b) { a.path = u"C:\\a\\b\\x"_s, b.path = u"C:/a/longer"_s; });
@@ -185,10 +186,10 @@ private Q_SLOTS:
         keeps("the newer file", 6, [&](auto &a, auto &b) { a.mtime = time(-1), b.mtime = time(0); });
         keeps("an unknown time is not the newest", 6, [&](auto &, auto &b) { b.mtime = time(-1); });
         keeps("tags are weighed", 7, [](auto &a, auto &b) {
-            a.title = a.artist = a.comment = u"x"_s, a.trackNo = 1;
-            b.title = b.album = b.albumArtist = b.genre = b.year = u"x"_s;
+            a.tags.title = a.tags.artist = a.tags.comment = u"x"_s, a.tags.trackNo = 1;
+            b.tags.title = b.tags.album = b.tags.albumArtist = b.tags.genre = b.tags.year = u"x"_s;
         });
-        keeps("equal tags keep the higher bit rate", 7, [](auto &, auto &b) { b.bitrateKbps = 1; });
+        keeps("equal tags keep the higher bit rate", 7, [](auto &, auto &b) { b.stream.bitrateKbps = 1; });
     }
 
     void equalCopiesKeepTheFirst()
@@ -197,7 +198,7 @@ private Q_SLOTS:
         ScanOptions options;
         for (const qint32 policy : { 0, 1, 2, 3, 4, 5, 6, 7, 8, -1, smallestInt }) { // the last three are unknown ones
             options.keeperPolicy = policy;
-            tracks[0].bitrateKbps = policy < 0 || policy > 7 ? 320 : 0;
+            tracks[0].stream.bitrateKbps = policy < 0 || policy > 7 ? 320 : 0;
             QCOMPARE(epr::chooseKeeper({ 1, 0 }, tracks, options), 1);
         }
         QCOMPARE(epr::chooseKeeper({}, tracks, options), -1);

@@ -32,10 +32,10 @@ TrackInfo track(const QString &name, qint64 durationMs)
     info.suffix = u"mp3"_s;
     info.size = 4415029;
     info.mtime = QDateTime(QDate(2024, 2, 29), QTime(23, 59, 58));
-    info.durationMs = durationMs;
-    info.bitrateKbps = 320;
-    info.sampleRate = 44100;
-    info.channels = 2;
+    info.stream.durationMs = durationMs;
+    info.stream.bitrateKbps = 320;
+    info.stream.sampleRate = 44100;
+    info.stream.channels = 2;
     info.fullHash = u"f"_s;
     return info;
 }
@@ -45,9 +45,9 @@ QList<TrackInfo> someTracks()
 {
     QList<TrackInfo> tracks { track(u"x/"_s + hostile + u".mp3"_s, 61999), track(u"kept.mp3"_s, 3600000),
                               track(u"plain name.mp3"_s, 0), track(u"single.mp3"_s, 1) };
-    tracks[0].artist = tracks[0].title = tracks[0].album = hostile;
-    tracks[2].albumArtist = u"Various"_s;
-    tracks[3].title = u"one\r\ntwo"_s;
+    tracks[0].tags.artist = tracks[0].tags.title = tracks[0].tags.album = hostile;
+    tracks[2].tags.albumArtist = u"Various"_s;
+    tracks[3].tags.title = u"one\r\ntwo"_s;
     return tracks;
 }
 

@@ -28,15 +28,16 @@ TrackInfo analysed(const QString &path = u"/m/a.mp3"_s)
 {
     TrackInfo track = measured(path);
     int n = 0; // no two fields are alike
-    for (QString *text : { &track.fullHash, &track.audioHash, &track.title, &track.artist, &track.album,
-                           &track.albumArtist, &track.genre, &track.year, &track.comment })
+    for (QString *text : { &track.fullHash, &track.audioHash, &track.tags.title, &track.tags.artist, &track.tags.album,
+                           &track.tags.albumArtist, &track.tags.genre, &track.tags.year, &track.tags.comment })
         *text = u"曲 '\"%1"_s.arg(++n);
-    for (qint32 *number : { &track.trackNo, &track.bitrateKbps, &track.sampleRate, &track.channels })
+    for (qint32 *number :
+         { &track.tags.trackNo, &track.stream.bitrateKbps, &track.stream.sampleRate, &track.stream.channels })
         *number = ++n;
-    track.durationMs = 5000000001;
-    track.fingerprint = { 0x04030201, 0xffffffff };
-    track.fingerprintMask = { 1, 2 };
-    track.fingerprintAlt = { 3 };
+    track.stream.durationMs = 5000000001;
+    track.fingerprint.words = { 0x04030201, 0xffffffff };
+    track.fingerprint.mask = { 1, 2 };
+    track.fingerprint.alternative = { 3 };
     track.analysed = true;
     return track;
 }
@@ -113,7 +114,7 @@ private Q_SLOTS:
         for (int i = 0; i < 6000; ++i) {
             TrackInfo track;
             track.path = paths.emplaceBack(u"/m/%1.mp3"_s.arg(i == 7 ? 8 : i));
-            track.durationMs = i;
+            track.stream.durationMs = i;
             if (i % 3 != 0)
                 cache.store(track, 0);
         }
@@ -125,7 +126,7 @@ private Q_SLOTS:
             for (; !files.atEnd() && (readable || i < 512);) {
                 for (const TrackInfo &track : files.take()) {
                     QCOMPARE(track.path, paths.at(i));
-                    QCOMPARE(track.durationMs, !readable || i % 3 == 0 ? 0 : i == 7 ? 8 : i);
+                    QCOMPARE(track.stream.durationMs, !readable || i % 3 == 0 ? 0 : i == 7 ? 8 : i);
                     ++i;
                 }
             }

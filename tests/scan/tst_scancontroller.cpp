@@ -92,7 +92,7 @@ private Q_SLOTS:
         QVERIFY(!damaged.error.isEmpty() && !damaged.analysed && damaged.fullHash.size() == 64);
         QCOMPARE(damaged.audioHash, damaged.fullHash);
         const TrackInfo tagged = outcome.byName.value(u"tagged.wav"_s);
-        QVERIFY(tagged.analysed && tagged.durationMs == 6000 && tagged.fullHash.size() == 64);
+        QVERIFY(tagged.analysed && tagged.stream.durationMs == 6000 && tagged.fullHash.size() == 64);
         QCOMPARE(tagged.audioHash, outcome.byName.value(u"copy.wav"_s).audioHash);
         QVERIFY(outcome.log.contains(u"Skipped 1 file(s) shorter than 5 seconds."_s));
         QCOMPARE(outcome.log.last(), u"Found 1 duplicate group(s); 0.1 MB could be reclaimed."_s);

@@ -110,15 +110,15 @@ private Q_SLOTS:
             ProbeResult result;
             const bool ok = reader(device, result);
             const QByteArray where = QByteArray::number(length);
-            QVERIFY2(u"Title"_s.startsWith(result.title), where.constData());
-            QVERIFY2(result.durationMs >= 0 && result.bitrateKbps >= 0, where.constData());
+            QVERIFY2(u"Title"_s.startsWith(result.tags.title), where.constData());
+            QVERIFY2(result.stream.durationMs >= 0 && result.stream.bitrateKbps >= 0, where.constData());
             QVERIFY2(result.audioOffset >= 0 && result.audioLength >= 0, where.constData());
             QVERIFY2(device.largestRequest <= length && device.reads <= 16, where.constData());
             // A last chunk may lack its pad byte, so one byte is granted.
             QVERIFY2(!ok || !result.audioRangeValid || result.audioOffset + result.audioLength <= length + 1,
                      where.constData());
             if (length == bytes.size())
-                QVERIFY(ok == bytes.contains("Title") && ok == !result.title.isEmpty());
+                QVERIFY(ok == bytes.contains("Title") && ok == !result.tags.title.isEmpty());
         }
     }
 
@@ -143,12 +143,12 @@ private Q_SLOTS:
         ProbeResult result;
         QVERIFY(readMp4(m4a, result));
         QCOMPARE(result.audioLength, fiveGiB);
-        QCOMPARE(result.bitrateKbps, 4294);
+        QCOMPARE(result.stream.bitrateKbps, 4294);
         RecordingDevice mp3(mpegAudio(262144), fiveGiB);
         result = {};
         QVERIFY(readMpeg(mp3, result));
         QCOMPARE(result.audioLength, fiveGiB + 262144);
-        QCOMPARE(result.durationMs, result.audioLength * 8 / 128);
+        QCOMPARE(result.stream.durationMs, result.audioLength * 8 / 128);
     }
 };
 

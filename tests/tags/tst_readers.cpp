@@ -15,9 +15,10 @@ namespace {
 /// The tags that are set, in the order of the record.
 QString describeTags(const ProbeResult &r)
 {
-    QStringList values { r.title, r.artist, r.album, r.albumArtist, r.genre, r.year, r.comment };
-    if (r.trackNo != 0)
-        values << QString::number(r.trackNo);
+    QStringList values { r.tags.title, r.tags.artist, r.tags.album,  r.tags.albumArtist,
+                         r.tags.genre, r.tags.year,   r.tags.comment };
+    if (r.tags.trackNo != 0)
+        values << QString::number(r.tags.trackNo);
     values.removeAll(QString());
     return values.join(u';');
 }
@@ -27,8 +28,8 @@ QString describeTags(const ProbeResult &r)
 QString describeAudio(bool ok, const ProbeResult &r)
 {
     const QString range = r.audioRangeValid ? u" @%1+%2"_s.arg(r.audioOffset).arg(r.audioLength) : QString();
-    return (ok ? QString() : u"? "_s) + u"%1ms %2 "_s.arg(r.durationMs).arg(r.bitrateKbps)
-        + u"%1x%2"_s.arg(r.sampleRate).arg(r.channels) + range;
+    return (ok ? QString() : u"? "_s) + u"%1ms %2 "_s.arg(r.stream.durationMs).arg(r.stream.bitrateKbps)
+        + u"%1x%2"_s.arg(r.stream.sampleRate).arg(r.stream.channels) + range;
 }
 
 void row(const char *suffix, const char *name, const QByteArray &bytes, const char *expected, bool isTags = false)

@@ -40,7 +40,7 @@ void DeckView::setTrack(const TrackInfo &track)
     m_scrubber->clear();
     if (m_hasFile)
         m_scrubber->setAnalysing();
-    setDurationMs(track.durationMs);
+    setDurationMs(track.stream.durationMs);
     setPositionMs(0);
     resetLevels();
     refreshDimming();

@@ -35,7 +35,7 @@ QString title(const TrackInfo &track)
     if (track.path.isEmpty())
         return QCoreApplication::translate("epr::ComparePlayer", "\u2014 no file loaded \u2014");
     const QString name = track.fileName.isEmpty() ? QFileInfo(track.path).fileName() : track.fileName;
-    return (track.title.isEmpty() ? name : track.title).toUpper();
+    return (track.tags.title.isEmpty() ? name : track.tags.title).toUpper();
 }
 
 QString format(const TrackInfo &track)
@@ -56,7 +56,7 @@ QString durationDelta(const TrackInfo &a, const TrackInfo &b)
 {
     if (a.path.isEmpty() || b.path.isEmpty())
         return emDash;
-    const qint64 difference = b.durationMs - a.durationMs;
+    const qint64 difference = b.stream.durationMs - a.stream.durationMs;
     const double seconds = static_cast<double>(std::abs(difference)) / 1000.0;
     return QCoreApplication::translate("epr::ComparePlayer", "%1%2 s").arg(signOf(difference)).arg(seconds, 0, 'f', 2);
 }
@@ -65,7 +65,7 @@ QString bitrateDelta(const TrackInfo &a, const TrackInfo &b)
 {
     if (a.path.isEmpty() || b.path.isEmpty())
         return emDash;
-    const qint64 difference = qint64 { b.bitrateKbps } - a.bitrateKbps;
+    const qint64 difference = qint64 { b.stream.bitrateKbps } - a.stream.bitrateKbps;
     return QCoreApplication::translate("epr::ComparePlayer", "%1%2 k")
         .arg(signOf(difference))
         .arg(std::abs(difference));

@@ -345,7 +345,7 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
     case TitleColumn:
         return displayTitle(track);
     case DurationColumn:
-        return durationText(track.durationMs);
+        return durationText(track.stream.durationMs);
     case QualityColumn:
         return qualityText(track);
     case SizeColumn:

@@ -36,9 +36,9 @@ constexpr std::array<Share, 4> shares { {
 QString widestQuality()
 {
     TrackInfo track;
-    track.bitrateKbps = 1411;
-    track.sampleRate = 44100;
-    track.channels = 2;
+    track.stream.bitrateKbps = 1411;
+    track.stream.sampleRate = 44100;
+    track.stream.channels = 2;
     return qualityText(track);
 }
 

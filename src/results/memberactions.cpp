@@ -105,7 +105,7 @@ void MemberActions::compareMember()
         return;
     const auto quality = [&tracks](qint32 index) {
         const TrackInfo track = tracks.value(index);
-        return std::pair(track.bitrateKbps, track.size);
+        return std::pair(track.stream.bitrateKbps, track.size);
     };
     const auto hasLessQuality = [quality](qint32 a, qint32 b) { return quality(a) < quality(b); };
     const qint32 current =

@@ -55,8 +55,8 @@ QString fileDetailsHtml(const TrackInfo &track)
     lines += line(FileDetails::tr("Folder"), QDir::toNativeSeparators(folderOf(track)));
     lines += line(FileDetails::tr("Artist"), displayArtist(track));
     lines += line(FileDetails::tr("Title"), displayTitle(track));
-    lines += line(FileDetails::tr("Album"), track.album);
-    lines += line(FileDetails::tr("Duration"), durationText(track.durationMs));
+    lines += line(FileDetails::tr("Album"), track.tags.album);
+    lines += line(FileDetails::tr("Duration"), durationText(track.stream.durationMs));
     lines += line(FileDetails::tr("Quality"), qualityText(track));
     lines += line(FileDetails::tr("Size"), sizeText(track.size));
     lines += line(FileDetails::tr("Modified"), QLocale().toString(track.mtime, FileDetails::tr("d MMM yyyy h:mm ap")));

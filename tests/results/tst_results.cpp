@@ -37,8 +37,8 @@ Lists listsOf(const QString &sketch)
             TrackInfo track;
             track.fileName = name + u".mp3"_s;
             track.path = u"/music/"_s + track.fileName;
-            track.artist = u"Artist"_s;
-            track.title = u"Title of "_s + name;
+            track.tags.artist = u"Artist"_s;
+            track.tags.title = u"Title of "_s + name;
             track.size = mebibyte * (index + 1);
             group.members << index;
             if (starred != name)
@@ -165,11 +165,11 @@ private Q_SLOTS:
         lists.groups[0].matchType = MatchType::SameAudio;
         TrackInfo &track = lists.tracks[1];
         track.path = u"/music/new/b.mp3"_s;
-        track.artist.clear();
-        track.title.clear();
-        track.durationMs = 3723000;
-        track.bitrateKbps = 320;
-        track.channels = 2;
+        track.tags.artist.clear();
+        track.tags.title.clear();
+        track.stream.durationMs = 3723000;
+        track.stream.bitrateKbps = 320;
+        track.stream.channels = 2;
         track.mtime = QDateTime(QDate(2026, 3, 7), QTime(15, 4));
         track.error = u"cut short"_s;
         ResultsModel model;
@@ -209,8 +209,8 @@ private Q_SLOTS:
     {
         QFETCH(const QString, typed);
         Lists lists = listsOf(u"a* b / c d* / e* f"_s);
-        lists.tracks[0].title = u"Left\\Right"_s;
-        lists.tracks[2].artist = u"Björk"_s;
+        lists.tracks[0].tags.title = u"Left\\Right"_s;
+        lists.tracks[2].tags.artist = u"Björk"_s;
         lists.tracks[5].path = u"/Archive/1998/f.mp3"_s;
         ResultsModel model;
         ResultsFilter filter(&model);

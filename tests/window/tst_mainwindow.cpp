@@ -44,7 +44,7 @@ void showTwoCopies(MainWindow &window)
     track.path = u"/music/one.mp3"_s;
     track.size = 2 << 20;
     track.fullHash = u"c0ffee"_s;
-    track.album = QString(100, u'x');
+    track.tags.album = QString(100, u'x');
     TrackInfo copy = track;
     copy.path = u"/music/<two> & more.mp3"_s;
     copy.fileName = u"<two> & more.mp3"_s;
