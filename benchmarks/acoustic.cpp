@@ -144,7 +144,7 @@ bool measureDistances(const char *kind, const TrackInfo &a, const TrackInfo &b)
 ScanOptions optionsFor(bool fpcalc)
 {
     ScanOptions options;
-    options.fingerprintEngine = fpcalc ? 1 : 0;
+    options.fingerprintEngine = fpcalc ? epr::FingerprintEngine::Fpcalc : epr::FingerprintEngine::BuiltIn;
     return options;
 }
 

@@ -58,7 +58,7 @@ void fillCache(AnalysisCache &cache, const QStringList &paths)
 {
     cache.beginTransaction();
     for (const QString &path : paths)
-        cache.store(analysedTrack(path), 0);
+        cache.store(analysedTrack(path), FingerprintEngine::BuiltIn);
     cache.commitTransaction();
 }
 
@@ -67,7 +67,7 @@ QList<TrackInfo> check(const QStringList &paths)
 {
     QList<TrackInfo> tracks;
     tracks.reserve(paths.size());
-    for (CacheCheck files(paths, 0); !files.atEnd();) {
+    for (CacheCheck files(paths, FingerprintEngine::BuiltIn); !files.atEnd();) {
         QList<TrackInfo> slice = files.take();
         for (TrackInfo &track : slice)
             tracks.append(std::move(track));

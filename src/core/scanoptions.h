@@ -7,6 +7,10 @@
 
 namespace epr {
 
+/// What made a fingerprint. Those of different engines cannot be compared with each other. The cache stores the
+/// numbers.
+enum class FingerprintEngine : qint32 { BuiltIn = 0, Fpcalc = 1 };
+
 /// What to scan and how to compare. The defaults are the defaults of the settings store.
 struct ScanOptions {
     QStringList roots;
@@ -20,7 +24,7 @@ struct ScanOptions {
     bool detectSameAudio = true;
     bool detectAcoustic = true;
     bool detectMetadata = false;
-    qint32 fingerprintEngine = 1; ///< 1 prefers fpcalc, any other value the built-in analysis
+    FingerprintEngine fingerprintEngine = FingerprintEngine::Fpcalc; ///< any value but this is the built-in analysis
     qint32 fingerprintSeconds = 60;
     double threshold = 0.25; ///< highest bit error rate that matches, built-in fingerprints
     double chromaprintThreshold = 0.12; ///< the same for fpcalc fingerprints

@@ -11,7 +11,6 @@ namespace epr {
 
 namespace {
 
-constexpr qint32 chromaprintEngine = 1; // ScanOptions::fingerprintEngine
 constexpr qsizetype shortestUsable = 40; // words
 constexpr qsizetype shortestFiltered = 40; // words; shorter beginnings say too little to reject a pair
 constexpr qsizetype shortestFilterOverlap = 32; // words
@@ -37,7 +36,7 @@ MaskedWords alternativeWords(const TrackInfo &track)
 
 AcousticRules acousticRules(const ScanOptions &options)
 {
-    if (options.fingerprintEngine == chromaprintEngine)
+    if (options.fingerprintEngine == FingerprintEngine::Fpcalc)
         return { true, 5, options.chromaprintThreshold, 0.12, 160, 20, { 40, 80, options.chromaprintThreshold } };
     return { false, 3, options.threshold, 0.18, 200, 24, { 48, 40, options.threshold } };
 }

@@ -165,7 +165,7 @@ void AnalysisCache::close()
     m_error.clear();
 }
 
-bool AnalysisCache::lookup(TrackInfo &track, qint32 engine)
+bool AnalysisCache::lookup(TrackInfo &track, FingerprintEngine engine)
 {
     if (!isOpen() || !m_error.isEmpty())
         return false;
@@ -183,7 +183,7 @@ bool AnalysisCache::lookup(TrackInfo &track, qint32 engine)
     return hit;
 }
 
-void AnalysisCache::lookupAll(std::span<TrackInfo> tracks, qint32 engine)
+void AnalysisCache::lookupAll(std::span<TrackInfo> tracks, FingerprintEngine engine)
 {
     while (!tracks.empty() && isOpen() && m_error.isEmpty()) {
         const auto batch = tracks.first(std::min(tracks.size(), pathsPerQuery));
@@ -193,7 +193,7 @@ void AnalysisCache::lookupAll(std::span<TrackInfo> tracks, qint32 engine)
 }
 
 // The rows come in the database's order and so are assigned by their paths.
-void AnalysisCache::lookupBatch(std::span<TrackInfo> tracks, qint32 engine)
+void AnalysisCache::lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine engine)
 {
     QMultiHash<QStringView, TrackInfo *> wanted;
     wanted.reserve(pathsPerQuery);
@@ -216,7 +216,7 @@ void AnalysisCache::lookupBatch(std::span<TrackInfo> tracks, qint32 engine)
     m_lookupMany->finish();
 }
 
-void AnalysisCache::store(const TrackInfo &track, qint32 engine)
+void AnalysisCache::store(const TrackInfo &track, FingerprintEngine engine)
 {
     if (!isOpen() || !m_error.isEmpty() || track.path.isEmpty())
         return;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "scanoptions.h"
 #include "trackinfo.h"
 
 #include <QSqlDatabase>
@@ -35,10 +36,10 @@ public:
     void close();
 
     /// Completes a measured record from the row of its path; false when there is no row or it no longer holds.
-    [[nodiscard]] bool lookup(TrackInfo &track, qint32 engine);
+    [[nodiscard]] bool lookup(TrackInfo &track, FingerprintEngine engine);
     /// The same for many records at a fraction of the cost. What was found says so by TrackFromCache in its flags.
-    void lookupAll(std::span<TrackInfo> tracks, qint32 engine);
-    void store(const TrackInfo &track, qint32 engine);
+    void lookupAll(std::span<TrackInfo> tracks, FingerprintEngine engine);
+    void store(const TrackInfo &track, FingerprintEngine engine);
     void beginTransaction();
     void commitTransaction();
 
@@ -54,7 +55,7 @@ private:
     bool openConnection(QString *error);
     bool createSchema(QString *error);
     bool prepareStatements(QString *error);
-    void lookupBatch(std::span<TrackInfo> tracks, qint32 engine);
+    void lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine engine);
     void removeRows(const QStringList &paths);
     void noteError(const QString &text);
 

@@ -25,7 +25,7 @@ qsizetype threadsFor(qsizetype files)
 
 } // namespace
 
-CacheCheck::CacheCheck(const QStringList &paths, std::optional<qint32> engine)
+CacheCheck::CacheCheck(const QStringList &paths, std::optional<FingerprintEngine> engine)
     : m_paths(paths)
     , m_engine(engine)
 {

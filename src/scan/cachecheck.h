@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "scanoptions.h"
 #include "trackinfo.h"
 
 #include <QStringList>
@@ -26,7 +27,7 @@ public:
     static constexpr qsizetype sliceSize = 512;
 
     /// Without an engine the files are only measured.
-    CacheCheck(const QStringList &paths, std::optional<qint32> engine);
+    CacheCheck(const QStringList &paths, std::optional<FingerprintEngine> engine);
     Q_DISABLE_COPY_MOVE(CacheCheck)
 
     [[nodiscard]] qsizetype position() const { return m_position; } ///< index of the first file of the next slice
@@ -47,7 +48,7 @@ private:
     void noteError(const QString &text);
 
     const QStringList m_paths;
-    const std::optional<qint32> m_engine;
+    const std::optional<FingerprintEngine> m_engine;
     qsizetype m_lookAhead = 0; ///< how many files may be worked on from the position on
     std::mutex m_mutex; ///< guards what follows
     std::condition_variable_any m_changed;

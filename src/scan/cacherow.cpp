@@ -32,12 +32,12 @@ QList<quint32> fromBlob(const QByteArray &blob)
 
 } // namespace
 
-bool isCurrentCacheRow(const QSqlQuery &row, const TrackInfo &track, qint32 engine)
+bool isCurrentCacheRow(const QSqlQuery &row, const TrackInfo &track, FingerprintEngine engine)
 {
     return row.value(CacheSizeColumn).toLongLong() == track.size
         && row.value(CacheMtimeColumn).toLongLong() == track.mtime.toSecsSinceEpoch()
         && row.value(CacheSchemaVersionColumn).toInt() == layoutVersion
-        && row.value(CacheEngineColumn).toInt() == engine;
+        && row.value(CacheEngineColumn).toInt() == qToUnderlying(engine);
 }
 
 void readCacheRow(const QSqlQuery &row, TrackInfo &track)
@@ -64,7 +64,7 @@ void readCacheRow(const QSqlQuery &row, TrackInfo &track)
     track.flags |= TrackFromCache;
 }
 
-QVariantList cacheRowOf(const TrackInfo &track, qint32 engine)
+QVariantList cacheRowOf(const TrackInfo &track, FingerprintEngine engine)
 {
     return { track.path,
              track.size,
@@ -87,7 +87,7 @@ QVariantList cacheRowOf(const TrackInfo &track, qint32 engine)
              toBlob(track.fingerprint.mask),
              toBlob(track.fingerprint.alternative),
              toBlob(track.fingerprint.alternativeMask),
-             engine,
+             qToUnderlying(engine),
              layoutVersion,
              QDateTime::currentSecsSinceEpoch() };
 }

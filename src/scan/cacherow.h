@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "scanoptions.h"
 #include "trackinfo.h"
 
 #include <QVariant>
@@ -40,12 +41,12 @@ enum CacheColumn {
 };
 
 /// Whether the row tells about the measured file as it is now, in this layout and of this engine.
-[[nodiscard]] bool isCurrentCacheRow(const QSqlQuery &row, const TrackInfo &track, qint32 engine);
+[[nodiscard]] bool isCurrentCacheRow(const QSqlQuery &row, const TrackInfo &track, FingerprintEngine engine);
 
 /// Completes a measured record.
 void readCacheRow(const QSqlQuery &row, TrackInfo &track);
 
 /// The values of a whole row, in the table's order.
-[[nodiscard]] QVariantList cacheRowOf(const TrackInfo &track, qint32 engine);
+[[nodiscard]] QVariantList cacheRowOf(const TrackInfo &track, FingerprintEngine engine);
 
 } // namespace epr

@@ -28,24 +28,22 @@ namespace {
 constexpr int eventBudgetMs = 40; // of one polling round
 constexpr unsigned long pollPauseMs = 50;
 
-constexpr qint32 builtInEngine = 0;
-constexpr qint32 fpcalcEngine = 1;
-
 // What fpcalc and the built-in analysis make cannot be compared with each other, so the whole scan, its cache and its
 // matching use the one that is really there.
-qint32 engineFor(const ScanOptions &options)
+FingerprintEngine engineFor(const ScanOptions &options)
 {
-    return options.fingerprintEngine == fpcalcEngine && hasFpcalc() ? fpcalcEngine : builtInEngine;
+    const bool fpcalc = options.fingerprintEngine == FingerprintEngine::Fpcalc && hasFpcalc();
+    return fpcalc ? FingerprintEngine::Fpcalc : FingerprintEngine::BuiltIn;
 }
 
 // Whether the acoustic comparison can use the record's fingerprint. Only the built-in analysis makes masks.
-bool hasUsableFingerprint(const TrackInfo &track, qint32 engine)
+bool hasUsableFingerprint(const TrackInfo &track, FingerprintEngine engine)
 {
     return !track.fingerprint.words.isEmpty()
-        && (engine != builtInEngine || track.fingerprint.words.size() == track.fingerprint.mask.size());
+        && (engine != FingerprintEngine::BuiltIn || track.fingerprint.words.size() == track.fingerprint.mask.size());
 }
 
-QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, qint32 engine)
+QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, FingerprintEngine engine)
 {
     QList<FingerprintJob> jobs;
     for (qsizetype i = 0; i < tracks.size(); ++i) {
@@ -301,7 +299,7 @@ void ScanController::fingerprintFiles(Scan &scan)
 int ScanController::runFingerprintPool(Scan &scan, const QList<FingerprintJob> &jobs)
 {
     FingerprintPool pool(scan.options.decoderThreads, scan.options.fingerprintSeconds,
-                         scan.options.fingerprintEngine == fpcalcEngine);
+                         scan.options.fingerprintEngine == FingerprintEngine::Fpcalc);
     int failures = 0;
     connect(
         &pool, &FingerprintPool::completed, this,
@@ -325,7 +323,7 @@ int ScanController::runFingerprintPool(Scan &scan, const QList<FingerprintJob> &
 
 void ScanController::logFingerprinting(const Scan &scan, qsizetype files)
 {
-    const bool byFpcalc = scan.options.fingerprintEngine == fpcalcEngine;
+    const bool byFpcalc = scan.options.fingerprintEngine == FingerprintEngine::Fpcalc;
     const QString engine = byFpcalc ? tr("Chromaprint fpcalc (%1)").arg(fpcalcPath())
         : hasFfmpeg()               ? tr("built-in analysis, ffmpeg decode")
                                     : tr("built-in analysis, Qt decode");

@@ -97,7 +97,7 @@ private Q_SLOTS:
             u"Yoru no densha.m4a|夜の電車.m4a|夜の電車.opus"_s,
             u"track03 (1).mp3|track03.mp3|Поезд на рассвете.mp3"_s
         };
-        for (const int engine : { 0, 1 })
+        for (const FingerprintEngine engine : { FingerprintEngine::BuiltIn, FingerprintEngine::Fpcalc })
             QCOMPARE(groupsOf(MatchType::SameRecording, engine), reencoded);
         const QStringList retagged { u"01 Harbour Lights.flac|Harbour Lights (copy).flac"_s,
                                      u"Taxidi.flac|Ταξίδι.flac"_s, u"Yoru no densha.m4a|夜の電車.m4a"_s,
@@ -113,7 +113,7 @@ private Q_SLOTS:
 
 private:
     /// The groups of one kind, sorted, as the names in each.
-    QStringList groupsOf(MatchType type, int engine = 0)
+    QStringList groupsOf(MatchType type, FingerprintEngine engine = FingerprintEngine::BuiltIn)
     {
         ScanOptions options;
         options.roots = QStringList { library() };

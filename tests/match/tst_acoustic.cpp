@@ -31,7 +31,7 @@ std::atomic<qint32> notCancelled { 0 };
 epr::ScanOptions optionsFor(bool chromaprint, double threshold, qint32 durationTolerance = 5)
 {
     epr::ScanOptions options;
-    options.fingerprintEngine = chromaprint ? 1 : 0;
+    options.fingerprintEngine = chromaprint ? epr::FingerprintEngine::Fpcalc : epr::FingerprintEngine::BuiltIn;
     options.threshold = options.chromaprintThreshold = threshold;
     options.durationTolerance = durationTolerance;
     return options;

@@ -84,7 +84,7 @@ private Q_SLOTS:
         AnalysisCache cache;
         QVERIFY(cache.open());
         for (const auto &[column, sizeChange, mtimeChange, hit] : rows) {
-            cache.store(analysed(), 1);
+            cache.store(analysed(), FingerprintEngine::Fpcalc);
             QCOMPARE(otherProgram("SELECT hex(fingerprint) || typeof(fingerprint_alt_mask) FROM tracks"),
                      u"01020304FFFFFFFFblob"_s);
             otherProgram("UPDATE tracks SET " + column);
@@ -95,9 +95,9 @@ private Q_SLOTS:
             expected.mtime = track.mtime;
             expected.flags = hit ? quint64(TrackFromCache) : 0;
             TrackInfo batched = track;
-            cache.lookupAll({ &batched, 1 }, 1);
+            cache.lookupAll({ &batched, 1 }, FingerprintEngine::Fpcalc);
             QCOMPARE(batched, expected);
-            QCOMPARE(cache.lookup(track, 1), hit);
+            QCOMPARE(cache.lookup(track, FingerprintEngine::Fpcalc), hit);
             QCOMPARE(track, expected);
             QCOMPARE(cache.count(), 1); // a row that does not hold is left in place
         }
@@ -116,11 +116,11 @@ private Q_SLOTS:
             track.path = paths.emplaceBack(u"/m/%1.mp3"_s.arg(i == 7 ? 8 : i));
             track.stream.durationMs = i;
             if (i % 3 != 0)
-                cache.store(track, 0);
+                cache.store(track, FingerprintEngine::BuiltIn);
         }
         cache.commitTransaction();
         for (const bool readable : { true, false }) {
-            CacheCheck files(paths, 0);
+            CacheCheck files(paths, FingerprintEngine::BuiltIn);
             QTest::qSleep(50);
             int i = 0;
             for (; !files.atEnd() && (readable || i < 512);) {
@@ -144,16 +144,16 @@ private Q_SLOTS:
         QVERIFY(cache.open() && reader.open());
         TrackInfo track = measured();
         cache.beginTransaction();
-        cache.store(analysed(), 0);
-        QVERIFY(!reader.lookup(track, 0));
+        cache.store(analysed(), FingerprintEngine::BuiltIn);
+        QVERIFY(!reader.lookup(track, FingerprintEngine::BuiltIn));
         cache.commitTransaction();
-        QVERIFY(reader.lookup(track, 0));
+        QVERIFY(reader.lookup(track, FingerprintEngine::BuiltIn));
 
         otherProgram("BEGIN IMMEDIATE");
-        cache.store(analysed(u"/m/b.mp3"_s), 0);
+        cache.store(analysed(u"/m/b.mp3"_s), FingerprintEngine::BuiltIn);
         QVERIFY(cache.takeError().contains("locked"_L1));
         otherProgram("SELECT 1");
-        cache.store(analysed(u"/m/b.mp3"_s), 0);
+        cache.store(analysed(u"/m/b.mp3"_s), FingerprintEngine::BuiltIn);
         QVERIFY(cache.takeError().isEmpty() && reader.count() == 2);
     }
 
@@ -163,17 +163,17 @@ private Q_SLOTS:
         AnalysisCache cache;
         QVERIFY(cache.open());
         for (const QString &path : { existing, u"/m/a.mp3"_s })
-            cache.store(analysed(path), 0);
+            cache.store(analysed(path), FingerprintEngine::BuiltIn);
         QCOMPARE(cache.pruneMissing(), 1);
         TrackInfo track = measured(existing);
-        QVERIFY(cache.lookup(track, 0));
+        QVERIFY(cache.lookup(track, FingerprintEngine::BuiltIn));
         QVERIFY(cache.clear() && cache.count() == 0);
 
-        cache.store(analysed(), 0);
+        cache.store(analysed(), FingerprintEngine::BuiltIn);
         cache.close();
         QCOMPARE(QSqlDatabase::connectionNames(), words("other"));
         track = measured();
-        QVERIFY(!cache.lookup(track, 0) && !cache.clear() && cache.count() == 0);
+        QVERIFY(!cache.lookup(track, FingerprintEngine::BuiltIn) && !cache.clear() && cache.count() == 0);
         QVERIFY(cache.open() && cache.count() == 1);
     }
 

@@ -105,7 +105,7 @@ private Q_SLOTS:
             QSKIP("ffmpeg is not installed");
 #endif
         m_options.detectAcoustic = true;
-        m_options.fingerprintEngine = 0;
+        m_options.fingerprintEngine = FingerprintEngine::BuiltIn;
         m_options.decoderThreads = 1;
         ScanController controller;
         const auto cancelling =

@@ -145,7 +145,7 @@ private Q_SLOTS:
         for (QAction *command : { actionsOf(window)->clearCache, actionsOf(window)->settings }) {
             AnalysisCache cache;
             QVERIFY(cache.open());
-            cache.store(track, 0);
+            cache.store(track, FingerprintEngine::BuiltIn);
             QCOMPARE(cache.count(), 1);
             command->trigger();
             QCOMPARE(cache.count(), 0);
