@@ -8,7 +8,7 @@
 #include "quarantinewarning.h"
 #include "removaldialog.h"
 #include "restore.h"
-#include "resultsmodel.h"
+#include "review.h"
 #include "undomanifest.h"
 
 #include <QFileInfo>
@@ -21,26 +21,26 @@ namespace epr {
 
 using namespace Qt::StringLiterals;
 
-CleanupCommand::CleanupCommand(ResultsModel *results, QWidget *window)
+CleanupCommand::CleanupCommand(Review &review, QWidget *window)
     : QObject(window)
-    , m_results(results)
+    , m_review(review)
     , m_window(window)
 {
 }
 
 void CleanupCommand::removeSelected(const Places &places)
 {
-    Request request { tickedGroups(*m_results), {}, places };
+    Request request { tickedGroups(m_review), {}, places };
     request.paths = tickedPaths(request.groups);
     if (request.paths.isEmpty()) {
         showInformation(m_window, tr("Nothing selected"),
                         tr("Tick the copies you want removed, or use Select All Duplicates."));
         return;
     }
-    if (const int group = firstWhollyTickedGroup(*m_results); group >= 0) {
+    if (const int group = m_review.firstWhollyTickedGroup(); group >= 0) {
         showWarning(m_window, tr("Every copy selected"),
                     tr("Group %1 has all of its copies ticked for removal. Untick at least one so a copy survives.")
-                        .arg(m_results->groups().at(group).id));
+                        .arg(m_review.groups().at(group).id));
         Q_EMIT wholeGroupTicked(group);
         return;
     }
@@ -108,14 +108,14 @@ bool CleanupCommand::confirmDeletion(qsizetype files)
 void CleanupCommand::remove(const Request &request, RemovalMode mode)
 {
     Q_EMIT aboutToRemove(request.paths);
-    // The lists themselves are only looked at: nothing changes the model while the job runs.
+    // The review itself is only looked at: nothing changes it while the job runs.
     RemovalPlan plan;
     RemovalResult result;
     QSet<qint32> vanished;
     const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
         plan = planRemoval(request.groups);
         result = removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress);
-        vanished = vanishedMembers(m_results->tracks(), m_results->groups());
+        vanished = m_review.vanishedTracks();
     });
     const qsizetype untouched = plan.paths.size() - result.succeeded - result.failed;
     result.failed += plan.refused;
@@ -124,7 +124,7 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
         ? QString()
         : tr("The clean-up was stopped: %n file(s) were not touched.", nullptr, static_cast<int>(untouched));
     tellRemoval(mode, result, stopped);
-    m_results->removeMembers(vanished);
+    m_review.removeMembers(vanished);
     Q_EMIT filesRemoved();
 }
 

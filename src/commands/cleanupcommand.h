@@ -12,8 +12,8 @@
 
 namespace epr {
 
-class ResultsModel;
 struct RestoreResult;
+class Review;
 
 /// Removes the ticked copies and undoes earlier quarantine runs: the checks, the questions, the work and what is said
 /// about it afterwards.
@@ -28,7 +28,7 @@ public:
     };
 
     /// The window is the parent of all dialogs.
-    CleanupCommand(ResultsModel *results, QWidget *window);
+    CleanupCommand(Review &review, QWidget *window);
 
     /// While files are moved, an event loop runs inside the command: the window must neither close nor start a scan.
     [[nodiscard]] bool isRunning() const { return m_isRunning; }
@@ -63,7 +63,7 @@ private:
     void restore(const QString &manifest);
     void tellRestore(const RestoreResult &result, const QString &stopped);
 
-    ResultsModel *m_results;
+    Review &m_review;
     QWidget *m_window;
     bool m_isRunning = false;
 };

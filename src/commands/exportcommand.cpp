@@ -5,7 +5,7 @@
 #include "backgroundjob.h"
 #include "plainbox.h"
 #include "reportwriter.h"
-#include "resultsmodel.h"
+#include "review.h"
 
 #include <QCoreApplication>
 #include <QDate>
@@ -67,11 +67,11 @@ Choice chooseReport(QWidget *parent)
 
 // On a thread of its own, so that the windows are painted during the seconds that tens of thousands of groups take;
 // their input waits.
-bool writeInBackground(const Choice &choice, const ResultsModel &results, const QStringList &roots, QString *error)
+bool writeInBackground(const Choice &choice, const Review &review, const QStringList &roots, QString *error)
 {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     bool written = false;
-    BackgroundJob writer([&, tracks = results.tracks(), groups = results.groups()] {
+    BackgroundJob writer([&, tracks = review.tracks(), groups = review.groups()] {
         written = writeReport(choice.path, choice.format, tracks, groups, roots, error);
     });
     writer.wait(QEventLoop::ExcludeUserInputEvents);
@@ -82,10 +82,10 @@ bool writeInBackground(const Choice &choice, const ResultsModel &results, const 
 
 } // namespace
 
-void exportReport(const ResultsModel &results, const QStringList &roots,
+void exportReport(const Review &review, const QStringList &roots,
                   const std::function<void(const QString &message)> &log, QWidget *parent)
 {
-    if (results.groups().isEmpty()) {
+    if (review.groups().isEmpty()) {
         showInformation(parent, ExportCommand::tr("Nothing to export"),
                         ExportCommand::tr("Run a scan first - there are no results to report on."));
         return;
@@ -94,7 +94,7 @@ void exportReport(const ResultsModel &results, const QStringList &roots,
     if (choice.path.isEmpty())
         return;
     QString error;
-    if (!writeInBackground(choice, results, roots, &error)) {
+    if (!writeInBackground(choice, review, roots, &error)) {
         showCritical(parent, ExportCommand::tr("Export failed"),
                      ExportCommand::tr("Could not write the report:\n\n%1").arg(error));
         return;

@@ -10,11 +10,11 @@ class QWidget;
 
 namespace epr {
 
-class ResultsModel;
+class Review;
 
 /// Lets the operator choose a file and a format, writes a report of the results as they stand, and offers to open it.
 /// The roots are those of the scan that the results come from. `log` is told about a report that was written.
-void exportReport(const ResultsModel &results, const QStringList &roots,
+void exportReport(const Review &review, const QStringList &roots,
                   const std::function<void(const QString &message)> &log, QWidget *parent);
 
 } // namespace epr

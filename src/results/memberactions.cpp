@@ -4,7 +4,7 @@
 
 #include "displaytext.h"
 #include "filedetails.h"
-#include "resultsmodel.h"
+#include "review.h"
 
 #include <QClipboard>
 #include <QDesktopServices>
@@ -13,14 +13,11 @@
 #include <QMenu>
 #include <QUrl>
 
-#include <algorithm>
-#include <utility>
-
 namespace epr {
 
 using namespace Qt::StringLiterals;
 
-MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
+MemberActions::MemberActions(Review &review, QWidget *parent)
     : QObject(parent)
     , loadIntoDeckA(make(tr("Load into Deck A"), Qt::CTRL | Qt::Key_1,
                          [this](const TrackInfo &track) { Q_EMIT loadRequested(0, track); }))
@@ -38,7 +35,7 @@ MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
     , keep(make(tr("Keep this copy instead"), Qt::CTRL | Qt::Key_K, [this](const TrackInfo &) { keepMember(); }))
     , showDetails(make(tr("File details..."), Qt::ALT | Qt::Key_Return,
                        [this](const TrackInfo &track) { showFileDetails(track, m_window); }))
-    , m_results(results)
+    , m_review(review)
     , m_window(parent)
     , m_menu(new QMenu(parent))
     , m_groupMenu(new QMenu(parent))
@@ -52,23 +49,25 @@ MemberActions::MemberActions(ResultsModel *results, QWidget *parent)
     m_menu->addSeparator();
     m_menu->addAction(showDetails);
     m_groupMenu->addAction(compareGroup);
-    connect(results, &ResultsModel::totalsChanged, this, &MemberActions::refresh);
+    connect(&review, &Review::aboutToBeReset, this, [this] { setMember(-1, -1); }); // maybe while the menu is open
+    connect(&review, &Review::totalsChanged, this, &MemberActions::refresh);
     compareGroup->setShortcut(Qt::CTRL | Qt::Key_Return);
     connect(compareGroup, &QAction::triggered, this, &MemberActions::compareMember);
     refresh();
 }
 
-void MemberActions::setMember(const QModelIndex &member)
+void MemberActions::setMember(int group, int member)
 {
-    m_member = member.siblingAtColumn(ResultsModel::FileColumn);
+    m_group = group;
+    m_member = member;
     refresh();
 }
 
 void MemberActions::popup(const QPoint &globalPos)
 {
-    if (m_results->trackAt(m_member))
+    if (track())
         m_menu->popup(globalPos);
-    else if (m_member.isValid())
+    else if (m_group >= 0)
         m_groupMenu->popup(globalPos);
 }
 
@@ -78,47 +77,38 @@ template <typename Handler> QAction *MemberActions::make(const QString &text, co
     auto *action = new QAction(text, this);
     action->setShortcut(key);
     connect(action, &QAction::triggered, this, [this, handler] {
-        if (const TrackInfo *track = m_results->trackAt(m_member))
-            handler(TrackInfo(*track));
+        if (const TrackInfo *current = track())
+            handler(TrackInfo(*current));
     });
     return action;
 }
 
-void MemberActions::refresh()
+const TrackInfo *MemberActions::track() const
 {
-    const bool hasTrack = m_results->trackAt(m_member) != nullptr;
-    for (QAction *action : { loadIntoDeckA, loadIntoDeckB, play, openFolder, copyPath, showDetails })
-        action->setEnabled(hasTrack);
-    compareGroup->setEnabled(m_member.isValid());
-    keep->setEnabled(hasTrack && !m_member.data(ResultsModel::KeeperRole).toBool());
+    return m_review.track(m_group, m_member);
 }
 
-// The kept copy goes to deck A. The current copy goes to deck B, or the one most worth a comparison: what would be lost
-// first is quality.
+void MemberActions::refresh()
+{
+    const bool hasTrack = track() != nullptr;
+    for (QAction *action : { loadIntoDeckA, loadIntoDeckB, play, openFolder, copyPath, showDetails })
+        action->setEnabled(hasTrack);
+    compareGroup->setEnabled(m_group >= 0);
+    keep->setEnabled(hasTrack && !m_review.isKeeper(m_group, m_member));
+}
+
+// The kept copy goes to deck A, the current one or its counterpart to deck B.
 void MemberActions::compareMember()
 {
-    const MatchGroup group = m_results->groups().value(m_member.data(ResultsModel::GroupRole).toInt());
-    const QList<TrackInfo> &tracks = m_results->tracks();
-    QList<qint32> others = group.members;
-    others.removeAll(group.keep);
-    if (others.isEmpty())
-        return;
-    const auto quality = [&tracks](qint32 index) {
-        const TrackInfo track = tracks.value(index);
-        return std::pair(track.stream.bitrateKbps, track.size);
-    };
-    const auto hasLessQuality = [quality](qint32 a, qint32 b) { return quality(a) < quality(b); };
-    const qint32 current =
-        m_member.data(ResultsModel::TrackRole).isValid() ? m_member.data(ResultsModel::TrackRole).toInt() : group.keep;
-    const qint32 other =
-        others.contains(current) ? current : *std::max_element(others.begin(), others.end(), hasLessQuality);
-    Q_EMIT compareRequested(tracks.value(group.keep), tracks.value(other));
+    const MatchGroup &group = m_review.groups().at(m_group);
+    const qint32 other = m_review.counterpart(m_group, group.members.value(m_member, group.keep));
+    if (other >= 0)
+        Q_EMIT compareRequested(m_review.tracks().value(group.keep), m_review.tracks().value(other));
 }
 
 void MemberActions::keepMember()
 {
-    m_results->setKeeper(m_member.data(ResultsModel::GroupRole).toInt(),
-                         m_member.data(ResultsModel::TrackRole).toInt());
+    m_review.setKeeper(m_group, m_review.groups().at(m_group).members.at(m_member));
 }
 
 void MemberActions::openMember(const QString &path)

@@ -3,14 +3,13 @@
 #pragma once
 
 #include <QAction>
-#include <QPersistentModelIndex>
 
 class QMenu;
 class QWidget;
 
 namespace epr {
 
-class ResultsModel;
+class Review;
 struct TrackInfo;
 
 /// What can be done with one copy, the current one of the results, or with its group. The context menu of the member
@@ -20,9 +19,9 @@ class MemberActions final : public QObject {
     Q_OBJECT
 
 public:
-    MemberActions(ResultsModel *results, QWidget *parent);
+    MemberActions(Review &review, QWidget *parent);
 
-    void setMember(const QModelIndex &member); ///< any index of the results model
+    void setMember(int group, int member); ///< positions in the review; -1 = a group's own row, or nowhere
     void popup(const QPoint &globalPos);
 
     QAction *const loadIntoDeckA;
@@ -41,16 +40,18 @@ Q_SIGNALS:
 
 private:
     template <typename Handler> QAction *make(const QString &text, const QKeySequence &key, Handler handler);
+    const TrackInfo *track() const;
     void refresh();
     void compareMember();
     void keepMember();
     void openMember(const QString &path);
 
-    ResultsModel *m_results;
+    Review &m_review;
     QWidget *m_window;
     QMenu *m_menu;
     QMenu *m_groupMenu; ///< on a group's own row
-    QPersistentModelIndex m_member; ///< a scan may end and reset the model while the menu is open
+    int m_group = -1;
+    int m_member = -1;
 };
 
 } // namespace epr

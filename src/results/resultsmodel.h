@@ -2,22 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "matchgroup.h"
-#include "resultstotals.h"
-#include "trackinfo.h"
+#include "reviewfilter.h"
 
 #include <QAbstractItemModel>
 #include <QFont>
-#include <QFuture>
-#include <QSet>
-#include <QThreadPool>
-
-#include <vector>
 
 namespace epr {
 
-/// The duplicate groups of a scan as a tree of two levels: a row per group and below it a row per member. It reads
-/// the scan's own lists and keeps one bit per member for the tick, so a large result costs no row objects.
+/// A review as a tree of two levels: a row per group and below it a row per member, those that match a text alone where
+/// there is one.
 ///
 /// Where a change touches ticks in many groups, one dataChanged() covers the range of their group rows and stands for
 /// everything below them as well.
@@ -44,72 +37,38 @@ public:
         KeeperRole, ///< member rows: whether this is the copy to keep
     };
 
-    explicit ResultsModel(QObject *parent = nullptr);
+    explicit ResultsModel(Review &review, QObject *parent = nullptr);
 
-    [[nodiscard]] const QList<TrackInfo> &tracks() const { return m_tracks; }
-    [[nodiscard]] const QList<MatchGroup> &groups() const { return m_groups; }
-    [[nodiscard]] const ResultsTotals &totals() const { return m_totals; }
-    [[nodiscard]] const TrackInfo *trackAt(const QModelIndex &index) const; ///< null unless a member row with a track
-    [[nodiscard]] bool isTicked(int group, int member) const { return m_ticked[rowOf(group, member)]; }
+    void setFilter(const QString &text); ///< as typed
+    qint64 hiddenTicks() const { return m_rows.hiddenTicks(); } ///< ticked copies that do not match the text
 
-    /// For every track that is in a group, its artist, title, file name and folder, case-folded, one to a line. They
-    /// are prepared in the background from setResults() on; the first call waits for the rest of that work.
-    [[nodiscard]] QStringList searchTexts() const;
+    QModelIndex groupIndex(int group) const; ///< its row; invalid while it is not shown
+    QModelIndex memberIndex(int group, int member) const;
+    int groupOf(const QModelIndex &index) const; ///< position in the review, -1 for an invalid index
+    int memberOf(const QModelIndex &index) const; ///< position in its group, -1 on a group's own row
 
-    /// Takes the lists of a scan and ticks every copy but the one to keep.
-    void setResults(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
-    void clear();
-
-    void tickDuplicates(); ///< every copy but the keepers, which are unticked
-    void clearTicks();
-    void invertTicks();
-
-    /// Makes another member the copy to keep. It is unticked; if it was ticked, the former keeper takes over the tick.
-    void setKeeper(int group, qint32 track);
-
-    /// Takes out the members that refer to these tracks, and every group left with fewer than two members. The other
-    /// groups keep their numbers and ticks. Where the copy to keep went, the first unticked one takes its place, lest a
-    /// report propose every copy of a group.
-    void removeMembers(const QSet<qint32> &tracks);
-
-    [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
-    [[nodiscard]] QModelIndex parent(const QModelIndex &child) const override;
+    QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
     using QObject::parent;
-    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
-    [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
-    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    [[nodiscard]] QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
-Q_SIGNALS:
-    void totalsChanged();
-
 private:
-    [[nodiscard]] std::size_t rowOf(int group, int member) const;
-    [[nodiscard]] const TrackInfo *track(qint32 index) const;
-    [[nodiscard]] qint64 sizeOf(qint32 trackIndex) const;
-    [[nodiscard]] qint64 reclaimable(const MatchGroup &group) const;
-    [[nodiscard]] QVariant groupData(int group, int column, int role) const;
-    [[nodiscard]] QVariant memberData(int group, int member, int column, int role) const;
-    [[nodiscard]] QString groupText(const MatchGroup &group) const;
-    [[nodiscard]] QString memberText(const TrackInfo &track, int column) const;
-    [[nodiscard]] QVariant memberToolTip(const TrackInfo &track, int column) const;
-
-    template <typename Rule> void setTicks(Rule ticked); ///< rule: (was ticked, is keeper) to ticked
-    void setTick(int group, int member, bool ticked);
-    void countGroups();
-    void layOutRows();
+    void followReview();
     void emitTicksChanged();
     void emitGroupChanged(int group);
+    QVariant groupData(int group, int column, int role) const;
+    QVariant memberData(int group, int member, int column, int role) const;
+    QString groupText(const MatchGroup &group) const;
+    QString memberText(const TrackInfo &track, int column) const;
+    QVariant memberToolTip(const TrackInfo &track, int column) const;
 
-    QList<TrackInfo> m_tracks;
-    QList<MatchGroup> m_groups;
-    std::vector<std::size_t> m_firstRow; ///< per group, its first member among all members; one more entry closes it
-    std::vector<bool> m_ticked; ///< per member, in group order
-    ResultsTotals m_totals;
-    QThreadPool m_background; ///< not the global one: painting may need that, and would wait for the end of our work
-    QFuture<QStringList> m_searchTexts;
+    Review &m_review;
+    ReviewFilter m_rows;
     QFont m_boldFont;
 };
 

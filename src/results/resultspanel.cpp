@@ -3,11 +3,10 @@
 #include "resultspanel.h"
 
 #include "memberactions.h"
-#include "resultsfilter.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
+#include "review.h"
 #include "reviewplace.h"
-#include "summarytext.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -40,25 +39,25 @@ protected:
 
 } // namespace
 
-ResultsPanel::ResultsPanel(ResultsModel *results, QWidget *parent)
+ResultsPanel::ResultsPanel(Review &review, QWidget *parent)
     : QWidget(parent)
-    , m_results(results)
-    , m_filter(new ResultsFilter(results, this))
-    , m_memberActions(new MemberActions(results, this))
+    , m_review(review)
+    , m_model(new ResultsModel(review, this))
+    , m_memberActions(new MemberActions(review, this))
 {
     createFilterRow();
     createTree();
     layOutWidgets();
     connect(m_memberActions, &MemberActions::statusMessage, this, &ResultsPanel::statusMessage);
-    connect(m_results, &ResultsModel::totalsChanged, this, &ResultsPanel::refreshSummary);
-    connect(m_results, &ResultsModel::totalsChanged, this, &ResultsPanel::refreshHint);
+    connect(&m_review, &Review::totalsChanged, this, &ResultsPanel::refreshSummary);
+    connect(&m_review, &Review::totalsChanged, this, &ResultsPanel::refreshHint);
     setState(State::NotScanned);
 }
 
 void ResultsPanel::setState(State state)
 {
     m_state = state;
-    m_foundGroups = !m_results->groups().isEmpty();
+    m_foundGroups = !m_review.groups().isEmpty();
     refreshSummary();
     refreshHint();
 }
@@ -87,7 +86,7 @@ void ResultsPanel::focusResults()
 
 qint64 ResultsPanel::hiddenTicks() const
 {
-    return m_filter->hiddenTicks();
+    return m_model->hiddenTicks();
 }
 
 void ResultsPanel::addTreeAction(QAction *action)
@@ -97,10 +96,9 @@ void ResultsPanel::addTreeAction(QAction *action)
 
 void ResultsPanel::showGroup(int group)
 {
-    const QModelIndex row = m_results->index(group, 0);
-    if (!m_filter->mapFromSource(row).isValid())
+    if (!m_model->groupIndex(group).isValid())
         m_filterEdit->clear();
-    m_view->setCurrentIndex(m_filter->mapFromSource(row));
+    m_view->setCurrentIndex(m_model->groupIndex(group));
 }
 
 void ResultsPanel::createFilterRow()
@@ -121,10 +119,10 @@ void ResultsPanel::createTree()
     m_view = new ResultsView(this);
     m_view->setObjectName(u"resultsView"_s);
     m_view->setAccessibleName(tr("Duplicate groups"));
-    m_view->setModel(m_filter);
-    m_place = new ReviewPlace(m_results, m_filter, m_view);
-    connect(m_place, &ReviewPlace::changed, this, &ResultsPanel::onTreeSelectionChanged);
-    connect(m_view, &ResultsView::memberMenuRequested, this, &ResultsPanel::onTreeContextMenu);
+    m_view->setModel(m_model);
+    m_place = new ReviewPlace(m_review, *m_model, m_view);
+    connect(m_place, &ReviewPlace::changed, m_memberActions, &MemberActions::setMember);
+    connect(m_view, &ResultsView::memberMenuRequested, m_memberActions, &MemberActions::popup);
     connect(m_view, &ResultsView::memberActivated, this, &ResultsPanel::onTreeDoubleClicked);
 }
 
@@ -151,23 +149,14 @@ void ResultsPanel::layOutWidgets()
 
 void ResultsPanel::onFilterChanged(const QString &text)
 {
-    m_filter->setText(text);
+    m_model->setFilter(text);
     refreshHint();
-}
-
-void ResultsPanel::onTreeSelectionChanged(const QModelIndex &current)
-{
-    m_memberActions->setMember(current);
-}
-
-void ResultsPanel::onTreeContextMenu(const QPoint &globalPos)
-{
-    m_memberActions->popup(globalPos);
 }
 
 void ResultsPanel::onTreeDoubleClicked()
 {
-    if (const TrackInfo *track = m_results->trackAt(m_filter->mapToSource(m_view->currentIndex())))
+    const QModelIndex current = m_view->currentIndex();
+    if (const TrackInfo *track = m_review.track(m_model->groupOf(current), m_model->memberOf(current)))
         Q_EMIT memberActivated(TrackInfo(*track));
 }
 
@@ -182,7 +171,7 @@ void ResultsPanel::refreshSummary()
         m_summary->clear();
         break;
     case State::Finished:
-        m_summary->setText(summaryText(m_results->totals()));
+        m_summary->setText(summaryText(m_review.totals()));
         break;
     }
 }
@@ -205,11 +194,11 @@ QString ResultsPanel::hintText() const
     case State::Finished:
         break;
     }
-    if (!m_results->groups().isEmpty())
+    if (!m_review.groups().isEmpty())
         return tr("No copy matches the filter.");
     if (m_foundGroups)
         return tr("No duplicates are left. The next scan shows what was put back since.");
-    return m_results->totals().files > 0
+    return m_review.totals().files > 0
         ? tr("No duplicates in these folders.")
         : tr("No music files were found. The activity log says whether a folder is missing, and Settings choose which "
              "files are looked at.");

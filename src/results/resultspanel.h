@@ -10,9 +10,9 @@ class QLineEdit;
 namespace epr {
 
 class MemberActions;
-class ResultsFilter;
 class ResultsModel;
 class ResultsView;
+class Review;
 class ReviewPlace;
 struct TrackInfo;
 
@@ -24,16 +24,16 @@ public:
     /// What an empty tree means, and so what it says.
     enum class State { NotScanned, Scanning, Finished, Cancelled };
 
-    explicit ResultsPanel(ResultsModel *results, QWidget *parent = nullptr);
+    explicit ResultsPanel(Review &review, QWidget *parent = nullptr);
 
-    [[nodiscard]] MemberActions *memberActions() const { return m_memberActions; }
+    MemberActions *memberActions() const { return m_memberActions; }
 
     void setState(State state); ///< after the results have been set
     void setHasFolders(bool hasFolders); ///< whether there is anything to scan
     void goToGroup(int step); ///< -1 or +1
     void focusFilter();
     void focusResults();
-    [[nodiscard]] qint64 hiddenTicks() const; ///< ticked copies that the filter hides
+    qint64 hiddenTicks() const; ///< ticked copies that the filter hides
     void addTreeAction(QAction *action); ///< its key then works in the tree
     void showGroup(int group); ///< makes it the current row, whatever the filter says
 
@@ -46,15 +46,13 @@ private:
     void createTree();
     void layOutWidgets();
     void onFilterChanged(const QString &text);
-    void onTreeSelectionChanged(const QModelIndex &current);
-    void onTreeContextMenu(const QPoint &globalPos);
     void onTreeDoubleClicked();
     void refreshSummary();
     void refreshHint();
-    [[nodiscard]] QString hintText() const;
+    QString hintText() const;
 
-    ResultsModel *m_results;
-    ResultsFilter *m_filter;
+    Review &m_review;
+    ResultsModel *m_model;
     MemberActions *m_memberActions;
     State m_state = State::NotScanned;
     bool m_foundGroups = false; ///< by the last scan, whether or not they are there still

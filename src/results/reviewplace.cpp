@@ -2,24 +2,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "reviewplace.h"
 
-#include "resultsfilter.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
+#include "review.h"
 
 #include <algorithm>
 
 namespace epr {
 
-ReviewPlace::ReviewPlace(const ResultsModel *results, const ResultsFilter *filter, ResultsView *view)
+ReviewPlace::ReviewPlace(const Review &review, const ResultsModel &model, ResultsView *view)
     : QObject(view)
-    , m_results(results)
-    , m_filter(filter)
+    , m_review(review)
+    , m_model(model)
     , m_view(view)
 {
     connect(view->selectionModel(), &QItemSelectionModel::currentChanged, this, &ReviewPlace::remember);
     connect(view, &ResultsView::enteredWithoutCurrent, this, &ReviewPlace::enter);
     // After the view and its selection, which forget the current row without a word.
-    connect(filter, &QAbstractItemModel::modelReset, this, &ReviewPlace::restore);
+    connect(&model, &QAbstractItemModel::modelReset, this, &ReviewPlace::restore);
 }
 
 void ReviewPlace::goToGroup(int step)
@@ -27,7 +27,7 @@ void ReviewPlace::goToGroup(int step)
     int row = firstRowFrom(m_group);
     if (step < 0)
         --row;
-    else if (row < m_filter->rowCount() && idOfRow(row) == m_group)
+    else if (row < m_model.rowCount() && idOfRow(row) == m_group)
         ++row;
     m_view->setFocus(Qt::ShortcutFocusReason);
     showGroup(row);
@@ -35,18 +35,18 @@ void ReviewPlace::goToGroup(int step)
 
 void ReviewPlace::remember(const QModelIndex &current)
 {
-    if (current.isValid()) {
-        const QModelIndex cell = current.siblingAtColumn(ResultsModel::FileColumn);
-        m_group = m_results->groups().value(cell.data(ResultsModel::GroupRole).toInt()).id;
-        const QVariant track = cell.data(ResultsModel::TrackRole);
-        m_track = track.isValid() ? track.toInt() : -1;
+    const int group = m_model.groupOf(current);
+    const int member = m_model.memberOf(current);
+    if (group >= 0) {
+        m_group = m_review.groups().at(group).id;
+        m_track = member < 0 ? -1 : m_review.groups().at(group).members.at(member);
     }
-    Q_EMIT changed(m_filter->mapToSource(current));
+    Q_EMIT changed(group, member);
 }
 
 void ReviewPlace::restore()
 {
-    const QList<MatchGroup> &groups = m_results->groups();
+    const QList<MatchGroup> &groups = m_review.groups();
     if (groups.isEmpty())
         m_group = 0;
     const auto place =
@@ -55,20 +55,19 @@ void ReviewPlace::restore()
     const bool isRemoved = place == groups.end();
     if (isNowhere ? m_view->hasFocus() : isRemoved)
         return enter();
-    const QModelIndex shown = isNowhere ? QModelIndex() : m_filter->mapFromSource(rowIn(*place));
+    const QModelIndex shown = isNowhere ? QModelIndex() : rowIn(*place);
     if (shown.isValid())
         m_view->setCurrentIndex(shown);
     else
-        Q_EMIT changed({});
+        Q_EMIT changed(-1, -1);
 }
 
 // The copy, or the first one when it was removed, or the group's own row.
 QModelIndex ReviewPlace::rowIn(const MatchGroup &place) const
 {
-    const auto number = &place - m_results->groups().constData();
-    const QModelIndex group = m_results->index(static_cast<int>(number), 0);
+    const auto group = static_cast<int>(&place - m_review.groups().constData());
     const auto member = static_cast<int>(place.members.indexOf(m_track));
-    return m_track < 0 ? group : m_results->index(std::max(member, 0), 0, group);
+    return m_track < 0 ? m_model.groupIndex(group) : m_model.memberIndex(group, std::max(member, 0));
 }
 
 void ReviewPlace::enter()
@@ -79,29 +78,28 @@ void ReviewPlace::enter()
 // With the whole group in sight where there is room for it.
 void ReviewPlace::showGroup(int row)
 {
-    const int count = m_filter->rowCount();
+    const int count = m_model.rowCount();
     if (count == 0) {
-        Q_EMIT changed({});
+        Q_EMIT changed(-1, -1);
         return;
     }
-    const QModelIndex group = m_filter->index(std::clamp(row, 0, count - 1), ResultsModel::FileColumn);
+    const QModelIndex group = m_model.index(std::clamp(row, 0, count - 1), ResultsModel::FileColumn);
     m_view->expand(group);
-    m_view->setCurrentIndex(m_filter->index(0, ResultsModel::FileColumn, group));
-    m_view->scrollTo(m_filter->index(m_filter->rowCount(group) - 1, ResultsModel::FileColumn, group));
+    m_view->setCurrentIndex(m_model.index(0, ResultsModel::FileColumn, group));
+    m_view->scrollTo(m_model.index(m_model.rowCount(group) - 1, ResultsModel::FileColumn, group));
     m_view->scrollTo(group);
 }
 
 qint32 ReviewPlace::idOfRow(int row) const
 {
-    const QModelIndex group = m_filter->index(row, ResultsModel::FileColumn);
-    return m_results->groups().value(group.data(ResultsModel::GroupRole).toInt()).id;
+    return m_review.groups().at(m_model.groupOf(m_model.index(row, ResultsModel::FileColumn))).id;
 }
 
 // The row count if all groups come before.
 int ReviewPlace::firstRowFrom(qint32 id) const
 {
     int first = 0;
-    for (int end = m_filter->rowCount(); first < end;) {
+    for (int end = m_model.rowCount(); first < end;) {
         const int middle = first + (end - first) / 2;
         if (idOfRow(middle) < id)
             first = middle + 1;

@@ -8,9 +8,9 @@
 namespace epr {
 
 struct MatchGroup;
-class ResultsFilter;
 class ResultsModel;
 class ResultsView;
+class Review;
 
 /// Where the operator is in the results. A filter and a removal lay the rows out afresh, and the view then knows no
 /// current row any more; this remembers the copy and goes back to it, or to the next group when its own is gone.
@@ -18,26 +18,27 @@ class ReviewPlace final : public QObject {
     Q_OBJECT
 
 public:
-    /// The view must have been given the filter as its model.
-    ReviewPlace(const ResultsModel *results, const ResultsFilter *filter, ResultsView *view);
+    /// The view must have been given the model.
+    ReviewPlace(const Review &review, const ResultsModel &model, ResultsView *view);
 
     /// -1 or +1: to the first copy of the visible group before or after this place; the first group to begin with.
     void goToGroup(int step);
 
 Q_SIGNALS:
-    void changed(const QModelIndex &current); ///< of the results model; invalid while the place is not in sight
+    /// Positions in the review. The member is -1 on a group's own row, both are while the place is not in sight.
+    void changed(int group, int member);
 
 private:
     void remember(const QModelIndex &current);
     void restore();
-    [[nodiscard]] QModelIndex rowIn(const MatchGroup &place) const; ///< of the results model
+    QModelIndex rowIn(const MatchGroup &place) const;
     void enter();
     void showGroup(int row);
-    [[nodiscard]] qint32 idOfRow(int row) const;
-    [[nodiscard]] int firstRowFrom(qint32 id) const;
+    qint32 idOfRow(int row) const;
+    int firstRowFrom(qint32 id) const;
 
-    const ResultsModel *m_results;
-    const ResultsFilter *m_filter;
+    const Review &m_review;
+    const ResultsModel &m_model;
     ResultsView *m_view;
     qint32 m_group = 0; ///< number of the group, 0 = nowhere yet; ascending from 1 in the results
     qint32 m_track = -1; ///< -1 = on the group's own row

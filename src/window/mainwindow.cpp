@@ -14,15 +14,14 @@
 #include "metadata.h"
 #include "playerdock.h"
 #include "quarantinewarning.h"
-#include "resultsmodel.h"
 #include "resultspanel.h"
+#include "review.h"
 #include "scancontroller.h"
 #include "scanstrip.h"
 #include "settingscommand.h"
 #include "settingsstore.h"
 #include "shortcutsdialog.h"
 #include "startup.h"
-#include "summarytext.h"
 #include "updatenotices.h"
 
 #include <QCloseEvent>
@@ -57,7 +56,7 @@ MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
     , m_quarantineRoot(SettingsStore::defaultQuarantineRoot())
     , m_actions(new MainActions(this))
-    , m_results(new ResultsModel(this))
+    , m_review(new Review(this))
 {
     setWindowTitle(metadata::applicationName());
     setWindowIcon(startup::applicationIcon());
@@ -129,7 +128,7 @@ void MainWindow::onStartScan()
     const auto log = [this](const QString &message) { report(message); };
     if (m_cleanup->isRunning() || !confirmScanOfQuarantine(m_quarantineRoot, folders, log, this))
         return;
-    m_results->clear();
+    m_review->clear();
     m_scanRoots = options.roots;
     m_playerDock->player()->stop();
     setScanning(true);
@@ -156,7 +155,7 @@ void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<Matc
                                 qint64 elapsedMs)
 {
     setScanning(false);
-    m_results->setResults(tracks, groups);
+    m_review->setResults(tracks, groups);
     m_resultsPanel->setState(cancelled ? ResultsPanel::State::Cancelled : ResultsPanel::State::Finished);
     refreshActions();
     const QString elapsed = elapsedText(elapsedMs);
@@ -190,17 +189,17 @@ void MainWindow::onLogMessage(const QString &message)
 
 void MainWindow::onSelectDuplicates()
 {
-    m_results->tickDuplicates();
+    m_review->tickDuplicates();
 }
 
 void MainWindow::onClearSelection()
 {
-    m_results->clearTicks();
+    m_review->clearTicks();
 }
 
 void MainWindow::onInvertSelection()
 {
-    m_results->invertTicks();
+    m_review->invertTicks();
 }
 
 // A file goes into the quarantine under the folder that it was found in, even if that has left the list since.
@@ -219,7 +218,7 @@ void MainWindow::onUndoPrevious()
 void MainWindow::onExportReport()
 {
     exportReport(
-        *m_results, m_scanRoots, [this](const QString &message) { report(message); }, this);
+        *m_review, m_scanRoots, [this](const QString &message) { report(message); }, this);
 }
 
 void MainWindow::onSettings()
@@ -262,7 +261,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 void MainWindow::createPanels()
 {
     m_folderPanel = new FolderPanel(m_actions->addFolder, m_actions->removeFolder, this);
-    m_resultsPanel = new ResultsPanel(m_results, this);
+    m_resultsPanel = new ResultsPanel(*m_review, this);
     auto *splitter = new QSplitter(Qt::Vertical, this);
     splitter->setObjectName(u"mainSplitter"_s);
     splitter->addWidget(m_folderPanel);
@@ -410,7 +409,7 @@ void MainWindow::connectUpdates()
 
 void MainWindow::connectCleanup()
 {
-    m_cleanup = new CleanupCommand(m_results, this);
+    m_cleanup = new CleanupCommand(*m_review, this);
     connect(m_cleanup, &CleanupCommand::logMessage, this, &MainWindow::onLogMessage);
     connect(m_cleanup, &CleanupCommand::statusMessage, m_strip, &ScanStrip::showStatus);
     connect(m_cleanup, &CleanupCommand::wholeGroupTicked, m_resultsPanel, &ResultsPanel::showGroup);
@@ -450,7 +449,7 @@ void MainWindow::refreshActions()
 {
     m_actions->enableFor({ .isScanning = m_isScanning,
                            .hasFolderSelection = m_folderPanel->hasSelection(),
-                           .hasGroups = !m_results->groups().isEmpty() });
+                           .hasGroups = !m_review->groups().isEmpty() });
 }
 
 // A scan of hours is watched from the task bar.

@@ -18,8 +18,8 @@ class CleanupCommand;
 class FolderPanel;
 class MainActions;
 class PlayerDock;
-class ResultsModel;
 class ResultsPanel;
+class Review;
 class ScanController;
 class ScanStrip;
 class UpdateNotices;
@@ -91,7 +91,7 @@ private:
     bool m_isStopping = false; ///< reports that were on their way must not hide that Stop was heard
 
     MainActions *m_actions;
-    ResultsModel *m_results;
+    Review *m_review;
     FolderPanel *m_folderPanel = nullptr;
     ResultsPanel *m_resultsPanel = nullptr;
     ActivityLog *m_log = nullptr;

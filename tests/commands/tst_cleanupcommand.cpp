@@ -75,8 +75,8 @@ private:
 };
 
 /// A window with the results of a scan: groups of files, of which the first is kept and the others are ticked.
-struct Review final : Sandbox {
-    Review()
+struct Session final : Sandbox {
+    Session()
     {
         SettingsStore().setQuarantineRoot(quarantine());
         window.emplace();
@@ -97,25 +97,21 @@ struct Review final : Sandbox {
         }
         window->show();
         window->onScanFinished(tracks, groups, false, 1);
-        results = window->findChild<ResultsModel *>();
+        review = window->findChild<Review *>();
         before = treeOf(library());
     }
 
-    void tick(int group, int member, Qt::CheckState state) const
-    {
-        QVERIFY(results->setData(results->index(member, 0, results->index(group, 0)), state, Qt::CheckStateRole));
-    }
     /// The groups left in the tree as numbers and members: "1:2 3:4".
     [[nodiscard]] QString groups() const
     {
         QStringList rows;
-        for (const MatchGroup &group : results->groups())
+        for (const MatchGroup &group : review->groups())
             rows << u"%1:%2"_s.arg(group.id).arg(group.members.size());
         return rows.join(u' ');
     }
 
     std::optional<MainWindow> window;
-    ResultsModel *results = nullptr;
+    Review *review = nullptr;
     Tree before;
     Operator person;
 };
@@ -130,118 +126,119 @@ private Q_SLOTS:
 
     void wrongTicksAreRefused()
     {
-        Review review;
-        review.window->onClearSelection();
-        review.window->onRemoveSelected();
+        Session session;
+        session.window->onClearSelection();
+        session.window->onRemoveSelected();
         // The group in question may be hidden by the filter.
-        review.window->onSelectDuplicates();
-        review.tick(1, 0, Qt::Checked);
-        review.window->findChild<QLineEdit *>(u"filterEdit"_s)->setText(u"no such music"_s);
-        review.window->onRemoveSelected();
+        session.window->onSelectDuplicates();
+        session.review->setTicked(1, 0, true);
+        session.window->findChild<QLineEdit *>(u"filterEdit"_s)->setText(u"no such music"_s);
+        session.window->onRemoveSelected();
         const QString first = u"Nothing selected|Tick the copies you want removed, or use Select All Duplicates."_s;
         const QString second = u"Every copy selected|Group 2 has all of its copies ticked for removal. Untick at least "
                                "one so a copy survives."_s;
-        QCOMPARE(review.person.boxes, QStringList({ first, second }));
-        QVERIFY(review.window->findChild<QTreeView *>()->currentIndex().data().toString().startsWith("Group 2 "_L1));
-        QCOMPARE(treeOf(review.library()), review.before);
+        QCOMPARE(session.person.boxes, QStringList({ first, second }));
+        QVERIFY(session.window->findChild<QTreeView *>()->currentIndex().data().toString().startsWith("Group 2 "_L1));
+        QCOMPARE(treeOf(session.library()), session.before);
     }
 
     void nothingIsDeletedWithoutConsent()
     {
-        Review review;
-        review.tick(2, 1, Qt::Unchecked);
-        Operator &person = review.person;
+        Session session;
+        session.review->setTicked(2, 1, false);
+        Operator &person = session.person;
         person.mode = RemovalMode::Delete;
         person.answers[u"Permanent deletion"_s] = QMessageBox::Cancel;
         for (const auto button : { QDialogButtonBox::Cancel, QDialogButtonBox::Ok }) {
             person.removal = button;
-            review.window->onRemoveSelected();
+            session.window->onRemoveSelected();
             QCOMPARE(person.boxes.size(), button == QDialogButtonBox::Ok ? 1 : 0);
-            QCOMPARE(treeOf(review.library()), review.before);
+            QCOMPARE(treeOf(session.library()), session.before);
         }
         person.answers[u"Permanent deletion"_s] = QMessageBox::Yes;
-        review.window->onRemoveSelected();
+        session.window->onRemoveSelected();
         const QString question =
             u"Permanent deletion|3 file(s) will be deleted permanently and cannot be recovered.\n\n"
             "Are you certain?"_s;
         const QString end = u"Clean-up complete|Removed 3 file(s), freeing 300 bytes."_s;
         QCOMPARE(person.boxes, QStringList({ question, question, end }));
-        QCOMPARE(treeOf(review.library()).keys(), words("a1 b1 c2 sub sub/c1"));
-        QCOMPARE(review.groups(), u"3:2"_s);
-        QVERIFY(logs(*review.window, u"Delete permanently: 3 succeeded, 0 failed, 300 bytes freed."_s));
+        QCOMPARE(treeOf(session.library()).keys(), words("a1 b1 c2 sub sub/c1"));
+        QCOMPARE(session.groups(), u"3:2"_s);
+        QVERIFY(logs(*session.window, u"Delete permanently: 3 succeeded, 0 failed, 300 bytes freed."_s));
     }
 
     void quarantineIsUndoneInTheWindow()
     {
-        Review review;
-        Operator &person = review.person;
-        person.newQuarantine = review.inLibrary(u"&quarantine;"_s);
+        Session session;
+        Operator &person = session.person;
+        person.newQuarantine = session.inLibrary(u"&quarantine;"_s);
         QVERIFY(QDir().mkdir(person.newQuarantine));
-        review.window->onRemoveSelected();
-        QVERIFY(person.hint.endsWith("under<br>"_L1 + review.library() + "/&amp;quarantine;</span>"_L1));
+        session.window->onRemoveSelected();
+        QVERIFY(person.hint.endsWith("under<br>"_L1 + session.library() + "/&amp;quarantine;</span>"_L1));
         QVERIFY(person.boxes.value(0).startsWith("Quarantine folder will be scanned|"_L1));
         QCOMPARE(person.boxes.value(1),
                  u"Clean-up complete|Removed 4 file(s), freeing 400 bytes.\n\nThis clean-up can be reversed from Tools "
                  "> Undo Previous Clean-up."_s);
-        QVERIFY(!QFileInfo::exists(review.inLibrary(u"sub/c3"_s)));
-        QCOMPARE(review.groups(), QString());
+        QVERIFY(!QFileInfo::exists(session.inLibrary(u"sub/c3"_s)));
+        QCOMPARE(session.groups(), QString());
 
         person.answers[u"Quarantine will be scanned"_s] = QMessageBox::Cancel;
-        review.window->onStartScan();
-        QVERIFY(!review.window->isScanning() && person.boxes.size() == 3);
+        session.window->onStartScan();
+        QVERIFY(!session.window->isScanning() && person.boxes.size() == 3);
 
-        review.window->onUndoPrevious();
+        session.window->onUndoPrevious();
         QCOMPARE(person.boxes.last(), u"Undo complete|Restored 4 file(s) to their original locations."_s);
-        QVERIFY(logs(*review.window, u"Undo: 4 restored, 0 failed."_s));
-        QVERIFY(QDir(review.inLibrary(u"&quarantine;"_s)).removeRecursively());
-        QCOMPARE(treeOf(review.library()), review.before);
-        review.window->onUndoPrevious();
+        QVERIFY(logs(*session.window, u"Undo: 4 restored, 0 failed."_s));
+        QVERIFY(QDir(session.inLibrary(u"&quarantine;"_s)).removeRecursively());
+        QCOMPARE(treeOf(session.library()), session.before);
+        session.window->onUndoPrevious();
         QVERIFY(person.boxes.last().startsWith(u"Nothing to undo|No reversible clean-ups have been recorded."_s));
     }
 
     void doubtfulFilesStay()
     {
-        Review review;
-        QVERIFY(QFile::remove(review.inLibrary(u"a1"_s))); // the copy to keep
-        review.write(review.inLibrary(u"b1"_s), "other music"); // another one
-        review.write(review.inLibrary(u"c2"_s), "other music"); // one to be removed
-        Tree expected = treeOf(review.library());
+        Session session;
+        QVERIFY(QFile::remove(session.inLibrary(u"a1"_s))); // the copy to keep
+        session.write(session.inLibrary(u"b1"_s), "other music"); // another one
+        session.write(session.inLibrary(u"c2"_s), "other music"); // one to be removed
+        Tree expected = treeOf(session.library());
         expected.remove(u"sub/c3"_s);
-        review.window->onRemoveSelected();
-        QCOMPARE(treeOf(review.library()), expected);
-        QVERIFY(review.person.boxes.value(0).contains("\n\n3 file(s) could not be removed - see the Activity Log."_L1));
+        session.window->onRemoveSelected();
+        QCOMPARE(treeOf(session.library()), expected);
+        QVERIFY(
+            session.person.boxes.value(0).contains("\n\n3 file(s) could not be removed - see the Activity Log."_L1));
         for (const QString &line :
              { u"Move to quarantine: 1 succeeded, 3 failed, 100 bytes freed."_s,
                u"Group 1 was left alone: no copy would remain"_s, u"Group 2 was left alone: the copy to keep changed"_s,
-               review.inLibrary(u"c2"_s) + u" changed since the scan"_s })
-            QVERIFY2(logs(*review.window, line), qPrintable(line));
-        QCOMPARE(review.groups(), u"2:2 3:2"_s); // only one file of the first group is left
+               session.inLibrary(u"c2"_s) + u" changed since the scan"_s })
+            QVERIFY2(logs(*session.window, line), qPrintable(line));
+        QCOMPARE(session.groups(), u"2:2 3:2"_s); // only one file of the first group is left
     }
 
     void undoOfLookAlikesTakesTheNewer()
     {
-        Review review;
-        const QStringList files = review.addMany(2, u"file-%1"_s);
+        Session session;
+        const QStringList files = session.addMany(2, u"file-%1"_s);
         QStringList manifests;
         for (const QString &file : files) { // within one second, as a rule
-            manifests << removeFiles({ file }, RemovalMode::Quarantine, review.quarantine(), {}).manifestPath;
+            manifests << removeFiles({ file }, RemovalMode::Quarantine, session.quarantine(), {}).manifestPath;
             QString error;
             UndoManifest manifest = readManifest(manifests.last(), &error).value();
             manifest.createdAt = u"2026-03-01T21:05:00"_s;
             QVERIFY(writeManifest(manifests.last(), manifest, &error));
         }
-        review.window->onUndoPrevious();
-        QCOMPARE(review.person.offered, QStringList(2, u"1 Mar 2026 9:05 pm - 1 file(s)"_s));
+        session.window->onUndoPrevious();
+        QCOMPARE(session.person.offered, QStringList(2, u"1 Mar 2026 9:05 pm - 1 file(s)"_s));
         QVERIFY(QFileInfo::exists(files.last()) && !QFileInfo::exists(files.first()));
 
         // The drive with the quarantine goes.
-        QVERIFY(QDir().rename(review.quarantine(), review.path(u"unplugged"_s)));
+        QVERIFY(QDir().rename(session.quarantine(), session.path(u"unplugged"_s)));
         for (const auto button : { QMessageBox::Cancel, QMessageBox::Ignore }) {
-            review.person.answers[u"Quarantine not found"_s] = button;
-            review.window->onUndoPrevious();
+            session.person.answers[u"Quarantine not found"_s] = button;
+            session.window->onUndoPrevious();
             QCOMPARE(listUndoManifests(), button == QMessageBox::Cancel ? manifests.first(1) : QStringList());
         }
-        QCOMPARE(review.person.boxes.last(),
+        QCOMPARE(session.person.boxes.last(),
                  u"Undo complete|Restored 0 file(s); 1 could not be restored. See the Activity Log."_s);
     }
 

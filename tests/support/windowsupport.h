@@ -7,6 +7,7 @@
 #include "metadata.h"
 #include "metatypes.h"
 #include "resultsmodel.h"
+#include "review.h"
 #include "settingsstore.h"
 #include "startup.h"
 

@@ -388,7 +388,7 @@ private Q_SLOTS:
             }
         }
         window.onScanFinished(tracks, groups, false, 1);
-        const auto *results = window.findChild<ResultsModel *>();
+        auto *review = window.findChild<Review *>();
         const auto *member = window.findChild<MemberActions *>();
         const auto current = [&] {
             const TrackInfo *track = resultsOf(window)->currentIndex().isValid()
@@ -407,10 +407,10 @@ private Q_SLOTS:
         filter->setText(u"kept"_s);
         QVERIFY(current().isEmpty() && !member->keep->isEnabled() && !member->showDetails->isEnabled());
         press(Qt::Key_K, Qt::ControlModifier);
-        QCOMPARE(results->groups().at(1).keep, 2);
+        QCOMPARE(review->groups().at(1).keep, 2);
         filter->clear();
         QCOMPARE(current(), u"copy 1"_s);
-        window.findChild<ResultsModel *>()->removeMembers({ 3 });
+        review->removeMembers({ 3 });
         QCOMPARE(current(), u"kept 2"_s);
         QVERIFY(member->showDetails->isEnabled());
         press(Qt::Key_Up, Qt::ControlModifier);

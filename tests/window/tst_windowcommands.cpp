@@ -170,9 +170,9 @@ private Q_SLOTS:
         MainWindow window;
         scan(window, pathOf(u"scanned"_s));
         window.addFolder(m_home->path());
-        auto *results = window.findChild<ResultsModel *>();
-        results->removeMembers({ 0 });
-        results->setKeeper(0, 2);
+        auto *review = window.findChild<Review *>();
+        review->removeMembers({ 0 });
+        review->setKeeper(0, 2);
 
         // The filter decides on the format, whatever the name says.
         const QList<QByteArray> starts { "<!DOCTYPE html>", "Group,", "{", "#EXTM3U" };

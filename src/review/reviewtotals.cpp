@@ -1,15 +1,27 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "summarytext.h"
+#include "reviewtotals.h"
 
 #include "displaytext.h"
 
 #include <QCoreApplication>
 #include <QLocale>
 
+#include <algorithm>
+
 namespace epr {
 
-QString summaryText(const ResultsTotals &totals)
+ReviewTotals totalsOf(qint64 files, const QList<MatchGroup> &groups)
+{
+    ReviewTotals totals { .files = files, .groups = groups.size() };
+    for (const MatchGroup &group : groups) {
+        totals.redundantCopies += std::max<qint64>(group.members.size() - 1, 0);
+        totals.redundantBytes += group.reclaimableBytes;
+    }
+    return totals;
+}
+
+QString summaryText(const ReviewTotals &totals)
 {
     const QLocale locale;
     if (totals.groups == 0) {

@@ -1,0 +1,251 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "review.h"
+
+#include "reviewfilter.h"
+
+#include <QFileInfo>
+#include <QtConcurrent>
+
+#include <algorithm>
+#include <utility>
+
+namespace epr {
+
+Review::Review(QObject *parent)
+    : QObject(parent)
+    , m_firstBit(1, 0)
+{
+    m_background.setMaxThreadCount(1);
+}
+
+const TrackInfo *Review::track(int group, int member) const
+{
+    if (group < 0 || group >= m_groups.size())
+        return nullptr;
+    return trackAt(m_groups.at(group).members.value(member, -1));
+}
+
+int Review::firstWhollyTickedGroup() const
+{
+    for (std::size_t g = 0; g + 1 < m_firstBit.size(); ++g) {
+        const auto bit = [this](std::size_t i) { return m_ticked.begin() + static_cast<std::ptrdiff_t>(i); };
+        if (std::find(bit(m_firstBit[g]), bit(m_firstBit[g + 1]), false) == bit(m_firstBit[g + 1]))
+            return static_cast<int>(g);
+    }
+    return -1;
+}
+
+QSet<qint32> Review::vanishedTracks() const
+{
+    QSet<qint32> vanished;
+    for (const MatchGroup &group : m_groups) {
+        for (const qint32 member : group.members) {
+            const TrackInfo *track = trackAt(member);
+            if (track && !QFileInfo::exists(track->path))
+                vanished.insert(member);
+        }
+    }
+    return vanished;
+}
+
+qint32 Review::counterpart(int group, qint32 track) const
+{
+    const MatchGroup &record = m_groups.at(group);
+    if (track != record.keep && record.members.contains(track))
+        return track;
+    QList<qint32> others = record.members;
+    others.removeAll(record.keep);
+    const auto quality = [this](qint32 other) {
+        const TrackInfo *info = trackAt(other);
+        return info ? std::pair(info->stream.bitrateKbps, info->size) : std::pair(0, qint64 { 0 });
+    };
+    const auto best = std::max_element(others.cbegin(), others.cend(),
+                                       [quality](qint32 a, qint32 b) { return quality(a) < quality(b); });
+    return best == others.cend() ? -1 : *best;
+}
+
+QStringList Review::searchTexts() const
+{
+    return m_searchTexts.isValid() ? m_searchTexts.result() : QStringList();
+}
+
+void Review::setResults(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups)
+{
+    Q_EMIT aboutToBeReset();
+    m_tracks = tracks;
+    m_groups = groups;
+    layOutBits();
+    m_ticked.assign(m_firstBit.back(), false);
+    countGroups();
+    setTicks([](bool, bool isKeeper) { return !isKeeper; });
+    m_searchTexts =
+        groups.isEmpty() ? QFuture<QStringList>() : QtConcurrent::run(&m_background, foldedSearchTexts, tracks, groups);
+    Q_EMIT reset();
+    Q_EMIT totalsChanged();
+}
+
+void Review::clear()
+{
+    setResults({}, {});
+}
+
+void Review::tickDuplicates()
+{
+    changeTicks([](bool, bool isKeeper) { return !isKeeper; });
+}
+
+void Review::clearTicks()
+{
+    changeTicks([](bool, bool) { return false; });
+}
+
+void Review::invertTicks()
+{
+    changeTicks([](bool wasTicked, bool) { return !wasTicked; });
+}
+
+void Review::setTicked(int group, int member, bool ticked)
+{
+    if (!setBit(group, member, ticked))
+        return;
+    Q_EMIT tickChanged(group, member);
+    Q_EMIT totalsChanged();
+}
+
+void Review::setKeeper(int group, qint32 track)
+{
+    MatchGroup &record = m_groups[group];
+    const auto newMember = static_cast<int>(record.members.indexOf(track));
+    const auto oldMember = static_cast<int>(record.members.indexOf(record.keep));
+    if (newMember < 0 || newMember == oldMember)
+        return;
+    const bool passTick = setBit(group, newMember, false);
+    if (oldMember >= 0 && passTick)
+        setBit(group, oldMember, true);
+    record.keep = track;
+    record.reclaimableBytes = reclaimable(record);
+    countGroups();
+    Q_EMIT keeperChanged(group);
+    Q_EMIT totalsChanged();
+}
+
+void Review::removeMembers(const QSet<qint32> &tracks)
+{
+    Q_EMIT aboutToBeReset();
+    QList<MatchGroup> keptGroups;
+    std::vector<bool> keptTicks;
+    for (int g = 0; g < m_groups.size(); ++g) {
+        MatchGroup group = m_groups.at(g);
+        const std::size_t firstTick = keptTicks.size();
+        group.members.clear();
+        for (int m = 0; m < m_groups.at(g).members.size(); ++m) {
+            const qint32 member = m_groups.at(g).members.at(m);
+            if (tracks.contains(member))
+                continue;
+            group.members << member;
+            keptTicks.push_back(isTicked(g, m));
+        }
+        if (group.members.size() < 2) {
+            keptTicks.resize(firstTick);
+            continue;
+        }
+        if (!group.members.contains(group.keep)) {
+            const auto ticks = keptTicks.begin() + static_cast<std::ptrdiff_t>(firstTick);
+            const auto unticked = std::find(ticks, keptTicks.end(), false);
+            const auto keeper = unticked == keptTicks.end() ? ticks : unticked;
+            *keeper = false;
+            group.keep = group.members.at(keeper - ticks);
+        }
+        group.reclaimableBytes = reclaimable(group);
+        keptGroups << group;
+    }
+    m_groups = keptGroups;
+    m_ticked = keptTicks;
+    layOutBits();
+    countGroups();
+    setTicks([](bool wasTicked, bool) { return wasTicked; });
+    Q_EMIT reset();
+    Q_EMIT totalsChanged();
+}
+
+std::size_t Review::bitOf(int group, int member) const
+{
+    return m_firstBit[static_cast<std::size_t>(group)] + static_cast<std::size_t>(member);
+}
+
+const TrackInfo *Review::trackAt(qint32 index) const
+{
+    return index >= 0 && index < m_tracks.size() ? &m_tracks.at(index) : nullptr;
+}
+
+qint64 Review::sizeOf(qint32 track) const
+{
+    const TrackInfo *found = trackAt(track);
+    return found ? found->size : 0;
+}
+
+qint64 Review::reclaimable(const MatchGroup &group) const
+{
+    qint64 bytes = 0;
+    for (const qint32 member : group.members) {
+        if (member != group.keep)
+            bytes += sizeOf(member);
+    }
+    return bytes;
+}
+
+// One pass over the bits, with the totals counted along the way.
+template <typename Rule> void Review::setTicks(Rule ticked)
+{
+    m_totals.tickedFiles = 0;
+    m_totals.tickedBytes = 0;
+    std::size_t bit = 0;
+    for (const MatchGroup &group : std::as_const(m_groups)) {
+        for (const qint32 member : group.members) {
+            const bool tick = ticked(m_ticked[bit], member == group.keep);
+            m_ticked[bit++] = tick;
+            if (tick) {
+                ++m_totals.tickedFiles;
+                m_totals.tickedBytes += sizeOf(member);
+            }
+        }
+    }
+}
+
+template <typename Rule> void Review::changeTicks(Rule ticked)
+{
+    setTicks(ticked);
+    Q_EMIT ticksChanged();
+    Q_EMIT totalsChanged();
+}
+
+bool Review::setBit(int group, int member, bool ticked)
+{
+    const std::size_t bit = bitOf(group, member);
+    if (m_ticked[bit] == ticked)
+        return false;
+    m_ticked[bit] = ticked;
+    const int sign = ticked ? 1 : -1;
+    m_totals.tickedFiles += sign;
+    m_totals.tickedBytes += sign * sizeOf(m_groups.at(group).members.at(member));
+    return true;
+}
+
+void Review::countGroups()
+{
+    ReviewTotals totals = totalsOf(m_tracks.size(), m_groups);
+    totals.tickedFiles = m_totals.tickedFiles;
+    totals.tickedBytes = m_totals.tickedBytes;
+    m_totals = totals;
+}
+
+void Review::layOutBits()
+{
+    m_firstBit.assign(1, 0);
+    m_firstBit.reserve(static_cast<std::size_t>(m_groups.size()) + 1);
+    for (const MatchGroup &group : std::as_const(m_groups))
+        m_firstBit.push_back(m_firstBit.back() + static_cast<std::size_t>(group.members.size()));
+}
+
+} // namespace epr

@@ -1,0 +1,124 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "reviewfilter.h"
+
+#include "displaytext.h"
+#include "review.h"
+
+#include <algorithm>
+
+namespace epr {
+
+namespace {
+
+// The texts as the results show them, one to a line so that no find reaches from one into the next.
+QString foldedSearchText(const TrackInfo &track)
+{
+    const QChar newline = u'\n';
+    const QString text =
+        displayArtist(track) + newline + displayTitle(track) + newline + track.fileName + newline + folderOf(track);
+    return text.toCaseFolded();
+}
+
+// What is looked for in such texts. The second form, with forward slashes, lets a folder be typed as Windows writes it.
+QStringList searchNeedles(const QString &typed)
+{
+    const QString folded = typed.trimmed().toCaseFolded();
+    if (folded.isEmpty())
+        return {};
+    QString slashed = folded;
+    slashed.replace(u'\\', u'/');
+    return slashed == folded ? QStringList { folded } : QStringList { folded, slashed };
+}
+
+} // namespace
+
+ReviewFilter::ReviewFilter(const Review &review)
+    : m_review(review)
+{
+    layOutRows();
+}
+
+bool ReviewFilter::setText(const QString &text)
+{
+    const QStringList needles = searchNeedles(text);
+    const bool isOther = needles != m_needles;
+    m_needles = needles;
+    return isOther;
+}
+
+void ReviewFilter::layOutRows()
+{
+    m_groups.clear();
+    m_members.clear();
+    m_rows.assign(static_cast<std::size_t>(m_review.groups().size()), -1);
+    const QStringList searchTexts = isActive() ? m_review.searchTexts() : QStringList();
+    for (int group = 0; group < m_review.groups().size(); ++group)
+        appendGroup(group, searchTexts);
+}
+
+int ReviewFilter::memberAt(int groupRow, int memberRow) const
+{
+    return m_members[static_cast<std::size_t>(rowAt(groupRow).firstMember + memberRow)];
+}
+
+int ReviewFilter::rowOf(int group, int member) const
+{
+    if (rowOf(group) < 0)
+        return -1;
+    const GroupRow &row = rowAt(rowOf(group));
+    const auto first = m_members.begin() + row.firstMember;
+    const auto last = first + row.memberCount;
+    const auto found = std::lower_bound(first, last, member);
+    return found == last || *found != member ? -1 : static_cast<int>(found - first);
+}
+
+qint64 ReviewFilter::hiddenTicks() const
+{
+    if (!isActive())
+        return 0;
+    qint64 shown = 0;
+    for (int row = 0; row < groupCount(); ++row) {
+        for (int i = 0; i < memberCount(row); ++i)
+            shown += m_review.isTicked(groupAt(row), memberAt(row, i));
+    }
+    return m_review.totals().tickedFiles - shown;
+}
+
+void ReviewFilter::appendGroup(int group, const QStringList &searchTexts)
+{
+    const QList<qint32> &members = m_review.groups().at(group).members;
+    const auto first = static_cast<int>(m_members.size());
+    for (int member = 0; member < members.size(); ++member) {
+        const qint32 track = members.at(member);
+        const bool hasText = track >= 0 && track < searchTexts.size();
+        if (!hasText || matches(searchTexts.at(track)))
+            m_members.push_back(member);
+    }
+    const int count = static_cast<int>(m_members.size()) - first;
+    if (count == 0)
+        return;
+    m_rows[static_cast<std::size_t>(group)] = groupCount();
+    m_groups.push_back({ group, first, count });
+}
+
+bool ReviewFilter::matches(const QString &searchText) const
+{
+    return std::any_of(m_needles.cbegin(), m_needles.cend(),
+                       [&searchText](const QString &needle) { return searchText.contains(needle); });
+}
+
+QStringList foldedSearchTexts(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups)
+{
+    QStringList texts;
+    texts.resize(tracks.size());
+    for (const MatchGroup &group : groups) {
+        for (const qint32 member : group.members) {
+            if (member >= 0 && member < tracks.size())
+                texts[member] = foldedSearchText(tracks.at(member));
+        }
+    }
+    return texts;
+}
+
+} // namespace epr

@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "matchgroup.h"
+#include "trackinfo.h"
+
+#include <QStringList>
+
+#include <vector>
+
+namespace epr {
+
+class Review;
+
+/// The members of a review that match a text, and the groups with at least one such member, as rows from 0 on: members
+/// whose artist, title, file name or folder contain it in whatever letter case. Without a text those are all.
+///
+/// A change of the text may add and remove rows in thousands of places, so the rows are laid out afresh in flat arrays.
+class ReviewFilter final {
+public:
+    explicit ReviewFilter(const Review &review);
+
+    bool isActive() const { return !m_needles.isEmpty(); }
+    bool setText(const QString &text); ///< as typed; false if that finds what is shown already
+    void layOutRows(); ///< after a new text, and whenever the review was reset
+
+    int groupCount() const { return static_cast<int>(m_groups.size()); }
+    int memberCount(int groupRow) const { return rowAt(groupRow).memberCount; }
+    int groupAt(int groupRow) const { return rowAt(groupRow).group; } ///< position in the review
+    int memberAt(int groupRow, int memberRow) const; ///< position in its group
+    int rowOf(int group) const { return m_rows[static_cast<std::size_t>(group)]; } ///< -1 = not shown
+    int rowOf(int group, int member) const; ///< within the group's row; -1 = not shown
+    qint64 hiddenTicks() const; ///< ticked members that are not shown
+
+private:
+    struct GroupRow {
+        int group = 0;
+        int firstMember = 0; ///< into m_members
+        int memberCount = 0;
+    };
+
+    void appendGroup(int group, const QStringList &searchTexts);
+    bool matches(const QString &searchText) const;
+    const GroupRow &rowAt(int groupRow) const { return m_groups[static_cast<std::size_t>(groupRow)]; }
+
+    const Review &m_review;
+    QStringList m_needles; ///< any of them may be found; empty = everything matches
+    std::vector<GroupRow> m_groups;
+    std::vector<int> m_members; ///< positions within their groups, group after group, ascending within each
+    std::vector<int> m_rows; ///< per group of the review, its row here or -1
+};
+
+/// For all tracks that are in a group what the filter looks through, by track index; the others stay empty. Safe on any
+/// thread.
+QStringList foldedSearchTexts(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
+
+} // namespace epr

@@ -1,0 +1,223 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "reviewfilter.h"
+
+#include "reviewsketch.h"
+
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTemporaryFile>
+#include <QTest>
+
+using namespace epr;
+using namespace epr::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Change = std::function<void(Review &)>;
+
+// What the totals must be, counted the slow way.
+ReviewTotals countedTotals(const Review &review)
+{
+    ReviewTotals totals;
+    totals.files = review.tracks().size();
+    totals.groups = review.groups().size();
+    for (int g = 0; g < review.groups().size(); ++g) {
+        for (int m = 0; m < review.groups().at(g).members.size(); ++m) {
+            const qint64 size = review.track(g, m)->size;
+            totals.redundantCopies += m > 0 ? 1 : 0;
+            totals.redundantBytes += review.isKeeper(g, m) ? 0 : size;
+            totals.tickedFiles += review.isTicked(g, m) ? 1 : 0;
+            totals.tickedBytes += review.isTicked(g, m) ? size : 0;
+        }
+    }
+    return totals;
+}
+
+// What the filter shows, in the order of its rows.
+QString shownBy(const ReviewFilter &filter, const Review &review)
+{
+    QStringList groups;
+    for (int row = 0; row < filter.groupCount(); ++row) {
+        QStringList members;
+        for (int i = 0; i < filter.memberCount(row); ++i)
+            members << sketchOf(review, filter.groupAt(row), filter.memberAt(row, i));
+        groups << members.join(u' ');
+    }
+    return groups.join(u" / "_s);
+}
+
+Change keeping(qint32 track)
+{
+    return [=](Review &review) { review.setKeeper(0, track); };
+}
+
+// With the third copy of the first group unticked before.
+Change without(const QSet<qint32> &removed)
+{
+    return [=](Review &review) {
+        review.setTicked(0, 2, false);
+        review.removeMembers(removed);
+    };
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Change)
+
+class TestReview : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void decisionsChangeTicksAndKeepers_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<QString>("after");
+        const auto none = [](Review &) {};
+        QTest::newRow("a scan's results") << u"a* b c / d e*"_s << Change(none) << u"a* b! c! / d! e* 5 MB"_s;
+        QTest::newRow("invert") << u"a* b / d e*"_s << Change(&Review::invertTicks) << u"a*! b / d e*! 2 MB"_s;
+        QTest::newRow("clear") << u"a* b / d e*"_s << Change(&Review::clearTicks) << u"a* b / d e* 2 MB"_s;
+        QTest::newRow("tick duplicates") << u"a* b"_s << Change([](Review &review) {
+            review.invertTicks();
+            review.tickDuplicates();
+        }) << u"a* b! 2 MB"_s;
+        QTest::newRow("keep a ticked copy") << u"a* b c"_s << keeping(1) << u"a! b* c! 4 MB"_s;
+        QTest::newRow("keep an unticked copy") << u"a* b"_s << Change([](Review &review) {
+            review.clearTicks();
+            review.setKeeper(0, 1);
+        }) << u"a b* 1 MB"_s;
+        QTest::newRow("keep a copy of another group") << u"a* b"_s << keeping(9) << u"a* b! 2 MB"_s;
+        QTest::newRow("nothing was kept") << u"a b"_s << keeping(1) << u"a! b* 1 MB"_s;
+        QTest::newRow("a group of one goes") << u"a* b c / d e*"_s << without({ 3 }) << u"a* b! c 5 MB"_s;
+        QTest::newRow("a group of two stays") << u"a* b c / d e*"_s << without({ 1 }) << u"a* c / d! e* 3 MB"_s;
+        QTest::newRow("the kept copy goes") << u"a* b c / d e*"_s << without({ 0 }) << u"b! c* / d! e* 2 MB"_s;
+        QTest::newRow("the last unticked copy goes")
+            << u"a* b c"_s << Change([](Review &review) { review.removeMembers({ 0 }); })
+            << u"b* c! 3 MB"_s; // all would be removed next time
+        QTest::newRow("all go") << u"a* b c / d e*"_s << without({ 0, 1, 2, 3, 4 }) << u" 0 MB"_s;
+    }
+
+    void decisionsChangeTicksAndKeepers()
+    {
+        QFETCH(const QString, before);
+        QFETCH(const Change, change);
+        Review review;
+        fill(review, before);
+        change(review);
+        const qint64 reclaimable = review.groups().isEmpty() ? 0 : review.groups().at(0).reclaimableBytes;
+        QTEST(sketchOf(review) + u" %1 MB"_s.arg(reclaimable / mebibyte), "after");
+    }
+
+    void eachCommandIsToldOnce()
+    {
+        Review review;
+        fill(review, u"a* b c / d e*"_s);
+        const QSignalSpy many(&review, &Review::ticksChanged);
+        const QSignalSpy one(&review, &Review::tickChanged);
+        const QSignalSpy totals(&review, &Review::totalsChanged);
+        review.invertTicks();
+        QVERIFY(many.size() == 1 && one.isEmpty() && totals.size() == 1);
+        for (int time = 0; time < 2; ++time)
+            review.setTicked(1, 0, true);
+        QVERIFY(many.size() == 1 && one.size() == 1 && totals.size() == 2);
+    }
+
+    void nothingIsLeftOfTheFirstWhollyTickedGroup()
+    {
+        Review review;
+        QCOMPARE(review.firstWhollyTickedGroup(), -1);
+        fill(review, u"a* b / c d* / e* f"_s);
+        QCOMPARE(review.firstWhollyTickedGroup(), -1);
+        review.setTicked(2, 0, true);
+        QCOMPARE(review.firstWhollyTickedGroup(), 2);
+        review.setTicked(1, 1, true);
+        QCOMPARE(review.firstWhollyTickedGroup(), 1);
+    }
+
+    void keptCopyIsComparedWithTheBestOther()
+    {
+        Lists lists = listsOf(u"a* b c d"_s);
+        lists.tracks[2].stream.bitrateKbps = 320;
+        Review review;
+        review.setResults(lists.tracks, lists.groups);
+        QCOMPARE(review.counterpart(0, 1), 1); // the one that was chosen
+        QCOMPARE(review.counterpart(0, 0), 2);
+        review.removeMembers({ 2 });
+        QCOMPARE(review.counterpart(0, 0), 3); // the larger one
+    }
+
+    void vanishedTracksAreThoseWithoutAFile()
+    {
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        Lists lists = listsOf(u"a* b c"_s);
+        lists.tracks[1].path = file.fileName();
+        Review review;
+        review.setResults(lists.tracks, lists.groups);
+        QCOMPARE(review.vanishedTracks(), QSet<qint32>({ 0, 2 }));
+    }
+
+    void filterFinds_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("blanks are nothing") << u"  \t"_s << u"a* b! / c! d* / e* f!"_s;
+        QTest::newRow("a title in other letter case") << u"  TITLE OF B "_s << u"b!"_s;
+        QTest::newRow("an artist beyond ASCII") << u"bJÖRK"_s << u"c!"_s;
+        QTest::newRow("a folder as Windows writes it") << u"Archive\\1998"_s << u"f!"_s;
+        QTest::newRow("a backslash in a title") << u"left\\right"_s << u"a*"_s;
+        QTest::newRow("members of several groups") << u"artist"_s << u"a* b! / d* / e* f!"_s;
+        QTest::newRow("no expression, just text") << u"t.tle"_s << QString();
+        QTest::newRow("not from one text into the next") << u"artist title"_s << QString();
+    }
+
+    void filterFinds()
+    {
+        QFETCH(const QString, typed);
+        Lists lists = listsOf(u"a* b / c d* / e* f"_s);
+        lists.tracks[0].tags.title = u"Left\\Right"_s;
+        lists.tracks[2].tags.artist = u"Björk"_s;
+        lists.tracks[5].path = u"/Archive/1998/f.mp3"_s;
+        Review review;
+        review.setResults(lists.tracks, lists.groups);
+        ReviewFilter filter(review);
+        filter.setText(typed);
+        filter.layOutRows();
+        QTEST(shownBy(filter, review), "shown");
+    }
+
+    void totalsHoldThroughAnyCourse()
+    {
+        QRandomGenerator random(20261121);
+        QString sketch;
+        for (int g = 0; g < 40; ++g)
+            sketch += u"p%1* q%1 r%1 / "_s.arg(g);
+        Review review;
+        fill(review, sketch);
+        ReviewFilter filter(review);
+        for (int step = 0; step < 300 && !review.groups().isEmpty(); ++step) {
+            const int group = random.bounded(static_cast<int>(review.groups().size()));
+            const int member = random.bounded(static_cast<int>(review.groups().at(group).members.size()));
+            const qint32 track = review.groups().at(group).members.at(member);
+            const int choice = random.bounded(24);
+            if (choice < 3)
+                choice == 0 ? review.invertTicks() : choice == 1 ? review.tickDuplicates() : review.clearTicks();
+            else if (choice < 7)
+                review.setKeeper(group, track);
+            else if (choice < 10)
+                review.removeMembers({ track, track + 1 });
+            else if (choice < 14)
+                filter.setText(QString::number(random.bounded(40)));
+            else
+                review.setTicked(group, member, random.bounded(2) == 1);
+            filter.layOutRows();
+            QCOMPARE(review.totals(), countedTotals(review));
+            QCOMPARE(filter.hiddenTicks(), review.totals().tickedFiles - shownBy(filter, review).count(u'!'));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestReview)
+#include "tst_review.moc"
