@@ -2,15 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanupcommand.h"
 
-#include "cleanupselection.h"
 #include "displaytext.h"
 #include "plainbox.h"
-#include "quarantinewarning.h"
+#include "removalchecks.h"
 #include "removaldialog.h"
 #include "restore.h"
 #include "review.h"
 #include "undomanifest.h"
 
+#include <QCoreApplication>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -21,10 +22,57 @@ namespace epr {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// The groups in which something is ticked, each file as the scan saw it.
+QList<TickedGroup> tickedGroups(const Review &review)
+{
+    QList<TickedGroup> groups;
+    for (int g = 0; g < review.groups().size(); ++g) {
+        TickedGroup found { review.groups().at(g).id, {}, {} };
+        for (int m = 0; m < review.groups().at(g).members.size(); ++m) {
+            if (const TrackInfo *track = review.track(g, m))
+                (review.isTicked(g, m) ? found.ticked : found.unticked)
+                    .append({ track->path, track->size, track->mtime });
+        }
+        if (!found.ticked.isEmpty())
+            groups.append(found);
+    }
+    return groups;
+}
+
+QStringList tickedPaths(const QList<TickedGroup> &groups)
+{
+    QStringList paths;
+    for (const TickedGroup &group : groups) {
+        for (const RemovalCandidate &candidate : group.ticked)
+            paths.append(candidate.path);
+    }
+    return paths;
+}
+
+bool holdsFiles(const QString &folder)
+{
+    return QDirIterator(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories).hasNext();
+}
+
+void warnIfScanned(const QString &quarantineRoot, const QStringList &folders, QWidget *parent)
+{
+    if (!isInside(quarantineRoot, folders))
+        return;
+    showWarning(
+        parent, QCoreApplication::translate("epr::QuarantineWarning", "Quarantine folder will be scanned"),
+        QCoreApplication::translate("epr::QuarantineWarning",
+                                    "%1 is inside a folder to scan. The next scan would find the quarantined copies "
+                                    "there and offer them again.\n\nBetter choose a folder outside.")
+            .arg(quarantineRoot));
+}
+
+} // namespace
+
 CleanupCommand::CleanupCommand(Review &review, QWidget *window)
-    : QObject(window)
+    : Command(window)
     , m_review(review)
-    , m_window(window)
 {
 }
 
@@ -33,12 +81,12 @@ void CleanupCommand::removeSelected(const Places &places)
     Request request { tickedGroups(m_review), {}, places };
     request.paths = tickedPaths(request.groups);
     if (request.paths.isEmpty()) {
-        showInformation(m_window, tr("Nothing selected"),
+        showInformation(window(), tr("Nothing selected"),
                         tr("Tick the copies you want removed, or use Select All Duplicates."));
         return;
     }
     if (const int group = m_review.firstWhollyTickedGroup(); group >= 0) {
-        showWarning(m_window, tr("Every copy selected"),
+        showWarning(window(), tr("Every copy selected"),
                     tr("Group %1 has all of its copies ticked for removal. Untick at least one so a copy survives.")
                         .arg(m_review.groups().at(group).id));
         Q_EMIT wholeGroupTicked(group);
@@ -47,7 +95,7 @@ void CleanupCommand::removeSelected(const Places &places)
     const std::optional<qint64> bytes = totalOnDisk(request.paths);
     if (!bytes)
         return;
-    const std::optional<RemovalMode> mode = askMode(&request, *bytes);
+    const std::optional<RemovalMode> mode = askMode(request, *bytes);
     if (mode && (*mode != RemovalMode::Delete || confirmDeletion(request.paths.size())))
         remove(request, *mode);
 }
@@ -57,7 +105,7 @@ void CleanupCommand::undoPreviousCleanup()
     const QStringList manifests = listUndoManifests();
     if (manifests.isEmpty()) {
         showInformation(
-            m_window, tr("Nothing to undo"),
+            window(), tr("Nothing to undo"),
             tr("No reversible clean-ups have been recorded.\n\nOnly quarantine moves can be undone; recycle "
                "bin and permanent deletions are handled by the operating system."));
         return;
@@ -67,10 +115,29 @@ void CleanupCommand::undoPreviousCleanup()
         restore(*manifest);
 }
 
+bool CleanupCommand::confirmScan(const QString &quarantineRoot, const QStringList &folders)
+{
+    if (!isInside(quarantineRoot, folders) || !holdsFiles(quarantineRoot))
+        return true;
+    report(QCoreApplication::translate("epr::QuarantineWarning", "The quarantine folder %1 is inside a folder to scan.")
+               .arg(quarantineRoot));
+    QMessageBox box(
+        QMessageBox::Warning, QCoreApplication::translate("epr::QuarantineWarning", "Quarantine will be scanned"),
+        QCoreApplication::translate("epr::QuarantineWarning",
+                                    "The quarantine folder %1 is inside a folder to scan. Copies that were moved "
+                                    "there will be found and offered again.\n\nStart the scan all the same?")
+            .arg(quarantineRoot),
+        QMessageBox::Ok | QMessageBox::Cancel, window());
+    box.setTextFormat(Qt::PlainText);
+    box.button(QMessageBox::Ok)->setText(QCoreApplication::translate("epr::QuarantineWarning", "Continue"));
+    box.setDefaultButton(QMessageBox::Cancel);
+    return box.exec() == QMessageBox::Ok;
+}
+
 bool CleanupCommand::run(const QString &title, const CleanupJob &job)
 {
     const QScopedValueRollback running(m_isRunning, true);
-    return runWithProgress(title, job, m_window);
+    return runWithProgress(title, job, window());
 }
 
 // A look at thousands of files on a network drive takes its time, too.
@@ -84,14 +151,14 @@ std::optional<qint64> CleanupCommand::totalOnDisk(const QStringList &paths)
     return done ? std::optional(bytes) : std::nullopt;
 }
 
-std::optional<RemovalMode> CleanupCommand::askMode(Request *request, qint64 bytes)
+std::optional<RemovalMode> CleanupCommand::askMode(Request &request, qint64 bytes)
 {
-    RemovalDialog dialog({ request->paths.size(), sizeText(bytes), request->places.hiddenTicks },
-                         request->places.quarantineRoot, m_window);
-    connect(&dialog, &RemovalDialog::quarantineRootChosen, this, [this, request, &dialog](const QString &folder) {
-        request->places.quarantineRoot = folder;
+    RemovalDialog dialog({ request.paths.size(), sizeText(bytes), request.places.hiddenTicks },
+                         request.places.quarantineRoot, window());
+    connect(&dialog, &RemovalDialog::quarantineRootChosen, this, [this, &request, &dialog](const QString &folder) {
+        request.places.quarantineRoot = folder;
         Q_EMIT quarantineRootChosen(folder);
-        warnIfScanned(folder, request->places.scanRoots, &dialog);
+        warnIfScanned(folder, request.places.scanRoots, &dialog);
     });
     return dialog.exec() == QDialog::Accepted ? std::optional(dialog.mode()) : std::nullopt;
 }
@@ -99,7 +166,7 @@ std::optional<RemovalMode> CleanupCommand::askMode(Request *request, qint64 byte
 bool CleanupCommand::confirmDeletion(qsizetype files)
 {
     return QMessageBox::warning(
-               m_window, tr("Permanent deletion"),
+               window(), tr("Permanent deletion"),
                tr("%1 file(s) will be deleted permanently and cannot be recovered.\n\nAre you certain?").arg(files),
                QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel)
         == QMessageBox::Yes;
@@ -136,10 +203,9 @@ void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result, 
     const QString failed = QString::number(result.failed);
     const QString line =
         tr("%1: %2 succeeded, %3 failed, %4 freed.").arg(removalModeLabel(mode), succeeded, failed, freed);
-    Q_EMIT logMessage(line);
+    report(line);
     for (const QString &error : result.errors)
         Q_EMIT logMessage(error);
-    Q_EMIT statusMessage(line);
 
     QString text = tr("Removed %1 file(s), freeing %2.").arg(succeeded, freed);
     if (!stopped.isEmpty())
@@ -148,7 +214,7 @@ void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result, 
         text += tr("\n\n%1 file(s) could not be removed - see the Activity Log.").arg(failed);
     if (!result.manifestPath.isEmpty())
         text += tr("\n\nThis clean-up can be reversed from Tools > Undo Previous Clean-up.");
-    showInformation(m_window, tr("Clean-up complete"), text);
+    showInformation(window(), tr("Clean-up complete"), text);
 }
 
 // Runs of one minute with as many files each look alike in the list; the newest of them is meant.
@@ -157,7 +223,7 @@ std::optional<QString> CleanupCommand::askManifest(const QStringList &manifests)
     QStringList descriptions;
     for (const QString &manifest : manifests)
         descriptions.append(describeManifest(manifest));
-    QInputDialog dialog(m_window);
+    QInputDialog dialog(window());
     dialog.setWindowTitle(tr("Undo previous clean-up"));
     dialog.setLabelText(tr("Select the clean-up to reverse:"));
     dialog.setComboBoxItems(descriptions);
@@ -175,7 +241,7 @@ bool CleanupCommand::confirmWithoutCopies()
                     tr("None of the files of this clean-up can be found in the quarantine. If they are on a drive that "
                        "is not connected, connect it and undo again.\n\nUndoing now would restore nothing and take the "
                        "clean-up off the list for good."),
-                    QMessageBox::Ignore | QMessageBox::Cancel, m_window);
+                    QMessageBox::Ignore | QMessageBox::Cancel, window());
     box.button(QMessageBox::Ignore)->setText(tr("Undo Anyway"));
     box.setDefaultButton(QMessageBox::Cancel);
     return box.exec() == QMessageBox::Ignore;
@@ -203,14 +269,13 @@ void CleanupCommand::tellRestore(const RestoreResult &result, const QString &sto
     for (const QString &error : result.errors)
         Q_EMIT logMessage(error);
     const QString line = tr("Undo: %1 restored, %2 failed.").arg(succeeded, failed);
-    Q_EMIT logMessage(line);
-    Q_EMIT statusMessage(line);
+    report(line);
     QString text = result.errors.isEmpty()
         ? tr("Restored %1 file(s) to their original locations.").arg(succeeded)
         : tr("Restored %1 file(s); %2 could not be restored. See the Activity Log.").arg(succeeded, failed);
     if (!stopped.isEmpty())
         text += "\n\n"_L1 + stopped;
-    showInformation(m_window, tr("Undo complete"), text);
+    showInformation(window(), tr("Undo complete"), text);
 }
 
 } // namespace epr

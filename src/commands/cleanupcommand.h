@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "command.h"
 #include "removal.h"
 #include "removalplan.h"
 #include "runwithprogress.h"
-
-#include <QObject>
 
 #include <optional>
 
@@ -17,7 +16,7 @@ class Review;
 
 /// Removes the ticked copies and undoes earlier quarantine runs: the checks, the questions, the work and what is said
 /// about it afterwards.
-class CleanupCommand final : public QObject {
+class CleanupCommand final : public Command {
     Q_OBJECT
 
 public:
@@ -27,18 +26,19 @@ public:
         qint64 hiddenTicks = 0; ///< of the ticked copies, those that the operator does not see at the moment
     };
 
-    /// The window is the parent of all dialogs.
     CleanupCommand(Review &review, QWidget *window);
 
     /// While files are moved, an event loop runs inside the command: the window must neither close nor start a scan.
-    [[nodiscard]] bool isRunning() const { return m_isRunning; }
+    bool isRunning() const { return m_isRunning; }
 
     void removeSelected(const Places &places);
     void undoPreviousCleanup();
 
+    /// Before a scan that would find the copies in the quarantine and offer them as duplicates of their originals: logs
+    /// that and asks whether to go on. A quarantine folder without a file in it is not worth a question.
+    bool confirmScan(const QString &quarantineRoot, const QStringList &folders);
+
 Q_SIGNALS:
-    void logMessage(const QString &message);
-    void statusMessage(const QString &message);
     void wholeGroupTicked(int group); ///< the group for which a removal was refused
     void quarantineRootChosen(const QString &folder);
     void aboutToRemove(const QStringList &paths); ///< whoever holds one open must let go of it
@@ -51,20 +51,19 @@ private:
         Places places;
     };
 
-    [[nodiscard]] bool run(const QString &title, const CleanupJob &job);
-    [[nodiscard]] std::optional<qint64> totalOnDisk(const QStringList &paths);
-    [[nodiscard]] std::optional<RemovalMode> askMode(Request *request, qint64 bytes);
-    [[nodiscard]] bool confirmDeletion(qsizetype files);
+    bool run(const QString &title, const CleanupJob &job);
+    std::optional<qint64> totalOnDisk(const QStringList &paths);
+    std::optional<RemovalMode> askMode(Request &request, qint64 bytes);
+    bool confirmDeletion(qsizetype files);
     void remove(const Request &request, RemovalMode mode);
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);
     void tellStop(const QString &stopped); ///< empty = it was not stopped
-    [[nodiscard]] std::optional<QString> askManifest(const QStringList &manifests);
-    [[nodiscard]] bool confirmWithoutCopies();
+    std::optional<QString> askManifest(const QStringList &manifests);
+    bool confirmWithoutCopies();
     void restore(const QString &manifest);
     void tellRestore(const RestoreResult &result, const QString &stopped);
 
     Review &m_review;
-    QWidget *m_window;
     bool m_isRunning = false;
 };
 

@@ -2,19 +2,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "exportcommand.h"
 
-#include "backgroundjob.h"
 #include "plainbox.h"
 #include "reportwriter.h"
 #include "review.h"
+#include "runwithprogress.h"
 
-#include <QCoreApplication>
 #include <QDate>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
-#include <QGuiApplication>
 #include <QStandardPaths>
 #include <QUrl>
+
+#include <algorithm>
+#include <array>
 
 namespace epr {
 
@@ -22,14 +23,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct ExportCommand {
-    Q_DECLARE_TR_FUNCTIONS(epr::ExportCommand)
-};
-
-struct Choice {
-    QString path; ///< empty = the operator chose none
-    ReportFormat format = ReportFormat::Html;
-};
+// In the order of the dialog's list.
+constexpr std::array formats { ReportFormat::Html, ReportFormat::Csv, ReportFormat::Json, ReportFormat::Playlist };
 
 QString proposedPath()
 {
@@ -40,69 +35,54 @@ QString proposedPath()
 
 QString filterList()
 {
-    return u"%1;;%2;;%3;;%4"_s.arg(reportFormatFilter(ReportFormat::Html), reportFormatFilter(ReportFormat::Csv),
-                                   reportFormatFilter(ReportFormat::Json), reportFormatFilter(ReportFormat::Playlist));
+    QStringList filters;
+    for (const ReportFormat format : formats)
+        filters << reportFormatFilter(format);
+    return filters.join(";;"_L1);
 }
 
-// Translations keep the pattern, and with it the extension.
 ReportFormat formatOfFilter(const QString &filter)
 {
-    if (filter.contains("csv"_L1))
-        return ReportFormat::Csv;
-    if (filter.contains("json"_L1))
-        return ReportFormat::Json;
-    if (filter.contains("m3u"_L1))
-        return ReportFormat::Playlist;
-    return ReportFormat::Html;
-}
-
-// The filter decides alone: the proposed name ends in .html, and whoever then chooses another format wants that one.
-Choice chooseReport(QWidget *parent)
-{
-    QString filter;
-    const QString path = QFileDialog::getSaveFileName(parent, ExportCommand::tr("Export duplicate report"),
-                                                      proposedPath(), filterList(), &filter);
-    return { path, formatOfFilter(filter) };
-}
-
-// On a thread of its own, so that the windows are painted during the seconds that tens of thousands of groups take;
-// their input waits.
-bool writeInBackground(const Choice &choice, const Review &review, const QStringList &roots, QString *error)
-{
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    bool written = false;
-    BackgroundJob writer([&, tracks = review.tracks(), groups = review.groups()] {
-        written = writeReport(choice.path, choice.format, tracks, groups, roots, error);
+    const auto *const chosen = std::find_if(formats.begin(), formats.end(), [&filter](ReportFormat format) {
+        return filter == reportFormatFilter(format);
     });
-    writer.wait(QEventLoop::ExcludeUserInputEvents);
-    writer.finish();
-    QGuiApplication::restoreOverrideCursor();
-    return written;
+    return chosen == formats.end() ? formats.front() : *chosen;
 }
 
 } // namespace
 
-void exportReport(const Review &review, const QStringList &roots,
-                  const std::function<void(const QString &message)> &log, QWidget *parent)
+ExportCommand::ExportCommand(const Review &review, QWidget *window)
+    : Command(window)
+    , m_review(review)
 {
-    if (review.groups().isEmpty()) {
-        showInformation(parent, ExportCommand::tr("Nothing to export"),
-                        ExportCommand::tr("Run a scan first - there are no results to report on."));
+}
+
+// The filter decides on the format alone: the proposed name ends in .html, and whoever then chooses another format
+// wants that one.
+void ExportCommand::exportReport(const QStringList &roots)
+{
+    if (m_review.groups().isEmpty()) {
+        showInformation(window(), tr("Nothing to export"), tr("Run a scan first - there are no results to report on."));
         return;
     }
-    const Choice choice = chooseReport(parent);
-    if (choice.path.isEmpty())
+    QString filter;
+    const QString path =
+        QFileDialog::getSaveFileName(window(), tr("Export duplicate report"), proposedPath(), filterList(), &filter);
+    if (path.isEmpty())
         return;
+    const ReportFormat format = formatOfFilter(filter);
+    bool isWritten = false;
     QString error;
-    if (!writeInBackground(choice, review, roots, &error)) {
-        showCritical(parent, ExportCommand::tr("Export failed"),
-                     ExportCommand::tr("Could not write the report:\n\n%1").arg(error));
+    runWaiting([&, tracks = m_review.tracks(), groups = m_review.groups()] {
+        isWritten = writeReport(path, format, tracks, groups, roots, &error);
+    });
+    if (!isWritten) {
+        showCritical(window(), tr("Export failed"), tr("Could not write the report:\n\n%1").arg(error));
         return;
     }
-    log(ExportCommand::tr("Report written to %1").arg(choice.path));
-    if (askYesOrNo(parent, ExportCommand::tr("Report saved"),
-                   ExportCommand::tr("Report saved to:\n%1\n\nOpen it now?").arg(choice.path)))
-        QDesktopServices::openUrl(QUrl::fromLocalFile(choice.path));
+    report(tr("Report written to %1").arg(path));
+    if (askYesOrNo(window(), tr("Report saved"), tr("Report saved to:\n%1\n\nOpen it now?").arg(path)))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 } // namespace epr

@@ -28,8 +28,8 @@ RemovalDialog::RemovalDialog(const Selection &selection, const QString &quaranti
     setWindowTitle(tr("Remove duplicates"));
     constexpr int leastWidth = 460;
     setMinimumWidth(leastWidth);
-    explain(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1<br>and can be restored with "
-               "Tools &rarr; Undo Previous Clean-up.</span>"));
+    explain(tr("Files keep their folder structure under<br>%1<br>and can be restored with Tools &rarr; Undo Previous "
+               "Clean-up."));
     auto *change = new QPushButton(tr("Change quarantine folder..."));
     change->setAutoDefault(false);
     connect(change, &QPushButton::clicked, this, &RemovalDialog::chooseQuarantineRoot);
@@ -86,16 +86,16 @@ void RemovalDialog::chooseQuarantineRoot()
     if (folder.isEmpty())
         return;
     m_quarantineRoot = folder;
-    explain(tr("<span style='color:#5b6b80'>Files keep their folder structure under<br>%1</span>"));
+    explain(tr("Files keep their folder structure under<br>%1"));
     Q_EMIT quarantineRootChosen(folder);
 }
 
-// The texts name a dark grey, and %1 stands for the folder.
-void RemovalDialog::explain(QString html)
+// The text is markup, and %1 in it stands for the folder.
+void RemovalDialog::explain(const QString &html)
 {
     constexpr QRgb grey = qRgb(0x5b, 0x6b, 0x80);
-    html.replace(QColor(grey).name(), readableTone(grey, palette()).name());
-    m_hint->setText(html.arg(m_quarantineRoot.toHtmlEscaped()));
+    m_hint->setText(u"<span style='color:%1'>%2</span>"_s.arg(readableTone(grey, palette()).name(),
+                                                              html.arg(m_quarantineRoot.toHtmlEscaped())));
 }
 
 } // namespace epr

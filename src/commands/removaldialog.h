@@ -25,17 +25,17 @@ public:
 
     RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent = nullptr);
 
-    [[nodiscard]] RemovalMode mode() const;
-    [[nodiscard]] QString quarantineRoot() const { return m_quarantineRoot; }
+    RemovalMode mode() const;
+    QString quarantineRoot() const { return m_quarantineRoot; }
 
 Q_SIGNALS:
     void quarantineRootChosen(const QString &folder); ///< at once, whether the dialog is accepted later or not
 
 private:
-    [[nodiscard]] QGroupBox *createChoices();
-    [[nodiscard]] QWidget *createButtons();
+    QGroupBox *createChoices();
+    QWidget *createButtons();
     void chooseQuarantineRoot();
-    void explain(QString html);
+    void explain(const QString &html);
 
     QString m_quarantineRoot;
     QLabel *m_hint;

@@ -13,9 +13,13 @@ using CleanupJob = std::function<void(const CleanupProgressFn &progress)>;
 
 /// Does the job and returns when it is done. False if it was stopped before its last file.
 ///
-/// The job has a thread of its own, while an event loop here paints the windows and lets nobody at them but the
-/// progress dialog. Handling events between two files instead would freeze the window for as long as one big file takes
-/// from one disk to another.
+/// The job has a thread of its own, while an event loop here paints the windows and lets nobody at them but a progress
+/// dialog. Handling events between two files instead would freeze the window for as long as one big file takes from one
+/// disk to another.
 [[nodiscard]] bool runWithProgress(const QString &title, const CleanupJob &job, QWidget *parent);
+
+/// The same for a job of seconds that cannot be stopped and shows no dialog: the windows are painted, their input
+/// waits.
+void runWaiting(const std::function<void()> &job);
 
 } // namespace epr

@@ -23,11 +23,11 @@ CacheStatus cacheStatus()
 
 } // namespace
 
-std::optional<ScanOptions> editSettings(const ScanOptions &options, const LogFn &log, QWidget *parent)
+std::optional<ScanOptions> SettingsCommand::edit(const ScanOptions &options)
 {
-    SettingsDialog dialog(options, { .fpcalcPath = fpcalcPath(), .cache = cacheStatus() }, parent);
-    QObject::connect(&dialog, &SettingsDialog::clearCacheRequested, &dialog, [&dialog, &log] {
-        if (clearAnalysisCache(log))
+    SettingsDialog dialog(options, { .fpcalcPath = fpcalcPath(), .cache = cacheStatus() }, window());
+    connect(&dialog, &SettingsDialog::clearCacheRequested, &dialog, [this, &dialog] {
+        if (clearAnalysisCache())
             dialog.showCacheCleared();
         else
             dialog.setCacheStatus(cacheStatus());
@@ -37,13 +37,14 @@ std::optional<ScanOptions> editSettings(const ScanOptions &options, const LogFn 
     return dialog.options();
 }
 
-bool clearAnalysisCache(const LogFn &log)
+bool SettingsCommand::clearAnalysisCache()
 {
     AnalysisCache cache;
     QString error;
     const bool cleared = cache.open(&error) && cache.clear(&error);
-    log(cleared ? QCoreApplication::translate("epr::MainWindow", "Analysis cache cleared.")
-                : QCoreApplication::translate("epr::MainWindow", "Could not clear the analysis cache: %1").arg(error));
+    report(cleared
+               ? QCoreApplication::translate("epr::MainWindow", "Analysis cache cleared.")
+               : QCoreApplication::translate("epr::MainWindow", "Could not clear the analysis cache: %1").arg(error));
     return cleared;
 }
 

@@ -2,22 +2,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "command.h"
 #include "scanoptions.h"
 
-#include <functional>
 #include <optional>
-
-class QWidget;
 
 namespace epr {
 
-using LogFn = std::function<void(const QString &message)>;
+/// The settings dialog, and the analysis cache that it looks after.
+class SettingsCommand final : public Command {
+    Q_OBJECT
 
-/// Lets the operator edit the settings. The edited options, or nothing when the dialog was cancelled; the update
-/// settings are then already stored.
-[[nodiscard]] std::optional<ScanOptions> editSettings(const ScanOptions &options, const LogFn &log, QWidget *parent);
+public:
+    using Command::Command;
 
-/// Empties the analysis cache and logs how that went; true when it is empty.
-bool clearAnalysisCache(const LogFn &log);
+    /// The edited options, or nothing when the dialog was cancelled; the update settings are then already stored.
+    std::optional<ScanOptions> edit(const ScanOptions &options);
+
+    bool clearAnalysisCache(); ///< true when it is empty
+};
 
 } // namespace epr

@@ -11,19 +11,15 @@
 #include <QAction>
 #include <QScopedValueRollback>
 #include <QTimer>
-#include <QWidget>
 
 #include <chrono>
 
 namespace epr {
 
-using namespace std::chrono_literals;
-
 UpdateNotices::UpdateNotices(QAction *checkAction, QWidget *window)
-    : QObject(window)
+    : Command(window)
     , m_checker(new UpdateChecker(this))
     , m_checkAction(checkAction)
-    , m_window(window)
 {
     connect(m_checker, &UpdateChecker::updateAvailable, this, &UpdateNotices::announce);
     connect(m_checker, &UpdateChecker::upToDate, this, &UpdateNotices::reportUpToDate);
@@ -35,7 +31,8 @@ void UpdateNotices::scheduleStartupCheck()
 {
     if (!SettingsStore().checkForUpdatesOnStartup())
         return;
-    QTimer::singleShot(2500ms, this, [this] {
+    constexpr std::chrono::milliseconds delay { 2500 };
+    QTimer::singleShot(delay, this, [this] {
         if (m_checker->isDue())
             m_checker->check(true);
     });
@@ -61,7 +58,7 @@ void UpdateNotices::announce(const UpdateChecker::Release &release, bool silent)
     if (m_isAnnouncing)
         return;
     const QScopedValueRollback announcing(m_isAnnouncing, true);
-    UpdateDialog(release, m_window).exec();
+    UpdateDialog(release, window()).exec();
 }
 
 void UpdateNotices::reportUpToDate(bool silent)
@@ -70,7 +67,7 @@ void UpdateNotices::reportUpToDate(bool silent)
     Q_EMIT logMessage(tr("%1 %2 is up to date.").arg(metadata::applicationName(), metadata::version()));
     if (!silent) {
         showInformation(
-            m_window, tr("No update available"),
+            window(), tr("No update available"),
             tr("You are running the latest version of %1 (%2).").arg(metadata::applicationName(), metadata::version()));
     }
 }
@@ -80,7 +77,7 @@ void UpdateNotices::reportFailure(const QString &error, bool silent)
     finishCheck(silent);
     Q_EMIT logMessage(tr("Update check failed: %1").arg(error));
     if (!silent) {
-        showWarning(m_window, tr("Update check failed"), tr("Could not reach the update service.\n\n%1").arg(error));
+        showWarning(window(), tr("Update check failed"), tr("Could not reach the update service.\n\n%1").arg(error));
     }
 }
 

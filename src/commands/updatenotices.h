@@ -2,20 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "command.h"
 #include "updatechecker.h"
 
-#include <QObject>
-
 class QAction;
-class QWidget;
 
 namespace epr {
 
-class UpdateDialog;
-
 /// Runs update checks for the window and tells the operator how they ended: a silent check in a log line, one that was
 /// asked for in a box as well.
-class UpdateNotices final : public QObject {
+class UpdateNotices final : public Command {
     Q_OBJECT
 
 public:
@@ -26,9 +22,6 @@ public:
     void startExplicitCheck();
     void reloadAddress(); ///< after the settings were edited
 
-Q_SIGNALS:
-    void logMessage(const QString &message);
-
 private:
     void announce(const UpdateChecker::Release &release, bool silent);
     void reportUpToDate(bool silent);
@@ -37,7 +30,6 @@ private:
 
     UpdateChecker *m_checker;
     QAction *m_checkAction;
-    QWidget *m_window;
     bool m_isAnnouncing = false; ///< one dialog at a time, however many checks overlap
 };
 

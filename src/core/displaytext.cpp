@@ -81,6 +81,11 @@ QString sizeText(qint64 bytes)
     return QLocale().formattedDataSize(bytes, 2, QLocale::DataSizeTraditionalFormat);
 }
 
+QString dateTimeText(const QDateTime &time)
+{
+    return QLocale().toString(time, QCoreApplication::translate("epr::ResultsModel", "d MMM yyyy h:mm ap"));
+}
+
 QString folderOf(const TrackInfo &track)
 {
     return QFileInfo(track.path).absolutePath();

@@ -24,6 +24,9 @@ namespace epr {
 /// Bytes in powers of 1024 with two decimals and the locale's separators: "4.21 MB".
 [[nodiscard]] QString sizeText(qint64 bytes);
 
+/// Date and time of day in the locale's words: "7 Mar 2026 3:04 pm".
+QString dateTimeText(const QDateTime &time);
+
 /// Absolute path of the folder that holds the file.
 [[nodiscard]] QString folderOf(const TrackInfo &track);
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plainbox.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QTextDocument>
 
@@ -43,6 +44,13 @@ bool askYesOrNo(QWidget *parent, const QString &title, const QString &question)
 QString plainToolTip(const QString &text)
 {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpacePre) : text;
+}
+
+QLabel *plainLabel(const QString &text)
+{
+    auto *label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    return label;
 }
 
 } // namespace epr

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+class QLabel;
 class QWidget;
 
 namespace epr {
@@ -18,5 +19,8 @@ void showCritical(QWidget *parent, const QString &title, const QString &text);
 
 /// The same for a tool tip: text that would be taken for markup is escaped, any other comes back as it is.
 [[nodiscard]] QString plainToolTip(const QString &text);
+
+/// And a label that shows its text as it is.
+QLabel *plainLabel(const QString &text);
 
 } // namespace epr

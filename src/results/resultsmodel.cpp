@@ -3,13 +3,12 @@
 #include "resultsmodel.h"
 
 #include "displaytext.h"
-#include "matchcolour.h"
 #include "plainbox.h"
+#include "resultscells.h"
 #include "review.h"
 
 #include <QDir>
 #include <QGuiApplication>
-#include <QLocale>
 #include <QPalette>
 
 namespace epr {
@@ -267,7 +266,7 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
     case SizeColumn:
         return sizeText(track.size);
     case ModifiedColumn:
-        return QLocale().toString(track.mtime, tr("d MMM yyyy h:mm ap"));
+        return dateTimeText(track.mtime);
     case FolderColumn:
         return QDir::toNativeSeparators(folderOf(track));
     default:

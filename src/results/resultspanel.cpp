@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultspanel.h"
 
-#include "memberactions.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
 #include "review.h"
@@ -43,12 +42,10 @@ ResultsPanel::ResultsPanel(Review &review, QWidget *parent)
     : QWidget(parent)
     , m_review(review)
     , m_model(new ResultsModel(review, this))
-    , m_memberActions(new MemberActions(review, this))
 {
     createFilterRow();
     createTree();
     layOutWidgets();
-    connect(m_memberActions, &MemberActions::statusMessage, this, &ResultsPanel::statusMessage);
     connect(&m_review, &Review::totalsChanged, this, &ResultsPanel::refreshSummary);
     connect(&m_review, &Review::totalsChanged, this, &ResultsPanel::refreshHint);
     setState(State::NotScanned);
@@ -121,8 +118,8 @@ void ResultsPanel::createTree()
     m_view->setAccessibleName(tr("Duplicate groups"));
     m_view->setModel(m_model);
     m_place = new ReviewPlace(m_review, *m_model, m_view);
-    connect(m_place, &ReviewPlace::changed, m_memberActions, &MemberActions::setMember);
-    connect(m_view, &ResultsView::memberMenuRequested, m_memberActions, &MemberActions::popup);
+    connect(m_place, &ReviewPlace::changed, this, &ResultsPanel::currentChanged);
+    connect(m_view, &ResultsView::memberMenuRequested, this, &ResultsPanel::memberMenuRequested);
     connect(m_view, &ResultsView::memberActivated, this, &ResultsPanel::onTreeDoubleClicked);
 }
 

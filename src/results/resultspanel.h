@@ -9,7 +9,6 @@ class QLineEdit;
 
 namespace epr {
 
-class MemberActions;
 class ResultsModel;
 class ResultsView;
 class Review;
@@ -26,8 +25,6 @@ public:
 
     explicit ResultsPanel(Review &review, QWidget *parent = nullptr);
 
-    MemberActions *memberActions() const { return m_memberActions; }
-
     void setState(State state); ///< after the results have been set
     void setHasFolders(bool hasFolders); ///< whether there is anything to scan
     void goToGroup(int step); ///< -1 or +1
@@ -38,7 +35,9 @@ public:
     void showGroup(int group); ///< makes it the current row, whatever the filter says
 
 Q_SIGNALS:
-    void statusMessage(const QString &message);
+    /// Positions in the review. The member is -1 on a group's own row, both are while nothing is current.
+    void currentChanged(int group, int member);
+    void memberMenuRequested(const QPoint &globalPos); ///< for the current member or group
     void memberActivated(const epr::TrackInfo &track);
 
 private:
@@ -53,7 +52,6 @@ private:
 
     Review &m_review;
     ResultsModel *m_model;
-    MemberActions *m_memberActions;
     State m_state = State::NotScanned;
     bool m_foundGroups = false; ///< by the last scan, whether or not they are there still
     bool m_hasFolders = false;

@@ -3,8 +3,7 @@
 #include "resultsview.h"
 
 #include "emptyhint.h"
-#include "resultscolumns.h"
-#include "resultsdelegate.h"
+#include "resultscells.h"
 #include "resultsmodel.h"
 
 #include <QContextMenuEvent>

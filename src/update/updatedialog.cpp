@@ -3,6 +3,7 @@
 #include "updatedialog.h"
 
 #include "metadata.h"
+#include "plainbox.h"
 #include "versioncompare.h"
 #include "weburl.h"
 
@@ -18,17 +19,6 @@
 namespace epr {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QLabel *createPlainLabel(const QString &text)
-{
-    auto *label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
-} // namespace
 
 QDate parseReleaseDate(const QString &text)
 {
@@ -62,7 +52,7 @@ UpdateDialog::UpdateDialog(const UpdateChecker::Release &release, QWidget *paren
 QVBoxLayout *UpdateDialog::createHeading()
 {
     auto *heading =
-        createPlainLabel(tr("%1 %2 is available.").arg(metadata::applicationName(), displayVersion(m_release.version)));
+        plainLabel(tr("%1 %2 is available.").arg(metadata::applicationName(), displayVersion(m_release.version)));
     heading->setWordWrap(true);
     QFont bold = heading->font();
     bold.setBold(true);
@@ -70,9 +60,9 @@ QVBoxLayout *UpdateDialog::createHeading()
 
     auto *layout = new QVBoxLayout;
     layout->addWidget(heading);
-    layout->addWidget(createPlainLabel(tr("You are running version %1.").arg(metadata::version())));
+    layout->addWidget(plainLabel(tr("You are running version %1.").arg(metadata::version())));
     if (const QDate day = parseReleaseDate(m_release.releaseDate); day.isValid())
-        layout->addWidget(createPlainLabel(tr("Released %1.").arg(QLocale().toString(day, tr("d MMMM yyyy")))));
+        layout->addWidget(plainLabel(tr("Released %1.").arg(QLocale().toString(day, tr("d MMMM yyyy")))));
     layout->addStretch();
     return layout;
 }
@@ -83,7 +73,7 @@ void UpdateDialog::addNotes(QVBoxLayout *layout)
         auto *notes = new QPlainTextEdit(m_release.notes);
         notes->setReadOnly(true);
         notes->setTabChangesFocus(true);
-        auto *label = createPlainLabel(tr("What's &new:"));
+        auto *label = plainLabel(tr("What's &new:"));
         label->setBuddy(notes);
         layout->addSpacing(6);
         layout->addWidget(label);

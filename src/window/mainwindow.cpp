@@ -13,7 +13,6 @@
 #include "memberactions.h"
 #include "metadata.h"
 #include "playerdock.h"
-#include "quarantinewarning.h"
 #include "resultspanel.h"
 #include "review.h"
 #include "scancontroller.h"
@@ -57,6 +56,11 @@ MainWindow::MainWindow(QWidget *parent)
     , m_quarantineRoot(SettingsStore::defaultQuarantineRoot())
     , m_actions(new MainActions(this))
     , m_review(new Review(this))
+    , m_cleanup(new CleanupCommand(*m_review, this))
+    , m_export(new ExportCommand(*m_review, this))
+    , m_memberActions(new MemberActions(*m_review, this))
+    , m_settings(new SettingsCommand(this))
+    , m_updates(new UpdateNotices(m_actions->checkForUpdates, this))
 {
     setWindowTitle(metadata::applicationName());
     setWindowIcon(startup::applicationIcon());
@@ -66,12 +70,11 @@ MainWindow::MainWindow(QWidget *parent)
     createMenus();
     placeOnScreen();
     restoreSettings();
-    connectCleanup();
+    connectCommands();
     connectScan();
     connectPlayer();
     refreshActions();
     m_scanThread->start();
-    connectUpdates();
     onLogMessage(tr("%1 %2 ready.").arg(metadata::applicationName(), metadata::version()));
     m_updates->scheduleStartupCheck();
     if (m_folderPanel->folders().isEmpty())
@@ -125,8 +128,7 @@ void MainWindow::onStartScan()
                              tr("Enable at least one detection method in Settings before scanning."));
         return;
     }
-    const auto log = [this](const QString &message) { report(message); };
-    if (m_cleanup->isRunning() || !confirmScanOfQuarantine(m_quarantineRoot, folders, log, this))
+    if (m_cleanup->isRunning() || !m_cleanup->confirmScan(m_quarantineRoot, folders))
         return;
     m_review->clear();
     m_scanRoots = options.roots;
@@ -217,14 +219,12 @@ void MainWindow::onUndoPrevious()
 
 void MainWindow::onExportReport()
 {
-    exportReport(
-        *m_review, m_scanRoots, [this](const QString &message) { report(message); }, this);
+    m_export->exportReport(m_scanRoots);
 }
 
 void MainWindow::onSettings()
 {
-    const auto log = [this](const QString &message) { report(message); };
-    const std::optional<ScanOptions> edited = editSettings(m_options, log, this);
+    const std::optional<ScanOptions> edited = m_settings->edit(m_options);
     if (!edited)
         return;
     m_options = *edited;
@@ -235,7 +235,7 @@ void MainWindow::onSettings()
 
 void MainWindow::onClearCache()
 {
-    clearAnalysisCache([this](const QString &message) { report(message); });
+    m_settings->clearAnalysisCache();
 }
 
 void MainWindow::onAbout()
@@ -274,7 +274,6 @@ void MainWindow::createPanels()
     m_strip = new ScanStrip(this);
     statusBar()->addWidget(m_strip, 1);
     connect(m_strip, &ScanStrip::briefChanged, this, &MainWindow::refreshTitle);
-    connect(m_resultsPanel, &ResultsPanel::statusMessage, m_strip, &ScanStrip::showStatus);
     connect(m_folderPanel, &FolderPanel::selectionChanged, this, &MainWindow::refreshActions);
     connect(m_folderPanel, &FolderPanel::foldersChanged, m_resultsPanel,
             [this] { m_resultsPanel->setHasFolders(!m_folderPanel->folders().isEmpty()); });
@@ -346,7 +345,7 @@ void MainWindow::createMenus()
     fillToolBar(toolBar, *m_actions);
     fillMenuBar(menuBar(),
                 { m_actions,
-                  m_resultsPanel->memberActions(),
+                  m_memberActions,
                   m_playerDock,
                   { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(),
                     findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction() } });
@@ -394,24 +393,21 @@ void MainWindow::connectScan()
 
 void MainWindow::connectPlayer()
 {
-    const MemberActions *member = m_resultsPanel->memberActions();
     connect(m_resultsPanel, &ResultsPanel::memberActivated, m_playerDock, &PlayerDock::loadIntoFreeDeck);
-    connect(member, &MemberActions::loadRequested, m_playerDock, &PlayerDock::load);
-    connect(member, &MemberActions::compareRequested, m_playerDock, &PlayerDock::compare);
+    connect(m_memberActions, &MemberActions::loadRequested, m_playerDock, &PlayerDock::load);
+    connect(m_memberActions, &MemberActions::compareRequested, m_playerDock, &PlayerDock::compare);
     connect(m_playerDock->player(), &ComparePlayer::logMessage, this, &MainWindow::onLogMessage);
 }
 
-void MainWindow::connectUpdates()
+void MainWindow::connectCommands()
 {
-    m_updates = new UpdateNotices(m_actions->checkForUpdates, this);
-    connect(m_updates, &UpdateNotices::logMessage, this, &MainWindow::onLogMessage);
-}
-
-void MainWindow::connectCleanup()
-{
-    m_cleanup = new CleanupCommand(*m_review, this);
-    connect(m_cleanup, &CleanupCommand::logMessage, this, &MainWindow::onLogMessage);
-    connect(m_cleanup, &CleanupCommand::statusMessage, m_strip, &ScanStrip::showStatus);
+    for (const Command *command :
+         std::initializer_list<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates }) {
+        connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
+        connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);
+    }
+    connect(m_resultsPanel, &ResultsPanel::currentChanged, m_memberActions, &MemberActions::setMember);
+    connect(m_resultsPanel, &ResultsPanel::memberMenuRequested, m_memberActions, &MemberActions::popup);
     connect(m_cleanup, &CleanupCommand::wholeGroupTicked, m_resultsPanel, &ResultsPanel::showGroup);
     connect(m_cleanup, &CleanupCommand::quarantineRootChosen, this,
             [this](const QString &folder) { m_quarantineRoot = folder; });

@@ -15,13 +15,17 @@ namespace epr {
 
 class ActivityLog;
 class CleanupCommand;
+class Command;
+class ExportCommand;
 class FolderPanel;
 class MainActions;
+class MemberActions;
 class PlayerDock;
 class ResultsPanel;
 class Review;
 class ScanController;
 class ScanStrip;
+class SettingsCommand;
 class UpdateNotices;
 
 /// The program's main window. It puts the panels together, carries commands to the scan and the scan's reports to the
@@ -75,8 +79,7 @@ private:
     void restoreSettings();
     void connectScan();
     void connectPlayer();
-    void connectUpdates();
-    void connectCleanup();
+    void connectCommands();
     void saveSettings() const;
     void setScanning(bool scanning);
     void refreshActions();
@@ -92,13 +95,16 @@ private:
 
     MainActions *m_actions;
     Review *m_review;
+    CleanupCommand *m_cleanup;
+    ExportCommand *m_export;
+    MemberActions *m_memberActions;
+    SettingsCommand *m_settings;
+    UpdateNotices *m_updates;
     FolderPanel *m_folderPanel = nullptr;
     ResultsPanel *m_resultsPanel = nullptr;
     ActivityLog *m_log = nullptr;
     PlayerDock *m_playerDock = nullptr;
     ScanStrip *m_strip = nullptr;
-    UpdateNotices *m_updates = nullptr;
-    CleanupCommand *m_cleanup = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };

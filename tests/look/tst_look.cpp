@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "look.h"
-#include "matchcolour.h"
 #include "outlinestyle.h"
+#include "resultscells.h"
 
 #include <QApplication>
 #include <QCheckBox>

@@ -3,22 +3,64 @@
 #include "memberactions.h"
 
 #include "displaytext.h"
-#include "filedetails.h"
 #include "review.h"
 
 #include <QClipboard>
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QGuiApplication>
 #include <QMenu>
+#include <QMessageBox>
+#include <QRegularExpression>
 #include <QUrl>
 
 namespace epr {
 
 using namespace Qt::StringLiterals;
 
-MemberActions::MemberActions(Review &review, QWidget *parent)
-    : QObject(parent)
+namespace {
+
+QString hashText(const QString &hash)
+{
+    return hash.isEmpty() ? QCoreApplication::translate("epr::FileDetails", "not computed") : hash;
+}
+
+// The names must not wrap, and non-breaking spaces are the one way of saying so that a table cell heeds.
+QString htmlLine(QString name, const QString &valueHtml)
+{
+    name.replace(u' ', QChar::Nbsp);
+    return u"<tr><td><b>%1</b></td><td style='padding-left:12px'>%2</td></tr>"_s.arg(name.toHtmlEscaped(), valueHtml);
+}
+
+// A word that is wider than the box would be cut off, so a very long one may break. There is a command of its own for
+// copying a path.
+QString line(const QString &name, QString value)
+{
+    static const QRegularExpression longWord(u"(\\S{48})(?=\\S)"_s);
+    value.replace(longWord, u"\\1\u200b"_s);
+    return htmlLine(name, value.toHtmlEscaped());
+}
+
+// Small, so that 64 characters that nobody reads find room on a small screen.
+QString hashLine(const QString &name, const QString &hash)
+{
+    return htmlLine(name, u"<small>%1</small>"_s.arg(hashText(hash)));
+}
+
+void showFileDetails(const TrackInfo &track, QWidget *parent)
+{
+    QMessageBox box(QMessageBox::NoIcon, QCoreApplication::translate("epr::FileDetails", "File details"),
+                    fileDetailsHtml(track), QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::RichText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box.exec();
+}
+
+} // namespace
+
+MemberActions::MemberActions(Review &review, QWidget *window)
+    : Command(window)
     , loadIntoDeckA(make(tr("Load into Deck A"), Qt::CTRL | Qt::Key_1,
                          [this](const TrackInfo &track) { Q_EMIT loadRequested(0, track); }))
     , loadIntoDeckB(make(tr("Load into Deck B"), Qt::CTRL | Qt::Key_2,
@@ -34,11 +76,10 @@ MemberActions::MemberActions(Review &review, QWidget *parent)
                     }))
     , keep(make(tr("Keep this copy instead"), Qt::CTRL | Qt::Key_K, [this](const TrackInfo &) { keepMember(); }))
     , showDetails(make(tr("File details..."), Qt::ALT | Qt::Key_Return,
-                       [this](const TrackInfo &track) { showFileDetails(track, m_window); }))
+                       [this](const TrackInfo &track) { showFileDetails(track, this->window()); }))
     , m_review(review)
-    , m_window(parent)
-    , m_menu(new QMenu(parent))
-    , m_groupMenu(new QMenu(parent))
+    , m_menu(new QMenu(window))
+    , m_groupMenu(new QMenu(window))
 {
     m_menu->setObjectName(u"memberMenu"_s);
     m_menu->addActions({ loadIntoDeckA, loadIntoDeckB, compareGroup });
@@ -115,6 +156,24 @@ void MemberActions::openMember(const QString &path)
 {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
         Q_EMIT statusMessage(tr("Could not open %1.").arg(QDir::toNativeSeparators(path)));
+}
+
+QString fileDetailsHtml(const TrackInfo &track)
+{
+    QString lines = line(QCoreApplication::translate("epr::FileDetails", "File"), track.fileName);
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Folder"), QDir::toNativeSeparators(folderOf(track)));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Artist"), displayArtist(track));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Title"), displayTitle(track));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Album"), track.tags.album);
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Duration"), durationText(track.stream.durationMs));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Quality"), qualityText(track));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Size"), sizeText(track.size));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Modified"), dateTimeText(track.mtime));
+    lines += hashLine(QCoreApplication::translate("epr::FileDetails", "SHA-256 of the file"), track.fullHash);
+    lines += hashLine(QCoreApplication::translate("epr::FileDetails", "SHA-256 of the audio"), track.audioHash);
+    if (!track.error.isEmpty())
+        lines += line(QCoreApplication::translate("epr::FileDetails", "Note"), track.error);
+    return u"<table cellspacing='2'>%1</table>"_s.arg(lines);
 }
 
 } // namespace epr

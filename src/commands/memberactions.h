@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "command.h"
+
 #include <QAction>
 
 class QMenu;
-class QWidget;
 
 namespace epr {
 
@@ -15,11 +16,11 @@ struct TrackInfo;
 /// What can be done with one copy, the current one of the results, or with its group. The context menu of the member
 /// rows holds all of it; the main window puts the commands into its menus as well, which makes their keys work
 /// everywhere.
-class MemberActions final : public QObject {
+class MemberActions final : public Command {
     Q_OBJECT
 
 public:
-    MemberActions(Review &review, QWidget *parent);
+    MemberActions(Review &review, QWidget *window);
 
     void setMember(int group, int member); ///< positions in the review; -1 = a group's own row, or nowhere
     void popup(const QPoint &globalPos);
@@ -36,7 +37,6 @@ public:
 Q_SIGNALS:
     void loadRequested(int deck, const epr::TrackInfo &track); ///< 0 = A, 1 = B
     void compareRequested(const epr::TrackInfo &kept, const epr::TrackInfo &other);
-    void statusMessage(const QString &message);
 
 private:
     template <typename Handler> QAction *make(const QString &text, const QKeySequence &key, Handler handler);
@@ -47,11 +47,13 @@ private:
     void openMember(const QString &path);
 
     Review &m_review;
-    QWidget *m_window;
     QMenu *m_menu;
     QMenu *m_groupMenu; ///< on a group's own row
     int m_group = -1;
     int m_member = -1;
 };
+
+/// Everything the operator may want to know of a file, as a rich-text table.
+QString fileDetailsHtml(const TrackInfo &track);
 
 } // namespace epr

@@ -1,15 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "resultscolumns.h"
+#include "resultscells.h"
 
 #include "displaytext.h"
+#include "plainbox.h"
 #include "resultsmodel.h"
+#include "tones.h"
 
-#include <QApplication>
-#include <QDateTime>
+#include <QAbstractItemView>
 #include <QHeaderView>
-#include <QLocale>
+#include <QHelpEvent>
 #include <QStyle>
+#include <QToolTip>
 
 #include <algorithm>
 #include <array>
@@ -19,6 +21,8 @@ namespace epr {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr QRgb keepGreen = qRgb(20, 108, 46);
 
 struct Share {
     ResultsModel::Column column;
@@ -56,7 +60,7 @@ QString sampleText(ResultsModel::Column column)
     case ResultsModel::SizeColumn:
         return u"888.88 MB"_s;
     case ResultsModel::ModifiedColumn:
-        return QLocale().toString(QDateTime({ 2000, 11, 28 }, { 22, 0 }), ResultsModel::tr("d MMM yyyy h:mm ap"));
+        return dateTimeText(QDateTime({ 2000, 11, 28 }, { 22, 0 }));
     default:
         return {};
     }
@@ -70,6 +74,25 @@ int sampleWidth(const QHeaderView *header, ResultsModel::Column column)
 }
 
 } // namespace
+
+QColor matchColour(MatchType type, const QPalette &palette)
+{
+    switch (type) {
+    case MatchType::IdenticalFile:
+        return readableTone(keepGreen, palette);
+    case MatchType::SameAudio:
+        return readableTone(qRgb(28, 90, 138), palette);
+    case MatchType::SameRecording:
+        return readableTone(qRgb(179, 90, 15), palette);
+    default:
+        return readableTone(qRgb(161, 26, 26), palette);
+    }
+}
+
+QColor keeperColour(const QPalette &palette)
+{
+    return readableTone(keepGreen, palette);
+}
 
 void fitResultsColumns(QHeaderView *header, int width)
 {
@@ -86,6 +109,32 @@ void fitResultsColumns(QHeaderView *header, int width)
     rest = std::max(rest, leastRest);
     for (const Share &share : shares)
         header->resizeSection(share.column, rest * share.percent / 100);
+}
+
+// A little air between the lines: a result is read row by row.
+QSize ResultsDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
+}
+
+bool ResultsDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                                const QModelIndex &index)
+{
+    const bool hasOwnTip = index.data(Qt::ToolTipRole).isValid();
+    if (event->type() != QEvent::ToolTip || hasOwnTip || !index.isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const QRect cell = view->visualRect(index);
+    const bool isCut = sizeHint(option, index).width() > cell.width();
+    QToolTip::showText(event->globalPos(), isCut ? plainToolTip(index.data().toString()) : QString(), view->viewport(),
+                       cell);
+    return isCut;
+}
+
+void ResultsDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (index.column() == ResultsModel::FolderColumn)
+        option->textElideMode = Qt::ElideMiddle;
 }
 
 } // namespace epr
