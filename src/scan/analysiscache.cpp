@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
 
-#include "cacherow.h"
+#include "cachetable.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,37 +24,8 @@ namespace {
 // A row written by another program instance is awaited this long before the cache is given up for the moment.
 constexpr auto connectOptions = "QSQLITE_BUSY_TIMEOUT=2000"_L1;
 
-constexpr auto createTable =
-    "CREATE TABLE IF NOT EXISTS tracks ( path TEXT PRIMARY KEY, size INTEGER NOT NULL, mtime INTEGER NOT NULL, "
-    "full_hash TEXT, audio_hash TEXT, title TEXT, artist TEXT, album TEXT, album_artist TEXT, genre TEXT, "
-    "year TEXT, comment TEXT, track_no INTEGER, duration_ms INTEGER, bitrate INTEGER, sample_rate INTEGER, "
-    "channels INTEGER, fingerprint BLOB, fingerprint_mask BLOB, fingerprint_alt BLOB, fingerprint_alt_mask BLOB, "
-    "engine INTEGER NOT NULL DEFAULT 0, schema_version INTEGER NOT NULL DEFAULT 1, analysed_at INTEGER)"_L1;
-constexpr auto createIndex = "CREATE INDEX IF NOT EXISTS idx_tracks_audio ON tracks(audio_hash)"_L1;
-
-// In the order of CacheColumn.
-constexpr auto selectRow =
-    "SELECT size, mtime, full_hash, audio_hash, title, artist, album, album_artist, genre, year, comment, "
-    "track_no, duration_ms, bitrate, sample_rate, channels, fingerprint, fingerprint_mask, fingerprint_alt, "
-    "fingerprint_alt_mask, schema_version, engine FROM tracks WHERE path = ?"_L1;
-constexpr auto selectRows =
-    "SELECT size, mtime, full_hash, audio_hash, title, artist, album, album_artist, genre, year, comment, "
-    "track_no, duration_ms, bitrate, sample_rate, channels, fingerprint, fingerprint_mask, fingerprint_alt, "
-    "fingerprint_alt_mask, schema_version, engine, path FROM tracks WHERE path IN (%1)"_L1;
-
 // The driver describes all columns afresh at every execution, which costs more than finding and reading a row.
 constexpr std::size_t pathsPerQuery = 256;
-
-constexpr auto replaceRow =
-    "INSERT OR REPLACE INTO tracks (path,size,mtime,full_hash,audio_hash,title,artist, "
-    "album,album_artist,genre,year,comment,track_no,duration_ms,bitrate,sample_rate, "
-    "channels,fingerprint,fingerprint_mask,fingerprint_alt,fingerprint_alt_mask, "
-    "engine,schema_version,analysed_at) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"_L1;
-
-QString placeholders(std::size_t count)
-{
-    return QStringList(static_cast<qsizetype>(count), u"?"_s).join(u',');
-}
 
 bool execute(const QSqlDatabase &db, const QString &statement, QString *error)
 {
@@ -125,9 +96,9 @@ bool AnalysisCache::createSchema(QString *error)
 {
     execute(m_db, u"PRAGMA journal_mode=WAL"_s, nullptr);
     execute(m_db, u"PRAGMA synchronous=NORMAL"_s, nullptr);
-    if (!execute(m_db, createTable, error))
+    if (!execute(m_db, cachetable::createStatement(), error))
         return false;
-    execute(m_db, createIndex, nullptr);
+    execute(m_db, cachetable::createIndexStatement(), nullptr);
     return true;
 }
 
@@ -138,10 +109,9 @@ bool AnalysisCache::prepareStatements(QString *error)
     m_lookupMany.emplace(m_db);
     m_lookupMany->setForwardOnly(true);
     m_store.emplace(m_db);
-    for (const auto &[query, statement] :
-         { std::pair(&*m_lookup, QString(selectRow)),
-           std::pair(&*m_lookupMany, QString(selectRows).arg(placeholders(pathsPerQuery))),
-           std::pair(&*m_store, QString(replaceRow)) }) {
+    for (const auto &[query, statement] : { std::pair(&*m_lookup, cachetable::selectStatement()),
+                                            std::pair(&*m_lookupMany, cachetable::selectStatement(pathsPerQuery)),
+                                            std::pair(&*m_store, cachetable::replaceStatement()) }) {
         if (query->prepare(statement))
             continue;
         if (error)
@@ -174,9 +144,9 @@ bool AnalysisCache::lookup(TrackInfo &track, FingerprintEngine engine)
         noteError(m_lookup->lastError().text());
         return false;
     }
-    const bool hit = m_lookup->next() && isCurrentCacheRow(*m_lookup, track, engine);
+    const bool hit = m_lookup->next() && cachetable::isCurrent(*m_lookup, track, engine);
     if (hit)
-        readCacheRow(*m_lookup, track);
+        cachetable::read(*m_lookup, track);
     else if (m_lookup->lastError().isValid())
         noteError(m_lookup->lastError().text());
     m_lookup->finish(); // an unfinished read would keep the write-ahead log from being folded back
@@ -205,10 +175,10 @@ void AnalysisCache::lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine e
         m_lookupMany->addBindValue(QVariant()); // equals no path
     m_lookupMany->exec();
     while (m_lookupMany->next()) {
-        const QString path = m_lookupMany->value(CachePathColumn).toString();
+        const QString path = cachetable::pathOf(*m_lookupMany);
         for (auto [entry, end] = wanted.equal_range(path); entry != end; ++entry) {
-            if (isCurrentCacheRow(*m_lookupMany, **entry, engine))
-                readCacheRow(*m_lookupMany, **entry);
+            if (cachetable::isCurrent(*m_lookupMany, **entry, engine))
+                cachetable::read(*m_lookupMany, **entry);
         }
     }
     if (m_lookupMany->lastError().isValid())
@@ -220,9 +190,7 @@ void AnalysisCache::store(const TrackInfo &track, FingerprintEngine engine)
 {
     if (!isOpen() || !m_error.isEmpty() || track.path.isEmpty())
         return;
-    const QVariantList values = cacheRowOf(track, engine);
-    for (const QVariant &value : values)
-        m_store->addBindValue(value);
+    cachetable::bind(*m_store, track, engine);
     if (!m_store->exec())
         noteError(m_store->lastError().text());
     m_store->finish();

@@ -1,0 +1,197 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cachetable.h"
+
+#include <QSqlQuery>
+#include <QStringList>
+#include <QVariant>
+#include <QtEndian>
+
+#include <array>
+
+namespace epr::cachetable {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Rows of any other layout are not read. The table's own default stays 1, the layout of files that did not yet write
+// the number, so that their rows never pass for current ones.
+constexpr qint32 layoutVersion = 4;
+
+// Words are kept least significant byte first, whatever the processor. An empty list is an empty blob and not a NULL.
+QVariant toValue(const QList<quint32> &words)
+{
+    QByteArray blob(words.size() * 4, Qt::Uninitialized);
+    if (!words.isEmpty())
+        qToLittleEndian<quint32>(words.constData(), words.size(), blob.data());
+    return blob;
+}
+
+template <typename Field> QVariant toValue(const Field &field)
+{
+    return field;
+}
+
+void fromValue(const QVariant &value, QList<quint32> &words)
+{
+    const QByteArray blob = value.toByteArray();
+    words.resize(blob.size() / 4);
+    if (!words.isEmpty()) // which has no address that may be copied to
+        qFromLittleEndian<quint32>(blob.constData(), words.size(), words.data());
+}
+
+template <typename Field> void fromValue(const QVariant &value, Field &field)
+{
+    field = value.value<Field>();
+}
+
+// A column that holds a field of the record.
+struct Column {
+    const char *name;
+    const char *type;
+    QVariant (*value)(const TrackInfo &track);
+    void (*read)(const QVariant &value, TrackInfo &track);
+    const char *separator; // after its name in the INSERT, which is written as it always was
+};
+
+template <typename Field>
+constexpr Column column(const char *name, const char *type, Field, const char *separator = ",")
+{
+    return { name, type, [](const TrackInfo &track) { return toValue(Field()(track)); },
+             [](const QVariant &value, TrackInfo &track) { fromValue(value, Field()(track)); }, separator };
+}
+
+constexpr std::array columns {
+    column(
+        "full_hash", "TEXT", [](auto &track) -> auto & { return track.fullHash; }),
+    column(
+        "audio_hash", "TEXT", [](auto &track) -> auto & { return track.audioHash; }),
+    column(
+        "title", "TEXT", [](auto &track) -> auto & { return track.tags.title; }),
+    column(
+        "artist", "TEXT", [](auto &track) -> auto & { return track.tags.artist; }, ", "),
+    column(
+        "album", "TEXT", [](auto &track) -> auto & { return track.tags.album; }),
+    column(
+        "album_artist", "TEXT", [](auto &track) -> auto & { return track.tags.albumArtist; }),
+    column(
+        "genre", "TEXT", [](auto &track) -> auto & { return track.tags.genre; }),
+    column(
+        "year", "TEXT", [](auto &track) -> auto & { return track.tags.year; }),
+    column(
+        "comment", "TEXT", [](auto &track) -> auto & { return track.tags.comment; }),
+    column(
+        "track_no", "INTEGER", [](auto &track) -> auto & { return track.tags.trackNo; }),
+    column(
+        "duration_ms", "INTEGER", [](auto &track) -> auto & { return track.stream.durationMs; }),
+    column(
+        "bitrate", "INTEGER", [](auto &track) -> auto & { return track.stream.bitrateKbps; }),
+    column(
+        "sample_rate", "INTEGER", [](auto &track) -> auto & { return track.stream.sampleRate; }, ", "),
+    column(
+        "channels", "INTEGER", [](auto &track) -> auto & { return track.stream.channels; }),
+    column(
+        "fingerprint", "BLOB", [](auto &track) -> auto & { return track.fingerprint.words; }),
+    column(
+        "fingerprint_mask", "BLOB", [](auto &track) -> auto & { return track.fingerprint.mask; }),
+    column(
+        "fingerprint_alt", "BLOB", [](auto &track) -> auto & { return track.fingerprint.alternative; }),
+    column(
+        "fingerprint_alt_mask", "BLOB", [](auto &track) -> auto & { return track.fingerprint.alternativeMask; }, ", "),
+};
+
+// Positions in the result of both SELECTs, which put what tells whether a row holds around the record's columns.
+enum ResultColumn {
+    SizeColumn,
+    MtimeColumn,
+    FirstColumn,
+    SchemaVersionColumn = FirstColumn + static_cast<int>(columns.size()),
+    EngineColumn,
+    PathColumn, // only where several paths are asked for at once
+};
+
+QString selectColumns()
+{
+    QString names;
+    for (const Column &column : columns)
+        names += QLatin1StringView(column.name) + ", "_L1;
+    return "SELECT size, mtime, "_L1 + names + "schema_version, engine"_L1;
+}
+
+QString placeholders(qsizetype count)
+{
+    return QStringList(count, u"?"_s).join(u',');
+}
+
+} // namespace
+
+QString createStatement()
+{
+    QString definitions;
+    for (const Column &column : columns)
+        definitions += QLatin1StringView(column.name) + u' ' + QLatin1StringView(column.type) + ", "_L1;
+    return "CREATE TABLE IF NOT EXISTS tracks ( path TEXT PRIMARY KEY, size INTEGER NOT NULL, mtime INTEGER NOT NULL, "_L1
+        + definitions
+        + "engine INTEGER NOT NULL DEFAULT 0, schema_version INTEGER NOT NULL DEFAULT 1, analysed_at INTEGER)"_L1;
+}
+
+QString createIndexStatement()
+{
+    return u"CREATE INDEX IF NOT EXISTS idx_tracks_audio ON tracks(audio_hash)"_s;
+}
+
+QString replaceStatement()
+{
+    QString names;
+    for (const Column &column : columns)
+        names += QLatin1StringView(column.name) + QLatin1StringView(column.separator);
+    constexpr qsizetype others = 6; // columns that are no field of the list
+    return "INSERT OR REPLACE INTO tracks (path,size,mtime,"_L1 + names
+        + "engine,schema_version,analysed_at) VALUES (%1)"_L1.arg(placeholders(columns.size() + others));
+}
+
+QString selectStatement()
+{
+    return selectColumns() + " FROM tracks WHERE path = ?"_L1;
+}
+
+QString selectStatement(qsizetype paths)
+{
+    return selectColumns() + ", path FROM tracks WHERE path IN (%1)"_L1.arg(placeholders(paths));
+}
+
+void bind(QSqlQuery &replace, const TrackInfo &track, FingerprintEngine engine)
+{
+    replace.addBindValue(track.path);
+    replace.addBindValue(track.size);
+    replace.addBindValue(track.mtime.toSecsSinceEpoch());
+    for (const Column &column : columns)
+        replace.addBindValue(column.value(track));
+    replace.addBindValue(qToUnderlying(engine));
+    replace.addBindValue(layoutVersion);
+    replace.addBindValue(QDateTime::currentSecsSinceEpoch());
+}
+
+bool isCurrent(const QSqlQuery &row, const TrackInfo &track, FingerprintEngine engine)
+{
+    return row.value(SizeColumn).toLongLong() == track.size
+        && row.value(MtimeColumn).toLongLong() == track.mtime.toSecsSinceEpoch()
+        && row.value(SchemaVersionColumn).toInt() == layoutVersion
+        && row.value(EngineColumn).toInt() == qToUnderlying(engine);
+}
+
+void read(const QSqlQuery &row, TrackInfo &track)
+{
+    for (int position = FirstColumn; const Column &column : columns)
+        column.read(row.value(position++), track);
+    track.analysed = true;
+    track.flags |= TrackFromCache;
+}
+
+QString pathOf(const QSqlQuery &row)
+{
+    return row.value(PathColumn).toString();
+}
+
+} // namespace epr::cachetable

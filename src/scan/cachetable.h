@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scanoptions.h"
+#include "trackinfo.h"
+
+QT_BEGIN_NAMESPACE
+class QSqlQuery;
+QT_END_NAMESPACE
+
+/// The table "tracks" of the analysis cache. Statements, binding and reading follow from one list of its columns, which
+/// stands in the implementation: a further field of a record is a line there.
+namespace epr::cachetable {
+
+QString createStatement();
+QString createIndexStatement();
+QString replaceStatement(); ///< takes what bind() gives
+
+/// The row of one path.
+QString selectStatement();
+/// The rows of several paths, in any order; pathOf() tells them apart.
+QString selectStatement(qsizetype paths);
+
+void bind(QSqlQuery &replace, const TrackInfo &track, FingerprintEngine engine);
+
+/// Whether the row tells about the measured file as it is now, in this layout and of this engine.
+bool isCurrent(const QSqlQuery &row, const TrackInfo &track, FingerprintEngine engine);
+
+/// Completes a measured record.
+void read(const QSqlQuery &row, TrackInfo &track);
+
+QString pathOf(const QSqlQuery &row);
+
+} // namespace epr::cachetable
