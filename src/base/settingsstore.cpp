@@ -15,15 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr auto keyWindowGeometry = "window/geometry"_L1;
-constexpr auto keyWindowState = "window/state"_L1;
-constexpr auto keyFolders = "scan/folders"_L1;
-constexpr auto keyQuarantineRoot = "safety/quarantineRoot"_L1;
-constexpr auto keyShowPlayer = "audition/showPlayer"_L1;
-constexpr auto keyLinkDecks = "audition/linked"_L1;
-constexpr auto keyCheckForUpdates = "updates/checkOnStartup"_L1;
-
-// Every scan option that is kept, in the order in which it is loaded and saved. Options is ScanOptions, const to save.
+// Every scan option that is kept; its default is that of the record. Options is ScanOptions, const to save.
 template <typename Options, typename Visitor> void visitScanKeys(Options &options, Visitor &&visit)
 {
     visit("detect/identical"_L1, options.detectIdentical);
@@ -93,108 +85,64 @@ void assign(const QVariant &stored, QString &target)
         target = stored.toString();
 }
 
-template <typename Value> Value readValue(const QSettings &settings, QLatin1StringView key, Value fallback)
+void assign(const QVariant &stored, QByteArray &target)
+{
+    target = stored.toByteArray();
+}
+
+void assign(const QVariant &stored, QDateTime &target)
+{
+    target = stored.toDateTime();
+}
+
+template <typename Value> void readInto(Value &target, const QSettings &settings, QLatin1StringView key)
 {
     if (settings.contains(key))
-        assign(settings.value(key), fallback);
-    return fallback;
+        assign(settings.value(key), target);
 }
 
 } // namespace
 
 qint32 defaultDecoderThreads(int idealThreadCount)
 {
-    return idealThreadCount > 17 ? 8 : std::max(2, idealThreadCount / 2);
+    constexpr qint32 fewest = 2;
+    constexpr qint32 most = 8;
+    return std::clamp(idealThreadCount / 2, fewest, most);
 }
 
-QByteArray SettingsStore::windowGeometry() const
+QString defaultQuarantineRoot()
 {
-    return m_settings.value(keyWindowGeometry).toByteArray();
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
+        .filePath(u"Echoprune Quarantine"_s);
 }
 
-QByteArray SettingsStore::windowState() const
+template <typename Value> Value SettingsStore::value(const Setting<Value> &setting) const
 {
-    return m_settings.value(keyWindowState).toByteArray();
+    Value value = setting.standard();
+    readInto(value, m_settings, QLatin1StringView(setting.key));
+    if constexpr (requires { value.isEmpty(); })
+        return value.isEmpty() && setting.emptyIsStandard ? setting.standard() : value;
+    else
+        return value;
 }
 
-QStringList SettingsStore::folders() const
-{
-    return readValue(m_settings, keyFolders, QStringList());
-}
+template QByteArray SettingsStore::value(const Setting<QByteArray> &) const;
+template QDateTime SettingsStore::value(const Setting<QDateTime> &) const;
+template QString SettingsStore::value(const Setting<QString> &) const;
+template QStringList SettingsStore::value(const Setting<QStringList> &) const;
+template bool SettingsStore::value(const Setting<bool> &) const;
 
 ScanOptions SettingsStore::loadScanOptions() const
 {
     ScanOptions options;
     options.decoderThreads = defaultDecoderThreads(QThread::idealThreadCount());
-    visitScanKeys(options, [this](QLatin1StringView key, auto &value) { value = readValue(m_settings, key, value); });
+    visitScanKeys(options, [this](QLatin1StringView key, auto &value) { readInto(value, m_settings, key); });
     return options;
-}
-
-QString SettingsStore::quarantineRoot() const
-{
-    const QString root = readValue(m_settings, keyQuarantineRoot, defaultQuarantineRoot());
-    return root.isEmpty() ? defaultQuarantineRoot() : root; // no folder has no name
-}
-
-bool SettingsStore::showPlayer() const
-{
-    return readValue(m_settings, keyShowPlayer, true);
-}
-
-bool SettingsStore::linkDecks() const
-{
-    return readValue(m_settings, keyLinkDecks, true);
-}
-
-bool SettingsStore::checkForUpdatesOnStartup() const
-{
-    return readValue(m_settings, keyCheckForUpdates, true);
-}
-
-void SettingsStore::setWindowGeometry(const QByteArray &geometry)
-{
-    m_settings.setValue(keyWindowGeometry, geometry);
-}
-
-void SettingsStore::setWindowState(const QByteArray &state)
-{
-    m_settings.setValue(keyWindowState, state);
-}
-
-void SettingsStore::setFolders(const QStringList &folders)
-{
-    m_settings.setValue(keyFolders, folders);
 }
 
 void SettingsStore::saveScanOptions(const ScanOptions &options)
 {
     visitScanKeys(options, [this](QLatin1StringView key, const auto &value) { m_settings.setValue(key, value); });
-}
-
-void SettingsStore::setQuarantineRoot(const QString &folder)
-{
-    m_settings.setValue(keyQuarantineRoot, folder);
-}
-
-void SettingsStore::setShowPlayer(bool show)
-{
-    m_settings.setValue(keyShowPlayer, show);
-}
-
-void SettingsStore::setLinkDecks(bool link)
-{
-    m_settings.setValue(keyLinkDecks, link);
-}
-
-void SettingsStore::setCheckForUpdatesOnStartup(bool check)
-{
-    m_settings.setValue(keyCheckForUpdates, check);
-}
-
-QString SettingsStore::defaultQuarantineRoot()
-{
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
-        .filePath(u"Echoprune Quarantine"_s);
 }
 
 } // namespace epr

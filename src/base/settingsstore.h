@@ -2,40 +2,66 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "metadata.h"
 #include "scanoptions.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QSettings>
+
+#include <type_traits>
 
 namespace epr {
 
 /// Threads that fingerprint a batch unless the operator says otherwise: half the logical processors, from 2 to 8.
-[[nodiscard]] qint32 defaultDecoderThreads(int idealThreadCount);
+qint32 defaultDecoderThreads(int idealThreadCount);
 
-/// The user's settings in the platform's per-user store, one typed pair of functions for each key. A missing or
-/// unreadable value yields its default; a readable one is taken as stored, without limits.
+/// Where clean-ups go until the operator chooses a folder: inside the user's documents.
+QString defaultQuarantineRoot();
+
+/// One value of the user's settings: its key, its type, and what it is while nothing readable is stored.
+template <typename Value> struct Setting {
+    const char *key;
+    Value (*standard)() = [] { return Value(); };
+    bool emptyIsStandard = false; ///< an empty text counts as nothing stored
+};
+
+/// Every setting but the scan options, which SettingsStore keeps all at once.
+namespace settings {
+
+constexpr bool on()
+{
+    return true;
+}
+
+inline constexpr Setting<QByteArray> windowGeometry { "window/geometry" };
+inline constexpr Setting<QByteArray> windowState { "window/state" };
+inline constexpr Setting<QStringList> folders { "scan/folders" };
+inline constexpr Setting<QString> quarantineRoot { "safety/quarantineRoot", defaultQuarantineRoot, true };
+inline constexpr Setting<bool> showPlayer { "audition/showPlayer", on };
+inline constexpr Setting<bool> linkDecks { "audition/linked", on };
+inline constexpr Setting<QString> updateUrl { "updates/url", metadata::defaultUpdateUrl };
+inline constexpr Setting<bool> checkForUpdatesOnStartup { "updates/checkOnStartup", on };
+inline constexpr Setting<QDateTime> lastUpdateCheck { "updates/lastChecked" };
+inline constexpr Setting<QString> skippedVersion { "updates/skippedVersion" };
+
+} // namespace settings
+
+/// The user's settings in the platform's per-user store. A readable value is taken as stored, without limits.
 class SettingsStore final {
 public:
-    [[nodiscard]] QByteArray windowGeometry() const; ///< empty when never saved
-    [[nodiscard]] QByteArray windowState() const; ///< empty when never saved
-    [[nodiscard]] QStringList folders() const;
-    [[nodiscard]] ScanOptions loadScanOptions() const; ///< roots stay empty: they are the folder list's business
-    [[nodiscard]] QString quarantineRoot() const;
-    [[nodiscard]] bool showPlayer() const;
-    [[nodiscard]] bool linkDecks() const;
-    [[nodiscard]] bool checkForUpdatesOnStartup() const;
+    template <typename Value> Value value(const Setting<Value> &setting) const;
+    ScanOptions loadScanOptions() const; ///< roots stay empty: they are the folder list's business
 
-    void setWindowGeometry(const QByteArray &geometry);
-    void setWindowState(const QByteArray &state);
-    void setFolders(const QStringList &folders);
+    template <typename Value> void set(const Setting<Value> &setting, const std::type_identity_t<Value> &value)
+    {
+        m_settings.setValue(QLatin1StringView(setting.key), value);
+    }
+    template <typename Value> void remove(const Setting<Value> &setting)
+    {
+        m_settings.remove(QLatin1StringView(setting.key));
+    }
     void saveScanOptions(const ScanOptions &options);
-    void setQuarantineRoot(const QString &folder);
-    void setShowPlayer(bool show);
-    void setLinkDecks(bool link);
-    void setCheckForUpdatesOnStartup(bool check);
-
-    /// Where clean-ups go until the operator chooses a folder: inside the user's documents.
-    [[nodiscard]] static QString defaultQuarantineRoot();
 
 private:
     QSettings m_settings;

@@ -138,12 +138,6 @@ QString removalModeLabel(RemovalMode mode)
     return {};
 }
 
-QString defaultQuarantineRoot()
-{
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
-        .filePath(u"Echoprune Quarantine"_s);
-}
-
 RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
                           const QStringList &scanRoots, const CleanupProgressFn &progress)
 {

@@ -17,9 +17,6 @@ enum class RemovalMode : qint32 {
 /// Translated; empty for a value that is none of the three.
 [[nodiscard]] QString removalModeLabel(RemovalMode mode);
 
-/// A folder among the user's documents.
-[[nodiscard]] QString defaultQuarantineRoot();
-
 struct RemovalResult {
     qint32 succeeded = 0;
     qint32 failed = 0;

@@ -3,7 +3,7 @@
 #include "cleanupcommand.h"
 
 #include "displaytext.h"
-#include "plainbox.h"
+#include "notices.h"
 #include "removalchecks.h"
 #include "removaldialog.h"
 #include "restore.h"

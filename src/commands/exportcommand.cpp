@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "exportcommand.h"
 
-#include "plainbox.h"
+#include "notices.h"
 #include "reportwriter.h"
 #include "review.h"
 #include "runwithprogress.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "removaldialog.h"
 
-#include "tones.h"
+#include "look.h"
 
 #include <QDialogButtonBox>
 #include <QFileDialog>

@@ -3,7 +3,7 @@
 #include "runwithprogress.h"
 
 #include "backgroundjob.h"
-#include "plainbox.h"
+#include "notices.h"
 #include "progressestimate.h"
 
 #include <QDialog>

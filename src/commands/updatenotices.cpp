@@ -3,7 +3,7 @@
 #include "updatenotices.h"
 
 #include "metadata.h"
-#include "plainbox.h"
+#include "notices.h"
 #include "settingsstore.h"
 #include "updatedialog.h"
 #include "versioncompare.h"
@@ -29,7 +29,7 @@ UpdateNotices::UpdateNotices(QAction *checkAction, QWidget *window)
 // Late enough not to compete with the window's first appearance.
 void UpdateNotices::scheduleStartupCheck()
 {
-    if (!SettingsStore().checkForUpdatesOnStartup())
+    if (!SettingsStore().value(settings::checkForUpdatesOnStartup))
         return;
     constexpr std::chrono::milliseconds delay { 2500 };
     QTimer::singleShot(delay, this, [this] {

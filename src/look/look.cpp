@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "look.h"
 
-#include "outlinestyle.h"
-#include "tones.h"
-
 #include <QApplication>
 #include <QEvent>
 #include <QFile>
+#include <QPainter>
 #include <QPalette>
+#include <QProxyStyle>
+#include <QStyleOption>
 
 #ifdef Q_OS_WIN
 #include <windows.h>
@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Who chose a high-contrast theme chose every colour of it.
+// Whoever chose a high-contrast theme chose every colour of it.
 bool isHighContrast()
 {
 #ifdef Q_OS_WIN
@@ -28,37 +28,102 @@ bool isHighContrast()
     state.cbSize = sizeof state;
     return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof state, &state, 0) && (state.dwFlags & HCF_HIGHCONTRASTON);
 #else
-    return false; // no way to know that all desktops share; ours can be read on their grounds as well
+    return false; // no way to know that all desktops share; our colours can be read on their grounds as well
 #endif
 }
 
-class Wardrobe final : public QObject {
+// One colour laid over another with an opacity from 0 to 1.
+QColor mixed(const QColor &over, const QColor &under, float opacity)
+{
+    const auto channel = [opacity](float above, float below) { return opacity * above + (1 - opacity) * below; };
+    return QColor::fromRgbF(channel(over.redF(), under.redF()), channel(over.greenF(), under.greenF()),
+                            channel(over.blueF(), under.blueF()));
+}
+
+class OutlineStyle final : public QProxyStyle {
+public:
+    OutlineStyle()
+        : QProxyStyle(u"fusion"_s)
+    {
+    }
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        painter->save();
+        if (element == PE_IndicatorCheckBox) {
+            setPen(painter, *option, boxOpacity);
+            painter->drawRect(outline(*option));
+        } else if (element == PE_IndicatorRadioButton) {
+            setPen(painter, *option, boxOpacity);
+            painter->drawEllipse(outline(*option).adjusted(1, 1, -1, -1));
+        } else if ((element == PE_FrameLineEdit || element == PE_Frame) && isDarkPalette(option->palette)
+                   && !option->state.testFlag(State_HasFocus)) {
+            setPen(painter, *option, frameOpacity);
+            painter->drawRoundedRect(outline(*option), 2, 2);
+        }
+        painter->restore();
+    }
+
+private:
+    static constexpr float boxOpacity = 0.55F; // 3:1 against the ground, which WCAG 2 asks of what one has to find
+    static constexpr float frameOpacity = 0.25F;
+
+    static void setPen(QPainter *painter, const QStyleOption &option, float opacity)
+    {
+        const QPalette &palette = option.palette;
+        const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
+        painter->setPen(
+            mixed(palette.color(QPalette::Text), palette.color(QPalette::Base), isEnabled ? opacity : opacity / 2));
+        painter->setBrush(Qt::NoBrush);
+        painter->setRenderHint(QPainter::Antialiasing);
+    }
+
+    // The middles of the outermost pixels, where a line of one pixel is sharp.
+    static QRectF outline(const QStyleOption &option) { return QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5); }
+};
+
+class PaletteFollower final : public QObject {
 public:
     using QObject::QObject;
 
-    void dress()
+    void apply()
     {
-        m_isDressing = true;
+        m_isApplying = true;
         QApplication::setPalette(QPalette()); // back to the system's
         if (!isHighContrast())
-            QApplication::setPalette(dressed(QApplication::palette()));
-        m_isDressing = false;
+            QApplication::setPalette(programPalette(QApplication::palette()));
+        m_isApplying = false;
     }
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp && !m_isDressing)
-            QMetaObject::invokeMethod(this, &Wardrobe::dress, Qt::QueuedConnection); // after those who are being told
+        // Queued, so that the palette changes again only when everybody has been told of this change.
+        if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp && !m_isApplying)
+            QMetaObject::invokeMethod(this, &PaletteFollower::apply, Qt::QueuedConnection);
         return false;
     }
 
 private:
-    bool m_isDressing = false;
+    bool m_isApplying = false;
 };
 
 } // namespace
 
-QPalette dressed(const QPalette &system)
+void applyLook()
+{
+    if (QApplication::style()->name() == "fusion"_L1)
+        QApplication::setStyle(createOutlineStyle());
+    auto *follower = new PaletteFollower(qApp);
+    follower->apply();
+    qApp->installEventFilter(follower);
+    QFile sheet(u":/style/app.qss"_s);
+    if (sheet.open(QIODevice::ReadOnly | QIODevice::Text))
+        qApp->setStyleSheet(QString::fromUtf8(sheet.readAll()));
+}
+
+QPalette programPalette(const QPalette &system)
 {
     QPalette palette = system;
     const bool isDark = isDarkPalette(system);
@@ -71,7 +136,7 @@ QPalette dressed(const QPalette &system)
         palette.setColor(QPalette::Window, QColor(247, 249, 252));
         palette.setColor(QPalette::AlternateBase, QColor(232, 238, 246));
     } else {
-        // What some dark desktops derive from their grounds cannot be told from them.
+        // Some dark desktops derive colours for disabled texts that cannot be told from the ground.
         constexpr float disabled = 0.5F;
         for (const auto role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
             palette.setColor(QPalette::Disabled, role,
@@ -86,16 +151,23 @@ QPalette dressed(const QPalette &system)
     return palette;
 }
 
-void applyLook()
+QStyle *createOutlineStyle()
 {
-    if (QApplication::style()->name() == "fusion"_L1)
-        QApplication::setStyle(new OutlineStyle);
-    auto *wardrobe = new Wardrobe(qApp);
-    wardrobe->dress();
-    qApp->installEventFilter(wardrobe);
-    QFile sheet(u":/style/app.qss"_s);
-    if (sheet.open(QIODevice::ReadOnly | QIODevice::Text))
-        qApp->setStyleSheet(QString::fromUtf8(sheet.readAll()));
+    return new OutlineStyle;
+}
+
+bool isDarkPalette(const QPalette &palette)
+{
+    return palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
+}
+
+QColor readableTone(QRgb dark, const QPalette &palette)
+{
+    const QColor colour(dark);
+    if (!isDarkPalette(palette))
+        return colour;
+    constexpr float lightness = 0.72F; // with which even blue and red read well on black
+    return QColor::fromHslF(colour.hslHueF(), colour.hslSaturationF(), lightness);
 }
 
 } // namespace epr

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QColor>
+
 class QPalette;
+class QStyle;
 
 namespace epr {
 
@@ -10,8 +13,19 @@ namespace epr {
 /// with the default look. The colours follow when the system turns from light to dark or back.
 void applyLook();
 
-/// The palette that the application wears on a system of this palette: the program's own tones where it is light; where
-/// it is dark only a selection, links and muted texts that a dark ground carries.
-[[nodiscard]] QPalette dressed(const QPalette &system);
+/// The application's palette on a system of this palette: the program's own colours where it is light; where it is dark
+/// only a selection, links and muted texts that can be read on a dark ground.
+[[nodiscard]] QPalette programPalette(const QPalette &system);
+
+/// The style "Fusion" with outlines that can be seen, for the caller to own. Fusion's own are darker than the window,
+/// so that on a dark one an empty check box is a black spot on black, and the tick is what decides over a file here.
+[[nodiscard]] QStyle *createOutlineStyle();
+
+/// Whether its lists show light text on a dark ground.
+bool isDarkPalette(const QPalette &palette);
+
+/// A dark colour of the program's own as text on the palette's ground: as it is on a light one, a light tone of the
+/// same hue on a dark one. The contrast stays above the 4.5:1 that WCAG 2 asks of text either way.
+QColor readableTone(QRgb dark, const QPalette &palette);
 
 } // namespace epr

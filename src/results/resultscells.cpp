@@ -3,9 +3,9 @@
 #include "resultscells.h"
 
 #include "displaytext.h"
-#include "plainbox.h"
+#include "look.h"
+#include "notices.h"
 #include "resultsmodel.h"
-#include "tones.h"
 
 #include <QAbstractItemView>
 #include <QHeaderView>

@@ -3,7 +3,7 @@
 #include "resultsmodel.h"
 
 #include "displaytext.h"
-#include "plainbox.h"
+#include "notices.h"
 #include "resultscells.h"
 #include "review.h"
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultsview.h"
 
-#include "emptyhint.h"
+#include "notices.h"
 #include "resultscells.h"
 #include "resultsmodel.h"
 

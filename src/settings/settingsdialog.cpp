@@ -2,12 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "settingsdialog.h"
 
-#include "detectiontab.h"
-#include "filestab.h"
 #include "metadata.h"
-#include "performancetab.h"
-#include "settingswidgets.h"
-#include "updatestab.h"
+#include "settingstabs.h"
 
 #include <QDialogButtonBox>
 #include <QScrollArea>
@@ -16,20 +12,39 @@
 
 namespace epr {
 
+namespace {
+
+// With scroll bars when it does not fit: the dialog's buttons stay on a small or strongly scaled screen.
+QScrollArea *createScrollablePage(QWidget *page)
+{
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus); // or Tab would stop at something that nobody sees
+    area->setWidget(page);
+    // The tab widget paints the background; styles give it another colour than a window's.
+    area->viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
+    return area;
+}
+
+} // namespace
+
 SettingsDialog::SettingsDialog(const ScanOptions &options, const SettingsStatus &status, QWidget *parent)
     : QDialog(parent)
     , m_options(options)
-    , m_detection(new DetectionTab(options))
-    , m_files(new FilesTab(options))
     , m_performance(new PerformanceTab(options, status))
     , m_updates(new UpdatesTab)
 {
+    auto *detection = new DetectionTab(options);
+    auto *files = new FilesTab(options);
+    m_optionsTabs = { detection, files, m_performance };
     setWindowTitle(tr("%1 Settings").arg(metadata::applicationName()));
     setMinimumWidth(560);
 
     auto *tabs = new QTabWidget;
-    tabs->addTab(createScrollablePage(m_detection), tr("Detection"));
-    tabs->addTab(createScrollablePage(m_files), tr("Files"));
+    tabs->addTab(createScrollablePage(detection), tr("Detection"));
+    tabs->addTab(createScrollablePage(files), tr("Files"));
     tabs->addTab(createScrollablePage(m_performance), tr("Performance"));
     tabs->addTab(createScrollablePage(m_updates), tr("Updates"));
 
@@ -55,9 +70,8 @@ void SettingsDialog::showCacheCleared()
 
 void SettingsDialog::accept()
 {
-    m_detection->applyTo(m_options);
-    m_files->applyTo(m_options);
-    m_performance->applyTo(m_options);
+    for (const OptionsTab *tab : m_optionsTabs)
+        tab->applyTo(m_options);
     m_updates->save();
     QDialog::accept();
 }

@@ -3,16 +3,27 @@
 #pragma once
 
 #include "scanoptions.h"
-#include "settingsstatus.h"
 
 #include <QDialog>
 
 namespace epr {
 
-class DetectionTab;
-class FilesTab;
+class OptionsTab;
 class PerformanceTab;
 class UpdatesTab;
+
+struct CacheStatus {
+    bool available = false; ///< the cache could be opened
+    qint64 entries = 0;
+    qint64 bytes = 0; ///< size of its file
+};
+
+/// What the settings dialog reports but does not edit. The caller asks the tools and the cache, so that the dialog
+/// needs neither.
+struct SettingsStatus {
+    QString fpcalcPath; ///< empty = the tool was not found
+    CacheStatus cache;
+};
 
 /// Edits a copy of the scan options, and the update settings in the store; neither changes unless the dialog is
 /// accepted. What it has no control for (roots, the engine, its threshold, the order of formats) keeps its value. On
@@ -23,7 +34,7 @@ class SettingsDialog final : public QDialog {
 public:
     SettingsDialog(const ScanOptions &options, const SettingsStatus &status, QWidget *parent = nullptr);
 
-    [[nodiscard]] const ScanOptions &options() const { return m_options; } ///< edited once the dialog is accepted
+    const ScanOptions &options() const { return m_options; } ///< edited once the dialog is accepted
 
     void setCacheStatus(const CacheStatus &status);
     void showCacheCleared();
@@ -37,10 +48,9 @@ public Q_SLOTS:
 
 private:
     ScanOptions m_options;
-    DetectionTab *m_detection;
-    FilesTab *m_files;
     PerformanceTab *m_performance;
     UpdatesTab *m_updates;
+    QList<OptionsTab *> m_optionsTabs;
 };
 
 } // namespace epr

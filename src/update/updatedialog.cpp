@@ -3,7 +3,7 @@
 #include "updatedialog.h"
 
 #include "metadata.h"
-#include "plainbox.h"
+#include "notices.h"
 #include "versioncompare.h"
 #include "weburl.h"
 

@@ -2,31 +2,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "updatesettings.h"
 
-#include "metadata.h"
-
 #include <QCoreApplication>
 #include <QLocale>
 
 namespace epr {
 
-using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr auto keyUrl = "updates/url"_L1;
-constexpr auto keyLastChecked = "updates/lastChecked"_L1;
-constexpr auto keySkippedVersion = "updates/skippedVersion"_L1;
-
-} // namespace
-
 QString UpdateSettings::url() const
 {
-    return m_settings.value(keyUrl, metadata::defaultUpdateUrl()).toString().trimmed();
+    return m_store.value(settings::updateUrl).trimmed();
 }
 
 QDateTime UpdateSettings::lastChecked() const
 {
-    return m_settings.value(keyLastChecked).toDateTime().toUTC();
+    return m_store.value(settings::lastUpdateCheck).toUTC();
 }
 
 QString UpdateSettings::lastCheckedText() const
@@ -40,27 +28,27 @@ QString UpdateSettings::lastCheckedText() const
 
 QString UpdateSettings::skippedVersion() const
 {
-    return m_settings.value(keySkippedVersion).toString();
+    return m_store.value(settings::skippedVersion);
 }
 
 void UpdateSettings::setUrl(const QString &url)
 {
-    m_settings.setValue(keyUrl, url.trimmed());
+    m_store.set(settings::updateUrl, url.trimmed());
 }
 
 void UpdateSettings::setLastChecked(const QDateTime &time)
 {
-    m_settings.setValue(keyLastChecked, time.toUTC());
+    m_store.set(settings::lastUpdateCheck, time.toUTC());
 }
 
 void UpdateSettings::setSkippedVersion(const QString &version)
 {
-    m_settings.setValue(keySkippedVersion, version);
+    m_store.set(settings::skippedVersion, version);
 }
 
 void UpdateSettings::clearSkippedVersion()
 {
-    m_settings.remove(keySkippedVersion);
+    m_store.remove(settings::skippedVersion);
 }
 
 } // namespace epr

@@ -2,19 +2,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QDateTime>
-#include <QSettings>
-#include <QString>
+#include "settingsstore.h"
 
 namespace epr {
 
 /// What the update check keeps in the user's settings.
 class UpdateSettings final {
 public:
-    [[nodiscard]] QString url() const; ///< the default address when none was ever stored
-    [[nodiscard]] QDateTime lastChecked() const; ///< UTC; invalid = never
-    [[nodiscard]] QString lastCheckedText() const; ///< local time, or a translated "never"
-    [[nodiscard]] QString skippedVersion() const; ///< empty = none
+    QString url() const; ///< the default address when none was ever stored
+    QDateTime lastChecked() const; ///< UTC; invalid = never
+    QString lastCheckedText() const; ///< local time, or a translated "never"
+    QString skippedVersion() const; ///< empty = none
 
     void setUrl(const QString &url); ///< trims
     void setLastChecked(const QDateTime &time);
@@ -22,7 +20,7 @@ public:
     void clearSkippedVersion();
 
 private:
-    QSettings m_settings;
+    SettingsStore m_store;
 };
 
 } // namespace epr

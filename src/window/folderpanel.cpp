@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "folderpanel.h"
 
-#include "emptyhint.h"
-#include "plainbox.h"
+#include "notices.h"
 
 #include <QAction>
 #include <QDir>

@@ -53,7 +53,7 @@ void keepFocusOutWhileHidden(QDockWidget *dock)
 
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
-    , m_quarantineRoot(SettingsStore::defaultQuarantineRoot())
+    , m_quarantineRoot(defaultQuarantineRoot())
     , m_actions(new MainActions(this))
     , m_review(new Review(this))
     , m_cleanup(new CleanupCommand(*m_review, this))
@@ -361,18 +361,18 @@ void MainWindow::placeOnScreen()
 void MainWindow::restoreSettings()
 {
     const SettingsStore store;
-    restoreGeometry(store.windowGeometry());
-    const bool isFirstStart = !restoreState(store.windowState());
-    const QStringList folders = store.folders();
+    restoreGeometry(store.value(settings::windowGeometry));
+    const bool isFirstStart = !restoreState(store.value(settings::windowState));
+    const QStringList folders = store.value(settings::folders);
     for (const QString &folder : folders) {
         if (!addFolder(folder) && !m_folderPanel->folders().contains(folder))
             onLogMessage(tr("Folder not found and taken off the list: %1").arg(folder));
     }
     m_options = store.loadScanOptions();
-    m_quarantineRoot = store.quarantineRoot();
+    m_quarantineRoot = store.value(settings::quarantineRoot);
     const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();
-    m_playerDock->setVisible(store.showPlayer() && hasRoom);
-    m_playerDock->player()->setLinked(store.linkDecks());
+    m_playerDock->setVisible(store.value(settings::showPlayer) && hasRoom);
+    m_playerDock->player()->setLinked(store.value(settings::linkDecks));
 }
 
 void MainWindow::connectScan()
@@ -419,13 +419,13 @@ void MainWindow::connectCommands()
 void MainWindow::saveSettings() const
 {
     SettingsStore store;
-    store.setWindowGeometry(saveGeometry());
-    store.setWindowState(saveState());
-    store.setFolders(m_folderPanel->folders());
+    store.set(settings::windowGeometry, saveGeometry());
+    store.set(settings::windowState, saveState());
+    store.set(settings::folders, m_folderPanel->folders());
     store.saveScanOptions(m_options);
-    store.setQuarantineRoot(m_quarantineRoot);
-    store.setShowPlayer(!m_playerDock->isHidden());
-    store.setLinkDecks(m_playerDock->player()->isLinked());
+    store.set(settings::quarantineRoot, m_quarantineRoot);
+    store.set(settings::showPlayer, !m_playerDock->isHidden());
+    store.set(settings::linkDecks, m_playerDock->player()->isLinked());
 }
 
 void MainWindow::setScanning(bool scanning)

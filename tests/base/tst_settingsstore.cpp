@@ -38,22 +38,23 @@ private Q_SLOTS:
         options.keeperPolicy = 99;
         {
             SettingsStore store;
-            store.setWindowGeometry(QByteArray("\0\xff\x01", 3));
-            store.setWindowState("state");
-            store.setFolders({ u"D:/Müsik, all"_s, u"E:/b"_s });
+            store.set(settings::windowGeometry, QByteArray("\0\xff\x01", 3));
+            store.set(settings::windowState, "state");
+            store.set(settings::folders, { u"D:/Müsik, all"_s, u"E:/b"_s });
             store.saveScanOptions(options);
-            store.setQuarantineRoot(u"D:/Q"_s);
-            store.setShowPlayer(false);
-            store.setLinkDecks(false);
-            store.setCheckForUpdatesOnStartup(false);
+            store.set(settings::quarantineRoot, u"D:/Q"_s);
+            store.set(settings::showPlayer, false);
+            store.set(settings::linkDecks, false);
+            store.set(settings::checkForUpdatesOnStartup, false);
         }
         const SettingsStore store;
-        QCOMPARE(store.windowGeometry(), QByteArray("\0\xff\x01", 3));
-        QCOMPARE(store.windowState(), QByteArray("state"));
-        QCOMPARE(store.folders(), (QStringList { u"D:/Müsik, all"_s, u"E:/b"_s }));
+        QCOMPARE(store.value(settings::windowGeometry), QByteArray("\0\xff\x01", 3));
+        QCOMPARE(store.value(settings::windowState), QByteArray("state"));
+        QCOMPARE(store.value(settings::folders), (QStringList { u"D:/Müsik, all"_s, u"E:/b"_s }));
         QCOMPARE(store.loadScanOptions(), options);
-        QCOMPARE(store.quarantineRoot(), u"D:/Q"_s);
-        QVERIFY(!store.showPlayer() && !store.linkDecks() && !store.checkForUpdatesOnStartup());
+        QCOMPARE(store.value(settings::quarantineRoot), u"D:/Q"_s);
+        QVERIFY(!store.value(settings::showPlayer) && !store.value(settings::linkDecks)
+                && !store.value(settings::checkForUpdatesOnStartup));
     }
 
     void unreadableValuesAreDefaults()
@@ -69,8 +70,10 @@ private Q_SLOTS:
         expected.useCache = false;
         const SettingsStore store;
         QCOMPARE(store.loadScanOptions(), expected);
-        QVERIFY(store.showPlayer() && store.linkDecks() && store.checkForUpdatesOnStartup());
-        QVERIFY(store.folders().isEmpty() && store.quarantineRoot().endsWith("/Echoprune Quarantine"_L1));
+        QVERIFY(store.value(settings::showPlayer) && store.value(settings::linkDecks)
+                && store.value(settings::checkForUpdatesOnStartup));
+        QVERIFY(store.value(settings::folders).isEmpty()
+                && store.value(settings::quarantineRoot).endsWith("/Echoprune Quarantine"_L1));
     }
 
     void halfTheProcessorsDecodeButAtLeastTwo()

@@ -78,7 +78,7 @@ private:
 struct Session final : Sandbox {
     Session()
     {
-        SettingsStore().setQuarantineRoot(quarantine());
+        SettingsStore().set(settings::quarantineRoot, quarantine());
         window.emplace();
         window->addFolder(library());
         QList<TrackInfo> tracks;

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "look.h"
-#include "outlinestyle.h"
 #include "resultscells.h"
 
 #include <QApplication>
@@ -9,6 +8,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <memory>
 
 using namespace epr;
 using namespace Qt::StringLiterals;
@@ -66,24 +66,24 @@ private Q_SLOTS:
     void textCanBeRead()
     {
         QFETCH(const QPalette, system);
-        const QPalette worn = dressed(system);
+        const QPalette ours = programPalette(system);
         const QList<QPair<QColor, QColor>> pairs {
-            { worn.color(QPalette::WindowText), worn.color(QPalette::Window) },
-            { worn.color(QPalette::Mid), worn.color(QPalette::Window) },
-            { worn.color(QPalette::PlaceholderText), worn.color(QPalette::Base) },
-            { worn.color(QPalette::Link), worn.color(QPalette::Window) },
-            { worn.color(QPalette::HighlightedText), worn.color(QPalette::Highlight) },
-            { worn.color(QPalette::HighlightedText), worn.color(QPalette::Inactive, QPalette::Highlight) },
-            { keeperColour(worn), worn.color(QPalette::Base) },
-            { matchColour(MatchType::SameAudio, worn), worn.color(QPalette::AlternateBase) },
-            { matchColour(MatchType::SameRecording, worn), worn.color(QPalette::Base) },
-            { matchColour(MatchType::SameSong, worn), worn.color(QPalette::AlternateBase) },
+            { ours.color(QPalette::WindowText), ours.color(QPalette::Window) },
+            { ours.color(QPalette::Mid), ours.color(QPalette::Window) },
+            { ours.color(QPalette::PlaceholderText), ours.color(QPalette::Base) },
+            { ours.color(QPalette::Link), ours.color(QPalette::Window) },
+            { ours.color(QPalette::HighlightedText), ours.color(QPalette::Highlight) },
+            { ours.color(QPalette::HighlightedText), ours.color(QPalette::Inactive, QPalette::Highlight) },
+            { keeperColour(ours), ours.color(QPalette::Base) },
+            { matchColour(MatchType::SameAudio, ours), ours.color(QPalette::AlternateBase) },
+            { matchColour(MatchType::SameRecording, ours), ours.color(QPalette::Base) },
+            { matchColour(MatchType::SameSong, ours), ours.color(QPalette::AlternateBase) },
         };
         for (const auto &[text, ground] : pairs)
             QVERIFY2(contrast(text, ground) >= readable,
                      qPrintable(u"%1 on %2: %3"_s.arg(text.name(), ground.name()).arg(contrast(text, ground))));
-        const QColor disabled = worn.color(QPalette::Disabled, QPalette::ButtonText);
-        QVERIFY(contrast(disabled, worn.color(QPalette::Window)) >= discernible);
+        const QColor disabled = ours.color(QPalette::Disabled, QPalette::ButtonText);
+        QVERIFY(contrast(disabled, ours.color(QPalette::Window)) >= discernible);
     }
 
     void emptyBoxCanBeFound_data() { textCanBeRead_data(); }
@@ -91,10 +91,10 @@ private Q_SLOTS:
     void emptyBoxCanBeFound()
     {
         QFETCH(const QPalette, system);
-        OutlineStyle style;
+        const std::unique_ptr<QStyle> style(createOutlineStyle());
         QCheckBox box;
-        box.setStyle(&style);
-        box.setPalette(dressed(system));
+        box.setStyle(style.get());
+        box.setPalette(programPalette(system));
         const QImage image = box.grab().toImage();
         double best = 1;
         for (int x = 0; x < image.width(); ++x)
@@ -105,12 +105,12 @@ private Q_SLOTS:
 
     // Qt lays what the application has set over the new palette of the system; a mixture of light and dark would be
     // left.
-    void changeOfPaletteIsDressedAfresh()
+    void changeOfPaletteIsAppliedAfresh()
     {
         const QPalette system = QApplication::palette();
         applyLook();
         QApplication::setPalette(dark);
-        QTRY_COMPARE(QApplication::palette(), dressed(system));
+        QTRY_COMPARE(QApplication::palette(), programPalette(system));
     }
 };
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "filestab.h"
 #include "metadata.h"
 #include "settingsdialog.h"
 #include "settingsstore.h"
+#include "settingstabs.h"
 #include "updatesettings.h"
 
 #include <QAbstractButton>
@@ -126,7 +126,7 @@ private Q_SLOTS:
         QVERIFY(QSettings().allKeys().isEmpty());
         QVERIFY(control(SettingsDialog(ScanOptions(), {}), u"Stop skipping version "_s)->isHidden());
         dialog.accept();
-        QVERIFY(!SettingsStore().checkForUpdatesOnStartup());
+        QVERIFY(!SettingsStore().value(settings::checkForUpdatesOnStartup));
         QCOMPARE(QSettings().value(u"updates/url"_s).toString(), u"https://updates.example/"_s);
     }
 

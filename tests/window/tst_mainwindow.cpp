@@ -222,7 +222,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
         QVERIFY(logs(window, u"--- Scan cancelled after "_s));
         QVERIFY(hintOf(window).contains("cancelled"_L1));
-        QCOMPARE(SettingsStore().folders(), QStringList { m_folder->path() });
+        QCOMPARE(SettingsStore().value(settings::folders), QStringList { m_folder->path() });
     }
 
     // A thread that had not ended in time would be left behind instead of going with its window.
@@ -247,12 +247,12 @@ private Q_SLOTS:
             QVERIFY(QDir().mkpath(folder) && window.addFolder(folder));
             window.close();
         }
-        QCOMPARE(SettingsStore().folders(), folders);
+        QCOMPARE(SettingsStore().value(settings::folders), folders);
         QVERIFY(QDir(folders.first()).removeRecursively());
         MainWindow window;
         QCOMPARE(foldersOf(window), folders.last(1));
         window.close();
-        QCOMPARE(SettingsStore().folders(), folders.last(1));
+        QCOMPARE(SettingsStore().value(settings::folders), folders.last(1));
     }
 
     void windowLooksAfterARestartAsItDid()

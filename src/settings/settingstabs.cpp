@@ -1,0 +1,212 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "settingstabs.h"
+
+#include "displaytext.h"
+#include "keeperpolicy.h"
+#include "metadata.h"
+#include "settingsdialog.h"
+#include "settingsstore.h"
+#include "versioncompare.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QThread>
+#include <QVBoxLayout>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int msPerSecond = 1000;
+constexpr int bytesPerKilobyte = 1024;
+
+QStringList trimmedParts(const QString &text, QChar separator)
+{
+    QStringList parts = text.split(separator);
+    for (QString &part : parts)
+        part = part.trimmed();
+    parts.removeAll(QString());
+    return parts;
+}
+
+} // namespace
+
+QStringList parseExtensions(const QString &text)
+{
+    return trimmedParts(text.toLower().remove(u'.'), u',');
+}
+
+QStringList parseExcludes(const QString &text)
+{
+    return trimmedParts(text, u';');
+}
+
+DetectionTab::DetectionTab(const ScanOptions &options, QWidget *parent)
+    : OptionsTab(options, parent)
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(createMethods());
+    layout->addWidget(createSensitivity());
+    layout->addStretch();
+}
+
+QWidget *DetectionTab::createMethods()
+{
+    auto *group = new QGroupBox(tr("Detection methods"));
+    auto *layout = new QVBoxLayout(group);
+    layout->addWidget(checkBox(&ScanOptions::detectIdentical, tr("&Identical files (SHA-256 of the whole file)"),
+                               tr("Fastest and completely certain. Catches straight copies.")));
+    layout->addWidget(checkBox(&ScanOptions::detectSameAudio, tr("Same &audio, different tags"),
+                               tr("Hashes only the audio payload, ignoring ID3 tags and artwork, so a retagged copy is "
+                                  "still recognised.")));
+    layout->addWidget(checkBox(&ScanOptions::detectAcoustic, tr("Acoustic &fingerprint (same recording, re-encoded)"),
+                               tr("Decodes and fingerprints each file locally. Slower on the first pass, but catches "
+                                  "the same track ripped at a different bitrate. No online service is used.")));
+    layout->addWidget(checkBox(&ScanOptions::detectMetadata, tr("Matching a&rtist, title and duration"),
+                               tr("Broadest and least certain. Will flag legitimately different versions, so always "
+                                  "review these groups.")));
+    return group;
+}
+
+QWidget *DetectionTab::createSensitivity()
+{
+    QDoubleSpinBox *threshold =
+        spinBox(&ScanOptions::threshold, { .minimum = 0.02, .maximum = 0.4, .step = 0.01, .decimals = 2 });
+    threshold->setToolTip(tr(
+        "Maximum fingerprint bit-error-rate accepted as a match. Lower is stricter. The default of 0.25 was chosen to "
+        "catch the same\ntrack re-encoded across formats while leaving clear margin\nagainst unrelated music."));
+    const auto policy = [](const QString &text, KeeperPolicy value) {
+        return Choice { text, static_cast<qint32>(value) };
+    };
+    QComboBox *keeper = comboBox(&ScanOptions::keeperPolicy,
+                                 { policy(tr("Highest bitrate"), KeeperPolicy::HighestBitrate),
+                                   policy(tr("Longest duration"), KeeperPolicy::LongestDuration),
+                                   policy(tr("Largest file"), KeeperPolicy::LargestFile),
+                                   policy(tr("Preferred format"), KeeperPolicy::PreferredFormat),
+                                   policy(tr("Shallowest folder"), KeeperPolicy::ShallowestFolder),
+                                   policy(tr("Oldest file"), KeeperPolicy::OldestFile),
+                                   policy(tr("Newest file"), KeeperPolicy::NewestFile),
+                                   policy(tr("Most complete tags"), KeeperPolicy::MostCompleteTags) });
+
+    auto *group = new QGroupBox(tr("Sensitivity"));
+    QFormLayout *form = createForm(group);
+    form->addRow(tr("Acoustic match &threshold:"), threshold);
+    form->addRow(tr("Duration tolerance (acou&stic):"), spinBox(&ScanOptions::durationTolerance, { 1, 25, tr(" %") }));
+    form->addRow(tr("Duration tolerance (&metadata):"),
+                 spinBox(&ScanOptions::metadataTolerance, { 0, 30, tr(" s"), msPerSecond }));
+    form->addRow(tr("Copy to &keep:"), keeper);
+    return group;
+}
+
+FilesTab::FilesTab(const ScanOptions &options, QWidget *parent)
+    : OptionsTab(options, parent)
+{
+    QSpinBox *minSeconds = spinBox(&ScanOptions::minDurationMs, { 0, 600, tr(" s"), msPerSecond });
+    minSeconds->setToolTip(tr("Station idents, stings and beds are short and repetitive; excluding them keeps the "
+                              "results readable."));
+    QFormLayout *form = createForm(this);
+    form->addRow(tr("Include &extensions:"),
+                 listEdit(&ScanOptions::extensions, { u',', parseExtensions },
+                          tr("Comma separated file extensions, without the dot.")));
+    form->addRow(tr("E&xclude paths:"),
+                 listEdit(&ScanOptions::excludes, { u';', parseExcludes },
+                          tr("Semicolon separated wildcard patterns to skip.")));
+    form->addRow(tr("Ignore files &smaller than:"),
+                 spinBox(&ScanOptions::minBytes, { 0, 1048576, tr(" KB"), bytesPerKilobyte }));
+    form->addRow(tr("Ignore &audio shorter than:"), minSeconds);
+    form->addRow(checkBox(&ScanOptions::includeHidden, tr("Include &hidden files and folders")));
+    form->addRow(checkBox(&ScanOptions::followSymlinks, tr("Follow symbolic &links and junctions")));
+}
+
+PerformanceTab::PerformanceTab(const ScanOptions &options, const SettingsStatus &status, QWidget *parent)
+    : OptionsTab(options, parent)
+    , m_cacheStatus(createStatusLabel())
+{
+    QLabel *engine = createStatusLabel();
+    engine->setText(
+        status.fpcalcPath.isEmpty()
+            ? tr("Built-in analysis (fallback). Install Chromaprint's fpcalc, or place it next to the application, for "
+                 "several times faster and more accurate fingerprinting.")
+            : tr("Chromaprint fpcalc — fast path active.\n%1").arg(status.fpcalcPath));
+    QSpinBox *threads = spinBox(&ScanOptions::decoderThreads, { 1, 16, {} });
+    threads->setToolTip(
+        tr("Parallel fingerprinting workers. This machine reports %1 cores.").arg(QThread::idealThreadCount()));
+    QSpinBox *seconds = spinBox(&ScanOptions::fingerprintSeconds, { 20, 600, tr(" s") });
+    seconds->setToolTip(tr("How much of each file to analyse. Two minutes is ample for songs; raise it for long-form "
+                           "programmes."));
+    setCacheStatus(status.cache);
+    auto *clear = new QPushButton(tr("C&lear cache"));
+    connect(clear, &QPushButton::clicked, this, &PerformanceTab::clearCacheRequested);
+
+    QFormLayout *form = createForm(this);
+    form->addRow(tr("Fingerprint engine:"), engine);
+    form->addRow(tr("Worker &threads:"), threads);
+    form->addRow(tr("&Audio analysed per file:"), seconds);
+    form->addRow(checkBox(&ScanOptions::useCache, tr("&Remember analysis results between scans")));
+    form->addRow(tr("Cache status:"), m_cacheStatus);
+    form->addRow(QString(), clear);
+}
+
+void PerformanceTab::setCacheStatus(const CacheStatus &status)
+{
+    m_cacheStatus->setText(
+        status.available
+            ? tr("%1 files cached, using %2.").arg(QLocale().toString(status.entries), sizeText(status.bytes))
+            : tr("Cache unavailable."));
+}
+
+void PerformanceTab::showCacheCleared()
+{
+    m_cacheStatus->setText(tr("Cache cleared. The next scan will re-analyse everything."));
+}
+
+UpdatesTab::UpdatesTab(QWidget *parent)
+    : QWidget(parent)
+    , m_checkOnStartup(new QCheckBox(tr("Check for updates when %1 &starts").arg(metadata::applicationName())))
+    , m_url(new QLineEdit(m_settings.url()))
+    , m_stopSkipping(new QPushButton)
+{
+    m_checkOnStartup->setChecked(SettingsStore().value(settings::checkForUpdatesOnStartup));
+    m_url->setCursorPosition(0);
+    m_url->setToolTip(tr("Shared Quorvane suite update service.\nAutomatic checks run at most once every 20 hours."));
+
+    // A version is the service's text: an ampersand in it must not become a shortcut.
+    const QString skipped = m_settings.skippedVersion();
+    m_stopSkipping->setText(tr("Stop s&kipping version %1").arg(displayVersion(skipped).replace("&"_L1, "&&"_L1)));
+    m_stopSkipping->setHidden(skipped.isEmpty());
+    connect(m_stopSkipping, &QPushButton::clicked, this, &UpdatesTab::stopSkipping);
+
+    QFormLayout *form = createForm(this);
+    form->addRow(m_checkOnStartup);
+    form->addRow(tr("&Update service:"), m_url);
+    form->addRow(new QLabel(tr("Last checked: %1").arg(m_settings.lastCheckedText())));
+    auto *buttonRow = new QHBoxLayout;
+    buttonRow->addWidget(m_stopSkipping);
+    buttonRow->addStretch();
+    form->addRow(buttonRow);
+}
+
+void UpdatesTab::save()
+{
+    SettingsStore().set(settings::checkForUpdatesOnStartup, m_checkOnStartup->isChecked());
+    m_settings.setUrl(m_url->text());
+}
+
+void UpdatesTab::stopSkipping()
+{
+    m_settings.clearSkippedVersion();
+    m_stopSkipping->hide();
+}
+
+} // namespace epr
