@@ -4,7 +4,6 @@
 
 #include <QAbstractScrollArea>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QMessageBox>
 #include <QTextDocument>
 
@@ -71,16 +70,6 @@ bool EmptyHint::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::Resize)
         setGeometry(parentWidget()->rect());
     return QLabel::eventFilter(watched, event);
-}
-
-WaitCursor::WaitCursor()
-{
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-}
-
-WaitCursor::~WaitCursor()
-{
-    QGuiApplication::restoreOverrideCursor();
 }
 
 } // namespace epr

@@ -32,12 +32,4 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
-/// Shows the wait cursor over all windows while it lives.
-class WaitCursor final {
-public:
-    WaitCursor();
-    ~WaitCursor();
-    Q_DISABLE_COPY_MOVE(WaitCursor)
-};
-
 } // namespace epr

@@ -40,8 +40,7 @@ QStringList trimmedParts(const QString &text, QChar separator)
     return parts;
 }
 
-} // namespace
-
+// "mp3, .FLAC" to lower-case suffixes without dots.
 QStringList parseExtensions(const QString &text)
 {
     return trimmedParts(text.toLower().remove(u'.'), u',');
@@ -51,6 +50,8 @@ QStringList parseExcludes(const QString &text)
 {
     return trimmedParts(text, u';');
 }
+
+} // namespace
 
 DetectionTab::DetectionTab(const ScanOptions &options, QWidget *parent)
     : OptionsTab(options, parent)

@@ -67,10 +67,4 @@ private:
     QPushButton *m_stopSkipping;
 };
 
-/// "mp3, .FLAC" to lower-case suffixes without dots; entries with nothing left are dropped.
-QStringList parseExtensions(const QString &text);
-
-/// "*/a/*; */b/*" to patterns; empty entries are dropped.
-QStringList parseExcludes(const QString &text);
-
 } // namespace epr

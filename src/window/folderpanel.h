@@ -19,15 +19,15 @@ public:
     /// The buttons stand for these actions: they trigger them and are enabled with them.
     FolderPanel(QAction *add, QAction *remove, QWidget *parent = nullptr);
 
-    [[nodiscard]] QStringList folders() const; ///< absolute paths in list order
-    [[nodiscard]] bool hasSelection() const;
+    QStringList folders() const; ///< absolute paths in list order
+    bool hasSelection() const;
 
     /// Appends the folder by its absolute path. False if it does not exist, is not a folder or is in the list already,
     /// letter for letter.
     bool addFolder(const QString &path);
     void removeSelected();
 
-    [[nodiscard]] QSize sizeHint() const override; ///< as low as it may be: the results need the room
+    QSize sizeHint() const override; ///< as low as it may be: the results need the room
 
 Q_SIGNALS:
     void selectionChanged();

@@ -2,11 +2,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mainactions.h"
 
+#include "memberactions.h"
 #include "metadata.h"
+#include "playerdock.h"
 
-#include <QWidget>
+#include <QCoreApplication>
+#include <QMenuBar>
+#include <QToolBar>
 
 namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Each part after the first is set off by a line.
+void fill(QMenu *menu, const QList<QList<QAction *>> &parts)
+{
+    for (const QList<QAction *> &part : parts) {
+        if (!menu->isEmpty())
+            menu->addSeparator();
+        menu->addActions(part);
+    }
+}
+
+} // namespace
 
 MainActions::MainActions(QWidget *window)
     : QObject(window)
@@ -57,6 +77,42 @@ void MainActions::enableFor(const Situation &situation)
         action->setEnabled(situation.hasGroups);
     removeSelected->setEnabled(situation.hasGroups && !situation.isScanning);
     undoCleanup->setEnabled(!situation.isScanning);
+}
+
+void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
+{
+    const auto addMenu = [bar](const QString &title, const QList<QList<QAction *>> &actions) {
+        fill(bar->addMenu(title), actions);
+    };
+    const MemberActions &member = *parts.member;
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&File"),
+            { { addFolder, removeFolder }, { exportReport }, { exit } });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, stopScan } });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),
+            { { selectDuplicates, clearSelection, invertSelection },
+              { member.keep, member.showDetails, member.copyPath },
+              { filterResults, nextGroup, previousGroup } });
+    QMenu *player = bar->addMenu(QCoreApplication::translate("epr::MainMenus", "&Player"));
+    parts.player->addCommandsTo(player);
+    fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup } });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&Tools"),
+            { { removeSelected, undoCleanup }, { settings, clearCache } });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&Help"),
+            { { shortcuts, checkForUpdates }, { website, about } });
+}
+
+void MainActions::fillToolBar(QToolBar *bar) const
+{
+    bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    bar->addAction(addFolder);
+    bar->addSeparator();
+    bar->addActions({ startScan, stopScan });
+    bar->addSeparator();
+    bar->addActions({ selectDuplicates, clearSelection, invertSelection });
+    bar->addSeparator();
+    bar->addActions({ removeSelected, undoCleanup });
+    bar->widgetForAction(startScan)->setObjectName(u"startScanButton"_s); // the style sheet colours it
 }
 
 QAction *MainActions::make(const QString &text, const QKeySequence &key, const QString &tip)

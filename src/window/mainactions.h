@@ -4,10 +4,16 @@
 
 #include <QAction>
 
+class QMenuBar;
+class QToolBar;
+
 namespace epr {
 
-/// The main window's commands with their texts, tips and keys. The window connects them and puts them into its menus
-/// and its toolbar.
+class MemberActions;
+class PlayerDock;
+
+/// The main window's commands with their texts, tips and keys, and their places in the menus and the toolbar. The
+/// window connects them.
 class MainActions final : public QObject {
     Q_OBJECT
 
@@ -19,9 +25,18 @@ public:
         bool hasGroups = false;
     };
 
+    /// Who else has commands for the menus.
+    struct MenuParts {
+        const MemberActions *member;
+        const PlayerDock *player;
+        QList<QAction *> views; ///< that show and hide parts of the window
+    };
+
     explicit MainActions(QWidget *window);
 
     void enableFor(const Situation &situation);
+    void fillMenuBar(QMenuBar *bar, const MenuParts &parts) const; ///< with all that the program can do
+    void fillToolBar(QToolBar *bar) const; ///< with what a clean-up needs from its beginning to its end
 
     QAction *const addFolder;
     QAction *const removeFolder;

@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mainwindow.h"
 
-#include "aboutdialog.h"
-#include "activitylog.h"
 #include "cleanupcommand.h"
 #include "compareplayer.h"
+#include "docks.h"
 #include "exportcommand.h"
 #include "folderpanel.h"
+#include "helpdialogs.h"
 #include "mainactions.h"
-#include "mainmenus.h"
 #include "memberactions.h"
 #include "metadata.h"
+#include "notices.h"
 #include "playerdock.h"
 #include "resultspanel.h"
 #include "review.h"
@@ -19,15 +19,14 @@
 #include "scanstrip.h"
 #include "settingscommand.h"
 #include "settingsstore.h"
-#include "shortcutsdialog.h"
 #include "startup.h"
 #include "updatenotices.h"
+#include "workerthread.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDesktopServices>
-#include <QDockWidget>
 #include <QFileDialog>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -37,19 +36,12 @@
 #include <QThread>
 #include <QToolBar>
 
+#include <chrono>
+#include <utility>
+
 namespace epr {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// What lies behind another tab counts as visible, and would take the focus to where nobody sees it.
-void keepFocusOutWhileHidden(QDockWidget *dock)
-{
-    QObject::connect(dock, &QDockWidget::visibilityChanged, dock->widget(), &QWidget::setEnabled);
-}
-
-} // namespace
 
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
@@ -65,8 +57,8 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowTitle(metadata::applicationName());
     setWindowIcon(startup::applicationIcon());
     createPanels();
-    createDocks();
-    createActions();
+    placeDocks(this, m_playerDock, m_log);
+    connectActions();
     createMenus();
     placeOnScreen();
     restoreSettings();
@@ -85,15 +77,13 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    constexpr int longestWaitMs = 10000;
     if (m_controller) {
         m_controller->cancel();
         QCoreApplication::removePostedEvents(m_controller, QEvent::MetaCall); // a start on its way would take it back
     }
     m_scanThread->quit();
-    // A thread that is still at work must not be destroyed with the window, that would abort the program.
-    if (!m_scanThread->wait(longestWaitMs))
-        m_scanThread->setParent(nullptr);
+    constexpr std::chrono::seconds longestWait { 10 };
+    waitOrLeave(m_scanThread, longestWait);
 }
 
 bool MainWindow::addFolder(const QString &path)
@@ -117,15 +107,15 @@ void MainWindow::onStartScan()
 {
     const QStringList folders = m_folderPanel->folders();
     if (folders.isEmpty()) {
-        QMessageBox::information(this, tr("Nothing to scan"),
-                                 tr("Add at least one folder containing music before starting a scan."));
+        showInformation(this, tr("Nothing to scan"),
+                        tr("Add at least one folder containing music before starting a scan."));
         return;
     }
     ScanOptions options = m_options;
     options.roots = folders;
     if (!options.anyDetection()) {
-        QMessageBox::warning(this, tr("No detection method enabled"),
-                             tr("Enable at least one detection method in Settings before scanning."));
+        showWarning(this, tr("No detection method enabled"),
+                    tr("Enable at least one detection method in Settings before scanning."));
         return;
     }
     if (m_cleanup->isRunning() || !m_cleanup->confirmScan(m_quarantineRoot, folders))
@@ -273,68 +263,42 @@ void MainWindow::createPanels()
 
     m_strip = new ScanStrip(this);
     statusBar()->addWidget(m_strip, 1);
+    m_log = new ActivityLog(this);
+    m_playerDock = new PlayerDock(this);
     connect(m_strip, &ScanStrip::briefChanged, this, &MainWindow::refreshTitle);
     connect(m_folderPanel, &FolderPanel::selectionChanged, this, &MainWindow::refreshActions);
     connect(m_folderPanel, &FolderPanel::foldersChanged, m_resultsPanel,
             [this] { m_resultsPanel->setHasFolders(!m_folderPanel->folders().isEmpty()); });
 }
 
-// Player and log share one place on a small screen, where the results need the height, and stand side by side where
-// there is the width for both. A screen too low for them, one of high magnification, begins without; the player then
-// opens in a window of its own.
-void MainWindow::createDocks()
+void MainWindow::connectActions()
 {
-    m_log = new ActivityLog(this);
-    auto *logDock = new QDockWidget(tr("Activity Log"), this);
-    logDock->setObjectName(u"logDock"_s);
-    logDock->setWidget(m_log);
-    m_playerDock = new PlayerDock(this);
-    addDockWidget(Qt::BottomDockWidgetArea, m_playerDock);
-    addDockWidget(Qt::BottomDockWidgetArea, logDock);
-    constexpr int widthForBoth = 1600;
-    if (screen()->availableSize().width() < widthForBoth)
-        tabifyDockWidget(m_playerDock, logDock);
-    else
-        resizeDocks({ m_playerDock, logDock }, { 2, 1 }, Qt::Horizontal);
-    m_playerDock->raise();
-    for (QDockWidget *dock : { static_cast<QDockWidget *>(m_playerDock), logDock })
-        keepFocusOutWhileHidden(dock);
-    // Lines that come while the log is out of sight do not scroll it, and the newest are the ones that are looked for.
-    connect(logDock, &QDockWidget::visibilityChanged, m_log, &ActivityLog::showEnd, Qt::QueuedConnection);
-    constexpr int heightForAny = 540;
-    if (screen()->availableSize().height() < heightForAny) {
-        m_playerDock->hide();
-        m_playerDock->setFloating(true);
-        logDock->hide();
-    }
-    constexpr int visibleLines = 6;
-    resizeDocks({ logDock }, { visibleLines * m_log->fontMetrics().lineSpacing() }, Qt::Vertical);
-}
-
-void MainWindow::createActions()
-{
-    connect(m_actions->addFolder, &QAction::triggered, this, &MainWindow::onAddFolder);
-    connect(m_actions->removeFolder, &QAction::triggered, this, &MainWindow::onRemoveFolder);
-    connect(m_actions->exportReport, &QAction::triggered, this, &MainWindow::onExportReport);
+    const std::pair<QAction *, void (MainWindow::*)()> commands[] {
+        { m_actions->addFolder, &MainWindow::onAddFolder },
+        { m_actions->removeFolder, &MainWindow::onRemoveFolder },
+        { m_actions->exportReport, &MainWindow::onExportReport },
+        { m_actions->startScan, &MainWindow::onStartScan },
+        { m_actions->stopScan, &MainWindow::onStopScan },
+        { m_actions->selectDuplicates, &MainWindow::onSelectDuplicates },
+        { m_actions->clearSelection, &MainWindow::onClearSelection },
+        { m_actions->invertSelection, &MainWindow::onInvertSelection },
+        { m_actions->removeSelected, &MainWindow::onRemoveSelected },
+        { m_actions->undoCleanup, &MainWindow::onUndoPrevious },
+        { m_actions->settings, &MainWindow::onSettings },
+        { m_actions->clearCache, &MainWindow::onClearCache },
+        { m_actions->checkForUpdates, &MainWindow::onCheckForUpdates },
+        { m_actions->about, &MainWindow::onAbout },
+    };
+    for (const auto &[action, slot] : commands)
+        connect(action, &QAction::triggered, this, slot);
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::close);
-    connect(m_actions->startScan, &QAction::triggered, this, &MainWindow::onStartScan);
-    connect(m_actions->stopScan, &QAction::triggered, this, &MainWindow::onStopScan);
-    connect(m_actions->selectDuplicates, &QAction::triggered, this, &MainWindow::onSelectDuplicates);
-    connect(m_actions->clearSelection, &QAction::triggered, this, &MainWindow::onClearSelection);
-    connect(m_actions->invertSelection, &QAction::triggered, this, &MainWindow::onInvertSelection);
-    connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
-    connect(m_actions->nextGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(+1); });
-    connect(m_actions->previousGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(-1); });
-    connect(m_actions->removeSelected, &QAction::triggered, this, &MainWindow::onRemoveSelected);
-    connect(m_actions->undoCleanup, &QAction::triggered, this, &MainWindow::onUndoPrevious);
-    m_resultsPanel->addTreeAction(m_actions->removeSelected);
-    connect(m_actions->settings, &QAction::triggered, this, &MainWindow::onSettings);
-    connect(m_actions->clearCache, &QAction::triggered, this, &MainWindow::onClearCache);
     connect(m_actions->shortcuts, &QAction::triggered, this, [this] { ShortcutsDialog(menuBar(), this).exec(); });
     connect(m_actions->website, &QAction::triggered, this,
             [] { QDesktopServices::openUrl(QUrl(metadata::makerUrl())); });
-    connect(m_actions->about, &QAction::triggered, this, &MainWindow::onAbout);
-    connect(m_actions->checkForUpdates, &QAction::triggered, this, &MainWindow::onCheckForUpdates);
+    connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
+    connect(m_actions->nextGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(+1); });
+    connect(m_actions->previousGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(-1); });
+    m_resultsPanel->addTreeAction(m_actions->removeSelected);
 }
 
 void MainWindow::createMenus()
@@ -342,13 +306,12 @@ void MainWindow::createMenus()
     QToolBar *toolBar = addToolBar(tr("Main"));
     toolBar->setObjectName(u"mainToolBar"_s);
     toolBar->toggleViewAction()->setText(tr("Toolbar"));
-    fillToolBar(toolBar, *m_actions);
-    fillMenuBar(menuBar(),
-                { m_actions,
-                  m_memberActions,
-                  m_playerDock,
-                  { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(),
-                    findChild<QDockWidget *>(u"logDock"_s)->toggleViewAction() } });
+    m_actions->fillToolBar(toolBar);
+    m_actions->fillMenuBar(
+        menuBar(),
+        { m_memberActions,
+          m_playerDock,
+          { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() } });
 }
 
 // Nine tenths of the screen up to a size beyond which lines only get too long to read.
@@ -377,11 +340,8 @@ void MainWindow::restoreSettings()
 
 void MainWindow::connectScan()
 {
-    m_scanThread = new QThread(this);
-    m_scanThread->setObjectName(u"epr-scan"_s);
     m_controller = new ScanController;
-    m_controller->moveToThread(m_scanThread);
-    connect(m_scanThread, &QThread::finished, m_controller, &QObject::deleteLater);
+    m_scanThread = createWorkerThread(u"epr-scan"_s, m_controller, this);
     connect(this, &MainWindow::scanRequested, m_controller, &ScanController::start);
     connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
     connect(m_controller, &ScanController::finished, this, &MainWindow::onScanFinished);

@@ -37,7 +37,7 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    [[nodiscard]] bool isScanning() const { return m_isScanning; }
+    bool isScanning() const { return m_isScanning; }
 
     bool addFolder(const QString &path); ///< false if not an existing folder or already in the list
 
@@ -72,8 +72,7 @@ protected:
 
 private:
     void createPanels();
-    void createDocks();
-    void createActions();
+    void connectActions();
     void createMenus();
     void placeOnScreen();
     void restoreSettings();
@@ -85,7 +84,7 @@ private:
     void refreshActions();
     void refreshTitle();
     void report(const QString &message); ///< in the status label and as a log line
-    [[nodiscard]] bool confirmClose();
+    bool confirmClose();
 
     ScanOptions m_options; ///< what the settings say; its roots stay empty, they come from the folder list
     QString m_quarantineRoot;

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QProgressBar>
 
+#include <algorithm>
 #include <utility>
 
 namespace epr {
@@ -76,7 +77,7 @@ void ScanStrip::setPhase(const QString &phase)
 
 void ScanStrip::setProgress(int done, int total, const QString &detail)
 {
-    setRange(done, qMax(total, 0));
+    setRange(done, std::max(total, 0));
     m_estimate.add(done, total, m_clock.elapsed());
     QStringList parts { m_phase };
     if (detail != m_phase)

@@ -19,8 +19,8 @@ class ScanStrip final : public QWidget {
 public:
     explicit ScanStrip(QWidget *parent = nullptr);
 
-    [[nodiscard]] QString status() const;
-    [[nodiscard]] QString brief() const; ///< "Fingerprinting audio 42 %"; empty unless busy
+    QString status() const;
+    QString brief() const; ///< "Fingerprinting audio 42 %"; empty unless busy
 
     void showStatus(const QString &text);
     void setBusy(bool busy);

@@ -21,14 +21,6 @@ namespace epr::startup {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-struct Startup {
-    Q_DECLARE_TR_FUNCTIONS(epr::Startup)
-};
-
-} // namespace
-
 void loadResources()
 {
     initialiseResources();
@@ -37,12 +29,15 @@ void loadResources()
 Arguments processArguments(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(Startup::tr("Echoprune - find duplicate music in a station library."));
+    parser.setApplicationDescription(
+        QCoreApplication::translate("epr::Startup", "Echoprune - find duplicate music in a station library."));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption scan({ u"s"_s, u"scan"_s }, Startup::tr("Add <folder> to the scan list on startup."),
-                                  u"folder"_s);
-    const QCommandLineOption autostart({ u"a"_s, u"autostart"_s }, Startup::tr("Begin scanning immediately."));
+    const QCommandLineOption scan(
+        { u"s"_s, u"scan"_s }, QCoreApplication::translate("epr::Startup", "Add <folder> to the scan list on startup."),
+        u"folder"_s);
+    const QCommandLineOption autostart({ u"a"_s, u"autostart"_s },
+                                       QCoreApplication::translate("epr::Startup", "Begin scanning immediately."));
     parser.addOptions({ scan, autostart });
     parser.process(arguments);
     return { parser.values(scan), parser.isSet(autostart) };

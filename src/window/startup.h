@@ -23,14 +23,14 @@ void loadResources();
 
 /// Parses the command line, program name first. Asked for help or the version, or given an unknown option, it ends the
 /// process.
-[[nodiscard]] Arguments processArguments(const QStringList &arguments);
+Arguments processArguments(const QStringList &arguments);
 
 /// Adds the folders, shows the window and then starts the scan, if that was asked for, so that what keeps it from
 /// starting is said in front of the window.
 void open(MainWindow &window, const Arguments &arguments);
 
 /// The program's icon in every size that has a drawing or a rendering of its own.
-[[nodiscard]] QIcon applicationIcon();
+QIcon applicationIcon();
 
 /// Where the analysis cache and the undo records live. A failure shows when they are opened.
 void createDataFolder();

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "keeperpolicy.h"
 #include "metadata.h"
 #include "settingsdialog.h"
 #include "settingsstore.h"
-#include "settingstabs.h"
 #include "updatesettings.h"
 
 #include <QAbstractButton>
@@ -19,6 +19,9 @@ using namespace epr;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+using Change = std::function<void(ScanOptions &)>;
+using Row = std::array<qint64, 3>; // smallest size, shortest duration, metadata tolerance
 
 /// The control that an operator would name so: a form field by its label, a check box or button by its text.
 QWidget *control(const QWidget &dialog, const QString &name)
@@ -45,71 +48,81 @@ private Q_SLOTS:
 
     void init() { QSettings().clear(); }
 
-    void listsAreTakenApart()
+    void everyControlEditsItsOption_data()
     {
-        QCOMPARE(parseExtensions(u" .MP3 , ,flac,, .Ogg . ,."_s), (QStringList { u"mp3"_s, u"flac"_s, u"ogg"_s }));
-        QCOMPARE(parseExcludes(u"*/A b/*;; ; */c,d/* ;"_s), (QStringList { u"*/A b/*"_s, u"*/c,d/*"_s }));
+        QTest::addColumn<QByteArray>("property");
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<Change>("change");
+        const auto row = [](const char *name, const QByteArray &property, const QVariant &value, const Change &change) {
+            QTest::newRow(name) << property << value << change;
+        };
+        row("Identical files (SHA-256 of the whole file)", "checked", false,
+            [](auto &o) { o.detectIdentical = false; });
+        row("Same audio, different tags", "checked", false, [](auto &o) { o.detectSameAudio = false; });
+        row("Acoustic fingerprint (same recording, re-encoded)", "checked", false,
+            [](auto &o) { o.detectAcoustic = false; });
+        row("Matching artist, title and duration", "checked", true, [](auto &o) { o.detectMetadata = true; });
+        row("Acoustic match threshold:", "value", 0.31, [](auto &o) { o.threshold = 0.31; });
+        row("Duration tolerance (acoustic):", "value", 25, [](auto &o) { o.durationTolerance = 25; });
+        row("Duration tolerance (metadata):", "value", 7, [](auto &o) { o.metadataTolerance = 7000; });
+        row("Copy to keep:", "currentText", u"Shallowest folder"_s,
+            [](auto &o) { o.keeperPolicy = qToUnderlying(KeeperPolicy::ShallowestFolder); });
+        row("Include extensions:", "text", u" .MP3 , ,flac,, .Ogg . ,."_s, [](auto &o) {
+            o.extensions = { u"mp3"_s, u"flac"_s, u"ogg"_s };
+        });
+        row("Exclude paths:", "text", u"*/A b/*;; ; */c,d/* ;"_s, [](auto &o) {
+            o.excludes = { u"*/A b/*"_s, u"*/c,d/*"_s };
+        });
+        row("Ignore files smaller than:", "value", 1, [](auto &o) { o.minBytes = 1024; });
+        row("Ignore audio shorter than:", "value", 600, [](auto &o) { o.minDurationMs = 600000; });
+        row("Include hidden files and folders", "checked", true, [](auto &o) { o.includeHidden = true; });
+        row("Follow symbolic links and junctions", "checked", true, [](auto &o) { o.followSymlinks = true; });
+        row("Worker threads:", "value", 16, [](auto &o) { o.decoderThreads = 16; });
+        row("Audio analysed per file:", "value", 20, [](auto &o) { o.fingerprintSeconds = 20; });
+        row("Remember analysis results between scans", "checked", false, [](auto &o) { o.useCache = false; });
     }
 
     void everyControlEditsItsOption()
     {
-        using Row = std::tuple<const char *, const char *, QVariant, std::function<void(ScanOptions &)>>;
-        const std::initializer_list<Row> rows {
-            { "Identical files (SHA-256 of the whole file)", "checked", false,
-              [](auto &o) { o.detectIdentical = false; } },
-            { "Same audio, different tags", "checked", false, [](auto &o) { o.detectSameAudio = false; } },
-            { "Acoustic fingerprint (same recording, re-encoded)", "checked", false,
-              [](auto &o) { o.detectAcoustic = false; } },
-            { "Matching artist, title and duration", "checked", true, [](auto &o) { o.detectMetadata = true; } },
-            { "Acoustic match threshold:", "value", 0.31, [](auto &o) { o.threshold = 0.31; } },
-            { "Duration tolerance (acoustic):", "value", 25, [](auto &o) { o.durationTolerance = 25; } },
-            { "Duration tolerance (metadata):", "value", 7, [](auto &o) { o.metadataTolerance = 7000; } },
-            { "Copy to keep:", "currentIndex", 4, [](auto &o) { o.keeperPolicy = 4; } },
-            { "Include extensions:", "text", u" .WMA,"_s, [](auto &o) { o.extensions = { u"wma"_s }; } },
-            { "Exclude paths:", "text", u"*/old/*;"_s, [](auto &o) { o.excludes = { u"*/old/*"_s }; } },
-            { "Ignore files smaller than:", "value", 1, [](auto &o) { o.minBytes = 1024; } },
-            { "Ignore audio shorter than:", "value", 600, [](auto &o) { o.minDurationMs = 600000; } },
-            { "Include hidden files and folders", "checked", true, [](auto &o) { o.includeHidden = true; } },
-            { "Follow symbolic links and junctions", "checked", true, [](auto &o) { o.followSymlinks = true; } },
-            { "Worker threads:", "value", 16, [](auto &o) { o.decoderThreads = 16; } },
-            { "Audio analysed per file:", "value", 20, [](auto &o) { o.fingerprintSeconds = 20; } },
-            { "Remember analysis results between scans", "checked", false, [](auto &o) { o.useCache = false; } },
-        };
-        for (const auto &[name, property, value, change] : rows) {
-            ScanOptions options; // with values that no control edits, which have to stay
-            options.roots = { u"/music"_s };
-            options.chromaprintThreshold = 7;
-            options.formatPreference = { u"ogg"_s };
-            SettingsDialog dialog(options, {});
-            QVERIFY2(control(dialog, QString::fromLatin1(name))->setProperty(property, value), name);
-            dialog.reject();
-            QVERIFY2(dialog.options() == options, name);
-            dialog.accept();
-            change(options);
-            QVERIFY2(dialog.options() == options, name);
-        }
+        QFETCH(const QByteArray, property);
+        QFETCH(const QVariant, value);
+        QFETCH(const Change, change);
+        ScanOptions options; // with values that no control edits, which have to stay
+        options.roots = { u"/music"_s };
+        options.chromaprintThreshold = 7;
+        options.formatPreference = { u"ogg"_s };
+        SettingsDialog dialog(options, {});
+        QVERIFY(control(dialog, QString::fromLatin1(QTest::currentDataTag()))->setProperty(property, value));
+        dialog.reject();
+        QVERIFY(dialog.options() == options);
+        dialog.accept();
+        change(options);
+        QVERIFY(dialog.options() == options);
+    }
+
+    void untouchedControlsWriteWhatTheyShow_data()
+    {
+        using Int = std::numeric_limits<qint32>;
+        using Long = std::numeric_limits<qint64>;
+        QTest::addColumn<Row>("stored");
+        QTest::addColumn<Row>("written");
+        QTest::newRow("below the range") << Row { Long::min(), Long::min(), Int::min() } << Row { 0, 0, 0 };
+        QTest::newRow("above the range") << Row { Long::max(), Long::max(), Int::max() }
+                                         << Row { 1 << 30, 600000, 30000 };
+        QTest::newRow("finer than shown") << Row { 2047, 2500, 3999 } << Row { 1024, 2000, 3000 };
     }
 
     void untouchedControlsWriteWhatTheyShow()
     {
-        using Int = std::numeric_limits<qint32>;
-        using Long = std::numeric_limits<qint64>;
-        using Row = std::array<qint64, 3>;
-        const std::initializer_list<std::pair<Row, Row>> storedAndWritten {
-            { { Long::min(), Long::min(), Int::min() }, { 0, 0, 0 } },
-            { { Long::max(), Long::max(), Int::max() }, { 1 << 30, 600000, 30000 } },
-            { { 2047, 2500, 3999 }, { 1024, 2000, 3000 } }, // finer than shown
-        };
-        for (const auto &[stored, written] : storedAndWritten) {
-            ScanOptions options;
-            options.minBytes = stored[0];
-            options.minDurationMs = stored[1];
-            options.metadataTolerance = static_cast<qint32>(stored[2]);
-            SettingsDialog dialog(options, {});
-            dialog.accept();
-            const ScanOptions &now = dialog.options();
-            QCOMPARE((Row { now.minBytes, now.minDurationMs, now.metadataTolerance }), written);
-        }
+        QFETCH(const Row, stored);
+        ScanOptions options;
+        options.minBytes = stored[0];
+        options.minDurationMs = stored[1];
+        options.metadataTolerance = static_cast<qint32>(stored[2]);
+        SettingsDialog dialog(options, {});
+        dialog.accept();
+        const ScanOptions &now = dialog.options();
+        QTEST((Row { now.minBytes, now.minDurationMs, now.metadataTolerance }), "written");
     }
 
     void updateSettingsWaitForAcceptanceButSkipping()

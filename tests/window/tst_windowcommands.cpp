@@ -11,6 +11,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSpinBox>
+#include <QTimer>
 
 using namespace epr;
 using namespace epr::test;
@@ -99,34 +100,43 @@ private Q_SLOTS:
     void startupCheckIsSilentAndOnlyWhenDue()
     {
         LoopbackServer server(http("404 Not Found", {}));
-        QSettings().setValue(u"updates/url"_s, server.address());
-        MainWindow due;
-        due.show();
+        SettingsStore store;
+        store.set(settings::updateUrl, server.address());
+        store.set(settings::checkForUpdatesOnStartup, false);
+        const MainWindow unwanted;
+        store.remove(settings::checkForUpdatesOnStartup);
+        store.set(settings::lastUpdateCheck, QDateTime::currentDateTimeUtc());
+        const MainWindow notDue;
+        bool wouldHaveChecked = false; // both windows, whose timers are older and shorter
+        QTimer::singleShot(3000, this, [&] { wouldHaveChecked = true; });
+        QTRY_VERIFY(wouldHaveChecked);
+        QVERIFY(server.requests.isEmpty());
+
+        store.remove(settings::lastUpdateCheck);
+        const MainWindow due;
         QTRY_COMPARE(logOf(due).last(), u"Update check failed: The update service returned HTTP 404."_s);
         QVERIFY(!QApplication::activeModalWidget());
+    }
 
-        for (const QString &key : words("updates/lastChecked updates/checkOnStartup")) {
-            QSettings().setValue(key, key.contains("last"_L1) ? QVariant(QDateTime::currentDateTimeUtc()) : false);
-            MainWindow noCheck;
-            QTest::qWait(3000); // longer than the check would wait
-            QSettings().remove(key);
-        }
-        QCOMPARE(server.requests.size(), 1);
+    void editedSettingsAreStoredUnlessCancelled_data()
+    {
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("accepted") << true;
+        QTest::newRow("cancelled") << false;
     }
 
     void editedSettingsAreStoredUnlessCancelled()
     {
+        QFETCH(const bool, accepted);
         MainWindow window;
-        for (const bool accepted : { false, true }) {
-            withNext<QDialog>([accepted](QDialog *dialog) {
-                for (QSpinBox *box : dialog->findChildren<QSpinBox *>())
-                    box->setValue(20);
-                accepted ? dialog->accept() : dialog->reject();
-            });
-            actionsOf(window)->settings->trigger();
-            QCOMPARE(SettingsStore().loadScanOptions().fingerprintSeconds, accepted ? 20 : 60);
-            QCOMPARE(logOf(window).last() == u"Settings updated."_s, accepted);
-        }
+        withNext<QDialog>([accepted](QDialog *dialog) {
+            for (QSpinBox *box : dialog->findChildren<QSpinBox *>())
+                box->setValue(20);
+            accepted ? dialog->accept() : dialog->reject();
+        });
+        actionsOf(window)->settings->trigger();
+        QCOMPARE(SettingsStore().loadScanOptions().fingerprintSeconds, accepted ? 20 : 60);
+        QCOMPARE(logOf(window).last() == u"Settings updated."_s, accepted);
     }
 
     void cacheIsClearedFromMenuAndDialog()

@@ -6,8 +6,22 @@
 
 class QGridLayout;
 class QMenuBar;
+class QVBoxLayout;
 
 namespace epr {
+
+/// The program with its version, its makers and its licences.
+class AboutDialog final : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit AboutDialog(QWidget *parent = nullptr);
+
+private:
+    void addLogo(QVBoxLayout *layout);
+    void addTexts(QVBoxLayout *layout);
+    void addButtons(QVBoxLayout *layout);
+};
 
 /// Lists every key of the program: those of the menu's commands, read from the menu itself so that the list cannot
 /// fall behind, and those that work inside the results and the player.
