@@ -281,26 +281,6 @@ private Q_SLOTS:
         QVERIFY(!window.findChild<ComparePlayer *>()->isLinked());
     }
 
-    void ticksChangeTheSummary()
-    {
-        MainWindow window;
-        showTwoCopies(window);
-        QTreeView *tree = resultsOf(window);
-        tree->setCurrentIndex(tree->model()->index(0, ResultsModel::TitleColumn, tree->model()->index(0, 0)));
-        const auto ticked = [&] { return summaryOf(window).section(u"removal: "_s, 1); };
-        QCOMPARE(summaryOf(window),
-                 u"2 files scanned - 1 duplicate groups - 1 redundant copies (2.00 MB). Currently selected for "
-                 "removal: 1 file(s), 2.00 MB."_s);
-        QTest::keyClick(tree, Qt::Key_Space);
-        QCOMPARE(ticked(), u"2 file(s), 4.00 MB."_s);
-        window.onInvertSelection();
-        QCOMPARE(ticked(), u"0 file(s), 0 bytes."_s);
-        window.onSelectDuplicates();
-        QCOMPARE(ticked(), u"1 file(s), 2.00 MB."_s);
-        window.onClearSelection();
-        QCOMPARE(ticked(), u"0 file(s), 0 bytes."_s);
-    }
-
     void filterWithoutAHitSaysSo()
     {
         MainWindow window;
@@ -346,6 +326,9 @@ private Q_SLOTS:
         MainWindow window;
         showTwoCopies(window);
         QVERIFY(QTest::qWaitForWindowActive(&window));
+        QCOMPARE(summaryOf(window),
+                 u"2 files scanned - 1 duplicate groups - 1 redundant copies (2.00 MB). Currently selected for "
+                 "removal: 1 file(s), 2.00 MB."_s);
         const auto press = [](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
             QTest::keyClick(QApplication::focusWidget()->window()->windowHandle(), key, modifiers);
         };

@@ -18,6 +18,8 @@ using namespace epr::test;
 
 namespace {
 
+enum Filter { Html, Csv, Json, Playlist }; // in the order of the file dialog
+
 MainActions *actionsOf(const MainWindow &window)
 {
     return window.findChild<MainActions *>();
@@ -185,15 +187,16 @@ private Q_SLOTS:
         review->setKeeper(0, 2);
 
         // The filter decides on the format, whatever the name says.
-        const QList<QByteArray> starts { "<!DOCTYPE html>", "Group,", "{", "#EXTM3U" };
-        for (int filter = 0; filter < starts.size(); ++filter) {
-            const QString path = pathOf(u"&lt;%1&gt;.html"_s.arg(filter));
-            const SeenBox box = exportTo(window, path, filter, filter == 0 ? QMessageBox::Yes : QMessageBox::No);
-            QCOMPARE(box.title + box.text, u"Report savedReport saved to:\n%1\n\nOpen it now?"_s.arg(path));
-            QVERIFY(readFile(path).startsWith(starts.at(filter)));
+        const auto pathFor = [this](Filter filter) { return pathOf(u"&lt;%1&gt;.html"_s.arg(filter)); };
+        for (const auto &[filter, start] :
+             { std::pair(Html, "<!DOCTYPE html>"), { Csv, "Group," }, { Json, "{" }, { Playlist, "#EXTM3U" } }) {
+            const SeenBox box =
+                exportTo(window, pathFor(filter), filter, filter == Html ? QMessageBox::Yes : QMessageBox::No);
+            QCOMPARE(box.title + box.text, u"Report savedReport saved to:\n%1\n\nOpen it now?"_s.arg(pathFor(filter)));
+            QVERIFY2(readFile(pathFor(filter)).startsWith(start), start);
         }
-        QCOMPARE(m_opened, QUrl::fromLocalFile(pathOf(u"&lt;0&gt;.html"_s)));
-        const QJsonDocument json = QJsonDocument::fromJson(readFile(pathOf(u"&lt;2&gt;.html"_s)));
+        QCOMPARE(m_opened, QUrl::fromLocalFile(pathFor(Html)));
+        const QJsonDocument json = QJsonDocument::fromJson(readFile(pathFor(Json)));
         QCOMPARE(json["roots"_L1].toArray(), QJsonArray { pathOf(u"scanned"_s) });
         const QJsonArray files = json["duplicateGroups"_L1][0]["files"_L1].toArray();
         QCOMPARE(files.size(), 2);
@@ -208,9 +211,9 @@ private Q_SLOTS:
         window.onExportReport();
         QCOMPARE(box.title + box.text, u"Nothing to exportRun a scan first - there are no results to report on."_s);
         window.onScanFinished({ TrackInfo(), TrackInfo() }, { { .members = { 0, 1 }, .keep = 0 } }, false, 1);
-        answerFileDialog({}, 0);
+        answerFileDialog({}, Html);
         window.onExportReport(); // a box would never close
-        box = exportTo(window, pathOf(u"none/report.html"_s), 0, QMessageBox::Ok);
+        box = exportTo(window, pathOf(u"none/report.html"_s), Html, QMessageBox::Ok);
         QVERIFY((box.title + box.text).startsWith("Export failedCould not write the report:\n\n"_L1));
         QVERIFY2(box.text.size() > 35, "there is a reason");
     }
@@ -218,8 +221,8 @@ private Q_SLOTS:
 private:
     QString pathOf(const QString &name) const { return m_home->filePath(name); }
 
-    /// Types a name into the next file dialog, under the filter with that number; cancels without a name.
-    static void answerFileDialog(const QString &path, int filter)
+    /// Types a name into the next file dialog, under that filter; cancels without a name.
+    static void answerFileDialog(const QString &path, Filter filter)
     {
         withNext<QFileDialog>([=](QFileDialog *dialog) {
             dialog->selectNameFilter(dialog->nameFilters().at(filter));
@@ -228,7 +231,7 @@ private:
         });
     }
 
-    static SeenBox exportTo(MainWindow &window, const QString &path, int filter, QMessageBox::StandardButton answer)
+    static SeenBox exportTo(MainWindow &window, const QString &path, Filter filter, QMessageBox::StandardButton answer)
     {
         SeenBox box;
         answerFileDialog(path, filter);
