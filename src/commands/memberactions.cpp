@@ -62,9 +62,9 @@ void showFileDetails(const TrackInfo &track, QWidget *parent)
 MemberActions::MemberActions(Review &review, QWidget *window)
     : Command(window)
     , loadIntoDeckA(make(tr("Load into Deck A"), Qt::CTRL | Qt::Key_1,
-                         [this](const TrackInfo &track) { Q_EMIT loadRequested(0, track); }))
+                         [this](const TrackInfo &track) { Q_EMIT loadRequested(Deck::A, track); }))
     , loadIntoDeckB(make(tr("Load into Deck B"), Qt::CTRL | Qt::Key_2,
-                         [this](const TrackInfo &track) { Q_EMIT loadRequested(1, track); }))
+                         [this](const TrackInfo &track) { Q_EMIT loadRequested(Deck::B, track); }))
     , compareGroup(new QAction(tr("Compare Group in Player"), this))
     , play(make(tr("Play in system player"), {}, [this](const TrackInfo &track) { openMember(track.path); }))
     , openFolder(

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "command.h"
+#include "deck.h"
 
 #include <QAction>
 
@@ -35,7 +36,7 @@ public:
     QAction *const showDetails;
 
 Q_SIGNALS:
-    void loadRequested(int deck, const epr::TrackInfo &track); ///< 0 = A, 1 = B
+    void loadRequested(epr::Deck deck, const epr::TrackInfo &track);
     void compareRequested(const epr::TrackInfo &kept, const epr::TrackInfo &other);
 
 private:

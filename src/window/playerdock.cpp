@@ -19,16 +19,16 @@ PlayerDock::PlayerDock(QWidget *parent)
     , m_listenToA(make(tr("Listen to Deck A"), Qt::Key_A, &ComparePlayer::monitorDeckA))
     , m_listenToB(make(tr("Listen to Deck B"), Qt::Key_B, &ComparePlayer::monitorDeckB))
     , m_switch(make(tr("Switch A / B"), Qt::Key_X, &ComparePlayer::swapMonitor))
-    , m_keepInSync(new QAction(tr("Keep Decks in Sync"), this))
+    , m_link(new QAction(tr("Keep Decks in Sync"), this))
 {
     setObjectName(u"playerDock"_s);
     setWidget(m_player);
     m_switch->setToolTip(tr("Cut between the two decks without losing your place."));
     m_switch->setStatusTip(m_switch->toolTip());
-    m_keepInSync->setCheckable(true);
-    m_keepInSync->setShortcut(Qt::CTRL | Qt::Key_L);
-    connect(m_keepInSync, &QAction::toggled, m_player, &ComparePlayer::setLinked);
-    connect(m_player, &ComparePlayer::linkedChanged, m_keepInSync, &QAction::setChecked);
+    m_link->setCheckable(true);
+    m_link->setShortcut(Qt::CTRL | Qt::Key_L);
+    connect(m_link, &QAction::toggled, m_player, &ComparePlayer::setLinked);
+    connect(m_player, &ComparePlayer::linkedChanged, m_link, &QAction::setChecked);
     toggleViewAction()->setShortcut(Qt::Key_F8);
     connect(toggleViewAction(), &QAction::triggered, this, [this](bool shown) {
         if (shown)
@@ -40,10 +40,10 @@ void PlayerDock::addCommandsTo(QMenu *menu) const
 {
     menu->addAction(m_playPause);
     menu->addSeparator();
-    menu->addActions({ m_listenToA, m_listenToB, m_switch, m_keepInSync });
+    menu->addActions({ m_listenToA, m_listenToB, m_switch, m_link });
 }
 
-void PlayerDock::load(int deck, const TrackInfo &track)
+void PlayerDock::load(Deck deck, const TrackInfo &track)
 {
     bringToFront();
     m_player->load(deck, track);
@@ -57,8 +57,8 @@ void PlayerDock::loadIntoFreeDeck(const TrackInfo &track)
 
 void PlayerDock::compare(const TrackInfo &a, const TrackInfo &b)
 {
-    load(0, a);
-    load(1, b);
+    load(Deck::A, a);
+    load(Deck::B, b);
 }
 
 QAction *PlayerDock::make(const QString &text, const QKeySequence &key, void (ComparePlayer::*command)())

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
+
 #include <QDockWidget>
 
 class QMenu;
@@ -19,11 +21,11 @@ class PlayerDock final : public QDockWidget {
 public:
     explicit PlayerDock(QWidget *parent);
 
-    [[nodiscard]] ComparePlayer *player() const { return m_player; }
+    ComparePlayer *player() const { return m_player; }
 
     void addCommandsTo(QMenu *menu) const;
 
-    void load(int deck, const TrackInfo &track); ///< 0 = A, 1 = B
+    void load(Deck deck, const TrackInfo &track);
     void loadIntoFreeDeck(const TrackInfo &track);
     void compare(const TrackInfo &a, const TrackInfo &b);
 
@@ -36,7 +38,7 @@ private:
     QAction *m_listenToA;
     QAction *m_listenToB;
     QAction *m_switch;
-    QAction *m_keepInSync;
+    QAction *m_link;
 };
 
 } // namespace epr

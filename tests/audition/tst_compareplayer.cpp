@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "badge.h"
 #include "compareplayer.h"
 #include "comparisontext.h"
-#include "elidinglabel.h"
+#include "labels.h"
 #include "lamp.h"
 #include "levelmeter.h"
 #include "mediabackend.h"
@@ -43,17 +42,17 @@ private Q_SLOTS:
     {
         const auto filesAfterLoading = [this](const QString &name) {
             m_player->loadIntoFreeDeck(trackOf(name));
-            return m_player->track(0).fileName + u' ' + m_player->track(1).fileName;
+            return m_player->track(Deck::A).fileName + u' ' + m_player->track(Deck::B).fileName;
         };
         QCOMPARE(filesAfterLoading(u"one.wav"_s), u"one.wav "_s);
         QCOMPARE(filesAfterLoading(u"two.wav"_s), u"one.wav two.wav"_s);
-        m_player->monitorDeckB(); // from now on deck A is not heard
+        m_player->monitorDeckB(); // from now on deck A is the free one
         QCOMPARE(filesAfterLoading(u"two.wav"_s), u"two.wav two.wav"_s);
-        m_player->clear(1);
+        m_player->clear(Deck::B);
         QCOMPARE(filesAfterLoading(u"one.wav"_s), u"two.wav one.wav"_s);
         QFile::remove(fileOf(u"one.wav"_s));
         m_player->clearVanished();
-        QVERIFY(m_player->track(1).path.isEmpty() && !m_player->track(0).path.isEmpty());
+        QVERIFY(m_player->track(Deck::B).path.isEmpty() && !m_player->track(Deck::A).path.isEmpty());
     }
 
     void facesShowWhatIsLoaded()
@@ -62,18 +61,18 @@ private Q_SLOTS:
             QSKIP("Media Foundation does not decode here");
         QCOMPARE(labelOf(u"A"_s, u"deckTitle"_s), u"— no file loaded —"_s);
         QCOMPARE(delta(u"duration"_s), u"—"_s);
-        m_player->load(0, trackOf(u"one.wav"_s, 6000, 64));
+        m_player->load(Deck::A, trackOf(u"one.wav"_s, 6000, 64));
         QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Ready);
-        m_player->load(1, trackOf(u"two.wav"_s, 8500, 32));
+        m_player->load(Deck::B, trackOf(u"two.wav"_s, 8500, 32));
         QCOMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Analysing);
         QCOMPARE(labelOf(u"B"_s, u"deckTitle"_s), u"TWO.WAV"_s);
         QCOMPARE(delta(u"duration"_s) + u' ' + delta(u"bitrate"_s), u"+2.50 s \u221232 k"_s);
 
-        m_player->load(1, trackOf(u"missing.wav"_s));
+        m_player->load(Deck::B, trackOf(u"missing.wav"_s));
         QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Unavailable);
         const QString problem = labelOf(u"B"_s, u"deckFormat"_s);
         QVERIFY2(problem.contains("No such file"_L1), qPrintable(problem));
-        m_player->clear(1);
+        m_player->clear(Deck::B);
         QCOMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::NoSignal);
         QCOMPARE(labelOf(u"B"_s, u"deckDuration"_s), u"/ 0:00:00"_s);
         QCOMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:00"_s);
@@ -91,21 +90,21 @@ private Q_SLOTS:
             files << std::pair(u"layer2.mp2"_s, waveOf(100)); // it goes by the name
         for (const auto &[name, content] : std::as_const(files)) {
             writeFile(fileOf(name), content);
-            m_player->load(0, trackOf(name));
-            m_player->load(1, trackOf(u"one.wav"_s));
+            m_player->load(Deck::A, trackOf(name));
+            m_player->load(Deck::B, trackOf(u"one.wav"_s));
             QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Unavailable);
             QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Ready);
             QVERIFY(labelOf(u"A"_s, u"deckFormat"_s) != comparisontext::format(trackOf(name)));
-            m_player->clear(1);
+            m_player->clear(Deck::B);
         }
     }
 
-    void deckThatIsHeardIsBright()
+    void monitoredDeckIsBright()
     {
-        m_player->load(0, trackOf(u"one.wav"_s));
+        m_player->load(Deck::A, trackOf(u"one.wav"_s));
         QVERIFY(!deck(u"A"_s)->isDimmed() && deck(u"B"_s)->isDimmed());
         QTest::mouseClick(deck(u"B"_s), Qt::LeftButton, {}, QPoint(3, 3));
-        QCOMPARE(m_player->monitor(), 1);
+        QCOMPARE(m_player->monitor(), Deck::B);
         QVERIFY(deck(u"A"_s)->isDimmed());
         QVERIFY2(deck(u"B"_s)->isDimmed(), "there is nothing to hear");
         QVERIFY(!lamp(u"monitorLampA"_s)->isLit() && lamp(u"monitorLampB"_s)->isLit());
@@ -119,12 +118,12 @@ private Q_SLOTS:
     {
         if (!platformDecodesWaves())
             QSKIP("Media Foundation does not decode here");
-        m_player->load(0, trackOf(u"one.wav"_s));
-        m_player->load(1, trackOf(u"two.wav"_s, 8000));
+        m_player->load(Deck::A, trackOf(u"one.wav"_s));
+        m_player->load(Deck::B, trackOf(u"two.wav"_s, 8000));
         QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->durationMs(), 6000);
         part<vfd::Scrubber>(u"A"_s)->seek(3000);
         QTRY_COMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
-        m_player->load(0, trackOf(u"one.wav"_s));
+        m_player->load(Deck::A, trackOf(u"one.wav"_s));
         QCOMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
         QCOMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:00"_s);
         m_player->setLinked(true);
@@ -137,9 +136,9 @@ private Q_SLOTS:
     }
 
 private:
-    [[nodiscard]] QString fileOf(const QString &name) const { return m_folder.filePath(name); }
+    QString fileOf(const QString &name) const { return m_folder.filePath(name); }
 
-    [[nodiscard]] TrackInfo trackOf(const QString &name, qint64 durationMs = 0, qint32 bitrateKbps = 0) const
+    TrackInfo trackOf(const QString &name, qint64 durationMs = 0, qint32 bitrateKbps = 0) const
     {
         TrackInfo track;
         track.path = fileOf(name);
@@ -149,17 +148,14 @@ private:
         return track;
     }
 
-    [[nodiscard]] vfd::Panel *deck(const QString &name) { return m_player->findChild<vfd::Panel *>(u"deck"_s + name); }
-    [[nodiscard]] vfd::Lamp *lamp(const QString &name) { return m_player->findChild<vfd::Lamp *>(name); }
-    [[nodiscard]] QString labelOf(const QString &name, const QString &label)
+    vfd::Panel *deck(const QString &name) { return m_player->findChild<vfd::Panel *>(u"deck"_s + name); }
+    vfd::Lamp *lamp(const QString &name) { return m_player->findChild<vfd::Lamp *>(name); }
+    QString labelOf(const QString &name, const QString &label)
     {
         return deck(name)->findChild<vfd::ElidingLabel *>(label)->text();
     }
-    [[nodiscard]] QString delta(const QString &what)
-    {
-        return m_player->findChild<vfd::Badge *>(what + u"Delta"_s)->text();
-    }
-    template <typename Part> [[nodiscard]] Part *part(const QString &name) { return deck(name)->findChild<Part *>(); }
+    QString delta(const QString &what) { return m_player->findChild<vfd::Badge *>(what + u"Delta"_s)->text(); }
+    template <typename Part> Part *part(const QString &name) { return deck(name)->findChild<Part *>(); }
 
     QTemporaryDir m_folder;
     std::optional<ComparePlayer> m_player;

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "comparisonlogic.h"
+#include "compareplayer.h"
 #include "comparisontext.h"
-#include "deckplayback.h"
 
 #include <QTest>
 
@@ -14,8 +13,10 @@ namespace {
 /// Time stands still; what a deck does is what it is told.
 struct FakeDeck final : DeckPlayback {
     qint64 position() const override { return at; }
+    qint64 duration() const override { return length; }
     bool isPlaying() const override { return playing; }
     bool hasEnded() const override { return at >= length; }
+    bool hasFailed() const override { return false; }
     void setSource(const QString &path) override { source = path, at = 0, playing = false; }
     void play() override { playing = !source.isEmpty(); }
     void pause() override { playing = false; }
@@ -39,25 +40,38 @@ TrackInfo trackOf(const QString &path, qint64 durationMs = 0, qint32 bitrateKbps
     return track;
 }
 
-/// Commands are for deck A unless they name B, "hearB" say; "loadC" loads another file.
-void run(ComparisonLogic &logic, const QString &command)
-{
-    const int deck = command.contains(u'B') ? 1 : 0;
-    if (command.startsWith(u"play"))
-        logic.playPause();
-    else if (command.startsWith(u"stop"))
-        logic.stop();
-    else if (command.startsWith(u"seek"))
-        logic.seek(deck, command.mid(5).toInt());
-    else if (command.startsWith(u"load"))
-        logic.load(deck, trackOf(command.mid(4)));
-    else if (command.startsWith(u"clear"))
-        logic.clear(deck);
-    else if (command.startsWith(u"link"))
-        logic.setLinked(true);
-    else
-        logic.setMonitor(deck);
-}
+struct Story {
+    Story()
+    {
+        auto first = std::make_unique<FakeDeck>();
+        auto second = std::make_unique<FakeDeck>();
+        decks = { first.get(), second.get() };
+        player.emplace(ComparePlayer::Playbacks { std::move(first), std::move(second) });
+    }
+
+    /// Commands are for deck A unless they name B, "monitorB" say; "loadC" loads another file.
+    void run(const QString &command)
+    {
+        const Deck deck = command.contains(u'B') ? Deck::B : Deck::A;
+        if (command.startsWith(u"play"))
+            player->playPause();
+        else if (command.startsWith(u"stop"))
+            player->stop();
+        else if (command.startsWith(u"seek"))
+            player->seek(deck, command.mid(5).toInt());
+        else if (command.startsWith(u"load"))
+            player->load(deck, trackOf(command.mid(4)));
+        else if (command.startsWith(u"clear"))
+            player->clear(deck);
+        else if (command.startsWith(u"link"))
+            player->setLinked(true);
+        else
+            deck == Deck::A ? player->monitorDeckA() : player->monitorDeckB();
+    }
+
+    PerDeck<FakeDeck *> decks;
+    std::optional<ComparePlayer> player;
+};
 
 } // namespace
 
@@ -67,74 +81,101 @@ class TestComparison : public QObject {
 private Q_SLOTS:
     // In the situation, A and B are decks with files, standing at 1000 and 5000, L is linked, s a B of 8000 ms. Then
     // come the commands and where A and B stand after them, with "+" if they play.
-    void commands()
+    void commands_data()
     {
-        const QString stories[] = {
-            // Playing starts the deck that is heard, and a linked one from the same place if it has one there.
-            u"AB|play|1000+|5000"_s, u"AB|hearB play|1000|5000+"_s, u"ABL|play|1000+|1000+"_s,
-            u"ABL|hearB play|5000+|5000+"_s, u"AL|play|1000+|0"_s, u"BL|play|0|0+"_s, u"ABL|seekA60000 play|0+|0+"_s,
-            u"ABLs|seekA9000 play|9000+|8000"_s,
-            // One that plays is enough to pause, and to switch moves nothing.
-            u"AB|play hearB play|1000|5000"_s, u"ABL|play stop|0|0"_s, u"AB|play hearB|1000+|5000"_s,
-            // A deck that ran out joins again, unless both did.
-            u"AB|seekB7|1000|7"_s, u"ABL|play seekB7|7+|7+"_s, u"AL|seekA7|7|0"_s, u"BL|seekB7|7|7"_s,
-            u"ABLs|play seekA9000 seekA2000|2000+|2000+"_s, u"ABL|play seekA60000 seekA2000|2000|2000"_s,
-            // Linking moves B, even if it is heard.
-            u"AB|hearB link|1000|1000"_s, u"B|link|0|5000"_s,
-            // The same file goes on, but not after its deck was cleared.
-            u"ABL|play loadA|1000+|1000+"_s, u"AB|hearB loadB|1000|5000"_s, u"AB|play loadC|0|5000"_s,
-            u"ABL|play clearA|0|1000+"_s, u"AB|play clearA loadA|0|5000"_s
+        QTest::addColumn<QString>("story");
+        const std::pair<const char *, QString> rows[] = {
+            { "playing starts the monitored deck", u"AB|play|1000+|5000"_s },
+            { "also if it is B", u"AB|monitorB play|1000|5000+"_s },
+            { "linked decks start where A is", u"ABL|play|1000+|1000+"_s },
+            { "or where the monitored B is", u"ABL|monitorB play|5000+|5000+"_s },
+            { "linked to nothing", u"AL|play|1000+|0"_s },
+            { "nothing monitored, B plays alone", u"BL|play|0|0+"_s },
+            { "after the end from the beginning", u"ABL|seekA60000 play|0+|0+"_s },
+            { "a shorter B stays at its end", u"ABLs|seekA9000 play|9000+|8000"_s },
+            { "one that plays is enough to pause", u"AB|play monitorB play|1000|5000"_s },
+            { "stopping goes to the beginning", u"ABL|play stop|0|0"_s },
+            { "to switch moves nothing", u"AB|play monitorB|1000+|5000"_s },
+            { "seeking moves one deck", u"AB|seekB7|1000|7"_s },
+            { "and linked ones both", u"ABL|play seekB7|7+|7+"_s },
+            { "but not an empty one", u"AL|seekA7|7|0"_s },
+            { "a deck that ran out joins again", u"ABLs|play seekA9000 seekA2000|2000+|2000+"_s },
+            { "unless both did", u"ABL|play seekA60000 seekA2000|2000|2000"_s },
+            { "linking moves B even if monitored", u"AB|monitorB link|1000|1000"_s },
+            { "linking one moves nothing", u"B|link|0|5000"_s },
+            { "the same file plays on", u"ABL|play loadA|1000+|1000+"_s },
+            { "and stands where it stood", u"AB|monitorB loadB|1000|5000"_s },
+            { "another begins anew", u"AB|play loadC|0|5000"_s },
+            { "clearing one leaves the other", u"ABL|play clearA|0|1000+"_s },
+            { "a cleared deck has forgotten", u"AB|play clearA loadA|0|5000"_s },
         };
-        for (const QString &story : stories) {
-            const QString situation = story.section(u'|', 0, 0);
-            const QString orders = story.section(u'|', 1, 1);
-            FakeDeck decks[2];
-            ComparisonLogic logic(decks[0], decks[1]);
-            logic.setLinked(situation.contains(u'L'));
-            for (const int deck : { 0, 1 }) {
-                const QString name = deck == 0 ? u"A"_s : u"B"_s;
-                if (situation.contains(name)) {
-                    logic.load(deck, trackOf(name));
-                    decks[deck].at = deck == 0 ? 1000 : 5000;
-                }
-            }
-            if (situation.contains(u's'))
-                decks[1].length = 8000;
-            QString told = situation + u'|' + orders;
-            for (const QString &command : orders.split(u' '))
-                run(logic, command);
-            for (const int deck : { 0, 1 }) {
-                told += u"|%1"_s.arg(decks[deck].at) + (decks[deck].playing ? u"+"_s : QString());
-                QCOMPARE(decks[deck].volume, deck == logic.monitor() ? 1.0F : 0.0F);
-                QCOMPARE(decks[deck].source, logic.track(deck).path);
-            }
-            QCOMPARE(told, story);
-            QCOMPARE(logic.monitor(), orders.contains(u"hearB") ? 1 : 0);
-        }
+        for (const auto &[name, story] : rows)
+            QTest::newRow(name) << story;
     }
 
-    // Whichever deck is heard stays where it is.
+    void commands()
+    {
+        QFETCH(const QString, story);
+        const QString situation = story.section(u'|', 0, 0);
+        const QString orders = story.section(u'|', 1, 1);
+        Story seen;
+        seen.player->setLinked(situation.contains(u'L'));
+        for (const Deck deck : bothDecks) {
+            const QString name = comparisontext::deckName(deck);
+            if (situation.contains(name)) {
+                seen.player->load(deck, trackOf(name));
+                seen.decks[deck]->at = deck == Deck::A ? 1000 : 5000;
+            }
+        }
+        if (situation.contains(u's'))
+            seen.decks.b->length = 8000;
+        for (const QString &command : orders.split(u' '))
+            seen.run(command);
+        const Deck monitor = orders.contains(u"monitorB") ? Deck::B : Deck::A;
+        QString told = situation + u'|' + orders;
+        for (const Deck deck : bothDecks) {
+            const FakeDeck &fake = *seen.decks[deck];
+            told += u"|%1"_s.arg(fake.at) + (fake.playing ? u"+"_s : QString());
+            QCOMPARE(fake.volume, deck == monitor ? 1.0F : 0.0F);
+            QCOMPARE(fake.source, seen.player->track(deck).path);
+        }
+        QCOMPARE(told, story);
+    }
+
+    void drift_data()
+    {
+        QTest::addColumn<qint64>("drift");
+        QTest::addColumn<QString>("playing");
+        QTest::addColumn<bool>("corrected");
+        QTest::newRow("at the limit") << qint64 { 140 } << u"linked monitored other"_s << false;
+        QTest::newRow("behind, at the limit") << qint64 { -140 } << u"linked monitored other"_s << false;
+        QTest::newRow("beyond the limit") << qint64 { 141 } << u"linked monitored other"_s << true;
+        QTest::newRow("behind, beyond the limit") << qint64 { -141 } << u"linked monitored other"_s << true;
+        QTest::newRow("not linked") << qint64 { 5000 } << u"monitored other"_s << false;
+        QTest::newRow("the other stands") << qint64 { 5000 } << u"linked monitored"_s << false;
+        QTest::newRow("the monitored one stands") << qint64 { 5000 } << u"linked other"_s << false;
+    }
+
+    // Whichever deck is monitored stays where it is.
     void drift()
     {
-        const std::tuple<qint64, bool, bool, bool, bool> cases[] = {
-            { 139, true, true, true, false },   { 140, true, true, true, false },   { -140, true, true, true, false },
-            { 141, true, true, true, true },    { -141, true, true, true, true },   { 5000, false, true, true, false },
-            { 5000, true, true, false, false }, { 5000, true, false, true, false },
-        };
-        for (const auto &[drift, linked, heardPlays, otherPlays, corrected] : cases) {
-            for (const int heard : { 0, 1 }) {
-                FakeDeck decks[2];
-                ComparisonLogic logic(decks[0], decks[1]);
-                for (const char *command : { "loadA", "loadB", linked ? "link" : "stop", heard ? "hearB" : "hearA" })
-                    run(logic, QString::fromLatin1(command));
-                decks[heard].at = 10000;
-                decks[heard].playing = heardPlays;
-                decks[1 - heard].at = 10000 + drift;
-                decks[1 - heard].playing = otherPlays;
-                logic.syncTick();
-                QCOMPARE(decks[heard].at, 10000);
-                QCOMPARE(decks[1 - heard].at, corrected ? 10000 : 10000 + drift);
-            }
+        QFETCH(const qint64, drift);
+        QFETCH(const QString, playing);
+        QFETCH(const bool, corrected);
+        for (const Deck monitor : bothDecks) {
+            Story seen;
+            for (const QString &command : { u"loadA"_s, u"loadB"_s, u"monitor"_s + comparisontext::deckName(monitor) })
+                seen.run(command);
+            seen.player->setLinked(playing.contains(u"linked"));
+            FakeDeck &monitored = *seen.decks[monitor];
+            FakeDeck &other = *seen.decks[otherDeck(monitor)];
+            monitored.at = 10000;
+            monitored.playing = playing.contains(u"monitored");
+            other.at = 10000 + drift;
+            other.playing = playing.contains(u"other");
+            seen.player->syncTick();
+            QCOMPARE(monitored.at, 10000);
+            QCOMPARE(other.at, corrected ? 10000 : 10000 + drift);
         }
     }
 
@@ -171,5 +212,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestComparison)
+QTEST_MAIN(TestComparison)
 #include "tst_comparison.moc"

@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audiobuilder.h"
-#include "deckpair.h"
+#include "compareplayer.h"
+#include "comparisontext.h"
 #include "mediabackend.h"
 #include "temporarylibrary.h"
 
+#include <QApplication>
 #include <QAudioDevice>
 #include <QMediaDevices>
 #include <QProcess>
@@ -19,8 +21,6 @@ using namespace epr;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qint64 maxDriftMs = 140;
 
 /// A sound server of this process alone, whose one device swallows what it is sent. Where there is none to be had,
 /// nothing happens.
@@ -66,100 +66,101 @@ private Q_SLOTS:
         if (QStandardPaths::findExecutable(u"pulseaudio"_s).isEmpty())
             QSKIP("pulseaudio is not installed");
         QTRY_VERIFY_WITH_TIMEOUT(!QMediaDevices::defaultAudioOutput().isNull(), 20000);
-        for (const int deck : { 0, 1 }) {
-            m_tracks[deck].path = m_dir.filePath(u"%1 \u9759.wav"_s.arg(deck));
-            test::writeFile(m_tracks[deck].path, stereoWave(deck == 0 ? 60 : 40));
+        for (const Deck deck : bothDecks) {
+            m_tracks[deck].path = m_dir.filePath(comparisontext::deckName(deck) + u" \u9759.wav"_s);
+            test::writeFile(m_tracks[deck].path, stereoWave(deck == Deck::A ? 60 : 40));
         }
     }
+
+    void init()
+    {
+        m_player.emplace();
+        for (const Deck deck : bothDecks)
+            m_player->load(deck, m_tracks[deck]);
+        QTRY_VERIFY(a().duration() == 60000 && b().duration() == 40000);
+    }
+
+    void cleanup() { m_player.reset(); }
 
     // The promise is 140 ms, kept by a look once a second. So single looks may find the decks further apart, but there
     // must be one in every two seconds that does not, and in most they must be together.
     void linkedDecksStayTogether()
     {
-        DeckPair pair;
-        loadBoth(pair);
-        pair.setLinked(true);
-        pair.playPause();
-        QTRY_VERIFY_WITH_TIMEOUT(pair.position(0) > 0 && pair.position(1) > 0, 10000);
+        m_player->setLinked(true);
+        m_player->playPause();
+        QTRY_VERIFY_WITH_TIMEOUT(a().position() > 0 && b().position() > 0, 10000);
         QList<qint64> drifts;
         int apart = 0;
         for (const QDeadlineTimer end(30000); !end.hasExpired();) {
             QTest::qWait(100);
-            drifts << std::abs(pair.position(0) - pair.position(1));
-            apart = drifts.last() > maxDriftMs ? apart + 1 : 0;
+            drifts << std::abs(a().position() - b().position());
+            apart = drifts.last() > ComparePlayer::maxDriftMs ? apart + 1 : 0;
             QVERIFY2(apart < 20, qPrintable(QDebug::toString(drifts)));
         }
         std::sort(drifts.begin(), drifts.end());
         const qint64 usual = drifts.at(drifts.size() / 2);
         qInfo("half of all looks found at most %lld ms, all %lld ms", usual, drifts.last());
-        QVERIFY(usual <= maxDriftMs);
-        QVERIFY(pair.isPlaying(0) && pair.isPlaying(1) && pair.position(0) > 1000);
+        QVERIFY(usual <= ComparePlayer::maxDriftMs);
+        QVERIFY(a().isPlaying() && b().isPlaying() && a().position() > 1000);
     }
 
     void survivesSeeksAndSwaps()
     {
-        DeckPair pair;
-        loadBoth(pair);
         std::minstd_rand random(11);
         for (int step = 0; step < 200; ++step) {
             const auto choice = random() % 8;
             if (choice == 0)
-                pair.setLinked(!pair.isLinked());
+                m_player->setLinked(!m_player->isLinked());
             else if (choice == 1)
-                pair.playPause();
+                m_player->playPause();
             else if (choice == 2)
-                pair.load(1, pair.track(1));
+                m_player->load(Deck::B, m_player->track(Deck::B));
             else if (choice < 5)
-                pair.swapMonitor();
+                m_player->swapMonitor();
             else
-                pair.seek(int(random() % 2), random() % 70000); // beyond the end too
+                m_player->seek(bothDecks[random() % 2], random() % 70000); // beyond the end too
             QTest::qWait(int(random() % 10));
         }
-        pair.stop();
-        QVERIFY(!pair.anyPlaying());
-        pair.setLinked(true);
-        pair.playPause();
-        QTRY_VERIFY_WITH_TIMEOUT(pair.position(0) > 200 && pair.position(1) > 200, 10000);
+        m_player->stop();
+        QVERIFY(!a().isPlaying() && !b().isPlaying());
+        m_player->setLinked(true);
+        m_player->playPause();
+        QTRY_VERIFY_WITH_TIMEOUT(a().position() > 200 && b().position() > 200, 10000);
     }
 
     // The same file again while it plays, then one that cannot be played: the other deck goes on.
     void aReplacedFileLeavesTheOtherDeckAlone()
     {
-        DeckPair pair;
-        loadBoth(pair);
-        const QSignalSpy messages(&pair, &DeckPair::logMessage);
-        pair.setLinked(true);
-        pair.seek(0, 20000);
-        pair.playPause();
-        pair.load(0, m_tracks[0]);
-        QVERIFY(pair.isPlaying(0) && pair.position(0) >= 20000);
-        QTRY_VERIFY_WITH_TIMEOUT(pair.position(0) > 20200 && pair.position(1) > 20200, 10000);
+        const QSignalSpy messages(&*m_player, &ComparePlayer::logMessage);
+        m_player->setLinked(true);
+        m_player->seek(Deck::A, 20000);
+        m_player->playPause();
+        m_player->load(Deck::A, m_tracks.a);
+        QVERIFY(a().isPlaying() && a().position() >= 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(a().position() > 20200 && b().position() > 20200, 10000);
         TrackInfo gone;
         gone.path = m_dir.filePath(u"gone.mp3"_s);
-        pair.load(0, gone);
+        m_player->load(Deck::A, gone);
         QTRY_COMPARE_WITH_TIMEOUT(messages.size(), 2, 10000);
         QCOMPARE(messages.at(0).at(0).toString(), u"Deck A: No such file or directory"_s);
         QCOMPARE(messages.at(1).at(0).toString(), u"Preview: No such file or directory"_s);
-        QVERIFY(!pair.isPlaying(0) && pair.isPlaying(1));
+        QVERIFY(!a().isPlaying() && b().isPlaying());
     }
 
 private:
-    void loadBoth(DeckPair &pair)
-    {
-        for (const int deck : { 0, 1 })
-            pair.load(deck, m_tracks[deck]);
-        QTRY_VERIFY(pair.duration(0) == 60000 && pair.duration(1) == 40000);
-    }
+    const DeckPlayback &a() const { return m_player->playback(Deck::A); }
+    const DeckPlayback &b() const { return m_player->playback(Deck::B); }
 
     QTemporaryDir m_dir;
-    TrackInfo m_tracks[2];
+    PerDeck<TrackInfo> m_tracks;
+    std::optional<ComparePlayer> m_player;
 };
 
 int main(int argc, char **argv)
 {
     preferFfmpegMediaBackend();
     const SilentSoundServer server;
-    const QCoreApplication application(argc, argv);
+    const QApplication application(argc, argv);
     TestPlayback test;
     return QTest::qExec(&test, argc, argv);
 }

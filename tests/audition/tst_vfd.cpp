@@ -1,13 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "columnpeaks.h"
-#include "elidinglabel.h"
+#include "labels.h"
 #include "lamp.h"
 #include "levelmeter.h"
 #include "panel.h"
 #include "scrubber.h"
-#include "segmentgeometry.h"
 #include "sevensegment.h"
+#include "waveformpaint.h"
 
 #include <QAccessible>
 #include <QHelpEvent>

@@ -345,16 +345,16 @@ private Q_SLOTS:
         QCOMPARE(matchOf(window, 1), u"KEEP"_s);
         auto *player = window.findChild<ComparePlayer *>();
         press(Qt::Key_1, Qt::ControlModifier);
-        QCOMPARE(player->track(0).path, u"/music/<two> & more.mp3"_s);
+        QCOMPARE(player->track(Deck::A).path, u"/music/<two> & more.mp3"_s);
         press(Qt::Key_Up);
         press(Qt::Key_Return); // the free deck
-        QCOMPARE(player->track(1).path, u"/music/one.mp3"_s);
+        QCOMPARE(player->track(Deck::B).path, u"/music/one.mp3"_s);
         press(Qt::Key_B);
-        QCOMPARE(player->monitor(), 1);
+        QCOMPARE(player->monitor(), Deck::B);
         press(Qt::Key_X);
-        QCOMPARE(player->monitor(), 0);
+        QCOMPARE(player->monitor(), Deck::A);
         press(Qt::Key_Return, Qt::ControlModifier); // the kept copy on deck A, the current one on deck B
-        QCOMPARE(player->track(0).path, u"/music/<two> & more.mp3"_s);
+        QCOMPARE(player->track(Deck::A).path, u"/music/<two> & more.mp3"_s);
         SeenBox box;
         answerNextBox(QMessageBox::Ok, &box);
         press(Qt::Key_Return, Qt::AltModifier);

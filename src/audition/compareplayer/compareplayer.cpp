@@ -3,208 +3,304 @@
 #include "compareplayer.h"
 
 #include "comparisontext.h"
-#include "deckpair.h"
 #include "deckview.h"
+#include "mediadeck.h"
 #include "transportview.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>
 
+#include <cstdlib>
+#include <utility>
+
 namespace epr {
 
+namespace {
+
+constexpr int syncIntervalMs = 1000;
+
+// Playing a deck that the position is beyond the end of would begin it anew.
+void moveTo(DeckPlayback &playback, qint64 positionMs, bool play)
+{
+    playback.setPosition(positionMs);
+    if (play && !playback.hasEnded())
+        playback.play();
+}
+
+} // namespace
+
 ComparePlayer::ComparePlayer(QWidget *parent)
+    : ComparePlayer({ std::make_unique<MediaDeck>(), std::make_unique<MediaDeck>() }, parent)
+{
+}
+
+ComparePlayer::ComparePlayer(Playbacks playbacks, QWidget *parent)
     : QWidget(parent)
-    , m_player(new DeckPair(this))
 {
     createViews();
-    connectViews();
-    connectPlayer();
-    for (const int deck : { 0, 1 })
-        onDeckChanged(deck);
-    onMonitorChanged();
+    connectTransport();
+    connectPreviews();
+    for (const Deck deck : bothDecks) {
+        m_sides[deck].playback = std::move(playbacks[deck]);
+        connectDeck(deck);
+        showTrack(deck);
+    }
+    showMonitor();
+    m_syncTimer.setInterval(syncIntervalMs);
+    connect(&m_syncTimer, &QTimer::timeout, this, &ComparePlayer::syncTick);
     m_levelTimer.setInterval(Envelope::bucketMs); // the levels come from the envelope
     connect(&m_levelTimer, &QTimer::timeout, this, &ComparePlayer::showLevels);
 }
 
-// The decks fall silent before their faces go.
+// The decks fall silent together, and report no more to views that are going too.
 ComparePlayer::~ComparePlayer()
 {
-    m_player->disconnect(this);
-    delete m_player;
+    for (const Deck deck : bothDecks)
+        m_sides[deck].playback->disconnect();
+    stop();
 }
 
-bool ComparePlayer::isLinked() const
+void ComparePlayer::load(Deck deck, const TrackInfo &track)
 {
-    return m_player->isLinked();
-}
-
-int ComparePlayer::monitor() const
-{
-    return m_player->monitor();
-}
-
-TrackInfo ComparePlayer::track(int deck) const
-{
-    return m_player->track(deck);
-}
-
-void ComparePlayer::load(int deck, const TrackInfo &track)
-{
-    m_player->load(deck, track);
+    if (track.path.isEmpty())
+        return clear(deck);
+    Side &side = m_sides[deck];
+    const bool isSame = side.track.path == track.path;
+    const qint64 positionMs = side.playback->position();
+    const bool wasPlaying = side.playback->isPlaying();
+    side.track = track;
+    side.awaitsPreview = true;
+    side.view->setProblem({});
+    side.playback->setSource(track.path);
+    if (isSame) {
+        side.playback->setPosition(positionMs);
+        if (wasPlaying)
+            side.playback->play();
+    }
+    showTrack(deck);
+    if (side.awaitsPreview)
+        m_previews.request(static_cast<int>(deck), track.path);
+    else
+        side.view->setPreviewUnavailable(); // the deck has given the file up already
 }
 
 void ComparePlayer::loadIntoFreeDeck(const TrackInfo &track)
 {
-    const int unheard = 1 - m_player->monitor();
-    load(!m_player->hasFile(0) ? 0 : !m_player->hasFile(1) ? 1 : unheard, track);
+    for (const Deck deck : bothDecks) {
+        if (!m_sides[deck].hasFile())
+            return load(deck, track);
+    }
+    load(otherDeck(m_monitor), track);
 }
 
-void ComparePlayer::clear(int deck)
+void ComparePlayer::clear(Deck deck)
 {
-    m_player->clear(deck);
+    Side &side = m_sides[deck];
+    side.playback->stop();
+    side.playback->setSource({});
+    side.track = {};
+    side.awaitsPreview = false;
+    side.view->setProblem({});
+    m_previews.cancel(static_cast<int>(deck));
+    showTrack(deck);
 }
 
 void ComparePlayer::release(const QStringList &paths)
 {
-    for (const int deck : { 0, 1 }) {
-        if (m_player->hasFile(deck) && paths.contains(m_player->track(deck).path))
-            clear(deck);
-    }
-    leaveEmptyDeck();
+    clearWhere([&paths](const QString &path) { return paths.contains(path); });
 }
 
 void ComparePlayer::clearVanished()
 {
-    for (const int deck : { 0, 1 }) {
-        if (m_player->hasFile(deck) && !QFileInfo::exists(m_player->track(deck).path))
-            clear(deck);
-    }
-    leaveEmptyDeck();
+    clearWhere([](const QString &path) { return !QFileInfo::exists(path); });
 }
 
-// What plays on should be heard.
-void ComparePlayer::leaveEmptyDeck()
+void ComparePlayer::clearWhere(const std::function<bool(const QString &path)> &isUnwanted)
 {
-    if (!m_player->hasFile(monitor()) && m_player->hasFile(1 - monitor()))
+    for (const Deck deck : bothDecks) {
+        if (m_sides[deck].hasFile() && isUnwanted(m_sides[deck].track.path))
+            clear(deck);
+    }
+    // What plays on should be heard.
+    if (!m_sides[m_monitor].hasFile() && m_sides[otherDeck(m_monitor)].hasFile())
         swapMonitor();
 }
 
 void ComparePlayer::playPause()
 {
-    m_player->playPause();
+    DeckPlayback &monitored = *m_sides[m_monitor].playback;
+    if (isAnyPlaying()) {
+        for (const Deck deck : bothDecks)
+            m_sides[deck].playback->pause();
+    } else if (m_linked && m_sides.b.hasFile()) {
+        const qint64 startMs = monitored.hasEnded() ? 0 : monitored.position();
+        for (const Deck deck : bothDecks)
+            moveTo(*m_sides[deck].playback, startMs, true);
+    } else {
+        monitored.play();
+    }
 }
 
 void ComparePlayer::stop()
 {
-    m_player->stop();
+    for (const Deck deck : bothDecks)
+        m_sides[deck].playback->stop();
 }
 
-void ComparePlayer::monitorDeckA()
+// A deck that ran out while the other plays on joins it again when both are taken to where it has something to play.
+void ComparePlayer::seek(Deck deck, qint64 positionMs)
 {
-    m_player->monitorDeckA();
-}
-
-void ComparePlayer::monitorDeckB()
-{
-    m_player->monitorDeckB();
-}
-
-void ComparePlayer::swapMonitor()
-{
-    m_player->swapMonitor();
+    if (!m_linked)
+        return m_sides[deck].playback->setPosition(positionMs);
+    const bool isPlaying = isAnyPlaying();
+    for (const Deck each : bothDecks) {
+        DeckPlayback &playback = *m_sides[each].playback;
+        if (each == Deck::A || m_sides.b.hasFile())
+            moveTo(playback, positionMs, isPlaying && playback.hasEnded());
+    }
 }
 
 void ComparePlayer::setLinked(bool linked)
 {
-    m_player->setLinked(linked);
+    const bool hasChanged = std::exchange(m_linked, linked) != linked;
+    if (linked && m_sides.a.hasFile() && m_sides.b.hasFile())
+        m_sides.b.playback->setPosition(m_sides.a.playback->position());
+    if (linked)
+        m_syncTimer.start();
+    else
+        m_syncTimer.stop();
+    m_transport->setLinked(linked);
+    if (hasChanged)
+        Q_EMIT linkedChanged(linked);
+}
+
+// A correction interrupts the deck for as long as its engine takes to seek, so it has to be worth it. The limit is a
+// choice, not a measurement: a switch that lands a seventh of a second off still falls on the same note.
+void ComparePlayer::syncTick()
+{
+    const DeckPlayback &monitored = *m_sides[m_monitor].playback;
+    DeckPlayback &other = *m_sides[otherDeck(m_monitor)].playback;
+    if (!m_linked || !m_sides.a.hasFile() || !m_sides.b.hasFile() || !monitored.isPlaying() || !other.isPlaying())
+        return;
+    const qint64 wantedMs = monitored.position();
+    if (std::abs(other.position() - wantedMs) > maxDriftMs)
+        other.setPosition(wantedMs);
 }
 
 void ComparePlayer::createViews()
 {
     m_transport = new TransportView(this);
-    m_decks = { new DeckView(0, this), new DeckView(1, this) };
+    for (const Deck deck : bothDecks)
+        m_sides[deck].view = new DeckView(deck, this);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 2, 8, 4);
     layout->setSpacing(4);
-    layout->addWidget(m_decks[0], 1);
+    layout->addWidget(m_sides.a.view, 1);
     layout->addWidget(m_transport);
-    layout->addWidget(m_decks[1], 1);
+    layout->addWidget(m_sides.b.view, 1);
 }
 
-void ComparePlayer::connectViews()
+void ComparePlayer::connectTransport()
 {
-    for (const int deck : { 0, 1 }) {
-        connect(m_decks.at(deck), &DeckView::seekRequested, m_player,
-                [this, deck](qint64 positionMs) { m_player->seek(deck, positionMs); });
-    }
-    connect(m_decks[0], &DeckView::clicked, m_player, &DeckPair::monitorDeckA);
-    connect(m_decks[1], &DeckView::clicked, m_player, &DeckPair::monitorDeckB);
-    connect(m_transport, &TransportView::playPauseRequested, m_player, &DeckPair::playPause);
-    connect(m_transport, &TransportView::stopRequested, m_player, &DeckPair::stop);
-    connect(m_transport, &TransportView::linkRequested, m_player, &DeckPair::setLinked);
-    connect(m_transport, &TransportView::monitorRequested, this,
-            [this](int deck) { deck == 0 ? monitorDeckA() : monitorDeckB(); });
+    connect(m_transport, &TransportView::playPauseRequested, this, &ComparePlayer::playPause);
+    connect(m_transport, &TransportView::stopRequested, this, &ComparePlayer::stop);
+    connect(m_transport, &TransportView::linkRequested, this, &ComparePlayer::setLinked);
+    connect(m_transport, &TransportView::monitorRequested, this, &ComparePlayer::setMonitor);
 }
 
-void ComparePlayer::connectPlayer()
+void ComparePlayer::connectDeck(Deck deck)
 {
-    const auto view = [this](int deck) { return m_decks.at(deck); };
-    connect(m_player, &DeckPair::positionChanged, this,
-            [view](int deck, qint64 positionMs) { view(deck)->setPositionMs(positionMs); });
-    connect(m_player, &DeckPair::durationChanged, this,
-            [view](int deck, qint64 durationMs) { view(deck)->setDurationMs(durationMs); });
-    connect(m_player, &DeckPair::envelopeLoaded, this,
-            [view](int deck, const Envelope &envelope) { view(deck)->setEnvelope(envelope); });
-    connect(m_player, &DeckPair::previewFailed, this, [view](int deck) { view(deck)->setPreviewUnavailable(); });
-    connect(m_player, &DeckPair::problemChanged, this,
-            [view](int deck, const QString &problem) { view(deck)->setProblem(problem); });
-    connect(m_player, &DeckPair::deckChanged, this, &ComparePlayer::onDeckChanged);
-    connect(m_player, &DeckPair::playingChanged, this, &ComparePlayer::onPlayingChanged);
-    connect(m_player, &DeckPair::monitorChanged, this, &ComparePlayer::onMonitorChanged);
-    connect(m_player, &DeckPair::linkedChanged, m_transport, &TransportView::setLinked);
-    connect(m_player, &DeckPair::linkedChanged, this, &ComparePlayer::linkedChanged);
-    connect(m_player, &DeckPair::logMessage, this, &ComparePlayer::logMessage);
+    const Side &side = m_sides[deck];
+    const DeckPlayback *playback = side.playback.get();
+    connect(playback, &DeckPlayback::positionChanged, side.view, &DeckView::setPositionMs);
+    connect(playback, &DeckPlayback::durationChanged, side.view, &DeckView::setDurationMs);
+    connect(playback, &DeckPlayback::playingChanged, this, [this, deck] { onPlayingChanged(deck); });
+    connect(playback, &DeckPlayback::problem, this, [this, deck](const QString &text) { onProblem(deck, text); });
+    connect(side.view, &DeckView::seekRequested, this, [this, deck](qint64 ms) { seek(deck, ms); });
+    connect(side.view, &DeckView::clicked, this, [this, deck] { setMonitor(deck); });
 }
 
-void ComparePlayer::onDeckChanged(int deck)
+void ComparePlayer::connectPreviews()
 {
-    DeckView *view = m_decks.at(deck);
-    view->setTrack(m_player->track(deck));
-    view->setProblem(m_player->problem(deck)); // what follows may be known since it was loaded, and is told only once
-    if (m_player->duration(deck) > 0)
-        view->setDurationMs(m_player->duration(deck));
-    view->setPositionMs(m_player->position(deck));
-    m_transport->setDeltas(comparisontext::durationDelta(m_player->track(0), m_player->track(1)),
-                           comparisontext::bitrateDelta(m_player->track(0), m_player->track(1)));
+    connect(&m_previews, &WaveformLoader::loaded, this, [this](int deck, const Envelope &envelope) {
+        Side &side = m_sides[static_cast<Deck>(deck)];
+        side.awaitsPreview = false;
+        side.view->setEnvelope(envelope);
+    });
+    connect(&m_previews, &WaveformLoader::failed, this,
+            [this](int deck, const QString &error) { giveUpPreview(static_cast<Deck>(deck), error); });
 }
 
-void ComparePlayer::onPlayingChanged()
+bool ComparePlayer::isAnyPlaying() const
 {
-    const bool playing = m_player->anyPlaying();
-    m_transport->setPlaying(playing);
-    if (playing)
-        m_levelTimer.start();
-    else
-        m_levelTimer.stop();
-    for (const int deck : { 0, 1 }) {
-        if (!m_player->isPlaying(deck))
-            m_decks.at(deck)->resetLevels();
+    return m_sides.a.playback->isPlaying() || m_sides.b.playback->isPlaying();
+}
+
+void ComparePlayer::setMonitor(Deck deck)
+{
+    if (std::exchange(m_monitor, deck) != deck)
+        showMonitor();
+}
+
+void ComparePlayer::showMonitor()
+{
+    m_transport->setMonitor(m_monitor);
+    for (const Deck deck : bothDecks) {
+        m_sides[deck].playback->setVolume(deck == m_monitor ? 1.0F : 0.0F);
+        m_sides[deck].view->setMonitored(deck == m_monitor);
     }
 }
 
-void ComparePlayer::onMonitorChanged()
+// What the playback knows may be known since the file was loaded, and is told only once.
+void ComparePlayer::showTrack(Deck deck)
 {
-    m_transport->setMonitor(m_player->monitor());
-    for (const int deck : { 0, 1 })
-        m_decks.at(deck)->setHeard(deck == m_player->monitor());
+    const Side &side = m_sides[deck];
+    side.view->setTrack(side.track);
+    if (side.playback->duration() > 0)
+        side.view->setDurationMs(side.playback->duration());
+    side.view->setPositionMs(side.playback->position());
+    m_transport->setDeltas(comparisontext::durationDelta(m_sides.a.track, m_sides.b.track),
+                           comparisontext::bitrateDelta(m_sides.a.track, m_sides.b.track));
 }
 
 void ComparePlayer::showLevels()
 {
-    for (const int deck : { 0, 1 }) {
-        if (m_player->isPlaying(deck))
-            m_decks.at(deck)->showLevelsAt(m_player->position(deck));
+    for (const Deck deck : bothDecks) {
+        if (m_sides[deck].playback->isPlaying())
+            m_sides[deck].view->showLevelsAt(m_sides[deck].playback->position());
     }
+}
+
+void ComparePlayer::onPlayingChanged(Deck deck)
+{
+    const Side &side = m_sides[deck];
+    if (side.playback->isPlaying())
+        side.view->setProblem({}); // what plays has none any more: an output has come, say
+    else
+        side.view->resetLevels();
+    m_transport->setPlaying(isAnyPlaying());
+    if (isAnyPlaying())
+        m_levelTimer.start();
+    else
+        m_levelTimer.stop();
+}
+
+// A decoder may stay silent for a minute about a file that the player has already given up, and would hold up the other
+// deck's preview for as long.
+void ComparePlayer::onProblem(Deck deck, const QString &problem)
+{
+    m_sides[deck].view->setProblem(problem);
+    Q_EMIT logMessage(comparisontext::deckProblem(deck, problem));
+    if (m_sides[deck].playback->hasFailed() && m_sides[deck].awaitsPreview)
+        giveUpPreview(deck, problem);
+}
+
+void ComparePlayer::giveUpPreview(Deck deck, const QString &error)
+{
+    m_sides[deck].awaitsPreview = false;
+    m_previews.cancel(static_cast<int>(deck));
+    m_sides[deck].view->setPreviewUnavailable();
+    Q_EMIT logMessage(comparisontext::previewProblem(error));
 }
 
 } // namespace epr

@@ -2,64 +2,96 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
+#include "deckplayback.h"
 #include "trackinfo.h"
+#include "waveformloader.h"
 
 #include <QTimer>
 #include <QWidget>
 
-#include <array>
+#include <functional>
+#include <memory>
 
 namespace epr {
 
-class DeckPair;
 class DeckView;
 class TransportView;
 
-/// The two-deck player with its face. Deck 0 is A, deck 1 is B.
+/// The two-deck player. Both decks play at once; which one is monitored, that is heard, is a matter of volume only.
+/// Linked decks are moved and started together.
 class ComparePlayer final : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr qint64 maxDriftMs = 140; ///< of linked decks, see syncTick()
+
+    using Playbacks = PerDeck<std::unique_ptr<DeckPlayback>>;
+
     explicit ComparePlayer(QWidget *parent = nullptr);
+    explicit ComparePlayer(Playbacks playbacks, QWidget *parent = nullptr);
     ~ComparePlayer() override;
 
-    [[nodiscard]] bool isLinked() const;
-    [[nodiscard]] int monitor() const;
-    [[nodiscard]] TrackInfo track(int deck) const; ///< the empty record = none
+    bool isLinked() const { return m_linked; }
+    Deck monitor() const { return m_monitor; }
+    const TrackInfo &track(Deck deck) const { return m_sides[deck].track; } ///< the empty record = none
+    const DeckPlayback &playback(Deck deck) const { return *m_sides[deck].playback; }
 
-    void load(int deck, const TrackInfo &track);
-    void loadIntoFreeDeck(const TrackInfo &track); ///< an empty one first, else the one that is not heard
-    void clear(int deck);
-    void
-    release(const QStringList &paths); ///< takes these files out of the decks: a playing one cannot be moved everywhere
+    /// The path that the deck already holds keeps its position, and plays on if it was playing.
+    void load(Deck deck, const TrackInfo &track);
+    void loadIntoFreeDeck(const TrackInfo &track); ///< an empty one first, else the one that is not monitored
+    void clear(Deck deck);
+    /// Takes these files out of the decks: one that plays cannot be moved on every system.
+    void release(const QStringList &paths);
     void clearVanished(); ///< the decks whose file is no longer there
+    void seek(Deck deck, qint64 positionMs);
 
 public Q_SLOTS:
     void playPause();
     void stop();
-    void monitorDeckA();
-    void monitorDeckB();
-    void swapMonitor();
+    void monitorDeckA() { setMonitor(Deck::A); }
+    void monitorDeckB() { setMonitor(Deck::B); }
+    void swapMonitor() { setMonitor(otherDeck(m_monitor)); }
     void setLinked(bool linked);
+    /// Called once a second while linked: takes the deck that is not monitored back to the one that is when they have
+    /// drifted apart. The monitored one is never moved, so that what is heard does not jump.
+    void syncTick();
 
 Q_SIGNALS:
     void logMessage(const QString &message);
     void linkedChanged(bool linked);
 
 private:
-    void leaveEmptyDeck();
-    void createViews();
-    void connectViews();
-    void connectPlayer();
-    void onDeckChanged(int deck);
-    void onPlayingChanged();
-    void onMonitorChanged();
-    void showLevels();
+    struct Side {
+        std::unique_ptr<DeckPlayback> playback;
+        DeckView *view = nullptr;
+        TrackInfo track; ///< the empty record = no file
+        bool awaitsPreview = false;
 
-    DeckPair *m_player;
-    std::array<DeckView *, 2> m_decks {};
+        bool hasFile() const { return !track.path.isEmpty(); }
+    };
+
+    void createViews();
+    void connectTransport();
+    void connectDeck(Deck deck);
+    void connectPreviews();
+    bool isAnyPlaying() const;
+    void setMonitor(Deck deck);
+    void showMonitor();
+    void showTrack(Deck deck);
+    void showLevels();
+    void onPlayingChanged(Deck deck);
+    void onProblem(Deck deck, const QString &problem);
+    void giveUpPreview(Deck deck, const QString &error);
+    void clearWhere(const std::function<bool(const QString &path)> &isUnwanted);
+
+    PerDeck<Side> m_sides;
     TransportView *m_transport = nullptr;
+    Deck m_monitor = Deck::A;
+    bool m_linked = false;
+    QTimer m_syncTimer;
     QTimer m_levelTimer; ///< runs while a deck plays
+    WaveformLoader m_previews;
 };
 
 } // namespace epr

@@ -4,13 +4,11 @@
 
 #include "comparisontext.h"
 #include "displaytext.h"
-#include "elidinglabel.h"
+#include "labels.h"
 #include "levelmeter.h"
 #include "scrubber.h"
 #include "sevensegment.h"
 #include "vfdpaint.h"
-
-#include "envelopelevels.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -19,7 +17,7 @@ namespace epr {
 
 using namespace Qt::StringLiterals;
 
-DeckView::DeckView(int deck, QWidget *parent)
+DeckView::DeckView(Deck deck, QWidget *parent)
     : Panel(parent)
     , m_name(comparisontext::deckName(deck))
 {
@@ -36,7 +34,7 @@ void DeckView::setTrack(const TrackInfo &track)
     m_envelope = {};
     m_title->setText(comparisontext::title(track));
     m_formatText = comparisontext::format(track);
-    setProblem({});
+    refreshFormat();
     m_scrubber->clear();
     if (m_hasFile)
         m_scrubber->setAnalysing();
@@ -59,9 +57,8 @@ void DeckView::setPreviewUnavailable()
 
 void DeckView::setProblem(const QString &message)
 {
-    const bool isProblem = !message.isEmpty();
-    m_format->setText(isProblem ? message : m_formatText);
-    m_format->setTone(isProblem ? vfd::ElidingLabel::Tone::Warning : vfd::ElidingLabel::Tone::Soft);
+    m_problem = message;
+    refreshFormat();
 }
 
 void DeckView::setDurationMs(qint64 durationMs)
@@ -76,16 +73,16 @@ void DeckView::setPositionMs(qint64 positionMs)
     m_scrubber->setPositionMs(positionMs);
 }
 
-void DeckView::setHeard(bool heard)
+void DeckView::setMonitored(bool monitored)
 {
-    m_isHeard = heard;
+    m_isMonitored = monitored;
     refreshDimming();
 }
 
 void DeckView::showLevelsAt(qint64 positionMs)
 {
-    const StereoLevels levels = levelsAt(m_envelope, positionMs);
-    m_levels->setLevels(levels.left, levels.right);
+    const qint64 bucket = positionMs / Envelope::bucketMs;
+    m_levels->setLevels(m_envelope.left.value(bucket), m_envelope.right.value(bucket)); // 0 beyond the envelope
 }
 
 void DeckView::resetLevels()
@@ -144,10 +141,16 @@ void DeckView::layOutWidgets()
     layout->addLayout(time);
 }
 
-// An empty deck has nothing to listen to, even if it is the one that would be heard.
+void DeckView::refreshFormat()
+{
+    m_format->setText(m_problem.isEmpty() ? m_formatText : m_problem);
+    m_format->setTone(m_problem.isEmpty() ? vfd::ElidingLabel::Tone::Soft : vfd::ElidingLabel::Tone::Warning);
+}
+
+// An empty deck has nothing to listen to, even if it is the monitored one.
 void DeckView::refreshDimming()
 {
-    setDimmed(!m_isHeard || !m_hasFile);
+    setDimmed(!m_isMonitored || !m_hasFile);
     m_position->setDim(isDimmed());
 }
 

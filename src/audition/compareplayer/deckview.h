@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
 #include "envelope.h"
 #include "panel.h"
 #include "trackinfo.h"
@@ -16,20 +17,20 @@ class SevenSegment;
 } // namespace vfd
 
 /// The face of one deck: what is loaded, its waveform with the play position, the time and the levels. It shows what it
-/// is told and knows nothing of the player behind it. A click on it asks to be heard.
+/// is told and knows nothing of the player behind it. A click on it asks to be monitored.
 class DeckView final : public vfd::Panel {
     Q_OBJECT
 
 public:
-    DeckView(int deck, QWidget *parent);
+    DeckView(Deck deck, QWidget *parent);
 
     void setTrack(const TrackInfo &track); ///< the empty record = no file
     void setEnvelope(const Envelope &envelope);
     void setPreviewUnavailable();
-    void setProblem(const QString &message); ///< in place of the format, which an empty one brings back
+    void setProblem(const QString &message); ///< shown in place of the format until an empty one comes
     void setDurationMs(qint64 durationMs);
     void setPositionMs(qint64 positionMs);
-    void setHeard(bool heard);
+    void setMonitored(bool monitored);
     void showLevelsAt(qint64 positionMs);
     void resetLevels();
 
@@ -39,12 +40,14 @@ Q_SIGNALS:
 private:
     void createWidgets();
     void layOutWidgets();
+    void refreshFormat();
     void refreshDimming();
 
     QString m_name;
     bool m_hasFile = false;
-    bool m_isHeard = false;
+    bool m_isMonitored = false;
     QString m_formatText;
+    QString m_problem;
     Envelope m_envelope;
     vfd::ElidingLabel *m_heading = nullptr;
     vfd::ElidingLabel *m_title = nullptr;

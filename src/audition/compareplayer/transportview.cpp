@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "transportview.h"
 
-#include "badge.h"
 #include "comparisontext.h"
-#include "elidinglabel.h"
+#include "labels.h"
 #include "lamp.h"
 
 #include <QGridLayout>
@@ -19,7 +18,7 @@ TransportView::TransportView(QWidget *parent)
     createLamps();
     layOutWidgets();
     setPlaying(false);
-    setMonitor(0);
+    setMonitor(Deck::A);
 }
 
 void TransportView::setPlaying(bool playing)
@@ -33,10 +32,10 @@ void TransportView::setLinked(bool linked)
     m_link->setLit(linked);
 }
 
-void TransportView::setMonitor(int deck)
+void TransportView::setMonitor(Deck deck)
 {
-    m_monitorA->setLit(deck == 0);
-    m_monitorB->setLit(deck == 1);
+    for (const Deck each : bothDecks)
+        m_monitorLamps[each]->setLit(each == deck);
 }
 
 void TransportView::setDeltas(const QString &duration, const QString &bitrate)
@@ -60,14 +59,14 @@ void TransportView::createLamps()
     m_link->setToolTip(tr("Keep both decks at the same position so the A/B switch\ncompares the same moment of the "
                           "recording."));
     connect(m_link, &vfd::Lamp::clicked, this, [this] { Q_EMIT linkRequested(!m_link->isLit()); });
-    for (const int deck : { 0, 1 }) {
+    for (const Deck deck : bothDecks) {
         const QString name = comparisontext::deckName(deck);
         auto *lamp = new vfd::Lamp(name, this);
         lamp->setObjectName(u"monitorLamp"_s + name);
         lamp->setToolTip(tr("Listen to deck %1 (shortcut: click, or press A / B)").arg(name));
         lamp->setAccessibleName(tr("Listen to deck %1").arg(name));
         connect(lamp, &vfd::Lamp::clicked, this, [this, deck] { Q_EMIT monitorRequested(deck); });
-        (deck == 0 ? m_monitorA : m_monitorB) = lamp;
+        m_monitorLamps[deck] = lamp;
     }
     m_durationDelta = new vfd::Badge(this);
     m_durationDelta->setObjectName(u"durationDelta"_s);
@@ -92,8 +91,8 @@ void TransportView::layOutWidgets()
     layout->addWidget(m_stop, 0, 2, 1, 2);
     layout->addWidget(m_link, 0, 4, 1, 2);
     layout->addWidget(caption, 1, 0, 1, columns);
-    layout->addWidget(m_monitorA, 2, 0, 1, 3);
-    layout->addWidget(m_monitorB, 2, 3, 1, 3);
+    layout->addWidget(m_monitorLamps.a, 2, 0, 1, 3);
+    layout->addWidget(m_monitorLamps.b, 2, 3, 1, 3);
     layout->addWidget(m_durationDelta, 3, 0, 1, 3);
     layout->addWidget(m_bitrateDelta, 3, 3, 1, 3);
     for (int column = 0; column < columns; ++column)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
 #include "panel.h"
 
 namespace epr {
@@ -11,7 +12,7 @@ class Badge;
 class Lamp;
 } // namespace vfd
 
-/// The buttons between the decks, with the lamps that tell which deck is heard, and how deck B differs from deck A.
+/// The buttons between the decks, with the lamps that tell which deck is monitored, and how deck B differs from deck A.
 class TransportView final : public vfd::Panel {
     Q_OBJECT
 
@@ -20,14 +21,14 @@ public:
 
     void setPlaying(bool playing);
     void setLinked(bool linked);
-    void setMonitor(int deck);
+    void setMonitor(Deck deck);
     void setDeltas(const QString &duration, const QString &bitrate);
 
 Q_SIGNALS:
     void playPauseRequested();
     void stopRequested();
     void linkRequested(bool linked);
-    void monitorRequested(int deck);
+    void monitorRequested(epr::Deck deck);
 
 private:
     void createLamps();
@@ -36,8 +37,7 @@ private:
     vfd::Lamp *m_play = nullptr;
     vfd::Lamp *m_stop = nullptr;
     vfd::Lamp *m_link = nullptr;
-    vfd::Lamp *m_monitorA = nullptr;
-    vfd::Lamp *m_monitorB = nullptr;
+    PerDeck<vfd::Lamp *> m_monitorLamps;
     vfd::Badge *m_durationDelta = nullptr;
     vfd::Badge *m_bitrateDelta = nullptr;
 };

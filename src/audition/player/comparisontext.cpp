@@ -9,9 +9,9 @@
 
 #include <cstdlib>
 
-using namespace Qt::StringLiterals;
-
 namespace epr::comparisontext {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -25,9 +25,9 @@ QChar signOf(qint64 difference)
 
 } // namespace
 
-QString deckName(int deck)
+QString deckName(Deck deck)
 {
-    return deck == 0 ? u"A"_s : u"B"_s;
+    return deck == Deck::A ? u"A"_s : u"B"_s;
 }
 
 QString title(const TrackInfo &track)
@@ -69,6 +69,16 @@ QString bitrateDelta(const TrackInfo &a, const TrackInfo &b)
     return QCoreApplication::translate("epr::ComparePlayer", "%1%2 k")
         .arg(signOf(difference))
         .arg(std::abs(difference));
+}
+
+QString deckProblem(Deck deck, const QString &problem)
+{
+    return QCoreApplication::translate("epr::DeckPair", "Deck %1: %2").arg(deckName(deck), problem);
+}
+
+QString previewProblem(const QString &problem)
+{
+    return QCoreApplication::translate("epr::DeckPair", "Preview: %1").arg(problem);
 }
 
 } // namespace epr::comparisontext

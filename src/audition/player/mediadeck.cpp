@@ -14,7 +14,7 @@
 namespace epr {
 
 MediaDeck::MediaDeck(QObject *parent)
-    : QObject(parent)
+    : DeckPlayback(parent)
 {
     connect(&m_devices, &QMediaDevices::audioOutputsChanged, this, &MediaDeck::followDevices);
     connect(&m_player, &QMediaPlayer::positionChanged, this, [this] { Q_EMIT positionChanged(position()); });
@@ -23,7 +23,7 @@ MediaDeck::MediaDeck(QObject *parent)
     connect(&m_player, &QMediaPlayer::mediaStatusChanged, this, &MediaDeck::onMediaStatus);
     connect(&m_player, &QMediaPlayer::seekableChanged, this, &MediaDeck::moveWhenPossible);
     connect(&m_player, &QMediaPlayer::errorOccurred, this,
-            [this](QMediaPlayer::Error, const QString &message) { onError(message); });
+            [this](QMediaPlayer::Error, const QString &message) { fail(message); });
     followDevices();
 }
 
@@ -41,20 +41,28 @@ qint64 MediaDeck::duration() const
 
 qint64 MediaDeck::position() const
 {
-    if (m_ended)
+    if (hasEnded())
         return duration();
-    const bool waits = m_wantedPosition >= 0 && m_player.playbackState() != QMediaPlayer::PlayingState;
-    return waits ? m_wantedPosition : m_player.position();
+    return m_player.playbackState() == QMediaPlayer::PlayingState ? m_player.position()
+                                                                  : m_state.targetMs.value_or(m_player.position());
 }
 
 bool MediaDeck::isPlaying() const
 {
-    return m_wantsPlay || (!m_failed && m_player.playbackState() == QMediaPlayer::PlayingState);
+    return m_state.isToPlay
+        || (m_state.phase == Phase::Loaded && m_player.playbackState() == QMediaPlayer::PlayingState);
 }
 
 bool MediaDeck::isUsable() const
 {
-    return m_loading || (!m_failed && m_player.mediaStatus() != QMediaPlayer::NoMedia);
+    return m_state.phase != Phase::Empty && m_state.phase != Phase::Failed;
+}
+
+// The one place where the phase changes: what the new state does not say of the one before is over.
+void MediaDeck::enter(const State &state)
+{
+    m_state = state;
+    announcePlaying();
 }
 
 // Some back-ends say the same several times over, the end of a file above all.
@@ -67,8 +75,7 @@ void MediaDeck::announcePlaying()
 // The player would take the same file again for no change, also when the file has become another one meanwhile.
 void MediaDeck::setSource(const QString &path)
 {
-    m_loading = m_wantsPlay = m_failed = m_ended = false;
-    m_wantedPosition = -1;
+    enter({ Phase::Empty });
     m_player.stop();
     m_player.setSource({});
     m_file.close();
@@ -79,15 +86,15 @@ void MediaDeck::setSource(const QString &path)
 
 void MediaDeck::openSource(const QString &path)
 {
-    m_loading = true;
+    enter({ Phase::Loading });
     m_file.setFileName(path);
     if (!m_player.isAvailable())
-        return onError(tr("No media player is available."));
+        return fail(tr("No media player is available."));
     // Not every back-end reports a file that is not there.
     if (!m_file.open(QIODevice::ReadOnly))
-        return onError(m_file.errorString());
+        return fail(m_file.errorString());
     if (mediaBackendGarbles(path))
-        return onError(tr("MPEG layer II cannot be played here."));
+        return fail(tr("MPEG layer II cannot be played here."));
     if (mediaBackendMisreadsName(path))
         return m_player.setSourceDevice(&m_file, QUrl::fromLocalFile(path));
     m_file.close();
@@ -101,20 +108,18 @@ void MediaDeck::play()
     followDevices();
     if (!m_output)
         return reportNoOutput();
-    if (m_ended)
+    if (hasEnded())
         setPosition(0);
-    if (!m_loading)
-        return m_player.play();
-    m_wantsPlay = true;
-    announcePlaying();
+    if (m_state.phase == Phase::Loading)
+        enter({ Phase::Loading, m_state.targetMs, true });
+    else
+        m_player.play();
 }
 
 void MediaDeck::pause()
 {
-    if (m_wantsPlay) {
-        m_wantsPlay = false;
-        announcePlaying();
-    }
+    if (m_state.phase == Phase::Loading)
+        enter({ Phase::Loading, m_state.targetMs });
     // A player that has not begun would begin to pause.
     if (m_player.playbackState() == QMediaPlayer::PlayingState)
         m_player.pause();
@@ -122,21 +127,18 @@ void MediaDeck::pause()
 
 void MediaDeck::stop()
 {
-    m_wantsPlay = m_ended = false;
-    m_wantedPosition = -1;
+    enter({ hasEnded() ? Phase::Loaded : m_state.phase });
     m_player.stop();
     if (m_player.isSeekable())
         m_player.setPosition(0); // also when it stood still elsewhere
     Q_EMIT positionChanged(position());
-    announcePlaying();
 }
 
 void MediaDeck::setPosition(qint64 positionMs)
 {
     if (!isUsable())
         return;
-    m_ended = false;
-    m_wantedPosition = std::max<qint64>(positionMs, 0);
+    enter({ hasEnded() ? Phase::Loaded : m_state.phase, std::max<qint64>(positionMs, 0), m_state.isToPlay });
     moveWhenPossible();
     Q_EMIT positionChanged(position());
 }
@@ -144,66 +146,62 @@ void MediaDeck::setPosition(qint64 positionMs)
 // A move before the file is loaded is lost on back-ends that load in the background.
 void MediaDeck::moveWhenPossible()
 {
-    if (m_wantedPosition < 0 || m_loading || !m_player.isSeekable())
+    if (!m_state.targetMs || m_state.phase == Phase::Loading || !m_player.isSeekable())
         return;
-    const qint64 wanted = std::exchange(m_wantedPosition, -1);
-    if (duration() > 0 && wanted >= duration())
-        setEnded();
+    const qint64 targetMs = *std::exchange(m_state.targetMs, std::nullopt);
+    if (duration() > 0 && targetMs >= duration())
+        end();
     else
-        m_player.setPosition(wanted);
+        m_player.setPosition(targetMs);
 }
 
 // Some back-ends say that a file is loaded before they have finished taking it, so the deck goes on a little later.
 void MediaDeck::onMediaStatus(QMediaPlayer::MediaStatus status)
 {
     if (status == QMediaPlayer::EndOfMedia)
-        setEnded();
-    else if (m_loading && status == QMediaPlayer::LoadedMedia)
+        end();
+    else if (m_state.phase == Phase::Loading && status == QMediaPlayer::LoadedMedia)
         QMetaObject::invokeMethod(this, &MediaDeck::finishLoading, Qt::QueuedConnection);
 }
 
 // A paused player has its first sound decoded, so that two decks begin together.
 void MediaDeck::finishLoading()
 {
-    if (!m_loading || m_player.mediaStatus() != QMediaPlayer::LoadedMedia)
+    if (m_state.phase != Phase::Loading || m_player.mediaStatus() != QMediaPlayer::LoadedMedia)
         return;
-    m_loading = false;
+    enter({ Phase::Loaded, m_state.targetMs, m_state.isToPlay });
     moveWhenPossible();
-    if (std::exchange(m_wantsPlay, false) && m_output && !m_ended)
-        m_player.play();
-    else if (m_output && !m_ended)
-        m_player.pause();
-    announcePlaying();
+    if (m_state.phase == Phase::Loaded && m_output)
+        m_state.isToPlay ? m_player.play() : m_player.pause();
+    if (m_state.phase == Phase::Loaded) // from here on the player tells whether it plays
+        enter({ Phase::Loaded, m_state.targetMs });
 }
 
 // The player may report an error and then play the file, in silence.
-void MediaDeck::onError(const QString &message)
+void MediaDeck::fail(const QString &message)
 {
-    m_loading = m_wantsPlay = false;
-    m_failed = true;
+    enter({ Phase::Failed, m_state.targetMs });
     QMetaObject::invokeMethod(
         this,
         [this] {
-            if (m_failed)
+            if (hasFailed())
                 m_player.stop();
         },
         Qt::QueuedConnection);
     Q_EMIT problem(message);
-    announcePlaying();
 }
 
-void MediaDeck::setEnded()
+void MediaDeck::end()
 {
-    // Some back-ends load a file in which nothing can be decoded, and reach its end at once.
-    if (duration() == 0 && isUsable())
-        onError(tr("This file has no audio that can be played."));
-    if (m_failed || std::exchange(m_ended, true))
+    if (!isUsable() || hasEnded())
         return;
-    m_wantsPlay = false;
+    // Some back-ends load a file in which nothing can be decoded, and reach its end at once.
+    if (duration() == 0)
+        return fail(tr("This file has no audio that can be played."));
+    enter({ Phase::Ended });
     if (m_player.playbackState() != QMediaPlayer::StoppedState)
         m_player.stop();
     Q_EMIT positionChanged(position());
-    announcePlaying();
 }
 
 void MediaDeck::setVolume(float volume)

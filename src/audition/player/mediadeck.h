@@ -9,27 +9,26 @@
 #include <QMediaPlayer>
 
 #include <memory>
+#include <optional>
 
 class QAudioOutput;
 
 namespace epr {
 
-/// Plays one file through the toolkit's media player, to the system's default audio output as that comes, goes and
-/// changes. Without an output the file can still be loaded and moved in.
-class MediaDeck final : public QObject, public DeckPlayback {
+/// Plays one file through Qt's media player, to the system's default audio output as that comes, goes and changes.
+/// Without an output the file can still be loaded and moved in.
+class MediaDeck final : public DeckPlayback {
     Q_OBJECT
 
 public:
     explicit MediaDeck(QObject *parent = nullptr);
     ~MediaDeck() override;
 
-    /// 0 = unknown.
-    [[nodiscard]] qint64 duration() const;
-    [[nodiscard]] qint64 position() const override;
-    [[nodiscard]] bool isPlaying() const override;
-    [[nodiscard]] bool hasEnded() const override { return m_ended; }
-    /// The file cannot be played; said once by problem().
-    [[nodiscard]] bool hasFailed() const { return m_failed; }
+    qint64 position() const override;
+    qint64 duration() const override;
+    bool isPlaying() const override;
+    bool hasEnded() const override { return m_state.phase == Phase::Ended; }
+    bool hasFailed() const override { return m_state.phase == Phase::Failed; }
 
     void setSource(const QString &path) override;
     void play() override;
@@ -38,22 +37,25 @@ public:
     void setPosition(qint64 positionMs) override;
     void setVolume(float volume) override;
 
-Q_SIGNALS:
-    void positionChanged(qint64 positionMs);
-    void durationChanged(qint64 durationMs);
-    void playingChanged();
-    /// Why the deck stays silent, for the operator.
-    void problem(const QString &message);
-
 private:
-    [[nodiscard]] bool isUsable() const;
+    enum class Phase { Empty, Loading, Loaded, Ended, Failed };
+
+    /// What the deck is in, beyond what the player itself can tell.
+    struct State {
+        Phase phase = Phase::Empty;
+        std::optional<qint64> targetMs {}; ///< to move to once the file can be moved in
+        bool isToPlay = false; ///< once the file is loaded
+    };
+
+    void enter(const State &state);
     void announcePlaying();
+    bool isUsable() const;
     void openSource(const QString &path);
     void moveWhenPossible();
     void onMediaStatus(QMediaPlayer::MediaStatus status);
     void finishLoading();
-    void onError(const QString &message);
-    void setEnded();
+    void fail(const QString &message);
+    void end();
     void followDevices();
     void replaceOutput(std::unique_ptr<QAudioOutput> output);
     void reportNoOutput();
@@ -63,11 +65,7 @@ private:
     std::unique_ptr<QAudioOutput> m_output; ///< null = the system has none
     QMediaPlayer m_player; // after the file and the output, which it uses
     float m_volume = 1.0F;
-    qint64 m_wantedPosition = -1; ///< to move to once the file can be moved in, -1 = none
-    bool m_loading = false;
-    bool m_wantsPlay = false; ///< to begin once the file is loaded
-    bool m_failed = false;
-    bool m_ended = false;
+    State m_state;
     bool m_announcedPlaying = false;
 };
 

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "accessibility.h"
 
-#include "badge.h"
-#include "elidinglabel.h"
+#include "labels.h"
 #include "scrubber.h"
 #include "sevensegment.h"
 

@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace epr::vfd {
 
 namespace {
@@ -35,7 +37,7 @@ QSize Lamp::sizeHint() const
     constexpr int marginX = 12;
     constexpr int marginY = 4;
     const int width = fontMetrics().horizontalAdvance(caption()) + 2 * marginX;
-    return { qMax(width, leastWidth), lightTop + lightHeight + fontMetrics().height() + 2 * marginY };
+    return { std::max(width, leastWidth), lightTop + lightHeight + fontMetrics().height() + 2 * marginY };
 }
 
 QSize Lamp::minimumSizeHint() const
@@ -98,7 +100,7 @@ void Lamp::paintLight(QPainter &painter) const
 {
     constexpr int lighter = 130;
     constexpr int darker = 260;
-    const QRectF box(lightInset, lightTop, qMax(width() - 2 * lightInset, 1), lightHeight);
+    const QRectF box(lightInset, lightTop, std::max(width() - 2 * lightInset, 1), lightHeight);
     const bool isOn = isLit() && isEnabled();
     QLinearGradient light(box.topLeft(), box.bottomLeft());
     light.setColorAt(0, isOn ? m_colour.lighter(lighter) : m_colour.darker(darker).darker(darker));

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "vfdcolours.h"
+#include "vfdpaint.h"
 
 #include <QPushButton>
 
@@ -16,11 +16,11 @@ class Lamp final : public QPushButton {
 public:
     explicit Lamp(const QString &caption, QWidget *parent = nullptr);
 
-    [[nodiscard]] QString caption() const { return text(); }
-    [[nodiscard]] bool isLit() const { return isChecked(); }
-    [[nodiscard]] bool isToggling() const { return m_isToggling; }
-    [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override;
+    QString caption() const { return text(); }
+    bool isLit() const { return isChecked(); }
+    bool isToggling() const { return m_isToggling; }
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
     void setCaption(const QString &caption);
     void setLit(bool isLit) { setChecked(isLit); }

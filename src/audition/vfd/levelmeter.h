@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cachedpixmap.h"
+#include "vfdpaint.h"
 
 #include <QWidget>
 
@@ -18,8 +18,8 @@ class LevelMeter final : public QWidget {
 public:
     explicit LevelMeter(QWidget *parent = nullptr);
 
-    [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
     void setLevels(float left, float right); ///< each a part of the full bar, from 0 to 1
     void reset(); ///< dark at once
@@ -39,7 +39,7 @@ private:
         void follow(float newLevel);
     };
 
-    [[nodiscard]] QRectF segmentBox(int bar, int segment) const;
+    QRectF segmentBox(int bar, int segment) const;
     void drawSegments(QPainter &painter, bool isLit) const;
     void paintBar(QPainter &painter, int bar, const QPixmap &lit) const;
 

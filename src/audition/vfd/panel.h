@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cachedpixmap.h"
+#include "vfdpaint.h"
 
 #include <QFrame>
 
@@ -16,7 +16,7 @@ class Panel : public QFrame {
 public:
     explicit Panel(QWidget *parent = nullptr);
 
-    [[nodiscard]] bool isDimmed() const { return m_isDimmed; }
+    bool isDimmed() const { return m_isDimmed; }
 
     void setDimmed(bool isDimmed);
 

@@ -4,16 +4,65 @@
 
 #include "accessibility.h"
 #include "displaytext.h"
-#include "scrubberkeys.h"
 #include "vfdpaint.h"
+#include "waveformpaint.h"
 
 #include <QHoverEvent>
 #include <QKeyEvent>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace epr::vfd {
+
+namespace {
+
+constexpr qreal waveMargin = 6;
+
+// The vertical lines of the glass and a base line for the wave to stand on.
+void paintGrid(QPainter &painter, const QSizeF &size)
+{
+    constexpr int parts = 8;
+    for (int i = 1; i < parts; ++i)
+        painter.fillRect(QRectF(std::round(size.width() * i / parts), 1, 1, size.height() - 2),
+                         withAlpha(colour::unlit, 110));
+    painter.fillRect(QRectF(1, std::floor(size.height() / 2), size.width() - 2, 1), colour::unlit);
+}
+
+// Where a key on the scrubber leads, within the duration: the arrows by 5 s (with Shift 1 s), the page keys by 30 s,
+// Home and End to the edges. Nothing for all other keys.
+std::optional<qint64> seekTarget(const QKeyEvent &key, qint64 positionMs, qint64 durationMs)
+{
+    constexpr qint64 fineStepMs = 1'000;
+    constexpr qint64 stepMs = 5'000;
+    constexpr qint64 pageMs = 30'000;
+    const bool isFine = key.modifiers().testFlag(Qt::ShiftModifier);
+    const qint64 arrowMs = isFine ? fineStepMs : stepMs;
+    const qint64 from = std::clamp<qint64>(positionMs, 0, durationMs);
+    const auto moved = [&](qint64 byMs) { return std::clamp<qint64>(from + byMs, 0, durationMs); };
+    if (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return std::nullopt; // the shortcuts of the window
+    switch (key.key()) {
+    case Qt::Key_Left:
+        return moved(-arrowMs);
+    case Qt::Key_Right:
+        return moved(arrowMs);
+    case Qt::Key_PageDown:
+        return moved(-pageMs);
+    case Qt::Key_PageUp:
+        return moved(pageMs);
+    case Qt::Key_Home:
+        return 0;
+    case Qt::Key_End:
+        return durationMs;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
 
 Scrubber::Scrubber(QWidget *parent)
     : QWidget(parent)
@@ -208,6 +257,81 @@ QString Scrubber::caption() const
         break;
     }
     return {};
+}
+
+void Scrubber::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const auto drawGlass = [this](QPainter &picture) {
+        paintGlass(picture, rect());
+        paintGrid(picture, size());
+    };
+    painter.drawPixmap(0, 0, m_glass.pictureFor(*this, drawGlass));
+    if (m_state == State::Ready)
+        paintWaves(painter);
+    else
+        paintCaption(painter);
+    if (isSeekable()) {
+        paintCursor(painter);
+        paintHover(painter);
+    }
+    if (hasFocus())
+        paintFocusRing(painter, rect());
+}
+
+void Scrubber::paintWaves(QPainter &painter)
+{
+    const auto drawn = [this](CachedPixmap &cache, const QColor &colour) {
+        return cache.pictureFor(*this,
+                                [&](QPainter &p) { paintWaveform(p, m_envelope, m_durationMs, colour, waveMargin); });
+    };
+    const qreal x = cursorX();
+    painter.setClipRect(QRectF(0, 0, x, height()));
+    painter.drawPixmap(0, 0, drawn(m_played, colour::lit));
+    painter.setClipRect(QRectF(x, 0, width() - x, height()));
+    painter.drawPixmap(0, 0, drawn(m_unplayed, colour::waveUnplayed));
+    painter.setClipping(false);
+}
+
+void Scrubber::paintCaption(QPainter &painter) const
+{
+    const bool isBusy = m_state == State::Analysing;
+    const QRectF box = QRectF(0, 0, width(), height());
+    const QRectF words = painter.boundingRect(box, Qt::AlignCenter, caption()).adjusted(-8, -2, 8, 2);
+    painter.fillRect(words, colour::glassBottom); // the base line makes way
+    paintGlowingText(painter, box, Qt::AlignCenter, caption(), isBusy ? colour::lit : colour::litSoft);
+}
+
+void Scrubber::paintCursor(QPainter &painter) const
+{
+    constexpr qreal reach = 7;
+    const qreal x = cursorX();
+    QLinearGradient halo(x - reach, 0, x + reach, 0);
+    halo.setColorAt(0, withAlpha(colour::lit, 0));
+    halo.setColorAt(0.5, withAlpha(colour::lit, 90));
+    halo.setColorAt(1, withAlpha(colour::lit, 0));
+    painter.fillRect(QRectF(x - reach, 1, 2 * reach, height() - 2), halo);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(QRectF(x, 1, 1, height() - 2), colour::cursor);
+}
+
+void Scrubber::paintHover(QPainter &painter) const
+{
+    if (m_hoverX < 0)
+        return;
+    const QString time = positionText(positionAt(m_hoverX));
+    const qreal boxWidth = fontMetrics().horizontalAdvance(time) + 12;
+    const qreal boxHeight = fontMetrics().height() + 4;
+    constexpr qreal margin = 3;
+    const qreal left = std::clamp(m_hoverX - boxWidth / 2, margin, std::max(margin, width() - boxWidth - margin));
+    painter.fillRect(QRectF(m_hoverX, 1, 1, height() - 2), withAlpha(colour::focus, 150));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colour::focus, 1));
+    painter.setBrush(withAlpha(colour::glassTop, 235));
+    const QRectF box(left, margin, boxWidth, boxHeight);
+    painter.drawRoundedRect(box, margin, margin);
+    painter.setPen(colour::focus);
+    painter.drawText(box, Qt::AlignCenter, time);
 }
 
 } // namespace epr::vfd

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cachedpixmap.h"
 #include "envelope.h"
+#include "vfdpaint.h"
 
 #include <QWidget>
 
@@ -20,13 +20,13 @@ public:
 
     explicit Scrubber(QWidget *parent = nullptr);
 
-    [[nodiscard]] State state() const { return m_state; }
-    [[nodiscard]] qint64 durationMs() const { return m_durationMs; }
-    [[nodiscard]] qint64 positionMs() const { return m_positionMs; }
-    [[nodiscard]] qint64 positionAt(qreal x) const; ///< the left edge is 0, the last pixel the duration
-    [[nodiscard]] QString valueText() const; ///< "0:01:23 of 0:04:05", or what is shown instead of a waveform
-    [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override;
+    State state() const { return m_state; }
+    qint64 durationMs() const { return m_durationMs; }
+    qint64 positionMs() const { return m_positionMs; }
+    qint64 positionAt(qreal x) const; ///< the left edge is 0, the last pixel the duration
+    QString valueText() const; ///< "0:01:23 of 0:04:05", or what is shown instead of a waveform
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
     void clear(); ///< no file: forgets waveform, duration and position
     void setAnalysing();
@@ -52,9 +52,9 @@ private:
     void redrawWaves();
     void moveCursor(qint64 positionMs);
     void setHoverX(qreal x);
-    [[nodiscard]] bool isSeekable() const { return m_durationMs > 0; }
-    [[nodiscard]] qreal cursorX() const;
-    [[nodiscard]] QString caption() const;
+    bool isSeekable() const { return m_durationMs > 0; }
+    qreal cursorX() const;
+    QString caption() const;
 
     void paintWaves(QPainter &painter);
     void paintCaption(QPainter &painter) const;

@@ -2,12 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "vfdpaint.h"
 
-#include "vfdcolours.h"
-
 #include <QFontDatabase>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
+#include <QWidget>
 
 #include <algorithm>
 #include <cmath>
@@ -17,6 +16,12 @@ namespace epr::vfd {
 namespace {
 
 constexpr qreal cornerRadius = 3;
+
+QSize deviceSizeOf(const QWidget &widget)
+{
+    const QSizeF size = QSizeF(widget.size()) * widget.devicePixelRatioF();
+    return QSize(static_cast<int>(std::ceil(size.width())), static_cast<int>(std::ceil(size.height())));
+}
 
 } // namespace
 
@@ -91,6 +96,27 @@ void paintFocusRing(QPainter &painter, const QRectF &box)
     painter.setPen(QPen(colour::focus, width));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(box.adjusted(inset, inset, -inset, -inset), cornerRadius, cornerRadius);
+}
+
+void CachedPixmap::invalidate()
+{
+    m_pixmap = QPixmap();
+}
+
+const QPixmap &CachedPixmap::pictureFor(const QWidget &widget, const Draw &draw)
+{
+    const QSize size = deviceSizeOf(widget);
+    const qreal ratio = widget.devicePixelRatioF();
+    if (m_pixmap.size() == size && qFuzzyCompare(m_pixmap.devicePixelRatio(), ratio))
+        return m_pixmap;
+    m_pixmap = QPixmap(size);
+    if (m_pixmap.isNull())
+        return m_pixmap;
+    m_pixmap.setDevicePixelRatio(ratio);
+    m_pixmap.fill(Qt::transparent);
+    QPainter painter(&m_pixmap);
+    draw(painter);
+    return m_pixmap;
 }
 
 } // namespace epr::vfd

@@ -4,20 +4,52 @@
 
 #include <QColor>
 #include <QFont>
+#include <QPixmap>
+
+#include <functional>
 
 class QPainter;
 class QPainterPath;
 class QRectF;
+class QWidget;
 
 namespace epr::vfd {
 
-/// The lettering of the panel: the system's fixed font, bold, slightly spaced out.
-[[nodiscard]] QFont letteringFont(int pointSize);
+/// Every colour of the front panel: the blue-green of a vacuum-fluorescent tube on smoked glass, with the warm colours
+/// kept for what wants attention.
+namespace colour {
 
-[[nodiscard]] QColor withAlpha(QColor colour, int alpha);
+inline constexpr QColor lit(96, 255, 224);
+inline constexpr QColor litSoft(120, 204, 187); ///< captions and texts of second rank; legible on a dimmed deck too
+inline constexpr QColor unlit(17, 51, 46);
+
+inline constexpr QColor panelTop(27, 35, 36);
+inline constexpr QColor panelBottom(13, 18, 19);
+inline constexpr QColor panelEdge(58, 72, 72);
+inline constexpr QColor glassTop(3, 9, 9);
+inline constexpr QColor glassBottom(6, 17, 16);
+inline constexpr QColor glassEdge(30, 46, 45);
+
+inline constexpr QColor buttonTop(42, 51, 52);
+inline constexpr QColor buttonBottom(24, 30, 31);
+
+inline constexpr QColor waveUnplayed(42, 122, 108);
+inline constexpr QColor cursor(236, 255, 250);
+inline constexpr QColor focus(255, 196, 92);
+
+inline constexpr QColor meterLow(72, 240, 160);
+inline constexpr QColor meterMiddle(255, 190, 64);
+inline constexpr QColor meterHigh(255, 78, 60);
+
+} // namespace colour
+
+/// The lettering of the panel: the system's fixed font, bold, slightly spaced out.
+QFont letteringFont(int pointSize);
+
+QColor withAlpha(QColor colour, int alpha);
 
 /// Between 0 and 1 whatever comes in; no number is 0.
-[[nodiscard]] float boundedLevel(float level);
+float boundedLevel(float level);
 
 /// The halo around something that shines, without the thing itself: it reaches as far as the radius.
 void paintGlow(QPainter &painter, const QPainterPath &shape, const QColor &colour, qreal radius);
@@ -31,5 +63,20 @@ void paintGlass(QPainter &painter, const QRectF &box);
 
 /// The ring that says where the keyboard is, just inside the box.
 void paintFocusRing(QPainter &painter, const QRectF &box);
+
+/// A picture as large as a widget, in device pixels, kept until the widget's size or device pixel ratio changes or the
+/// owner throws it away.
+class CachedPixmap final {
+public:
+    using Draw = std::function<void(QPainter &painter)>;
+
+    void invalidate();
+
+    /// Draws if need be, on a transparent ground and in the widget's coordinates. A widget without area has no picture.
+    const QPixmap &pictureFor(const QWidget &widget, const Draw &draw);
+
+private:
+    QPixmap m_pixmap;
+};
 
 } // namespace epr::vfd

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveformpaint.h"
 
-#include "columnpeaks.h"
 #include "envelope.h"
 #include "vfdpaint.h"
 
@@ -28,6 +27,21 @@ QLinearGradient shading(const QColor &colour, int height)
 }
 
 } // namespace
+
+QList<float> columnPeaks(const QList<float> &buckets, int columns, qsizetype leastBuckets)
+{
+    QList<float> peaks(std::max(columns, 0), 0.0F);
+    const qsizetype all = std::max(buckets.size(), leastBuckets);
+    for (qsizetype column = 0; column < peaks.size(); ++column) {
+        const qsizetype first = column * all / peaks.size();
+        const qsizetype end = std::max(first + 1, (column + 1) * all / peaks.size());
+        float highest = 0;
+        for (qsizetype i = first; i < std::min(end, buckets.size()); ++i)
+            highest = std::max(highest, boundedLevel(buckets.at(i)));
+        peaks[column] = highest;
+    }
+    return peaks;
+}
 
 void paintWaveform(QPainter &painter, const Envelope &envelope, qint64 durationMs, const QColor &colour, qreal margin)
 {

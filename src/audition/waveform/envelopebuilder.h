@@ -15,13 +15,13 @@ public:
     static constexpr qsizetype maxBuckets = 60000; ///< 40 minutes
 
     /// Whether the limit is reached; what is added after that is not looked at.
-    [[nodiscard]] bool isFull() const { return m_envelope.peak.size() >= maxBuckets; }
+    bool isFull() const { return m_envelope.peak.size() >= maxBuckets; }
 
     void add(const QAudioBuffer &buffer);
 
     /// The envelope with its last, perhaps only partly filled bucket. A quiet one is raised to nearly full height, a
     /// loud one is never lowered. The duration is left to the caller. The builder is as new afterwards.
-    [[nodiscard]] Envelope take();
+    Envelope take();
 
 private:
     template <typename Sample> void addSamples(const QAudioBuffer &buffer);

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
 #include "envelope.h"
-#include "waveformrequest.h"
 
 #include <QObject>
 
+#include <atomic>
 #include <memory>
 
 class QThread;
@@ -21,6 +22,9 @@ class WaveformLoader final : public QObject {
     Q_OBJECT
 
 public:
+    /// How many requests each deck has seen, which makes the newest known. Written by the loader, read by its thread.
+    using Generations = PerDeck<std::atomic<quint64>>;
+
     /// The watchdog ends a decoding that takes longer; what was decoded by then counts.
     explicit WaveformLoader(QObject *parent = nullptr, int watchdogMs = 60000);
     ~WaveformLoader() override;
@@ -34,13 +38,9 @@ public:
 Q_SIGNALS:
     void loaded(int deck, const epr::Envelope &envelope);
     void failed(int deck, const QString &error);
-    void requested(const epr::WaveformRequest &request, QPrivateSignal);
 
 private:
-    void relayEnvelope(const WaveformRequest &request, const Envelope &envelope);
-    void relayFailure(const WaveformRequest &request, const QString &error);
-
-    std::shared_ptr<WaveformGenerations> m_generations = std::make_shared<WaveformGenerations>();
+    std::shared_ptr<Generations> m_generations = std::make_shared<Generations>();
     QThread *m_thread;
     WaveformWorker *m_worker; ///< deletes itself on its thread
 };

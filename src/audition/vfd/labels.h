@@ -17,10 +17,10 @@ public:
 
     explicit ElidingLabel(QWidget *parent = nullptr);
 
-    [[nodiscard]] QString text() const { return m_text; }
-    [[nodiscard]] bool isShortened() const;
-    [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override;
+    QString text() const { return m_text; }
+    bool isShortened() const;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
     void setText(const QString &text); ///< line breaks become spaces
     void setElideMode(Qt::TextElideMode mode);
@@ -32,12 +32,33 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    [[nodiscard]] QString shownText() const;
+    QString shownText() const;
 
     QString m_text;
     Qt::TextElideMode m_elideMode = Qt::ElideRight;
     Qt::Alignment m_alignment = Qt::AlignLeading | Qt::AlignVCenter;
     Tone m_tone = Tone::Bright;
+};
+
+/// A few letters in a fine frame: a format, a difference. Without text there is no frame.
+class Badge final : public QWidget {
+    Q_OBJECT
+    Q_PROPERTY(QString text READ text WRITE setText)
+
+public:
+    explicit Badge(QWidget *parent = nullptr);
+
+    QString text() const { return m_text; }
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+    void setText(const QString &text);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString m_text;
 };
 
 } // namespace epr::vfd
