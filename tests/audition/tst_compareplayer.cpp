@@ -48,11 +48,11 @@ private Q_SLOTS:
         QCOMPARE(filesAfterLoading(u"two.wav"_s), u"one.wav two.wav"_s);
         m_player->monitorDeckB(); // from now on deck A is the free one
         QCOMPARE(filesAfterLoading(u"two.wav"_s), u"two.wav two.wav"_s);
-        m_player->clear(Deck::B);
-        QCOMPARE(filesAfterLoading(u"one.wav"_s), u"two.wav one.wav"_s);
+        m_player->load(Deck::B, trackOf(u"one.wav"_s));
         QFile::remove(fileOf(u"one.wav"_s));
         m_player->clearVanished();
         QVERIFY(m_player->track(Deck::B).path.isEmpty() && !m_player->track(Deck::A).path.isEmpty());
+        QCOMPARE(m_player->monitor(), Deck::A); // what is left is heard
     }
 
     void facesShowWhatIsLoaded()
