@@ -5,7 +5,7 @@
 #include "panel.h"
 #include "scrubber.h"
 #include "sevensegment.h"
-#include "waveformpaint.h"
+#include "vfdpaint.h"
 
 #include <QAccessible>
 #include <QHelpEvent>

@@ -5,7 +5,6 @@
 #include "accessibility.h"
 #include "displaytext.h"
 #include "vfdpaint.h"
-#include "waveformpaint.h"
 
 #include <QHoverEvent>
 #include <QKeyEvent>
