@@ -8,10 +8,9 @@
 //   bench_cache [FILES [ROWS]]      100,000 files unless given; ROWS more than FILES adds rows of files that are gone
 
 #include "analysiscache.h"
-#include "cachecheck.h"
 #include "discovery.h"
 #include "fileanalysis.h"
-#include "timezone.h"
+#include "scanstages.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -65,14 +64,10 @@ void fillCache(AnalysisCache &cache, const QStringList &paths)
 // The records are kept, as the matching that follows needs them.
 QList<TrackInfo> check(const QStringList &paths)
 {
-    QList<TrackInfo> tracks;
-    tracks.reserve(paths.size());
-    for (CacheCheck files(paths, FingerprintEngine::BuiltIn); !files.atEnd();) {
-        QList<TrackInfo> slice = files.take();
-        for (TrackInfo &track : slice)
-            tracks.append(std::move(track));
-    }
-    return tracks;
+    const std::atomic<qint32> cancelFlag = 0;
+    ScanOptions options;
+    options.fingerprintEngine = FingerprintEngine::BuiltIn;
+    return checkCache(paths, options, { cancelFlag });
 }
 
 QStringList walk(const ScanOptions &options)
@@ -171,7 +166,6 @@ void reportTimes(const QList<Round> &rounds, double Cost::*time, QTextStream &ou
 
 int main(int argc, char *argv[])
 {
-    rememberTimeZone(); // as the programs do
     const QTemporaryDir folder;
     qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(u"data"_s)));
     const QCoreApplication application(argc, argv);

@@ -9,7 +9,6 @@
 #include "settingsstore.h"
 #include "terminal.h"
 #include "textreport.h"
-#include "timezone.h"
 #include "translation.h"
 
 #include <QCoreApplication>
@@ -78,7 +77,6 @@ int scan(const CliRequest &request)
 int main(int argc, char *argv[])
 {
     preferFfmpegMediaBackend();
-    rememberTimeZone();
     const QCoreApplication app(argc, argv);
     metadata::applyToApplication();
     translation::install();

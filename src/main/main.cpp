@@ -6,7 +6,6 @@
 #include "metadata.h"
 #include "metatypes.h"
 #include "startup.h"
-#include "timezone.h"
 #include "translation.h"
 
 #include <QApplication>
@@ -15,7 +14,6 @@
 int main(int argc, char *argv[])
 {
     epr::preferFfmpegMediaBackend();
-    epr::rememberTimeZone();
     const QApplication application(argc, argv);
     epr::metadata::applyToApplication();
     epr::translation::install();

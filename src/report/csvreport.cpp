@@ -32,7 +32,7 @@ QString line(const MatchGroup &group, const TrackInfo &track, bool keep)
         QString::number(track.stream.channels),
         csvField(track.suffix.toUpper()),
         QString::number(track.size),
-        csvField(track.mtime.toString(Qt::ISODate)),
+        csvField(track.mtime.toLocalTime().toString(Qt::ISODate)),
     };
     return fields.join(u',') + u'\n';
 }

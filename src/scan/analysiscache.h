@@ -23,12 +23,12 @@ public:
     ~AnalysisCache();
     Q_DISABLE_COPY_MOVE(AnalysisCache)
 
-    [[nodiscard]] static QString defaultFilePath();
+    static QString defaultFilePath();
 
-    [[nodiscard]] bool isOpen() const;
-    [[nodiscard]] QString filePath() const { return m_filePath; }
-    [[nodiscard]] int count() const;
-    [[nodiscard]] qint64 fileSize() const; ///< bytes
+    bool isOpen() const;
+    QString filePath() const { return m_filePath; }
+    int count() const;
+    qint64 fileSize() const; ///< bytes
 
     /// Opens the file in the application's data folder, creating both when missing. An existing file that cannot be
     /// used is left as it is.

@@ -1,116 +1,168 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cachecheck.h"
-
 #include "analysiscache.h"
 #include "fileanalysis.h"
+#include "scanstages.h"
 
+#include <QCoreApplication>
+#include <QMutex>
 #include <QThread>
+#include <QThreadPool>
+#include <QThreadStorage>
+#include <QtConcurrentMap>
 
 #include <algorithm>
-#include <utility>
+#include <mutex>
 
 namespace epr {
 
 namespace {
 
+constexpr qsizetype sliceSize = 512;
 constexpr qsizetype maxThreads = 4; // more would wait for each other: at the disk, and for the time zone's lock
-constexpr qsizetype slicesAhead = 2; // per thread; records with fingerprints weigh 4 MiB a slice
 
-qsizetype threadsFor(qsizetype files)
+// An analysis that an earlier scan made with fewer methods is not enough: a file without a digest would match nothing.
+// What the cache knows and the analysis does not repeat, above all the fingerprint, stays.
+void takeFromCache(TrackInfo &track, const ScanOptions &options)
 {
-    const qsizetype slices = (files + CacheCheck::sliceSize - 1) / CacheCheck::sliceSize;
-    return std::max<qsizetype>(1, std::min({ slices, maxThreads, qsizetype { QThread::idealThreadCount() } }));
-}
-
-} // namespace
-
-CacheCheck::CacheCheck(const QStringList &paths, std::optional<FingerprintEngine> engine)
-    : m_paths(paths)
-    , m_engine(engine)
-{
-    const qsizetype threads = threadsFor(paths.size());
-    m_lookAhead = (1 + slicesAhead * threads) * sliceSize;
-    for (qsizetype i = 0; i < threads; ++i)
-        m_threads.emplace_back([this](const std::stop_token &stop) { work(stop); });
-}
-
-QList<TrackInfo> CacheCheck::take()
-{
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_done.contains(m_position); });
-    QList<TrackInfo> tracks = std::move(m_done.extract(m_position).mapped());
-    m_position += tracks.size();
-    m_changed.notify_all();
-    return tracks;
-}
-
-QString CacheCheck::error()
-{
-    const std::lock_guard lock(m_mutex);
-    return m_error;
-}
-
-// A connection belongs to the thread that made it, so the cache is opened and closed here; and only once there is
-// something to do.
-void CacheCheck::work(const std::stop_token &stop)
-{
-    AnalysisCache cache;
-    std::optional<qsizetype> first = claimSlice(stop);
-    if (first && m_engine)
-        openCache(cache);
-    for (; first; first = claimSlice(stop)) {
-        QList<TrackInfo> tracks = checkSlice(*first, cache);
-        const std::lock_guard lock(m_mutex);
-        m_done.emplace(*first, std::move(tracks));
-        m_changed.notify_all();
+    if ((track.flags & TrackFromCache) == 0)
+        return;
+    if (hasWantedDigests(track, options)) {
+        track.analysed = !options.detectAcoustic || hasCompleteFingerprint(track, options.fingerprintEngine);
+        return;
     }
-    cache.commitTransaction();
+    track.tags = {};
+    track.stream = {};
+    track.flags = 0;
+    track.analysed = false;
 }
 
-// Slices are handed out in order, so the one that is waited for is always under way.
-std::optional<qsizetype> CacheCheck::claimSlice(const std::stop_token &stop)
-{
-    std::unique_lock lock(m_mutex);
-    const bool mayGoOn = m_changed.wait(
-        lock, stop, [this] { return m_unclaimed >= m_paths.size() || m_unclaimed < m_position + m_lookAhead; });
-    if (!mayGoOn || stop.stop_requested() || m_unclaimed >= m_paths.size())
-        return {};
-    return std::exchange(m_unclaimed, m_unclaimed + sliceSize);
-}
+// Measures files and completes their records from the cache, a slice at a time on any thread.
+class SliceCheck {
+public:
+    SliceCheck(const QStringList &paths, const ScanOptions &options, TrackInfo *tracks)
+        : m_paths(paths)
+        , m_options(options)
+        , m_tracks(tracks)
+    {
+    }
 
-// One transaction for all look-ups: otherwise each one locks and unlocks the database.
-void CacheCheck::openCache(AnalysisCache &cache)
-{
-    QString error;
-    if (cache.open(&error))
-        cache.beginTransaction();
-    else
-        noteError(error);
-}
+    void check(qsizetype first)
+    {
+        const std::span slice(m_tracks + first, std::min(sliceSize, m_paths.size() - first));
+        for (TrackInfo &track : slice)
+            track = measureFile(m_paths.at(&track - m_tracks));
+        if (m_options.useCache)
+            lookUp(slice);
+        ++m_done;
+        m_done.notify_one();
+    }
+
+    void waitFor(int slices) const
+    {
+        for (int done = m_done.load(); done < slices; done = m_done.load())
+            m_done.wait(done);
+    }
+
+    /// Why files were not looked up, as the first thread to fail said it; empty = all were.
+    QString error() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_error;
+    }
+
+private:
+    void lookUp(std::span<TrackInfo> slice);
+    AnalysisCache &cacheOfThread();
+    void noteError(const QString &text);
+
+    const QStringList &m_paths;
+    const ScanOptions &m_options;
+    TrackInfo *const m_tracks;
+    std::atomic<int> m_done = 0;
+    QThreadStorage<AnalysisCache *> m_caches; // a connection belongs to the thread that made it
+    mutable std::mutex m_mutex;
+    QString m_error;
+};
 
 // After an error the thread only measures. A database that is locked would cost the time-out again at every slice.
-QList<TrackInfo> CacheCheck::checkSlice(qsizetype first, AnalysisCache &cache)
+void SliceCheck::lookUp(std::span<TrackInfo> slice)
 {
-    const qsizetype size = std::min(sliceSize, m_paths.size() - first);
-    QList<TrackInfo> tracks;
-    tracks.reserve(size);
-    for (qsizetype i = first; i < first + size; ++i)
-        tracks.append(measureFile(m_paths.at(i)));
-    if (cache.isOpen())
-        cache.lookupAll(tracks, *m_engine);
+    AnalysisCache &cache = cacheOfThread();
+    cache.lookupAll(slice, m_options.fingerprintEngine);
     if (const QString error = cache.takeError(); !error.isEmpty()) {
         noteError(error);
         cache.close();
     }
-    return tracks;
+    for (TrackInfo &track : slice)
+        takeFromCache(track, m_options);
 }
 
-void CacheCheck::noteError(const QString &text)
+// One transaction for all look-ups: otherwise each one locks and unlocks the database. It ends with the thread.
+AnalysisCache &SliceCheck::cacheOfThread()
+{
+    if (!m_caches.hasLocalData()) {
+        auto *cache = new AnalysisCache;
+        m_caches.setLocalData(cache);
+        QString error;
+        if (cache->open(&error))
+            cache->beginTransaction();
+        else
+            noteError(error);
+    }
+    return *m_caches.localData();
+}
+
+void SliceCheck::noteError(const QString &text)
 {
     const std::lock_guard lock(m_mutex);
     if (m_error.isEmpty())
         m_error = text;
+}
+
+// The files of the first slices, as many as have been reported; the slices are begun in order.
+void reportCheck(const QList<TrackInfo> &tracks, const QString &error, const StageContext &context)
+{
+    const auto reused = std::count_if(tracks.cbegin(), tracks.cend(),
+                                      [](const TrackInfo &track) { return (track.flags & TrackFromCache) != 0; });
+    if (reused > 0) {
+        context.log(
+            QCoreApplication::translate("epr::ScanController", "Reused %1 cached analysis results.").arg(reused));
+    }
+    if (!error.isEmpty()) {
+        context.log(QCoreApplication::translate("epr::ScanController", "The analysis cache could not be read (%1).")
+                        .arg(error));
+    }
+}
+
+} // namespace
+
+QList<TrackInfo> checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context)
+{
+    context.phase(QCoreApplication::translate("epr::ScanController", "Checking cache"));
+    const qsizetype total = paths.size();
+    QList<TrackInfo> tracks(total);
+    SliceCheck slices(paths, options, tracks.data());
+    QList<qsizetype> firsts;
+    for (qsizetype first = 0; first < total; first += sliceSize)
+        firsts.append(first);
+    QThreadPool pool; // its threads end here, and with them their connections
+    pool.setMaxThreadCount(static_cast<int>(
+        std::clamp<qsizetype>(firsts.size(), 1, std::min<qsizetype>(maxThreads, QThread::idealThreadCount()))));
+    QFuture<void> running = QtConcurrent::map(&pool, firsts, [&slices](qsizetype first) { slices.check(first); });
+    int done = 0;
+    for (; done < firsts.size(); slices.waitFor(++done)) {
+        const qsizetype first = firsts.at(done);
+        context.progress(static_cast<int>(first), static_cast<int>(total),
+                         QCoreApplication::translate("epr::ScanController", "Checked %1 of %2").arg(first).arg(total));
+        if (context.isCancelled())
+            break;
+    }
+    running.cancel();
+    running.waitForFinished();
+    tracks.resize(std::min(done * sliceSize, total)); // slices are begun in order, so these are complete
+    reportCheck(tracks, slices.error(), context);
+    return tracks;
 }
 
 } // namespace epr

@@ -2,10 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "discovery.h"
 
-#ifdef Q_OS_UNIX
-#include "undecodablenames.h"
-#endif
-
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
@@ -13,10 +9,19 @@
 #include <QSet>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
+#ifdef Q_OS_UNIX
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#endif
+
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -25,8 +30,10 @@ constexpr qsizetype filesPerReport = 64;
 #if defined(Q_OS_WIN) && defined(Q_CC_GNU)
 // A compiled expression gets a stack for each thread, which a Qt built with MinGW frees when the thread ends, after the
 // memory of the pointer to it. The thread dies of it with a lock of the runtime in its hand, and the program, closed
-// after a scan, waits for that lock for ever. Set before main(), since the toolkit looks only once.
-[[maybe_unused]] const bool expressionsAreInterpreted = qputenv("QT_ENABLE_REGEXP_JIT", "0");
+// after a scan, waits for that lock for ever. So the expressions are interpreted.
+constexpr auto expressionPrefix = "(*NO_JIT)"_L1;
+#else
+constexpr auto expressionPrefix = ""_L1;
 #endif
 
 // Exclude patterns compiled once for a whole walk.
@@ -40,7 +47,7 @@ public:
         }
     }
 
-    [[nodiscard]] bool match(const QString &path) const
+    bool match(const QString &path) const
     {
         const QString slashed = QDir::fromNativeSeparators(path);
         return std::any_of(m_expressions.cbegin(), m_expressions.cend(),
@@ -51,7 +58,7 @@ private:
     void add(const QString &pattern)
     {
         const QString slashed = QDir::fromNativeSeparators(pattern);
-        const QRegularExpression expression(QRegularExpression::wildcardToRegularExpression(slashed),
+        const QRegularExpression expression(expressionPrefix + QRegularExpression::wildcardToRegularExpression(slashed),
                                             QRegularExpression::CaseInsensitiveOption);
         if (expression.isValid())
             m_expressions.append(expression);
@@ -64,7 +71,7 @@ private:
 // way, so the folder is resolved once for all the files in it that are not links themselves.
 class CanonicalPaths {
 public:
-    [[nodiscard]] QString of(const QFileInfo &file)
+    QString of(const QFileInfo &file)
     {
         if (file.isSymLink())
             return file.canonicalFilePath();
@@ -89,6 +96,80 @@ QSet<QString> wantedExtensions(const QStringList &extensions)
     return wanted;
 }
 
+#ifdef Q_OS_UNIX
+
+// What the walk would take in, as far as it can be told from the bytes of a name that is not valid UTF-8.
+struct WantedNames {
+    QSet<QString> extensions; // lower case
+    bool includeHidden = false;
+    bool followSymlinks = false;
+    qint64 minBytes = 0;
+    std::function<bool(const QString &path)> isExcluded;
+};
+
+// Counts wanted files and folders whose names are not valid UTF-8. Qt leaves such entries out of every
+// listing, so the folders have to be read once more, by their bytes; only entries with a bad name are measured.
+class UndecodableNames final {
+public:
+    explicit UndecodableNames(WantedNames wanted);
+
+    int count() const { return static_cast<int>(m_seen.size()); }
+
+    void addFolder(const QString &folder);
+
+private:
+    void addEntry(int folderDescriptor, const QByteArray &name, const QString &folder);
+
+    WantedNames m_wanted;
+    QSet<std::pair<quint64, quint64>> m_seen; // device and inode: overlapping roots reach an entry more than once
+};
+
+struct CloseFolder {
+    void operator()(DIR *folder) const { closedir(folder); }
+};
+
+QString extensionOf(const QByteArray &name)
+{
+    const qsizetype dot = name.lastIndexOf('.');
+    return dot < 0 ? QString() : QString::fromUtf8(name.sliced(dot + 1)).toLower();
+}
+
+UndecodableNames::UndecodableNames(WantedNames wanted)
+    : m_wanted(std::move(wanted))
+{
+}
+
+void UndecodableNames::addFolder(const QString &folder)
+{
+    const std::unique_ptr<DIR, CloseFolder> listing(opendir(QFile::encodeName(folder).constData()));
+    if (!listing)
+        return;
+    while (const dirent *entry = readdir(listing.get())) {
+        const QByteArray name(entry->d_name);
+        if (!name.isValidUtf8())
+            addEntry(dirfd(listing.get()), name, folder);
+    }
+}
+
+void UndecodableNames::addEntry(int folderDescriptor, const QByteArray &name, const QString &folder)
+{
+    if (name.startsWith('.') && !m_wanted.includeHidden)
+        return;
+    struct stat entry = {};
+    struct stat target = {};
+    if (fstatat(folderDescriptor, name.constData(), &entry, AT_SYMLINK_NOFOLLOW) != 0
+        || fstatat(folderDescriptor, name.constData(), &target, 0) != 0) {
+        return;
+    }
+    const bool wantedFolder = S_ISDIR(target.st_mode) && (m_wanted.followSymlinks || !S_ISLNK(entry.st_mode));
+    const bool wantedFile = S_ISREG(target.st_mode) && m_wanted.extensions.contains(extensionOf(name))
+        && target.st_size >= m_wanted.minBytes && !m_wanted.isExcluded(folder + u'/' + QString::fromUtf8(name));
+    if (wantedFolder || wantedFile)
+        m_seen.insert({ target.st_dev, target.st_ino });
+}
+
+#endif
+
 // One walk over all roots.
 class Walk {
 public:
@@ -102,7 +183,7 @@ public:
     }
 
     void countUndecodableNames();
-    [[nodiscard]] int undecodableNames() const;
+    int undecodableNames() const;
 
     QStringList run();
 
@@ -110,7 +191,7 @@ private:
     void walkRoot(const QString &root);
     void visitFolder(const QString &folder);
     void visitFile(const QFileInfo &file);
-    [[nodiscard]] bool isWanted(const QFileInfo &file) const;
+    bool isWanted(const QFileInfo &file) const;
     void accept(const QFileInfo &file);
 
     const ScanOptions &m_options;

@@ -11,7 +11,7 @@ namespace epr {
 
 /// Whether one of the wildcard patterns covers the whole path, regardless of letter case. A star or question mark does
 /// not cross a folder separator.
-[[nodiscard]] bool isExcluded(const QString &path, const QStringList &patterns);
+bool isExcluded(const QString &path, const QStringList &patterns);
 
 /// Called with the number of files accepted so far and the folder of the latest one; the folder is empty at the end.
 using DiscoveryProgressFn = std::function<void(int count, const QString &folder)>;
@@ -20,7 +20,7 @@ using DiscoveryProgressFn = std::function<void(int count, const QString &folder)
 /// once, under the path by which it was first reached. Opens no file. A raised cancel flag ends the walk with what was
 /// found so far. undecodableNames receives the number of wanted files and folders whose names are not valid UTF-8 and
 /// so cannot be reached; always 0 where file names are UTF-16.
-[[nodiscard]] QStringList discover(const ScanOptions &options, const std::atomic<qint32> &cancelFlag,
-                                   const DiscoveryProgressFn &progress = {}, int *undecodableNames = nullptr);
+QStringList discover(const ScanOptions &options, const std::atomic<qint32> &cancelFlag,
+                     const DiscoveryProgressFn &progress = {}, int *undecodableNames = nullptr);
 
 } // namespace epr

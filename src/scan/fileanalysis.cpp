@@ -7,17 +7,40 @@
 #include "proberesult.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
+
+#ifdef Q_OS_LINUX
+#include <chrono>
+#include <sys/stat.h>
+#endif
 
 namespace epr {
 
 namespace {
 
-void copyTags(const ProbeResult &probe, TrackInfo &track)
+#ifdef Q_OS_LINUX
+// Qt has the time as local time only, and for each one the C library looks at the time zone's file again, behind a
+// lock: half of what checking a large library would cost.
+void measure(TrackInfo &track)
 {
-    track.tags = probe.tags;
-    track.stream = probe.stream;
+    struct stat status = {};
+    if (stat(QFile::encodeName(track.path).constData(), &status) != 0)
+        return;
+    const std::chrono::milliseconds sinceEpoch = std::chrono::seconds(status.st_mtim.tv_sec)
+        + std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::nanoseconds(status.st_mtim.tv_nsec));
+    track.size = status.st_size;
+    if (sinceEpoch.count() != 0) // which Qt takes for unknown
+        track.mtime = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count(), Qt::UTC);
 }
+#else
+void measure(TrackInfo &track)
+{
+    const QFileInfo file(track.path);
+    track.size = file.size();
+    track.mtime = file.lastModified().toUTC();
+}
+#endif
 
 // A payload that cannot be delimited counts as the whole file, which then matches byte-identical copies only.
 void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std::atomic<qint32> *stop,
@@ -41,13 +64,13 @@ void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std
 // proposed for removal on such grounds, so everything that says what the file sounds like goes.
 void checkUnchanged(TrackInfo &track)
 {
-    const QFileInfo now(track.path);
-    const bool exists = now.exists();
-    if (exists && now.size() == track.size && now.lastModified() == track.mtime)
+    const TrackInfo now = measureFile(track.path);
+    const bool exists = QFileInfo::exists(track.path);
+    if (exists && now.size == track.size && now.mtime == track.mtime)
         return;
     track.fullHash.clear();
     track.audioHash.clear();
-    dropFingerprint(track);
+    track.fingerprint = {};
     track.error = exists ? QCoreApplication::translate("epr::ScanController", "The file changed during the scan")
                          : QCoreApplication::translate("epr::ScanController", "The file vanished during the scan");
 }
@@ -61,8 +84,7 @@ TrackInfo measureFile(const QString &path)
     track.path = path;
     track.fileName = file.fileName();
     track.suffix = file.suffix().toLower();
-    track.size = file.size();
-    track.mtime = file.lastModified();
+    measure(track);
     return track;
 }
 
@@ -71,8 +93,10 @@ TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::at
     const TrackInfo measured = track;
     ProbeResult probe;
     QString error;
-    if (probeFile(track.path, probe, &error))
-        copyTags(probe, track);
+    if (probeFile(track.path, probe, &error)) {
+        track.tags = probe.tags;
+        track.stream = probe.stream;
+    }
     QString hashError;
     takeDigests(probe, options, stop, track, &hashError);
     if (stop && stop->load() != 0 && !hashError.isEmpty())
@@ -81,11 +105,6 @@ TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::at
     checkUnchanged(track);
     track.analysed = track.error.isEmpty();
     return track;
-}
-
-void dropFingerprint(TrackInfo &track)
-{
-    track.fingerprint = {};
 }
 
 bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options)

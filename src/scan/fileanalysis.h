@@ -11,18 +11,15 @@ namespace epr {
 
 /// A record with what the file system says about the path: name, suffix, size and modification time. A path that
 /// cannot be measured has size 0 and no modification time.
-[[nodiscard]] TrackInfo measureFile(const QString &path);
+TrackInfo measureFile(const QString &path);
 
 /// Reads tags, stream properties and the digests that the options ask for into a measured record; digests and
 /// fingerprints that the record brings along stay. On failure the record's error says why; analysed is set only when
 /// everything succeeded and the file stayed as it was measured. When *stop becomes non-zero, a long file is given up
 /// and its record comes back as it was. Re-entrant: many threads analyse different files at once.
-[[nodiscard]] TrackInfo analyseFile(TrackInfo track, const ScanOptions &options,
-                                    const std::atomic<qint32> *stop = nullptr);
-
-void dropFingerprint(TrackInfo &track); ///< all four lists
+TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::atomic<qint32> *stop = nullptr);
 
 /// Whether the record holds every digest that the options ask for.
-[[nodiscard]] bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options);
+bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options);
 
 } // namespace epr

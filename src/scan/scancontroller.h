@@ -7,7 +7,6 @@
 #include "trackinfo.h"
 
 #include <QObject>
-#include <QThreadPool>
 
 #include <atomic>
 #include <memory>
@@ -15,7 +14,7 @@
 namespace epr {
 
 class AnalysisCache;
-struct FingerprintJob;
+struct StageContext;
 
 /// Runs a scan from folders to duplicate groups on the thread it lives on and reports through signals. The group
 /// members are indexes into the track list, which is in discovery order.
@@ -26,7 +25,7 @@ public:
     explicit ScanController(QObject *parent = nullptr);
     ~ScanController() override;
 
-    [[nodiscard]] bool isRunning() const; ///< may be asked from any thread
+    bool isRunning() const; ///< may be asked from any thread
 
 Q_SIGNALS:
     void started();
@@ -42,25 +41,9 @@ public Q_SLOTS:
     void cancel(); ///< may be called from any thread
 
 private:
-    struct Scan;
+    StageContext stageContext();
+    bool openCache();
 
-    [[nodiscard]] bool isCancelled() const;
-    void openCache(Scan &scan);
-    void discoverFiles(Scan &scan);
-    void checkCache(Scan &scan);
-    void analyseFiles(Scan &scan);
-    void reportAnalysed(int done, qsizetype total);
-    void dropShortFiles(Scan &scan);
-    void fingerprintFiles(Scan &scan);
-    int runFingerprintPool(Scan &scan, const QList<FingerprintJob> &jobs);
-    void logFingerprinting(const Scan &scan, qsizetype files);
-    void writeCache(const Scan &scan);
-    void logCacheError(const QString &error, const QString &message);
-    void groupDuplicates(Scan &scan);
-    void finish(Scan &scan);
-
-    /// Qt paints large fills on the global pool, so work of seconds must not sit there: the window would freeze.
-    QThreadPool m_analysisPool;
     std::unique_ptr<AnalysisCache> m_cache; ///< made by the first scan that wants it, kept open for later ones
     std::atomic<qint32> m_cancelFlag = 0;
     std::atomic<qint32> m_running = 0;

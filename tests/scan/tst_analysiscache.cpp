@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
 
-#include "cachecheck.h"
+#include "scanstages.h"
 #include "temporarylibrary.h"
 
 #include <QRegularExpression>
@@ -103,10 +103,22 @@ private Q_SLOTS:
         }
     }
 
-    // More slices than may be worked on ahead, of files that are gone, which are quick to measure. Every third path has
-    // no row, and one path comes twice.
+    // More slices than threads, of files that are gone, which are quick to measure. Every third path has no row, and
+    // one path comes twice.
+    void checksOnSeveralThreads_data()
+    {
+        QTest::addColumn<QByteArray>("damage");
+        QTest::addColumn<int>("cancelAt");
+        QTest::newRow("all rows") << QByteArray() << -1;
+        QTest::newRow("no rows of another layout")
+            << QByteArray("ALTER TABLE tracks RENAME COLUMN genre TO style") << -1;
+        QTest::newRow("complete as far as reported when cancelled") << QByteArray() << 1024;
+    }
+
     void checksOnSeveralThreads()
     {
+        QFETCH(const QByteArray, damage);
+        QFETCH(const int, cancelAt);
         AnalysisCache cache;
         QVERIFY(cache.open());
         QStringList paths;
@@ -116,25 +128,25 @@ private Q_SLOTS:
             track.path = paths.emplaceBack(u"/m/%1.mp3"_s.arg(i == 7 ? 8 : i));
             track.stream.durationMs = i;
             if (i % 3 != 0)
-                cache.store(track, FingerprintEngine::BuiltIn);
+                cache.store(track, ScanOptions().fingerprintEngine);
         }
         cache.commitTransaction();
-        for (const bool readable : { true, false }) {
-            CacheCheck files(paths, FingerprintEngine::BuiltIn);
-            QTest::qSleep(50);
-            int i = 0;
-            for (; !files.atEnd() && (readable || i < 512);) {
-                for (const TrackInfo &track : files.take()) {
-                    QCOMPARE(track.path, paths.at(i));
-                    QCOMPARE(track.stream.durationMs, !readable || i % 3 == 0 ? 0 : i == 7 ? 8 : i);
-                    ++i;
-                }
-            }
-            QCOMPARE(i, readable ? 6000 : 512); // the rest is given up
-            QCOMPARE(files.error().contains("no such column"_L1), !readable);
-            if (readable)
-                otherProgram("ALTER TABLE tracks RENAME COLUMN genre TO style");
+        if (!damage.isEmpty())
+            otherProgram(damage);
+        std::atomic<qint32> cancelFlag = 0;
+        QStringList log;
+        StageContext context { cancelFlag };
+        context.progress = [&](int done, int, const QString &) { cancelFlag = done == cancelAt; };
+        context.log = [&](const QString &message) { log.append(message); };
+        ScanOptions options;
+        options.detectIdentical = options.detectSameAudio = false;
+        const QList<TrackInfo> tracks = checkCache(paths, options, context);
+        QCOMPARE(tracks.size(), cancelAt < 0 ? 6000 : cancelAt);
+        for (int i = 0; i < tracks.size(); ++i) {
+            QCOMPARE(tracks.at(i).path, paths.at(i));
+            QCOMPARE(tracks.at(i).stream.durationMs, !damage.isEmpty() || i % 3 == 0 ? 0 : i == 7 ? 8 : i);
         }
+        QCOMPARE(log.filter(u"no such column"_s).size(), damage.isEmpty() ? 0 : 1);
     }
 
     void sharesItsFile()

@@ -1,0 +1,265 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scanstages.h"
+
+#include "analysiscache.h"
+#include "buildmatchgroups.h"
+#include "discovery.h"
+#include "ffmpeg.h"
+#include "fileanalysis.h"
+#include "fingerprintpool.h"
+#include "fpcalc.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QThread>
+#include <QThreadPool>
+#include <QtConcurrentMap>
+
+#include <algorithm>
+#include <utility>
+
+namespace epr {
+
+namespace {
+
+constexpr int eventBudgetMs = 40; // of one polling round
+constexpr unsigned long pollPauseMs = 50;
+
+QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, FingerprintEngine engine)
+{
+    QList<FingerprintJob> jobs;
+    for (qsizetype i = 0; i < tracks.size(); ++i) {
+        if (!hasCompleteFingerprint(tracks.at(i), engine))
+            jobs.append({ static_cast<int>(i), tracks.at(i).path });
+    }
+    return jobs;
+}
+
+// A record whose fingerprint failed is not cached, because it has an error, so the next scan tries again.
+void applyFingerprint(const FingerprintResult &result, TrackInfo &track)
+{
+    track.fingerprint = result.fingerprint;
+    if (track.stream.durationMs < 1 && result.durationMs > 0)
+        track.stream.durationMs = result.durationMs;
+    if (result.error.isEmpty())
+        track.analysed = true;
+    else if (track.error.isEmpty())
+        track.error = result.error;
+}
+
+// The pool reports on this thread, so its handlers may write into the tracks. Returns how many files failed.
+int runFingerprintPool(QList<TrackInfo> &tracks, const QList<FingerprintJob> &jobs, const ScanOptions &options,
+                       const StageContext &context)
+{
+    FingerprintPool pool(options.decoderThreads, options.fingerprintSeconds,
+                         options.fingerprintEngine == FingerprintEngine::Fpcalc);
+    int failures = 0;
+    QObject::connect(
+        &pool, &FingerprintPool::completed, &pool,
+        [&tracks, &failures](int id, const FingerprintResult &result) {
+            if (id >= 0 && id < tracks.size())
+                applyFingerprint(result, tracks[id]);
+            failures += result.error.isEmpty() ? 0 : 1;
+        },
+        Qt::DirectConnection);
+    QObject::connect(
+        &pool, &FingerprintPool::progress, &pool,
+        [&context, &pool](int done, int total) {
+            context.progress(
+                done, total,
+                QCoreApplication::translate("epr::ScanController", "Fingerprinted %1 of %2").arg(done).arg(total));
+            if (context.isCancelled())
+                pool.cancel();
+        },
+        Qt::DirectConnection);
+    pool.run(jobs);
+    return failures;
+}
+
+void logFingerprinting(qsizetype files, const ScanOptions &options, const StageContext &context)
+{
+    const bool byFpcalc = options.fingerprintEngine == FingerprintEngine::Fpcalc;
+    const QString engine = byFpcalc
+        ? QCoreApplication::translate("epr::ScanController", "Chromaprint fpcalc (%1)").arg(fpcalcPath())
+        : hasFfmpeg() ? QCoreApplication::translate("epr::ScanController", "built-in analysis, ffmpeg decode")
+                      : QCoreApplication::translate("epr::ScanController", "built-in analysis, Qt decode");
+    context.log(
+        QCoreApplication::translate("epr::ScanController", "Fingerprinting %1 file(s) on %2 thread(s) using %3.")
+            .arg(files)
+            .arg(options.decoderThreads)
+            .arg(engine));
+    if (!byFpcalc) {
+        context.log(QCoreApplication::translate(
+            "epr::ScanController",
+            "Tip: installing Chromaprint's fpcalc and putting it on the PATH makes fingerprinting several "
+            "times faster and more accurate."));
+    }
+}
+
+void reportAnalysed(int done, qsizetype total, const StageContext &context)
+{
+    context.progress(
+        done, static_cast<int>(total),
+        QCoreApplication::translate("epr::ScanController", "Analysed %1 of %2 files").arg(done).arg(total));
+}
+
+QString megabytes(qint64 bytes)
+{
+    return QString::number(static_cast<double>(bytes) / 1048576.0, 'f', 1);
+}
+
+} // namespace
+
+bool hasCompleteFingerprint(const TrackInfo &track, FingerprintEngine engine)
+{
+    return !track.fingerprint.words.isEmpty()
+        && (engine != FingerprintEngine::BuiltIn || track.fingerprint.words.size() == track.fingerprint.mask.size());
+}
+
+QStringList discoverFiles(const ScanOptions &options, const StageContext &context)
+{
+    context.phase(QCoreApplication::translate("epr::ScanController", "Scanning folders"));
+    for (const QString &root : options.roots) {
+        if (!QFileInfo(root).isDir())
+            context.log(QCoreApplication::translate("epr::ScanController", "Folder not found: %1").arg(root));
+    }
+    int undecodable = 0;
+    const QStringList paths = discover(
+        options, context.cancelFlag,
+        [&context](int count, const QString &) {
+            context.progress(count, 0, QCoreApplication::translate("epr::ScanController", "%1 files found").arg(count));
+        },
+        &undecodable);
+    if (context.isCancelled())
+        return {};
+    if (undecodable > 0) {
+        context.log(QCoreApplication::translate("epr::ScanController",
+                                                "Left out %n file(s) or folder(s) whose names are not valid UTF-8.",
+                                                nullptr, undecodable));
+    }
+    context.log(
+        paths.isEmpty()
+            ? QCoreApplication::translate("epr::ScanController", "No audio files matched the current filters.")
+            : QCoreApplication::translate("epr::ScanController", "Discovered %1 audio files.").arg(paths.size()));
+    return paths;
+}
+
+// Each worker writes the record of its own file, in place: what is complete when a scan is cancelled stays complete,
+// and the records keep their order. The pool is the stage's own: Qt paints large fills on the global one, and the
+// window would freeze.
+QList<TrackInfo> analyseFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)
+{
+    if (context.isCancelled())
+        return tracks;
+    context.phase(QCoreApplication::translate("epr::ScanController", "Reading tags and hashing"));
+    QList<TrackInfo *> work;
+    for (TrackInfo &track : tracks) {
+        if ((track.flags & TrackFromCache) == 0)
+            work.append(&track);
+    }
+    if (work.isEmpty())
+        return tracks;
+    std::atomic<int> done = 0;
+    QThreadPool pool;
+    QFuture<void> running = QtConcurrent::map(&pool, work, [&](TrackInfo *track) {
+        *track = analyseFile(std::move(*track), options, &context.cancelFlag);
+        ++done;
+    });
+    while (!running.isFinished()) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, eventBudgetMs);
+        reportAnalysed(done.load(), work.size(), context);
+        if (context.isCancelled() && !running.isCanceled())
+            running.cancel();
+        QThread::msleep(pollPauseMs);
+    }
+    running.waitForFinished();
+    reportAnalysed(done.load(), work.size(), context);
+    return tracks;
+}
+
+FilteredTracks filterShortFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)
+{
+    if (context.isCancelled() || options.minDurationMs <= 0)
+        return { std::move(tracks), {} };
+    const auto firstShort = std::stable_partition(tracks.begin(), tracks.end(), [&options](const TrackInfo &track) {
+        return track.stream.durationMs < 1 || track.stream.durationMs >= options.minDurationMs;
+    });
+    QList<TrackInfo> tooShort(firstShort, tracks.end());
+    tracks.erase(firstShort, tracks.end());
+    if (!tooShort.isEmpty()) {
+        context.log(QCoreApplication::translate("epr::ScanController", "Skipped %1 file(s) shorter than %2 seconds.")
+                        .arg(tooShort.size())
+                        .arg(options.minDurationMs / 1000));
+    }
+    return { std::move(tracks), std::move(tooShort) };
+}
+
+QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)
+{
+    if (context.isCancelled() || !options.detectAcoustic)
+        return tracks;
+    const QList<FingerprintJob> jobs = fingerprintJobs(tracks, options.fingerprintEngine);
+    if (jobs.isEmpty())
+        return tracks;
+    context.phase(QCoreApplication::translate("epr::ScanController", "Fingerprinting audio"));
+    logFingerprinting(jobs.size(), options, context);
+    const int failures = runFingerprintPool(tracks, jobs, options, context);
+    if (failures > 0) {
+        context.log(QCoreApplication::translate("epr::ScanController",
+                                                "%1 file(s) could not be decoded for fingerprinting. They are still "
+                                                "checked by hash and metadata.")
+                        .arg(failures));
+    }
+    return tracks;
+}
+
+void writeCache(const FilteredTracks &tracks, const ScanOptions &options, AnalysisCache &cache,
+                const StageContext &context)
+{
+    cache.beginTransaction();
+    for (const QList<TrackInfo> *list : { &tracks.kept, &tracks.tooShort }) {
+        for (const TrackInfo &track : *list) {
+            if (track.analysed && track.error.isEmpty())
+                cache.store(track, options.fingerprintEngine);
+        }
+    }
+    cache.commitTransaction();
+    if (const QString error = cache.takeError(); !error.isEmpty()) {
+        context.log(QCoreApplication::translate("epr::ScanController", "The analysis cache could not be written (%1).")
+                        .arg(error));
+    }
+}
+
+QList<MatchGroup> groupDuplicates(const QList<TrackInfo> &tracks, const ScanOptions &options,
+                                  const StageContext &context)
+{
+    context.phase(QCoreApplication::translate("epr::ScanController", "Grouping duplicates"));
+    QString phase;
+    const QList<MatchGroup> groups =
+        buildMatchGroups(tracks, options, context.cancelFlag, [&](int step, int total, const QString &text) {
+            if (text != std::exchange(phase, text))
+                context.phase(text);
+            context.progress(step, total, text);
+        });
+    qint64 reclaimable = 0;
+    for (const MatchGroup &group : groups)
+        reclaimable += group.reclaimableBytes;
+    context.log(
+        QCoreApplication::translate("epr::ScanController", "Found %1 duplicate group(s); %2 MB could be reclaimed.")
+            .arg(groups.size())
+            .arg(megabytes(reclaimable)));
+    return groups;
+}
+
+// Nobody compares fingerprints after the scan, and they are most of what a record weighs: 1.5 GB for 200,000 files.
+QList<TrackInfo> reportableTracks(QList<TrackInfo> tracks, bool cancelled)
+{
+    for (TrackInfo &track : tracks)
+        track.fingerprint = {};
+    if (cancelled)
+        tracks.removeIf([](const TrackInfo &track) { return !track.analysed && track.error.isEmpty(); });
+    return tracks;
+}
+
+} // namespace epr

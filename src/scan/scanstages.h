@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "matchgroup.h"
+#include "progressfn.h"
+#include "scanoptions.h"
+#include "trackinfo.h"
+
+#include <atomic>
+#include <functional>
+
+namespace epr {
+
+class AnalysisCache;
+
+/// How a stage is told to stop, and how it says what it does. It reports on the thread that runs it.
+struct StageContext {
+    const std::atomic<qint32> &cancelFlag; ///< other than zero: stop
+    std::function<void(const QString &title)> phase = [](const QString &) {};
+    ProgressFn progress = [](int, int, const QString &) {};
+    std::function<void(const QString &message)> log = [](const QString &) {};
+
+    bool isCancelled() const { return cancelFlag.load() != 0; }
+};
+
+// The stages of a scan, in their order. The options name the fingerprint engine that is really there, and use the cache
+// only when it can be opened. A stage that finds the flag raised hands on what it has; tracks stay in discovery order.
+
+/// The files to scan; none when cancelled.
+QStringList discoverFiles(const ScanOptions &options, const StageContext &context);
+
+/// Records of the files, measured and, where the cache knows enough of them, complete, which TrackFromCache says.
+QList<TrackInfo> checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context);
+
+/// Reads tags and makes digests of what did not come from the cache.
+QList<TrackInfo> analyseFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context);
+
+struct FilteredTracks {
+    QList<TrackInfo> kept;
+    QList<TrackInfo> tooShort; ///< left out of the results, but worth caching
+};
+FilteredTracks filterShortFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context);
+
+/// Fingerprints what has no complete fingerprint yet.
+QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context);
+
+/// Also after a cancel: what has been analysed need not be analysed again.
+void writeCache(const FilteredTracks &tracks, const ScanOptions &options, AnalysisCache &cache,
+                const StageContext &context);
+
+QList<MatchGroup> groupDuplicates(const QList<TrackInfo> &tracks, const ScanOptions &options,
+                                  const StageContext &context);
+
+/// What is reported of a scan: without fingerprints and, after a cancel, without files that were not got round to.
+QList<TrackInfo> reportableTracks(QList<TrackInfo> tracks, bool cancelled);
+
+/// Whether the track has all that the engine makes; only the built-in analysis makes masks.
+bool hasCompleteFingerprint(const TrackInfo &track, FingerprintEngine engine);
+
+} // namespace epr
