@@ -115,14 +115,15 @@ void Review::setTicked(int group, int member, bool ticked)
 
 void Review::setKeeper(int group, qint32 track)
 {
-    MatchGroup &record = m_groups[group];
-    const auto newMember = static_cast<int>(record.members.indexOf(track));
-    const auto oldMember = static_cast<int>(record.members.indexOf(record.keep));
+    const MatchGroup &before = m_groups.at(group);
+    const auto newMember = static_cast<int>(before.members.indexOf(track));
+    const auto oldMember = static_cast<int>(before.members.indexOf(before.keep));
     if (newMember < 0 || newMember == oldMember)
         return;
     const bool passTick = setBit(group, newMember, false);
     if (oldMember >= 0 && passTick)
         setBit(group, oldMember, true);
+    MatchGroup &record = m_groups[group];
     record.keep = track;
     record.reclaimableBytes = reclaimable(record);
     countGroups();

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// What the operator waits for with 100,000 members on the screen, each as a share of the time that showing them takes.
+
+#include "resultsmodel.h"
+#include "review.h"
+#include "stopwatch.h"
+
+#include <QGuiApplication>
+
+#include <cstdio>
+
+using namespace epr;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int groupCount = 40000; // of two or three members
+
+struct Results {
+    QList<TrackInfo> tracks;
+    QList<MatchGroup> groups;
+};
+
+Results makeResults()
+{
+    Results results;
+    for (int number = 0; number < groupCount; ++number) {
+        MatchGroup group { number + 1, static_cast<MatchType>(number % 4), {}, -1, 0.9, 0 };
+        group.keep = static_cast<qint32>(results.tracks.size());
+        for (int copy = 0; copy < 2 + number % 2; ++copy) {
+            TrackInfo track;
+            track.tags.artist = u"Artist %1"_s.arg(number % 997);
+            track.tags.title = u"Title %1"_s.arg(number);
+            track.fileName = u"%1 - %2 [%3].flac"_s.arg(track.tags.artist, track.tags.title).arg(copy);
+            track.path = u"/srv/music/%1/%2"_s.arg(track.tags.artist, track.fileName);
+            track.size = 10000000 + number;
+            group.members << static_cast<qint32>(results.tracks.size());
+            results.tracks << track;
+        }
+        results.groups << group;
+    }
+    return results;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QGuiApplication app(argc, argv);
+    const Results results = makeResults();
+    Review review;
+    ResultsModel model(review);
+    const auto show = [&] {
+        review.setResults(results.tracks, results.groups);
+        review.searchTexts(); // else their making in the background is timed by whoever needs them first
+    };
+    const auto find = [&] {
+        model.setFilter(u"artist 99"_s);
+        model.setFilter({});
+    };
+    const auto readEveryCell = [&] {
+        for (int group = 0; group < model.rowCount(); ++group) {
+            const QModelIndex parent = model.index(group, 0);
+            for (int row = 0; row < model.rowCount(parent); ++row)
+                model.index(row, ResultsModel::FileColumn, parent).data(Qt::CheckStateRole);
+        }
+    };
+    const int middle = groupCount / 2;
+    const auto keepAnother = [&] {
+        const MatchGroup &group = review.groups().at(middle);
+        review.setKeeper(middle, group.members.at(group.keep == group.members.first() ? 1 : 0));
+    };
+    const auto times = bench::shortestTimes(
+        7, show, [&] { review.invertTicks(); }, [&] { review.setTicked(middle, 1, !review.isTicked(middle, 1)); },
+        keepAnother, find, readEveryCell);
+    std::printf("show %lld members: %.1f ms\n", static_cast<long long>(results.tracks.size()), times[0] * 1e3);
+    constexpr std::array names { "invert all ticks", "tick one", "keep another", "find and clear", "read all ticks" };
+    for (std::size_t i = 0; i < names.size(); ++i)
+        std::printf("%-18s %8.4f\n", names[i], times[i + 1] / times[0]);
+    return 0;
+}
