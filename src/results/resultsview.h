@@ -38,9 +38,9 @@ private:
     void createHeader();
     void onSectionResized(int section);
     void toggleCurrent();
-    [[nodiscard]] bool isOnMember() const;
+    bool isOnMember() const;
     /// How far the column begins from where the row begins, in the direction of reading.
-    [[nodiscard]] int leadingEdge(const QRect &row, int column) const;
+    int leadingEdge(const QRect &row, int column) const;
     void drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
 

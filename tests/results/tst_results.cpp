@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "progressestimate.h"
 #include "resultsmodel.h"
 
 #include "reviewsketch.h"
@@ -123,28 +122,6 @@ private Q_SLOTS:
         QVERIFY(!model.setData(cell(model, 0, 0, 0), u"x"_s, Qt::EditRole));
         QVERIFY(!model.setData(cell(model, 0, 0, 1), Qt::Checked, Qt::CheckStateRole));
         QVERIFY(!model.setData(model.index(0, 0), Qt::Checked, Qt::CheckStateRole));
-    }
-
-    void remainingTimeFollowsTheLastHalfMinute()
-    {
-        ProgressEstimate estimate;
-        estimate.add(0, 1000, 5000);
-        estimate.add(100, 1000, 6999);
-        QVERIFY(estimate.text().isEmpty());
-        estimate.add(200, 1000, 7000);
-        QCOMPARE(estimate.text(), u"100 per second, less than a minute left"_s);
-        for (int second = 1; second <= 40; ++second)
-            estimate.add(200 + second, 1000, 7000 + second * 1000);
-        QCOMPARE(estimate.text(), u"1.0 per second, about 13 minute(s) left"_s); // what was fast before has passed
-
-        estimate.add(0, 100000, 50000); // other work, which at first does not advance
-        estimate.add(0, 100000, 60000);
-        QVERIFY(estimate.text().isEmpty());
-        estimate.add(10, 100000, 70000);
-        QCOMPARE(estimate.text(), u"0.5 per second, about 55 h 33 min left"_s);
-        estimate.add(1, 19, 80000);
-        estimate.add(2, 19, 90000);
-        QVERIFY2(estimate.text().isEmpty(), "too few steps to tell");
     }
 };
 
