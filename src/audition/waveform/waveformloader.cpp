@@ -18,17 +18,6 @@ namespace {
 
 constexpr int joinMs = 5000;
 
-struct Request {
-    Deck deck = Deck::A;
-    QString path;
-    quint64 generation = 0; ///< of the deck, when the request was made
-
-    bool isNewest(const WaveformLoader::Generations &generations) const
-    {
-        return generations[deck].load(std::memory_order_relaxed) == generation;
-    }
-};
-
 std::optional<Deck> deckOf(int number)
 {
     return number == 0 || number == 1 ? std::optional(static_cast<Deck>(number)) : std::nullopt;
@@ -43,13 +32,13 @@ class WaveformWorker final : public QObject {
 
 public:
     /// The generations are shared, because a thread that cannot be joined outlives its loader.
-    WaveformWorker(std::shared_ptr<const WaveformLoader::Generations> generations, int watchdogMs)
+    WaveformWorker(std::shared_ptr<const WaveformGenerations> generations, int watchdogMs)
         : m_generations(std::move(generations))
         , m_watchdogMs(watchdogMs)
     {
     }
 
-    void analyse(const Request &request)
+    void analyse(const WaveformRequest &request)
     {
         m_waiting[request.deck] = request;
         if (m_decoding)
@@ -68,15 +57,15 @@ public:
 Q_SIGNALS:
     /// Only for requests that were still the newest of their deck when this was emitted. Without buckets the file could
     /// not be decoded; the error says why, or is empty.
-    void decoded(const epr::Request &request, const epr::Envelope &envelope, const QString &error);
+    void decoded(const epr::WaveformRequest &request, const epr::Envelope &envelope, const QString &error);
 
 private:
-    bool isWanted(const Request &request) const
+    bool isWanted(const WaveformRequest &request) const
     {
         return request.isNewest(*m_generations) && !QThread::currentThread()->isInterruptionRequested();
     }
 
-    void decode(const Request &request)
+    void decode(const WaveformRequest &request)
     {
         if (!isWanted(request))
             return;
@@ -100,10 +89,10 @@ private:
         Q_EMIT decoded(request, envelope, decoding.error());
     }
 
-    std::shared_ptr<const WaveformLoader::Generations> m_generations;
+    std::shared_ptr<const WaveformGenerations> m_generations;
     int m_watchdogMs;
-    PerDeck<std::optional<Request>> m_waiting;
-    Request m_current; ///< what m_decoding decodes
+    PerDeck<std::optional<WaveformRequest>> m_waiting;
+    WaveformRequest m_current; ///< what m_decoding decodes
     FileDecoding *m_decoding = nullptr; ///< null = none running
 };
 
@@ -115,8 +104,9 @@ WaveformLoader::WaveformLoader(QObject *parent, int watchdogMs)
     m_thread->setObjectName(u"epr-waveform"_s);
     m_worker->moveToThread(m_thread);
     connect(m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    connect(this, &WaveformLoader::requested, m_worker, &WaveformWorker::analyse, Qt::QueuedConnection);
     // A result may have waited in this thread's queue while a newer request was made.
-    const auto relay = [this](const Request &request, const Envelope &envelope, const QString &error) {
+    const auto relay = [this](const WaveformRequest &request, const Envelope &envelope, const QString &error) {
         if (!request.isNewest(*m_generations))
             return;
         if (!envelope.peak.isEmpty())
@@ -146,8 +136,7 @@ void WaveformLoader::request(int deck, const QString &path)
     const std::optional<Deck> wanted = deckOf(deck);
     if (!wanted)
         return;
-    const Request request { *wanted, path, ++(*m_generations)[*wanted] };
-    QMetaObject::invokeMethod(m_worker, [worker = m_worker, request] { worker->analyse(request); });
+    Q_EMIT requested({ *wanted, path, ++(*m_generations)[*wanted] }, {});
 }
 
 void WaveformLoader::cancel(int deck)
