@@ -4,7 +4,6 @@
 
 #include "hashing.h"
 #include "probe.h"
-#include "proberesult.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,15 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "flacreader.h"
+#include "filebytes.h"
+#include "readers.h"
+#include "tagfields.h"
 
-#include "bytecursor.h"
-#include "checkedmath.h"
-#include "readat.h"
-#include "vorbiscomment.h"
-
-#include <QIODevice>
-
-#include <algorithm>
 #include <optional>
 
 namespace epr {
@@ -63,19 +57,47 @@ void readStreamInfo(QIODevice &device, const Block &block, ProbeResult &result, 
 
 void finish(qint64 audioStart, qint64 fileSize, quint64 totalSamples, ProbeResult &result)
 {
-    result.audioOffset = audioStart;
-    result.audioLength = std::max<qint64>(fileSize - audioStart, 0);
-    result.audioRangeValid = result.audioLength > 0;
+    result.setPayload(audioStart, fileSize);
     if (result.stream.sampleRate > 0)
         result.stream.durationMs = mulDiv(totalSamples, 1000, static_cast<quint64>(result.stream.sampleRate));
     result.stream.bitrateKbps = averageKbps(result.audioLength, result.stream.durationMs);
 }
 
+constexpr TagField commentFields[] {
+    { "TITLE"_L1, storeText<&Tags::title> },     { "ARTIST"_L1, storeText<&Tags::artist> },
+    { "ALBUM"_L1, storeText<&Tags::album> },     { "ALBUMARTIST"_L1, storeText<&Tags::albumArtist> },
+    { "GENRE"_L1, storeText<&Tags::genre> },     { "DATE"_L1, storeYear },
+    { "COMMENT"_L1, storeText<&Tags::comment> }, { "DESCRIPTION"_L1, storeText<&Tags::comment> },
+    { "TRACKNUMBER"_L1, storeTrackOfTotal },
+};
+
+constexpr qsizetype longestKey = 11; // bytes
+
+/// "KEY=value". Keys longer than any known one are passed over unread: their values are cover art more often than not.
+void applyComment(QByteArrayView comment, Tags &tags)
+{
+    const qsizetype equals = comment.indexOf('=');
+    if (equals < 1 || equals > longestKey)
+        return;
+    const QString key = QString::fromUtf8(comment.first(equals)).toUpper();
+    const QString value = cleanTagText(QString::fromUtf8(comment.sliced(equals + 1)));
+    if (!value.isEmpty())
+        storeTag(commentFields, key, value, tags);
+}
+
 } // namespace
+
+void readVorbisComment(QByteArrayView bytes, Tags &tags)
+{
+    ByteCursor cursor(bytes);
+    cursor.skip(cursor.u32le()); // vendor
+    // The count may claim four thousand million; every comment takes four bytes at the least.
+    for (quint32 left = cursor.u32le(); left > 0 && cursor.ok(); --left)
+        applyComment(cursor.take(cursor.u32le()), tags);
+}
 
 bool readFlac(QIODevice &device, ProbeResult &result)
 {
-    result.format = u"FLAC"_s;
     if (readAt(device, 0, 4) != "fLaC")
         return false;
     quint64 totalSamples = 0;
@@ -87,7 +109,7 @@ bool readFlac(QIODevice &device, ProbeResult &result)
         if (block->type == StreamInfo && block->length >= streamInfoSize)
             readStreamInfo(device, *block, result, totalSamples);
         else if (block->type == VorbisComment && block->length <= maxCommentSize)
-            readVorbisComment(readAt(device, block->start, block->length), result);
+            readVorbisComment(readAt(device, block->start, block->length), result.tags);
         position = block->start + block->length;
         if (block->last) {
             finish(position, device.size(), totalSamples, result);

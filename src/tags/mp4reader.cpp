@@ -1,18 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "mp4reader.h"
+#include "filebytes.h"
+#include "id3.h"
+#include "readers.h"
+#include "tagfields.h"
 
-#include "bytecursor.h"
-#include "checkedmath.h"
-#include "id3genres.h"
-#include "readat.h"
-#include "tagtext.h"
-
-#include <QIODevice>
 #include <QList>
 
 #include <algorithm>
-#include <array>
 #include <optional>
 
 namespace epr {
@@ -37,20 +32,18 @@ struct Span {
     qint64 end = 0;
 };
 
-struct ItemField {
-    QByteArrayView type;
-    QString Tags::*field;
-};
-
 /// The copyright sign is the one byte 0xA9.
-constexpr std::array<ItemField, 6> textFields { {
-    { "\251nam", &Tags::title },
-    { "\251ART", &Tags::artist },
-    { "\251alb", &Tags::album },
-    { "aART", &Tags::albumArtist },
-    { "\251gen", &Tags::genre },
-    { "\251cmt", &Tags::comment },
-} };
+constexpr TagField itemFields[] {
+    { "\251nam"_L1, storeText<&Tags::title> },
+    { "\251ART"_L1, storeText<&Tags::artist> },
+    { "\251alb"_L1, storeText<&Tags::album> },
+    { "aART"_L1, storeText<&Tags::albumArtist> },
+    { "\251gen"_L1, storeText<&Tags::genre> },
+    { "gnre"_L1, storeText<&Tags::genre> },
+    { "\251day"_L1, storeYear },
+    { "\251cmt"_L1, storeText<&Tags::comment> },
+    { "trkn"_L1, storeTrack },
+};
 
 /// The atom at position, which must end within end. Nothing when it does not or when its header is cut off.
 std::optional<Atom> readAtom(QIODevice &device, qint64 position, qint64 end)
@@ -99,23 +92,6 @@ void readMovieHeader(QIODevice &device, const Atom &atom, ProbeResult &result)
         result.stream.durationMs = mulDiv(duration, 1000, timescale);
 }
 
-void setPayload(const Atom &atom, ProbeResult &result)
-{
-    result.audioOffset = atom.payload;
-    result.audioLength = std::max<qint64>(atom.end - atom.payload, 0);
-    result.audioRangeValid = result.audioLength > 0;
-}
-
-void readLeaf(QIODevice &device, const Atom &atom, ProbeResult &result)
-{
-    if (atom.type == "ilst")
-        readItemList(device, atom.payload, atom.end, result);
-    else if (atom.type == "mvhd")
-        readMovieHeader(device, atom, result);
-    else if (atom.type == "mdat")
-        setPayload(atom, result);
-}
-
 /// The value in an item's body, which is a "data" atom; nothing when there is none.
 std::optional<QByteArrayView> itemValue(QByteArrayView body)
 {
@@ -127,28 +103,27 @@ std::optional<QByteArrayView> itemValue(QByteArrayView body)
     return present.first(static_cast<qsizetype>(std::clamp<qint64>(declared, 0, present.size())));
 }
 
-void applyItem(QByteArrayView type, QByteArrayView value, ProbeResult &result)
+/// What an item says, as text; nothing when it says nothing that counts.
+std::optional<QString> itemText(QByteArrayView type, QByteArrayView value)
 {
     ByteCursor cursor(value);
     if (type == "gnre") {
         const QString genre = id3Genre(cursor.u16be() - 1); // counted from 1
-        if (!genre.isEmpty())
-            result.tags.genre = genre;
-    } else if (type == "trkn") {
-        if (value.size() >= 4)
-            result.tags.trackNo = cursor.at(2).u16be();
-    } else if (type == "\251day") {
-        result.tags.year = yearOfDate(cleanTagText(QString::fromUtf8(value)));
-    } else if (const auto entry = std::find_if(textFields.begin(), textFields.end(),
-                                               [&](const ItemField &field) { return field.type == type; });
-               entry != textFields.end()) {
-        result.tags.*entry->field = cleanTagText(QString::fromUtf8(value));
+        return genre.isEmpty() ? std::nullopt : std::optional(genre);
     }
+    if (type == "trkn")
+        return value.size() < 4 ? std::nullopt : std::optional(QString::number(cursor.at(2).u16be()));
+    return cleanTagText(QString::fromUtf8(value));
 }
 
-} // namespace
+void applyItem(QByteArrayView type, QByteArrayView value, Tags &tags)
+{
+    if (const std::optional<QString> text = itemText(type, value))
+        storeTag(itemFields, QString::fromLatin1(type), *text, tags);
+}
 
-void readItemList(QIODevice &device, qint64 start, qint64 end, ProbeResult &result)
+/// Reads the items of an "ilst" atom, whose children lie in [start, end).
+void readItemList(QIODevice &device, qint64 start, qint64 end, Tags &tags)
 {
     qint64 position = start;
     for (int count = 0; count < maxBlocks && end - position >= atomHeaderSize; ++count) {
@@ -161,11 +136,22 @@ void readItemList(QIODevice &device, qint64 start, qint64 end, ProbeResult &resu
         const QByteArray body =
             readAt(device, position + atomHeaderSize, std::min(size - atomHeaderSize, itemReadSize));
         if (const std::optional<QByteArrayView> value = itemValue(body))
-            applyItem(type, *value, result);
+            applyItem(type, *value, tags);
         position += size;
     }
 }
 
+void readLeaf(QIODevice &device, const Atom &atom, ProbeResult &result)
+{
+    if (atom.type == "ilst")
+        readItemList(device, atom.payload, atom.end, result.tags);
+    else if (atom.type == "mvhd")
+        readMovieHeader(device, atom, result);
+    else if (atom.type == "mdat")
+        result.setPayload(atom.payload, atom.end);
+}
+
+/// Reads the atoms in [start, end) and in the containers among them.
 void walkAtoms(QIODevice &device, qint64 start, qint64 end, ProbeResult &result)
 {
     // A list of what is still to be walked, and no recursion: the file decides how deep its containers are nested.
@@ -187,9 +173,10 @@ void walkAtoms(QIODevice &device, qint64 start, qint64 end, ProbeResult &result)
     }
 }
 
+} // namespace
+
 bool readMp4(QIODevice &device, ProbeResult &result)
 {
-    result.format = u"MPEG-4 Audio"_s;
     walkAtoms(device, 0, device.size(), result);
     // Coded channel layouts are not looked into; nearly all of a music library is stereo.
     if (result.stream.channels == 0)

@@ -1,27 +1,94 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "mpegreader.h"
-
-#include "bytecursor.h"
-#include "checkedmath.h"
-#include "id3v1.h"
-#include "id3v2.h"
-#include "mpegframeheader.h"
-#include "readat.h"
-
-#include <QIODevice>
+#include "filebytes.h"
+#include "id3.h"
+#include "readers.h"
 
 #include <algorithm>
+#include <array>
 
 namespace epr {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qint64 syncSearchSize = 262144;
 constexpr qint64 apeFooterSize = 32;
 constexpr qsizetype vbriDistance = 36; ///< from the frame's start, whatever its side information takes
+
+/// The four bytes that start an MPEG audio frame (ISO/IEC 11172-3 and 13818-3).
+struct MpegFrameHeader {
+    bool valid = false;
+    int versionId = 0; ///< the two-bit field: 0 = MPEG 2.5, 2 = MPEG 2, 3 = MPEG 1
+    int layer = 0; ///< 1 to 3
+    int bitrateKbps = 0; ///< 0 in a free-format frame
+    int sampleRate = 0; ///< Hz
+    int channels = 0;
+    int frameLength = 0; ///< bytes with the header; 0 in a free-format frame
+    int samplesPerFrame = 0;
+    int sideInfoLength = 0; ///< bytes; the Layer III figure, whatever the layer
+    bool freeFormat = false;
+};
+
+constexpr int mpeg1 = 3;
+constexpr int reservedVersion = 1;
+
+using BitrateRow = std::array<int, 15>;
+
+/// kbit/s by bit-rate index: MPEG 1 Layers I to III, then MPEG 2 and 2.5 Layers I to III.
+constexpr std::array<BitrateRow, 6> bitrates { {
+    { 0, 32, 64, 96, 128, 160, 192, 224, 256, 288, 320, 352, 384, 416, 448 },
+    { 0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384 },
+    { 0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320 },
+    { 0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256 },
+    { 0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160 },
+    { 0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160 },
+} };
+
+/// Hz, three per version id; version id 1 is reserved.
+constexpr std::array<int, 12> sampleRates { 11025, 12000, 8000, 0, 0, 0, 22050, 24000, 16000, 44100, 48000, 32000 };
+
+int bitrateOf(int versionId, int layer, int index)
+{
+    const int row = (versionId == mpeg1 ? 0 : 3) + layer - 1;
+    return bitrates[static_cast<std::size_t>(row)][static_cast<std::size_t>(index)];
+}
+
+/// A frame holds samplesPerFrame / 8 bytes per kbit/s and kHz; Layer I counts in slots of four bytes.
+void setFrameSize(MpegFrameHeader &header, int padding)
+{
+    const int slotBytes = header.layer == 1 ? 4 : 1;
+    header.samplesPerFrame = header.layer == 1 ? 384 : header.layer == 3 && header.versionId != mpeg1 ? 576 : 1152;
+    if (header.freeFormat)
+        return;
+    const int slotsPerSecond = header.samplesPerFrame / 8 / slotBytes * 1000;
+    header.frameLength = (slotsPerSecond * header.bitrateKbps / header.sampleRate + padding) * slotBytes;
+}
+
+/// Parses the first four bytes; not valid when there are fewer or they are no frame header.
+MpegFrameHeader parseMpegFrameHeader(QByteArrayView bytes)
+{
+    if (bytes.size() < 4 || quint8(bytes[0]) != 0xFF || (quint8(bytes[1]) & 0xE0) != 0xE0)
+        return {};
+    const int versionId = quint8(bytes[1]) >> 3 & 3;
+    const int layerBits = quint8(bytes[1]) >> 1 & 3;
+    const int bitrateIndex = quint8(bytes[2]) >> 4;
+    const int sampleRateIndex = quint8(bytes[2]) >> 2 & 3;
+    if (versionId == reservedVersion || layerBits == 0 || bitrateIndex == 15 || sampleRateIndex == 3)
+        return {};
+
+    MpegFrameHeader header;
+    header.valid = true;
+    header.versionId = versionId;
+    header.layer = 4 - layerBits;
+    header.freeFormat = bitrateIndex == 0;
+    header.bitrateKbps = bitrateOf(versionId, header.layer, bitrateIndex);
+    header.sampleRate = sampleRates[static_cast<std::size_t>(versionId * 3 + sampleRateIndex)];
+    header.channels = quint8(bytes[3]) >> 6 == 3 ? 1 : 2;
+    const bool mono = header.channels == 1;
+    header.sideInfoLength = versionId == mpeg1 ? (mono ? 17 : 32) : (mono ? 9 : 17);
+    setFrameSize(header, quint8(bytes[2]) >> 1 & 1);
+    return header;
+}
 
 struct VbrInfo {
     bool found = false;
@@ -46,15 +113,10 @@ qint64 apeTagSize(QByteArrayView footer)
 /// Applies an ID3v1 tag and measures it together with an APE tag in front of it.
 qint64 readTrailingTags(QIODevice &device, ProbeResult &result)
 {
-    qint64 end = device.size();
-    qint64 trailing = 0;
-    if (end > id3v1Size && applyId3v1(readAt(device, end - id3v1Size, id3v1Size), result)) {
-        trailing = id3v1Size;
-        end -= id3v1Size;
-    }
-    if (end > apeFooterSize)
-        trailing += apeTagSize(readAt(device, end - apeFooterSize, apeFooterSize));
-    return trailing;
+    const qint64 id3 = readId3v1(device, result);
+    const qint64 end = device.size() - id3;
+    const qint64 ape = end > apeFooterSize ? apeTagSize(readAt(device, end - apeFooterSize, apeFooterSize)) : 0;
+    return id3 + ape;
 }
 
 /// A header counts when the frame it starts is followed by another one, as far as the buffer can tell.
@@ -135,21 +197,13 @@ void setDuration(const MpegFrameHeader &header, const VbrInfo &vbr, ProbeResult 
     result.stream.bitrateKbps = averageKbps(vbr.bytes == 0 ? result.audioLength : vbr.bytes, result.stream.durationMs);
 }
 
-void setPayload(qint64 start, qint64 end, ProbeResult &result)
-{
-    result.audioOffset = start;
-    result.audioLength = std::max<qint64>(end - start, 0);
-    result.audioRangeValid = result.audioLength > 0;
-}
-
 } // namespace
 
 bool readMpeg(QIODevice &device, ProbeResult &result)
 {
-    result.format = u"MPEG Audio"_s;
     const qint64 tagEnd = readId3v2(device, result);
     const qint64 payloadEnd = device.size() - readTrailingTags(device, result);
-    setPayload(tagEnd, payloadEnd, result);
+    result.setPayload(tagEnd, payloadEnd);
     if (!result.audioRangeValid)
         return false;
 
@@ -164,7 +218,7 @@ bool readMpeg(QIODevice &device, ProbeResult &result)
 
     // The frame that carries the VBR information holds no audio, and encoders rewrite it.
     const VbrInfo vbr = readVbrInfo(frame, header);
-    setPayload(tagEnd + position + (vbr.found ? header.frameLength : 0), payloadEnd, result);
+    result.setPayload(tagEnd + position + (vbr.found ? header.frameLength : 0), payloadEnd);
     if (!result.audioRangeValid)
         return false;
     setDuration(header, vbr, result);

@@ -1,14 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "oggreader.h"
-
-#include "bytecursor.h"
-#include "checkedmath.h"
-#include "readat.h"
-#include "vorbiscomment.h"
+#include "filebytes.h"
+#include "readers.h"
 
 #include <QHash>
-#include <QIODevice>
 #include <QList>
 
 #include <algorithm>
@@ -115,9 +110,9 @@ void applyPacket(const QByteArray &packet, ProbeResult &result, qint32 &granuleR
         result.format = u"Opus"_s;
         granuleRate = opusGranuleRate;
     } else if (packet.startsWith("\x03vorbis")) {
-        readVorbisComment(QByteArrayView(packet).sliced(7), result);
+        readVorbisComment(QByteArrayView(packet).sliced(7), result.tags);
     } else if (packet.startsWith("OpusTags")) {
-        readVorbisComment(QByteArrayView(packet).sliced(8), result);
+        readVorbisComment(QByteArrayView(packet).sliced(8), result.tags);
     }
 }
 
@@ -158,7 +153,6 @@ quint64 lastGranule(QIODevice &device)
 
 bool readOgg(QIODevice &device, ProbeResult &result)
 {
-    result.format = u"Ogg"_s;
     if (readAt(device, 0, 4) != "OggS")
         return false;
     const qint32 granuleRate = readHeaderPackets(device, result);

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metatypes.h"
 #include "probe.h"
-#include "proberesult.h"
 #include "scancontroller.h"
 
 #include "temporarylibrary.h"

@@ -1,13 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "aiffreader.h"
 #include "audiobuilder.h"
-#include "flacreader.h"
-#include "mp4reader.h"
-#include "mpegreader.h"
-#include "oggreader.h"
-#include "proberesult.h"
-#include "wavereader.h"
+#include "readers.h"
 
 #include <QTest>
 

@@ -3,9 +3,28 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QIODevice>
 #include <QtEndian>
 
+#include <algorithm>
+#include <limits>
+
+/// Bytes of a file and the numbers in them, none of which can be believed: every size may be hostile.
 namespace epr {
+
+/// Blocks (chunks, pages, atoms, metadata blocks) that one file is walked for. A day of one-second fragments stays
+/// below it; a file of nothing but empty blocks must not hold a scan up.
+inline constexpr int maxBlocks = 200'000;
+
+/// The bytes at [offset, offset + count) as far as the device has them. The buffer is sized by what is there, so a
+/// length field may be passed as it stands in the file.
+inline QByteArray readAt(QIODevice &device, qint64 offset, qint64 count)
+{
+    const qint64 size = device.size();
+    if (offset < 0 || offset >= size || count <= 0 || !device.seek(offset))
+        return {};
+    return device.read(std::min(count, size - offset));
+}
 
 /// Walks bytes in memory without ever reading past them. Asking for more than is left yields zero or an empty view,
 /// exhausts the cursor and leaves ok() false from then on.
@@ -16,8 +35,8 @@ public:
     {
     }
 
-    [[nodiscard]] bool ok() const { return m_ok; }
-    [[nodiscard]] qsizetype remaining() const { return m_bytes.size() - m_position; }
+    bool ok() const { return m_ok; }
+    qsizetype remaining() const { return m_bytes.size() - m_position; }
 
     /// Moves to an absolute position; returns the cursor so that a field reads as cursor.at(12).u32be().
     ByteCursor &at(qint64 position)
@@ -79,5 +98,30 @@ private:
     qsizetype m_position = 0;
     bool m_ok = true;
 };
+
+/// value * factor / divisor, truncated; 0 (unknown) when the divisor is 0 or the product leaves signed 64 bits, as it
+/// does for a granule position or a duration of all ones.
+constexpr qint64 mulDiv(quint64 value, quint64 factor, quint64 divisor)
+{
+    constexpr quint64 limit = static_cast<quint64>(std::numeric_limits<qint64>::max());
+    if (divisor == 0 || (factor != 0 && value > limit / factor))
+        return 0;
+    return static_cast<qint64>(value * factor / divisor);
+}
+
+/// The value, or 0 (unknown) when it does not fit a non-negative 32-bit integer.
+constexpr qint32 int32OrZero(quint64 value)
+{
+    return value > static_cast<quint64>(std::numeric_limits<qint32>::max()) ? 0 : static_cast<qint32>(value);
+}
+
+/// Average bit rate in kbit/s of so many bytes over so many milliseconds; 0 when unknown.
+constexpr qint32 averageKbps(qint64 bytes, qint64 durationMs)
+{
+    if (bytes <= 0 || durationMs <= 0)
+        return 0;
+    const qint64 kbps = mulDiv(static_cast<quint64>(bytes), 8, static_cast<quint64>(durationMs));
+    return int32OrZero(static_cast<quint64>(kbps));
+}
 
 } // namespace epr

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "probe.h"
+
+#include <QByteArrayView>
+
+class QIODevice;
+
+namespace epr {
+
+// A reader takes the open file and fills in what it finds. It returns false for a file that is not of its format or is
+// too damaged to be of use.
+
+/// MPEG audio (Layers I to III) with ID3v2 and ID3v1 tags. An APE tag at the end is stepped over. False when there is
+/// no payload or no frame in its first 256 KiB.
+[[nodiscard]] bool readMpeg(QIODevice &device, ProbeResult &result);
+
+/// FLAC: stream properties, Vorbis comments and the payload after the last metadata block. False without the
+/// signature at the very start or when the list of metadata blocks is cut off.
+[[nodiscard]] bool readFlac(QIODevice &device, ProbeResult &result);
+
+/// Ogg Vorbis and Opus: the header packets and the duration from the last page. False only when the file is no Ogg
+/// file. There is no payload range: the header packets share pages with audio.
+[[nodiscard]] bool readOgg(QIODevice &device, ProbeResult &result);
+
+/// RIFF WAVE: the format, the INFO list and the "data" chunk, which is the payload. False when there is no such chunk
+/// with anything in it.
+[[nodiscard]] bool readWave(QIODevice &device, ProbeResult &result);
+
+/// AIFF and AIFF-C: the common chunk, name, author and the "SSND" chunk, which holds the payload. False when the
+/// duration stays unknown.
+[[nodiscard]] bool readAiff(QIODevice &device, ProbeResult &result);
+
+/// MPEG-4 audio: duration, tags and the media data as payload; sampleRate stays unknown and channels becomes 2. False
+/// when there is neither a duration nor a payload.
+[[nodiscard]] bool readMp4(QIODevice &device, ProbeResult &result);
+
+/// Applies a Vorbis comment, the tags of FLAC and Ogg, from the length of its vendor text on. Keys are
+/// case-insensitive, a later comment of a kind overwrites an earlier one, and reading ends where the bytes do.
+void readVorbisComment(QByteArrayView bytes, Tags &tags);
+
+struct Format {
+    QLatin1StringView extensions; ///< lower case, parted by single spaces
+    QLatin1StringView name; ///< for the operator; a reader that learns more may say so
+    bool (*read)(QIODevice &device, ProbeResult &result);
+};
+
+/// Every format that can be read.
+inline constexpr Format formats[] {
+    { QLatin1StringView("mp3 mp2"), QLatin1StringView("MPEG Audio"), readMpeg },
+    { QLatin1StringView("flac"), QLatin1StringView("FLAC"), readFlac },
+    { QLatin1StringView("ogg oga opus"), QLatin1StringView("Ogg"), readOgg },
+    { QLatin1StringView("wav wave"), QLatin1StringView("WAVE"), readWave },
+    { QLatin1StringView("aiff aif aifc"), QLatin1StringView("AIFF"), readAiff },
+    { QLatin1StringView("m4a m4b mp4 aac"), QLatin1StringView("MPEG-4 Audio"), readMp4 },
+};
+
+} // namespace epr
