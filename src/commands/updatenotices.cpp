@@ -4,9 +4,9 @@
 
 #include "metadata.h"
 #include "notices.h"
+#include "releasetexts.h"
 #include "settingsstore.h"
 #include "updatedialog.h"
-#include "versioncompare.h"
 
 #include <QAction>
 #include <QScopedValueRollback>

@@ -5,9 +5,9 @@
 #include "displaytext.h"
 #include "keeperpolicy.h"
 #include "metadata.h"
+#include "releasetexts.h"
 #include "settingsdialog.h"
 #include "settingsstore.h"
-#include "versioncompare.h"
 
 #include <QCheckBox>
 #include <QComboBox>

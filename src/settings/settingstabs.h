@@ -3,7 +3,7 @@
 #pragma once
 
 #include "optionstab.h"
-#include "updatesettings.h"
+#include "updatechecker.h"
 
 class QPushButton;
 

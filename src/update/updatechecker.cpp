@@ -3,11 +3,11 @@
 #include "updatechecker.h"
 
 #include "metadata.h"
-#include "versioncompare.h"
-#include "weburl.h"
+#include "releasetexts.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -41,14 +41,14 @@ QNetworkRequest requestTo(const QUrl &service)
     QNetworkRequest request(withRequestItems(service));
     request.setHeader(QNetworkRequest::UserAgentHeader, metadata::userAgent());
     request.setRawHeader("Accept", "application/json");
-    // Otherwise the toolkit offers to unpack, and the limit on the body would hold for its packed form only.
+    // Otherwise Qt offers to unpack, and the limit on the body would hold for its packed form only.
     request.setRawHeader("Accept-Encoding", "identity");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
     return request;
 }
 
-// Empty when the service answered. The toolkit turns every status from 400 into an error with a text of its own; the
-// number says more to whoever runs the service. A redirect that was refused keeps the toolkit's reason.
+// Empty when the service answered. Qt turns every status from 400 into an error with a text of its own; the
+// number says more to whoever runs the service. A redirect that was refused keeps Qt's reason.
 QString failureOf(const QNetworkReply &reply)
 {
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -80,6 +80,50 @@ UpdateChecker::Release releaseFrom(const QJsonObject &answer)
 }
 
 } // namespace
+
+QString UpdateSettings::url() const
+{
+    return m_store.value(settings::updateUrl).trimmed();
+}
+
+QDateTime UpdateSettings::lastChecked() const
+{
+    return m_store.value(settings::lastUpdateCheck).toUTC();
+}
+
+QString UpdateSettings::lastCheckedText() const
+{
+    const QDateTime time = lastChecked();
+    if (!time.isValid())
+        return QCoreApplication::translate("epr::UpdateChecker", "never");
+    return QLocale().toString(time.toLocalTime(),
+                              QCoreApplication::translate("epr::UpdateChecker", "d MMM yyyy, h:mm ap"));
+}
+
+QString UpdateSettings::skippedVersion() const
+{
+    return m_store.value(settings::skippedVersion);
+}
+
+void UpdateSettings::setUrl(const QString &url)
+{
+    m_store.set(settings::updateUrl, url.trimmed());
+}
+
+void UpdateSettings::setLastChecked(const QDateTime &time)
+{
+    m_store.set(settings::lastUpdateCheck, time.toUTC());
+}
+
+void UpdateSettings::setSkippedVersion(const QString &version)
+{
+    m_store.set(settings::skippedVersion, version);
+}
+
+void UpdateSettings::clearSkippedVersion()
+{
+    m_store.remove(settings::skippedVersion);
+}
 
 UpdateChecker::UpdateChecker(QObject *parent)
     : QObject(parent)
@@ -116,7 +160,7 @@ void UpdateChecker::check(bool silent)
 void UpdateChecker::request(const QUrl &service, bool silent)
 {
     QNetworkReply *reply = m_network->get(requestTo(service));
-    // The toolkit stops reading shortly before the buffer is full; at twice the limit an endless body still exceeds it.
+    // Qt stops reading shortly before the buffer is full; at twice the limit an endless body still exceeds it.
     reply->setReadBufferSize(2 * maxBodyBytes);
     connect(reply, &QNetworkReply::readyRead, this, [this, reply, silent] { refuseLongAnswer(reply, silent); });
     connect(reply, &QNetworkReply::finished, this, [this, reply, silent] { handleReply(reply, silent); });

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "updatesettings.h"
+#include "settingsstore.h"
 
+#include <QDateTime>
 #include <QMetaType>
 #include <QObject>
 
@@ -13,6 +14,23 @@ class QNetworkAccessManager;
 class QNetworkReply;
 
 namespace epr {
+
+/// What the update check keeps in the user's settings.
+class UpdateSettings final {
+public:
+    QString url() const; ///< the default address when none was ever stored
+    QDateTime lastChecked() const; ///< UTC; invalid = never
+    QString lastCheckedText() const; ///< local time, or a translated "never"
+    QString skippedVersion() const; ///< empty = none
+
+    void setUrl(const QString &url); ///< trims
+    void setLastChecked(const QDateTime &time);
+    void setSkippedVersion(const QString &version);
+    void clearSkippedVersion();
+
+private:
+    SettingsStore m_store;
+};
 
 /// Asks the update service whether there is a newer release. Every check makes at most one request and ends in exactly
 /// one of the three signals, which carries the flag of its own check; checks may overlap. Nothing is downloaded.
@@ -34,10 +52,10 @@ public:
 
     explicit UpdateChecker(QObject *parent = nullptr);
 
-    [[nodiscard]] QString url() const { return m_url; }
-    [[nodiscard]] bool isDue() const; ///< whether the next automatic check may run
-    [[nodiscard]] QString lastCheckedText() const { return m_settings.lastCheckedText(); }
-    [[nodiscard]] QString skippedVersion() const { return m_settings.skippedVersion(); }
+    QString url() const { return m_url; }
+    bool isDue() const; ///< whether the next automatic check may run
+    QString lastCheckedText() const { return m_settings.lastCheckedText(); }
+    QString skippedVersion() const { return m_settings.skippedVersion(); }
 
     void setUrl(const QString &text); ///< takes effect with the next check and is stored
     void setTimeLimit(std::chrono::milliseconds limit) { m_timeLimit = limit; } ///< for a whole check

@@ -4,8 +4,7 @@
 
 #include "metadata.h"
 #include "notices.h"
-#include "versioncompare.h"
-#include "weburl.h"
+#include "releasetexts.h"
 
 #include <QDesktopServices>
 #include <QDialogButtonBox>
@@ -19,12 +18,6 @@
 namespace epr {
 
 using namespace Qt::StringLiterals;
-
-QDate parseReleaseDate(const QString &text)
-{
-    const QDate day = QDate::fromString(text, Qt::ISODate);
-    return day.isValid() ? day : QDateTime::fromString(text, Qt::ISODate).date();
-}
 
 UpdateDialog::UpdateDialog(const UpdateChecker::Release &release, QWidget *parent)
     : QDialog(parent)

@@ -4,16 +4,12 @@
 
 #include "updatechecker.h"
 
-#include <QDate>
 #include <QDialog>
 
 class QLabel;
 class QVBoxLayout;
 
 namespace epr {
-
-/// The day that the service names, or an invalid date: "2026-11-21", with or without a time of day.
-[[nodiscard]] QDate parseReleaseDate(const QString &text);
 
 /// Presents a release. Every text of the release is shown as plain text and only web addresses are opened, as the
 /// service may be anyone's.

@@ -4,7 +4,7 @@
 #include "metadata.h"
 #include "settingsdialog.h"
 #include "settingsstore.h"
-#include "updatesettings.h"
+#include "updatechecker.h"
 
 #include <QAbstractButton>
 #include <QLabel>

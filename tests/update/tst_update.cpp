@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata.h"
+#include "releasetexts.h"
 #include "updatechecker.h"
 #include "updatedialog.h"
-#include "versioncompare.h"
 
 #include "loopbackserver.h"
 #include "temporarylibrary.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "versioncompare.h"
+#include "releasetexts.h"
 
 #include <QList>
 
@@ -54,6 +54,19 @@ QString displayVersion(const QString &version)
 {
     const QString line = version.simplified();
     return line.size() <= longestShownVersion ? line : line.left(longestShownVersion - 1) + u'\u2026';
+}
+
+QUrl webUrl(const QString &text)
+{
+    const QUrl url(text.trimmed());
+    const bool onTheWeb = url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
+    return onTheWeb && url.isValid() && !url.host().isEmpty() ? url : QUrl();
+}
+
+QDate parseReleaseDate(const QString &text)
+{
+    const QDate day = QDate::fromString(text, Qt::ISODate);
+    return day.isValid() ? day : QDateTime::fromString(text, Qt::ISODate).date();
 }
 
 } // namespace epr
