@@ -40,56 +40,66 @@ class TestHash final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void publishedVectors_data()
+    {
+        QTest::addColumn<QByteArray>("message");
+        QTest::addColumn<QByteArray>("digest");
+        const auto row = [](const char *name, const QByteArray &message, const QByteArray &digest) {
+            QTest::newRow(name) << message << digest;
+        };
+        row("nothing", {}, "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+        row("one block", "abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+        row("padding in a second block", "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+            "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
+        row("a million letters", QByteArray(1000000, 'a'),
+            "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+    }
+
     void publishedVectors()
     {
-        const std::pair<QByteArray, QByteArray> vectors[] {
-            { {}, "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855" },
-            { "abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad" },
-            // The padding takes a second block.
-            { "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
-              "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1" },
-            { QByteArray(1000000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0" },
-        };
+        QFETCH(QByteArray, message);
         epr::Sha256 hash;
-        for (const auto &[message, digest] : vectors) {
-            for (const qsizetype piece : { 63, 1000000 }) {
-                hash.addData("left over from an abandoned file");
-                hash.reset();
-                for (qsizetype at = 0; at < message.size(); at += piece)
-                    hash.addData(QByteArrayView(message).sliced(at, std::min(piece, message.size() - at)));
-                QCOMPARE(hash.result().toHex(), digest);
-                hash.reset();
-            }
+        for (const qsizetype piece : { 63, 1000000 }) {
+            hash.addData("left over from an abandoned file");
+            hash.reset();
+            for (qsizetype at = 0; at < message.size(); at += piece)
+                hash.addData(QByteArrayView(message).sliced(at, std::min(piece, message.size() - at)));
+            QTEST(hash.result().toHex(), "digest");
+            hash.reset();
         }
+    }
+
+    void oneReadingEqualsTwo_data()
+    {
+        QTest::addColumn<qint64>("offset");
+        QTest::addColumn<qint64>("length");
+        QTest::newRow("across three blocks") << block - 1 << block + 2;
+        QTest::newRow("one block") << block << block;
+        QTest::newRow("past the end") << 2 * block << 9 * block;
+        QTest::newRow("beyond the end") << 4 * block << qint64(1);
+        QTest::newRow("no end") << qint64(3) << std::numeric_limits<qint64>::max();
+        QTest::newRow("before the start") << qint64(-5) << qint64(10);
     }
 
     void oneReadingEqualsTwo()
     {
-        const std::pair<qint64, qint64> ranges[] {
-            { block - 1, block + 2 }, // across three blocks
-            { block, block },
-            { 2 * block, 9 * block }, // past the end
-            { 4 * block, 1 }, // beyond the end
-            { 3, std::numeric_limits<qint64>::max() },
-            { -5, 10 },
-        };
+        QFETCH(qint64, offset);
+        QFETCH(qint64, length);
         const QByteArray bytes = someBytes(3 * block + 17);
         const QString path = write(bytes);
-        for (const auto &[offset, length] : ranges) {
-            const QString payload = offset >= 0 ? referenceDigest(bytes.mid(offset, length)) : QString();
-            const QString message = offset < 0 ? u"Cannot seek within %1"_s.arg(path) : QString();
-            QString error;
-            QCOMPARE(epr::hashAudioPayload(path, offset, length, &error), payload);
-            QCOMPARE(error, message);
-            error.clear();
-            const epr::HashRequest both {
-                .whole = true, .payload = true, .payloadOffset = offset, .payloadLength = length
-            };
-            const epr::FileDigests digests = epr::hashFile(path, both, &error);
-            QCOMPARE(digests.whole, referenceDigest(bytes));
-            QCOMPARE(digests.payload, payload);
-            QCOMPARE(error, message);
-        }
+        const QString payload = offset >= 0 ? referenceDigest(bytes.mid(offset, length)) : QString();
+        const QString message = offset < 0 ? u"Cannot seek within %1"_s.arg(path) : QString();
+        QString error;
+        QCOMPARE(epr::hashAudioPayload(path, offset, length, &error), payload);
+        QCOMPARE(error, message);
+        error.clear();
+        const epr::HashRequest both {
+            .whole = true, .payload = true, .payloadOffset = offset, .payloadLength = length
+        };
+        const epr::FileDigests digests = epr::hashFile(path, both, &error);
+        QCOMPARE(digests.whole, referenceDigest(bytes));
+        QCOMPARE(digests.payload, payload);
+        QCOMPARE(error, message);
     }
 
     void offsetsBeyondFourGigabytes()
@@ -101,27 +111,33 @@ private Q_SLOTS:
         QCOMPARE(epr::hashAudioPayload(file.fileName(), offset, 5), referenceDigest("the t"));
     }
 
-    void unreadablePathsSayWhy()
+    void unreadablePathsSayWhy_data()
     {
-        QList<QStringList> paths { { m_dir.path(), u"Cannot read %1: Not a regular file"_s } };
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("a folder") << m_dir.path() << u"Cannot read %1: Not a regular file"_s;
 #ifdef Q_OS_UNIX
         const QString pipe = m_dir.filePath(u"pipe.mp3"_s); // opening it would never return
         QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-        paths << QStringList { pipe, u"Cannot read %1: Not a regular file"_s };
-        paths << QStringList { m_dir.filePath(u"gone.mp3"_s), u"Cannot read %1: No such file or directory"_s };
+        QTest::newRow("a pipe") << pipe << u"Cannot read %1: Not a regular file"_s;
+        QTest::newRow("nothing") << m_dir.filePath(u"gone.mp3"_s) << u"Cannot read %1: No such file or directory"_s;
 #endif
 #ifdef Q_OS_LINUX
         // The process's own memory is a regular file whose first page cannot be read.
-        paths << QStringList { u"/proc/self/mem"_s, u"Read error while hashing %1"_s };
+        QTest::newRow("a bad page") << u"/proc/self/mem"_s << u"Read error while hashing %1"_s;
 #endif
-        for (const QStringList &path : std::as_const(paths)) {
-            QString error;
-            const epr::HashRequest both { .whole = true, .payload = true, .payloadLength = 10 };
-            const epr::FileDigests digests = epr::hashFile(path[0], both, &error);
-            QCOMPARE(digests.whole + digests.payload, QString());
-            QCOMPARE(error, path[1].arg(path[0]));
-            QCOMPARE(epr::quickIdentityHash(path[0]), QString());
-        }
+    }
+
+    void unreadablePathsSayWhy()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, message);
+        QString error;
+        const epr::HashRequest both { .whole = true, .payload = true, .payloadLength = 10 };
+        const epr::FileDigests digests = epr::hashFile(path, both, &error);
+        QCOMPARE(digests.whole + digests.payload, QString());
+        QCOMPARE(error, message.arg(path));
+        QCOMPARE(epr::quickIdentityHash(path), QString());
     }
 
     void raisedStopFlagGivesTheFileUp()
@@ -134,14 +150,20 @@ private Q_SLOTS:
         QVERIFY(!error.isEmpty());
     }
 
+    void quickIdentityTakesBothEnds_data()
+    {
+        QTest::addColumn<qint64>("size");
+        for (const int size : { 1000, 131072, 131073 }) // the last has a byte between its two ends
+            QTest::addRow("%d bytes", size) << qint64(size);
+    }
+
     void quickIdentityTakesBothEnds()
     {
-        for (const qint64 size : { 1000, 131072, 131073 }) {
-            const QByteArray bytes = someBytes(size);
-            const QByteArray tail = size > 131072 ? bytes.last(65536) : QByteArray();
-            QCOMPARE(epr::quickIdentityHash(write(bytes)),
-                     referenceDigest(QByteArray::number(size) + bytes.left(65536) + tail));
-        }
+        QFETCH(qint64, size);
+        const QByteArray bytes = someBytes(size);
+        const QByteArray tail = size > 131072 ? bytes.last(65536) : QByteArray();
+        QCOMPARE(epr::quickIdentityHash(write(bytes)),
+                 referenceDigest(QByteArray::number(size) + bytes.left(65536) + tail));
     }
 
 private:

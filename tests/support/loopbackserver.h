@@ -27,7 +27,8 @@ struct LoopbackServer final {
             QObject::connect(socket, &QTcpSocket::readyRead, m_server.get(), [this, socket] { serve(socket); });
             serve(socket); // a request may have come before anyone listened
         });
-        m_server->listen(QHostAddress::LocalHost);
+        if (!m_server->listen(QHostAddress::LocalHost))
+            qFatal("Cannot listen: %ls", qUtf16Printable(m_server->errorString()));
     }
 
     [[nodiscard]] QString address(const QString &scheme = QStringLiteral("http")) const

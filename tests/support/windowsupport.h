@@ -63,7 +63,8 @@ inline void scan(MainWindow &window, const QString &folder)
 {
     window.addFolder(folder);
     window.onStartScan();
-    QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
+    if (!QTest::qWaitFor([&window] { return !window.isScanning(); }, 60000))
+        qFatal("The scan does not end");
 }
 
 } // namespace epr::test
