@@ -5,13 +5,11 @@
 // an engine and a number of tracks: the whole pass over a synthetic library, in seconds of processor time, and its peak
 // memory, which is why each library has a run of its own. With "index" instead of "pass": how alike the library's
 // unrelated tracks are.
+#include "acousticcomparison.h"
 #include "acousticmatch.h"
-#include "acousticrules.h"
-#include "biterrorrate.h"
-#include "candidaterows.h"
+#include "candidates.h"
 #include "checkpoint.h"
 #include "matchunion.h"
-#include "scanoptions.h"
 #include "stopwatch.h"
 #include "syntheticlibrary.h"
 

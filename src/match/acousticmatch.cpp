@@ -2,20 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "acousticmatch.h"
 
-#include "acousticrules.h"
-#include "candidaterows.h"
+#include "acousticcomparison.h"
+#include "candidates.h"
 #include "checkpoint.h"
 #include "matchunion.h"
-#include "scanoptions.h"
-
-#include <QCoreApplication>
 
 namespace epr {
 
 namespace {
 
-constexpr ProgressSlice finding { 0.7, 0.2, QT_TRANSLATE_NOOP("QObject", "Finding candidate matches") };
-constexpr ProgressSlice comparing { 0.9, 0.1, QT_TRANSLATE_NOOP("QObject", "Comparing acoustic fingerprints") };
 constexpr qint32 rowsPerReport = 1024;
 constexpr qint64 candidatesPerReport = 1024;
 
@@ -30,7 +25,7 @@ CandidateCount countCandidates(CandidateRows &rows, const Checkpoint &checkpoint
 {
     CandidateCount count { 0, std::vector<bool>(static_cast<std::size_t>(rows.trackCount())) };
     for (qint32 track = 0; track < rows.trackCount(); ++track) {
-        if (track % rowsPerReport == 0 && !checkpoint.pass(finding, track, rows.trackCount()))
+        if (track % rowsPerReport == 0 && !checkpoint.pass(acousticprogress::finding, track, rows.trackCount()))
             break;
         const std::size_t found = rows.row(track).size();
         count.total += static_cast<qint64>(found);
@@ -75,7 +70,7 @@ void compareCandidates(CandidateRows &rows, const CandidateCount &count, Compari
         if (!count.inRow[static_cast<std::size_t>(a)])
             continue;
         for (const qint32 b : rows.row(a)) {
-            if (done % candidatesPerReport == 0 && !checkpoint.pass(comparing, done, count.total))
+            if (done % candidatesPerReport == 0 && !checkpoint.pass(acousticprogress::comparing, done, count.total))
                 return;
             comparison.compare(a, b);
             ++done;
@@ -90,7 +85,8 @@ void matchAcoustic(const QList<TrackInfo> &tracks, const ScanOptions &options, c
 {
     const Checkpoint checkpoint(cancelFlag, progress);
     const AcousticRules rules = acousticRules(options);
-    PostingLists lists = rules.chromaprint ? wordPostings(tracks, checkpoint) : halfWordPostings(tracks, checkpoint);
+    PostingLists lists = rules.engine == FingerprintEngine::Fpcalc ? wordPostings(tracks, checkpoint)
+                                                                   : halfWordPostings(tracks, checkpoint);
     if (lists.entries.empty())
         return;
     CandidateRows rows(std::move(lists), tracks.size(), rules.minSharedKeys);

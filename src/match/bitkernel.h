@@ -29,9 +29,9 @@ struct BitKernel {
 };
 
 /// Every kernel that this processor can run, from the portable one to the fastest.
-[[nodiscard]] std::span<const BitKernel> bitKernels();
+std::span<const BitKernel> bitKernels();
 
 /// The fastest of them.
-[[nodiscard]] const BitKernel &bitKernel();
+const BitKernel &bitKernel();
 
 } // namespace epr

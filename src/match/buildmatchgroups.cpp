@@ -3,44 +3,140 @@
 #include "buildmatchgroups.h"
 
 #include "acousticmatch.h"
-#include "exactmatch.h"
-#include "grouping.h"
+#include "keeperpolicy.h"
 #include "matchunion.h"
 #include "metadatamatch.h"
 
 #include <QCoreApplication>
+#include <QHash>
+
+#include <algorithm>
+#include <tuple>
+#include <vector>
 
 namespace epr {
 
 namespace {
 
-constexpr int stepCount = 4;
+/// Where the driver's own progress stands as each pass begins. The acoustic pass comes third and reports for itself.
+enum Step { MatchingFiles = 0, MatchingAudio = 1, MatchingMetadata = 3, Complete = 4 };
 
-void report(const ProgressFn &progress, int step, const char *text)
+void report(const ProgressFn &progress, Step step, const char *text)
 {
     if (progress)
-        progress(step, stepCount, QCoreApplication::translate("QObject", text));
+        progress(step, Complete, QCoreApplication::translate("QObject", text));
 }
 
-void matchIdenticalFiles(const QList<TrackInfo> &tracks, MatchUnion &sets, const ProgressFn &progress)
+/// Links every track to the first one in the list that has the same digest. Tracks without a digest are left out. A
+/// link per track and not per pair: a library may hold thousands of files that are all empty or all silent.
+void linkEqualDigests(const QList<TrackInfo> &tracks, QString TrackInfo::*digest, MatchType type, MatchUnion &sets)
 {
-    report(progress, 0, QT_TRANSLATE_NOOP("QObject", "Matching identical files"));
-    linkEqualDigests(tracks, &TrackInfo::fullHash, MatchType::IdenticalFile, sets);
+    QHash<QStringView, qint32> firstWith;
+    firstWith.reserve(tracks.size());
+    for (qint32 track = 0; track < sets.trackCount(); ++track) {
+        const QString &key = tracks[track].*digest;
+        if (key.isEmpty())
+            continue;
+        const qint32 first = firstWith.value(key, track);
+        if (first == track)
+            firstWith.insert(key, track);
+        else
+            sets.link(first, track, type);
+    }
 }
 
-void matchAudioPayloads(const QList<TrackInfo> &tracks, MatchUnion &sets, const ProgressFn &progress)
+/// How much a match of each type can be relied on, as a fixed figure for the reports: not measured for each group.
+double confidenceOf(MatchType type)
 {
-    report(progress, 1, QT_TRANSLATE_NOOP("QObject", "Matching audio payloads"));
-    linkEqualDigests(tracks, &TrackInfo::audioHash, MatchType::SameAudio, sets);
+    switch (type) {
+    case MatchType::IdenticalFile:
+        return 1.0;
+    case MatchType::SameAudio:
+        return 0.99;
+    case MatchType::SameRecording:
+        return 0.9;
+    default:
+        return 0.65;
+    }
 }
 
-void matchMetadata(const QList<TrackInfo> &tracks, qint32 toleranceMs, MatchUnion &sets, const ProgressFn &progress)
+std::vector<qint32> countMembers(MatchUnion &sets)
 {
-    report(progress, 3, QT_TRANSLATE_NOOP("QObject", "Comparing metadata"));
-    linkEqualSongs(tracks, toleranceMs, sets);
+    std::vector<qint32> countOf(static_cast<std::size_t>(sets.trackCount()));
+    for (qint32 track = 0; track < sets.trackCount(); ++track)
+        ++countOf[static_cast<std::size_t>(sets.findRoot(track))];
+    return countOf;
+}
+
+/// Members and match type only, by lowest track index. Counting first spares the allocations for the many tracks that
+/// are alone.
+QList<MatchGroup> collectSets(MatchUnion &sets)
+{
+    const std::vector<qint32> countOf = countMembers(sets);
+    std::vector<qsizetype> groupOf(countOf.size(), -1);
+    QList<MatchGroup> groups;
+    for (qint32 track = 0; track < sets.trackCount(); ++track) {
+        const auto root = static_cast<std::size_t>(sets.findRoot(track));
+        if (countOf[root] < 2)
+            continue;
+        if (groupOf[root] < 0) {
+            groupOf[root] = groups.size();
+            groups.emplaceBack().members.reserve(countOf[root]);
+        }
+        MatchGroup &group = groups[groupOf[root]];
+        group.members.append(track);
+        group.matchType = leastCertain(group.matchType, sets.method(track));
+    }
+    return groups;
+}
+
+// Paths that the locale finds equal (one may be composed, the other decomposed) still need an order of their own.
+void sortByPath(QList<qint32> &members, const QList<TrackInfo> &tracks)
+{
+    std::sort(members.begin(), members.end(), [&tracks](qint32 a, qint32 b) {
+        const QString &pathA = tracks[a].path;
+        const QString &pathB = tracks[b].path;
+        const int order = QString::localeAwareCompare(pathA, pathB);
+        return order != 0 ? order < 0 : std::tie(pathA, a) < std::tie(pathB, b);
+    });
+}
+
+qint64 bytesWithout(qint32 keep, const QList<qint32> &members, const QList<TrackInfo> &tracks)
+{
+    qint64 bytes = 0;
+    for (const qint32 member : members)
+        bytes += member == keep ? 0 : tracks[member].size;
+    return bytes;
+}
+
+void finishGroup(MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options)
+{
+    sortByPath(group.members, tracks);
+    if (group.matchType == MatchType::Unmatched)
+        group.matchType = MatchType::SameRecording;
+    group.keep = chooseKeeper(group.members, tracks, options);
+    group.reclaimableBytes = bytesWithout(group.keep, group.members, tracks);
+    group.confidence = confidenceOf(group.matchType);
+}
+
+bool comesBefore(const MatchGroup &a, const MatchGroup &b)
+{
+    return a.matchType != b.matchType ? a.matchType < b.matchType : a.reclaimableBytes > b.reclaimableBytes;
 }
 
 } // namespace
+
+QList<MatchGroup> groupSets(MatchUnion &sets, const QList<TrackInfo> &tracks, const ScanOptions &options)
+{
+    QList<MatchGroup> groups = collectSets(sets);
+    for (MatchGroup &group : groups)
+        finishGroup(group, tracks, options);
+    std::stable_sort(groups.begin(), groups.end(), comesBefore);
+    qint32 id = 0;
+    for (MatchGroup &group : groups)
+        group.id = ++id;
+    return groups;
+}
 
 // From the most certain method to the least. Each pass looks at all tracks, also at those already linked: a group takes
 // the type of its weakest link.
@@ -51,16 +147,22 @@ QList<MatchGroup> buildMatchGroups(const QList<TrackInfo> &tracks, const ScanOpt
         return {};
     const auto cancelled = [&cancelFlag] { return cancelFlag.load(std::memory_order_relaxed) != 0; };
     MatchUnion sets(tracks.size());
-    if (options.detectIdentical)
-        matchIdenticalFiles(tracks, sets, progress);
-    if (options.detectSameAudio)
-        matchAudioPayloads(tracks, sets, progress);
+    if (options.detectIdentical) {
+        report(progress, MatchingFiles, QT_TRANSLATE_NOOP("QObject", "Matching identical files"));
+        linkEqualDigests(tracks, &TrackInfo::fullHash, MatchType::IdenticalFile, sets);
+    }
+    if (options.detectSameAudio) {
+        report(progress, MatchingAudio, QT_TRANSLATE_NOOP("QObject", "Matching audio payloads"));
+        linkEqualDigests(tracks, &TrackInfo::audioHash, MatchType::SameAudio, sets);
+    }
     if (options.detectAcoustic && !cancelled())
         matchAcoustic(tracks, options, cancelFlag, progress, sets);
-    if (options.detectMetadata && !cancelled())
-        matchMetadata(tracks, options.metadataTolerance, sets, progress);
+    if (options.detectMetadata && !cancelled()) {
+        report(progress, MatchingMetadata, QT_TRANSLATE_NOOP("QObject", "Comparing metadata"));
+        linkEqualSongs(tracks, options.metadataTolerance, sets);
+    }
     QList<MatchGroup> groups = groupSets(sets, tracks, options);
-    report(progress, 4, QT_TRANSLATE_NOOP("QObject", "Grouping complete"));
+    report(progress, Complete, QT_TRANSLATE_NOOP("QObject", "Grouping complete"));
     return groups;
 }
 

@@ -21,10 +21,9 @@ enum class KeeperPolicy : qint32 {
 };
 
 /// 0 to 12: 3 each for title and artist, 2 for the album, 1 each for album artist, genre, year and track number.
-[[nodiscard]] qint32 tagCompleteness(const TrackInfo &track);
+qint32 tagCompleteness(const TrackInfo &track);
 
 /// The track index of the member to keep, the earliest of equally good ones; -1 if there are no members.
-[[nodiscard]] qint32 chooseKeeper(const QList<qint32> &members, const QList<TrackInfo> &tracks,
-                                  const ScanOptions &options);
+qint32 chooseKeeper(const QList<qint32> &members, const QList<TrackInfo> &tracks, const ScanOptions &options);
 
 } // namespace epr

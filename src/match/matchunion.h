@@ -4,28 +4,55 @@
 
 #include "matchtype.h"
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace epr {
+
+/// The less certain of two match types, where Unmatched gives way to any other.
+inline MatchType leastCertain(MatchType a, MatchType b)
+{
+    const bool oneIsUnmatched = a == MatchType::Unmatched || b == MatchType::Unmatched;
+    return oneIsUnmatched ? std::min(a, b) : std::max(a, b);
+}
 
 /// Disjoint sets of tracks (by index into the scan's track list), joined by the links of all matching passes, with the
 /// least certain match type that touched each track.
 class MatchUnion final {
 public:
-    explicit MatchUnion(qsizetype trackCount);
+    explicit MatchUnion(qsizetype trackCount)
+        : m_nodes(static_cast<std::size_t>(trackCount))
+    {
+        qint32 track = 0;
+        for (Node &each : m_nodes)
+            each.parent = track++;
+    }
 
-    [[nodiscard]] qint32 trackCount() const { return static_cast<qint32>(m_nodes.size()); }
+    qint32 trackCount() const { return static_cast<qint32>(m_nodes.size()); }
 
     /// The largest type of any link that touched the track, or its set while the track stood for the set; Unmatched
     /// if none did.
-    [[nodiscard]] MatchType method(qint32 track) const { return node(track).method; }
+    MatchType method(qint32 track) const { return m_nodes[static_cast<std::size_t>(track)].method; }
 
     /// The track that stands for the track's set. Shortens the path on the way, so that it is not const.
-    [[nodiscard]] qint32 findRoot(qint32 track);
+    qint32 findRoot(qint32 track)
+    {
+        while (node(track).parent != track) {
+            node(track).parent = node(node(track).parent).parent;
+            track = node(track).parent;
+        }
+        return track;
+    }
 
     /// Joins the sets of two tracks and records the type on both and on the joined set's root, also when they were in
     /// one set already.
-    void link(qint32 a, qint32 b, MatchType type);
+    void link(qint32 a, qint32 b, MatchType type)
+    {
+        joinRoots(findRoot(a), findRoot(b));
+        for (const qint32 track : { findRoot(a), a, b })
+            node(track).method = leastCertain(method(track), type);
+    }
 
 private:
     struct Node {
@@ -34,15 +61,20 @@ private:
         MatchType method = MatchType::Unmatched;
     };
 
-    [[nodiscard]] Node &node(qint32 track) { return m_nodes[static_cast<std::size_t>(track)]; }
-    [[nodiscard]] const Node &node(qint32 track) const { return m_nodes[static_cast<std::size_t>(track)]; }
-    void joinRoots(qint32 a, qint32 b);
-    void raiseMethod(qint32 track, MatchType type);
+    Node &node(qint32 track) { return m_nodes[static_cast<std::size_t>(track)]; }
+
+    void joinRoots(qint32 a, qint32 b)
+    {
+        if (a == b)
+            return;
+        if (node(a).rank < node(b).rank)
+            std::swap(a, b);
+        if (node(a).rank == node(b).rank)
+            ++node(a).rank;
+        node(b).parent = a;
+    }
 
     std::vector<Node> m_nodes;
 };
-
-/// The less certain of two match types, where Unmatched gives way to any other.
-[[nodiscard]] MatchType leastCertain(MatchType a, MatchType b);
 
 } // namespace epr

@@ -10,10 +10,10 @@ class MatchUnion;
 
 /// The words of an artist or title that copies of one song share: lower-case ASCII letters, digits and single spaces,
 /// without bracketed remarks that name a version ("(Live)", "[2009 Remaster]") and without a leading "the ".
-[[nodiscard]] QString normaliseForMatch(const QString &text);
+QString normaliseForMatch(const QString &text);
 
 /// Normalised artist, U+001F, normalised title.
-[[nodiscard]] QString metadataKey(const TrackInfo &track);
+QString metadataKey(const TrackInfo &track);
 
 /// Links the tracks that carry the same song by their tags and whose durations differ by at most toleranceMs. A track
 /// of unknown duration matches every other track of its song.

@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "acousticcomparison.h"
 #include "acousticmatch.h"
-#include "acousticrules.h"
 #include "bitkernel.h"
-#include "candidaterows.h"
+#include "candidates.h"
 #include "checkpoint.h"
 #include "matchunion.h"
-#include "scanoptions.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -165,6 +164,7 @@ class TestAcoustic final : public QObject {
 private Q_SLOTS:
     void kernelsCountAlike();
     void pairs();
+    void durations_data();
     void durations();
     void candidatesAndLinks();
 };
@@ -232,21 +232,28 @@ void TestAcoustic::pairs()
     QVERIFY(outcomes[0] > 4000 && outcomes[1] > 4000);
 }
 
-void TestAcoustic::durations()
+void TestAcoustic::durations_data()
 {
     constexpr qint64 fivePercent = 461168601842738790; // of the longest, rounded down
-    const std::tuple<qint64, qint64, qint32, bool> rows[] {
-        { 180000, 189000, 5, true },
-        { 133, 126, 5, false }, // by a fraction of a millisecond
-        { longest, -1, -5, true }, // negative is unknown
-        { 1, longest, 100, true },
-        { longest, longest - fivePercent, 5, true },
-        { longest, longest - fivePercent - 1, 5, false },
-    };
-    for (const auto &[a, b, tolerance, agree] : rows) {
-        QCOMPARE(epr::durationsAgree(a, b, tolerance), agree);
-        QCOMPARE(epr::durationsAgree(b, a, tolerance), agree);
-    }
+    QTest::addColumn<qint64>("a");
+    QTest::addColumn<qint64>("b");
+    QTest::addColumn<qint32>("tolerance");
+    QTest::addColumn<bool>("agree");
+    QTest::newRow("just within") << qint64(180000) << qint64(189000) << 5 << true;
+    QTest::newRow("a fraction of a millisecond too much") << qint64(133) << qint64(126) << 5 << false;
+    QTest::newRow("negative is unknown") << longest << qint64(-1) << -5 << true;
+    QTest::newRow("all of it") << qint64(1) << longest << 100 << true;
+    QTest::newRow("longest, just within") << longest << longest - fivePercent << 5 << true;
+    QTest::newRow("longest, too much") << longest << longest - fivePercent - 1 << 5 << false;
+}
+
+void TestAcoustic::durations()
+{
+    QFETCH(const qint64, a);
+    QFETCH(const qint64, b);
+    QFETCH(const qint32, tolerance);
+    QTEST(epr::durationsAgree(a, b, tolerance), "agree");
+    QTEST(epr::durationsAgree(b, a, tolerance), "agree");
 }
 
 void TestAcoustic::candidatesAndLinks()

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "buildmatchgroups.h"
-#include "grouping.h"
 #include "keeperpolicy.h"
 #include "matchunion.h"
 #include "metadatamatch.h"
@@ -13,6 +12,7 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using epr::KeeperPolicy;
 using epr::MatchGroup;
 using epr::MatchType;
 using epr::MatchUnion;
@@ -122,7 +122,7 @@ private Q_SLOTS:
         tracks[8].tags.artist = tracks[10].tags.artist = u"Abba"_s;
         tracks[8].tags.title = tracks[10].tags.title = u"Waterloo"_s;
         ScanOptions options;
-        options.keeperPolicy = static_cast<qint32>(epr::KeeperPolicy::LargestFile);
+        options.keeperPolicy = static_cast<qint32>(KeeperPolicy::LargestFile);
         options.detectMetadata = true;
         const QList<MatchGroup> expected {
             { 1, MatchType::IdenticalFile, { 6, 7 }, 6, 1.0, 1 },
@@ -160,36 +160,56 @@ private Q_SLOTS:
         }
     }
 
-    void betterCopyIsKept()
+    void betterCopyIsKept_data()
     {
-        const auto keeps = [](const char *name, qint32 policy, auto change) {
-            QList<TrackInfo> tracks(2, track(u"C:/m/x.mp3"_s, 10));
-            change(tracks[0], tracks[1]);
-            ScanOptions options;
-            options.keeperPolicy = policy;
-            // The second copy is the one to keep, wherever it stands.
-            QVERIFY2(epr::chooseKeeper({ 0, 1 }, tracks, options) == 1, name);
-            QVERIFY2(epr::chooseKeeper({ 1, 0 }, tracks, options) == 1, name);
+        QTest::addColumn<KeeperPolicy>("policy");
+        QTest::addColumn<TrackInfo>("worse");
+        QTest::addColumn<TrackInfo>("better");
+        const auto row = [](const char *name, KeeperPolicy policy, auto change) {
+            TrackInfo worse = track(u"C:/m/x.mp3"_s, 10);
+            TrackInfo better = worse;
+            change(worse, better);
+            QTest::newRow(name) << policy << worse << better;
         };
         const auto time = [](qint64 ms) { return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC); };
-        keeps("bit rate before size", 0, [](auto &a, auto &b) { a.size = 11, b.stream.bitrateKbps = 320; });
-        keeps("equal bit rates keep the larger file", 0, [](auto &, auto &b) { b.size = 11; });
-        keeps("a known duration beats none", 1, [](auto &a, auto &b) { a.size = 11, b.stream.durationMs = 1; });
-        keeps("the larger file", 2, [](auto &a, auto &b) { a.stream.bitrateKbps = 320, b.size = 11; });
-        keeps("the last listed format", 3, [](auto &a, auto &b) { a.suffix = u"aif"_s, b.suffix = u"wma"_s; });
-        keeps("the shallower folder", 4,
-              [](auto &a, auto &b) { a.path = u"C:\\a\\b\\x"_s, b.path = u"C:/a/longer"_s; });
-        keeps("equal depth keeps the shorter path", 4,
-              [](auto &a, auto &b) { a.path = u"C:/aa"_s, b.path = u"C:/b"_s; });
-        keeps("the older file", 5, [&](auto &a, auto &b) { a.mtime = time(0), b.mtime = time(-1); });
-        keeps("an unknown time is not the oldest", 5, [&](auto &, auto &b) { b.mtime = time(99); });
-        keeps("the newer file", 6, [&](auto &a, auto &b) { a.mtime = time(-1), b.mtime = time(0); });
-        keeps("an unknown time is not the newest", 6, [&](auto &, auto &b) { b.mtime = time(-1); });
-        keeps("tags are weighed", 7, [](auto &a, auto &b) {
+        row("bit rate before size", KeeperPolicy::HighestBitrate,
+            [](auto &a, auto &b) { a.size = 11, b.stream.bitrateKbps = 320; });
+        row("equal bit rates keep the larger file", KeeperPolicy::HighestBitrate, [](auto &, auto &b) { b.size = 11; });
+        row("a known duration beats none", KeeperPolicy::LongestDuration,
+            [](auto &a, auto &b) { a.size = 11, b.stream.durationMs = 1; });
+        row("the larger file", KeeperPolicy::LargestFile,
+            [](auto &a, auto &b) { a.stream.bitrateKbps = 320, b.size = 11; });
+        row("the last listed format", KeeperPolicy::PreferredFormat,
+            [](auto &a, auto &b) { a.suffix = u"aif"_s, b.suffix = u"wma"_s; });
+        row("the shallower folder", KeeperPolicy::ShallowestFolder,
+            [](auto &a, auto &b) { a.path = u"C:\\a\\b\\x"_s, b.path = u"C:/a/longer"_s; });
+        row("equal depth keeps the shorter path", KeeperPolicy::ShallowestFolder,
+            [](auto &a, auto &b) { a.path = u"C:/aa"_s, b.path = u"C:/b"_s; });
+        row("the older file", KeeperPolicy::OldestFile,
+            [&](auto &a, auto &b) { a.mtime = time(0), b.mtime = time(-1); });
+        row("an unknown time is not the oldest", KeeperPolicy::OldestFile,
+            [&](auto &, auto &b) { b.mtime = time(99); });
+        row("the newer file", KeeperPolicy::NewestFile,
+            [&](auto &a, auto &b) { a.mtime = time(-1), b.mtime = time(0); });
+        row("an unknown time is not the newest", KeeperPolicy::NewestFile,
+            [&](auto &, auto &b) { b.mtime = time(-1); });
+        row("tags are weighed", KeeperPolicy::MostCompleteTags, [](auto &a, auto &b) {
             a.tags.title = a.tags.artist = a.tags.comment = u"x"_s, a.tags.trackNo = 1;
             b.tags.title = b.tags.album = b.tags.albumArtist = b.tags.genre = b.tags.year = u"x"_s;
         });
-        keeps("equal tags keep the higher bit rate", 7, [](auto &, auto &b) { b.stream.bitrateKbps = 1; });
+        row("equal tags keep the higher bit rate", KeeperPolicy::MostCompleteTags,
+            [](auto &, auto &b) { b.stream.bitrateKbps = 1; });
+    }
+
+    void betterCopyIsKept()
+    {
+        QFETCH(const KeeperPolicy, policy);
+        QFETCH(const TrackInfo, worse);
+        QFETCH(const TrackInfo, better);
+        ScanOptions options;
+        options.keeperPolicy = static_cast<qint32>(policy);
+        QCOMPARE(epr::chooseKeeper({ 0, 1 }, { worse, better }, options), 1);
+        QCOMPARE(epr::chooseKeeper({ 0, 1 }, { better, worse }, options), 0);
     }
 
     void equalCopiesKeepTheFirst()

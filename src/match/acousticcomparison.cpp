@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "biterrorrate.h"
+#include "acousticcomparison.h"
 
 #include "bitkernel.h"
 
@@ -14,8 +14,16 @@ namespace epr {
 namespace {
 
 constexpr qsizetype bitsPerWord = 32;
-constexpr qsizetype shortestComparable = 8; // words
-constexpr qsizetype leastTrustedBits = 4; // per word
+
+// Both engines make a word of every 1365 samples at 11025 Hz, that is 8.08 in a second. Lengths are chosen as seconds
+// of music.
+constexpr qsizetype wordsPerSecond = 8;
+
+constexpr qsizetype shortestMatched = 5 * wordsPerSecond; // what is shorter is a jingle's length, and matches by chance
+constexpr qsizetype shortestUnshifted = 1 * wordsPerSecond;
+constexpr qsizetype shortestFiltered = 5 * wordsPerSecond; // shorter beginnings say too little to reject a pair
+constexpr qsizetype shortestFilterOverlap = 4 * wordsPerSecond;
+constexpr qsizetype leastTrustedBits = 4; // per word: an eighth of its bits
 
 // Words between two looks at whether an offset can still win: a division's worth of counting, and a small part of an
 // overlap.
@@ -52,7 +60,8 @@ double ratio(qint64 part, qint64 whole)
     return static_cast<double>(part) / static_cast<double>(whole);
 }
 
-/// An offset that scores this or more changes nothing. Not a number as ceiling sets no bound.
+/// An offset that scores this or more changes nothing, so that counting can stop there. A ceiling that is not a number
+/// compares with nothing; the best score so far is then the only bound.
 double boundFor(double best, double ceiling)
 {
     return std::min(best, std::nextafter(ceiling, std::numeric_limits<double>::infinity()));
@@ -118,6 +127,11 @@ std::optional<double> smallestMaskedScore(const MaskedWords &a, const MaskedWord
     return best;
 }
 
+double berAtOffset(Words a, Words b, qsizetype start, qsizetype offset, qsizetype count)
+{
+    return ratio(bitKernel().differing(a.data() + start, b.data() + start + offset, count), bitsPerWord * count);
+}
+
 } // namespace
 
 double berAligned(Words a, Words b, const OffsetSearch &search)
@@ -125,7 +139,7 @@ double berAligned(Words a, Words b, const OffsetSearch &search)
     const qsizetype shorter = std::min(lengthOf(a), lengthOf(b));
     if (shorter >= search.minOverlap)
         return smallestBer(a, b, search);
-    return shorter >= shortestComparable ? berOf(a.data(), b.data(), shorter, 1.0) : 1.0;
+    return shorter >= shortestUnshifted ? berOf(a.data(), b.data(), shorter, 1.0) : 1.0;
 }
 
 double berMasked(const MaskedWords &a, const MaskedWords &b, const OffsetSearch &search)
@@ -134,6 +148,84 @@ double berMasked(const MaskedWords &a, const MaskedWords &b, const OffsetSearch 
         if (const std::optional<double> score = smallestMaskedScore(a, b, search))
             return *score;
     return smallestBer(a.words, b.words, search);
+}
+
+// Words of strangers differ in half of their bits. A prefilter passes what its few offsets, some seconds apart, may
+// have missed: with the default thresholds, up to 0.43 for built-in words and 0.24 for those of fpcalc, whose copies
+// differ less. Half-words are shared by chance more easily than whole words are, but survive in fewer copies, hence
+// three keys against five.
+AcousticRules acousticRules(const ScanOptions &options)
+{
+    if (options.fingerprintEngine == FingerprintEngine::Fpcalc)
+        return { .engine = FingerprintEngine::Fpcalc,
+                 .minSharedKeys = 5,
+                 .threshold = options.chromaprintThreshold,
+                 .prefilterMargin = 0.12,
+                 .prefilterPrefix = 20 * wordsPerSecond,
+                 .prefilterStep = 5 * wordsPerSecond / 2,
+                 .search = { 5 * wordsPerSecond, 10 * wordsPerSecond, options.chromaprintThreshold } };
+    return { .engine = FingerprintEngine::BuiltIn,
+             .minSharedKeys = 3,
+             .threshold = options.threshold,
+             .prefilterMargin = 0.18,
+             .prefilterPrefix = 25 * wordsPerSecond,
+             .prefilterStep = 3 * wordsPerSecond,
+             .search = { 6 * wordsPerSecond, 5 * wordsPerSecond, options.threshold } };
+}
+
+bool isLongEnoughToCompare(const Fingerprint &fingerprint)
+{
+    return fingerprint.words.size() >= shortestMatched;
+}
+
+// The difference in hundredths may be no more than the longer duration in as many percent. Durations come from files
+// and may be near the end of the 64-bit range, so the longer one is divided before it is multiplied; whole numbers lose
+// nothing by that, since a whole difference exceeds a fraction exactly if it exceeds its whole part.
+bool durationsAgree(qint64 aMs, qint64 bMs, qint32 tolerancePercent)
+{
+    if (aMs <= 0 || bMs <= 0)
+        return true;
+    if (tolerancePercent < 0 || tolerancePercent >= 100)
+        return tolerancePercent > 0; // two known durations always differ by less than the longer one
+    const auto [shorter, longer] = std::minmax(aMs, bMs);
+    const qint64 allowed = longer / 100 * tolerancePercent + longer % 100 * tolerancePercent / 100;
+    return longer - shorter <= allowed;
+}
+
+bool acousticPrefilter(Words a, Words b, const AcousticRules &rules)
+{
+    if (a.empty() || b.empty())
+        return false;
+    const qsizetype length = std::min({ lengthOf(a), lengthOf(b), rules.prefilterPrefix });
+    if (length < shortestFiltered)
+        return true;
+    const double limit = rules.threshold + rules.prefilterMargin;
+    double best = 1.0;
+    for (const qsizetype steps : { 0, -1, 1, -2, 2 }) {
+        const qsizetype offset = steps * rules.prefilterStep;
+        const qsizetype start = std::max<qsizetype>(0, -offset);
+        const qsizetype count = std::min(length, lengthOf(b) - offset) - start;
+        if (count >= shortestFilterOverlap)
+            best = std::min(best, berAtOffset(a, b, start, offset, count));
+        if (best <= limit)
+            return true;
+    }
+    return false;
+}
+
+bool sameRecording(const TrackInfo &a, const TrackInfo &b, const AcousticRules &rules)
+{
+    const Fingerprint &first = a.fingerprint;
+    const Fingerprint &second = b.fingerprint;
+    if (!acousticPrefilter(first.words, second.words, rules))
+        return false;
+    if (rules.engine == FingerprintEngine::Fpcalc)
+        return berAligned(first.words, second.words, rules.search) <= rules.threshold;
+    const MaskedWords primary { first.words, first.mask };
+    if (berMasked(primary, { second.words, second.mask }, rules.search) <= rules.threshold)
+        return true;
+    return !second.alternative.isEmpty()
+        && berMasked(primary, { second.alternative, second.alternativeMask }, rules.search) <= rules.threshold;
 }
 
 } // namespace epr

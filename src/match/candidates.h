@@ -2,11 +2,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "postinglists.h"
+#include "trackinfo.h"
 
 #include <span>
+#include <vector>
 
 namespace epr {
+
+class Checkpoint;
+
+/// Which tracks share a key of their fingerprints: for each key that two or more tracks have, but no more than
+/// maxPostingLength, the ascending indexes of these tracks. All lists lie in one array, one behind the other, with
+/// endFlag added to the last entry of each.
+struct PostingLists {
+    static constexpr quint32 endFlag = 1U << 31;
+
+    std::vector<quint32> entries;
+};
+
+/// The most tracks that may share a key, by the number of all tracks; a key more common than that says nothing.
+qsizetype maxPostingLength(qsizetype trackCount);
+
+/// Keys are the halves of up to about 400 words per track. Built-in words are too noisy to agree in all bits.
+PostingLists halfWordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint);
+
+/// Keys are all the words of a track.
+PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint);
 
 /// Finds, for one track after the other, the later tracks that share enough keys with it. Counting a row at a time
 /// keeps the memory proportional to the tracks, where a count per pair would be quadratic: by chance alone nearly every
@@ -16,10 +37,10 @@ public:
     /// A row names the tracks that share at least minSharedKeys keys, which is at most 255.
     CandidateRows(PostingLists lists, qsizetype trackCount, int minSharedKeys);
 
-    [[nodiscard]] qint32 trackCount() const { return static_cast<qint32>(m_counts.size()); }
+    qint32 trackCount() const { return static_cast<qint32>(m_counts.size()); }
 
     /// The tracks behind the given one, ascending. Valid until the next call.
-    [[nodiscard]] std::span<const qint32> row(qint32 track);
+    std::span<const qint32> row(qint32 track);
 
 private:
     void indexEntries();

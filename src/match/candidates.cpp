@@ -1,28 +1,24 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "postinglists.h"
+#include "candidates.h"
 
-#include "acousticrules.h"
+#include "acousticcomparison.h"
 #include "checkpoint.h"
 
-#include <QCoreApplication>
-
-#include <algorithm>
 #include <array>
-#include <span>
+#include <bit>
+#include <limits>
 #include <utility>
 
 namespace epr {
 
 namespace {
 
-constexpr const char *indexingText = QT_TRANSLATE_NOOP("QObject", "Indexing fingerprints");
-constexpr ProgressSlice indexingHalfWords { 0.0, 0.7, indexingText };
-constexpr ProgressSlice collectingWords { 0.0, 0.35, indexingText };
-constexpr ProgressSlice sortingWords { 0.35, 0.35, indexingText };
+using namespace acousticprogress;
+
 constexpr qsizetype tracksPerReport = 2048;
 
-/// Visits the tracks with usable fingerprints in list order. False if cancelled.
+/// Visits the tracks with fingerprints long enough to compare in list order. False if cancelled.
 template <typename Visit>
 bool forEachUsable(const QList<TrackInfo> &tracks, const ProgressSlice &slice, const Checkpoint &checkpoint,
                    Visit visit)
@@ -30,7 +26,7 @@ bool forEachUsable(const QList<TrackInfo> &tracks, const ProgressSlice &slice, c
     for (qsizetype track = 0; track < tracks.size(); ++track) {
         if (track % tracksPerReport == 0 && !checkpoint.pass(slice, track, tracks.size()))
             return false;
-        if (hasUsableFingerprint(tracks[track]))
+        if (isLongEnoughToCompare(tracks[track].fingerprint))
             visit(static_cast<quint32>(track), Words(tracks[track].fingerprint.words));
     }
     return true;
@@ -57,7 +53,7 @@ public:
     }
 
     /// Moves the lists that are neither too short nor too long together. The table is used up by that.
-    [[nodiscard]] PostingLists takeLists()
+    PostingLists takeLists()
     {
         std::size_t end = 0;
         for (std::size_t key = 0; key < keyCount; ++key) {
@@ -110,7 +106,7 @@ public:
     [[nodiscard]] bool collect(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
     {
         for (const TrackInfo &track : tracks)
-            if (hasUsableFingerprint(track))
+            if (isLongEnoughToCompare(track.fingerprint))
                 for (const quint32 word : track.fingerprint.words)
                     ++m_ends[bucketOf(word)];
         std::size_t total = 0;
@@ -202,6 +198,85 @@ PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &chec
     if (!words.collect(tracks, checkpoint) || !words.sort(checkpoint))
         return {};
     return sharedWords(words, static_cast<std::size_t>(maxPostingLength(tracks.size())));
+}
+
+CandidateRows::CandidateRows(PostingLists lists, qsizetype trackCount, int minSharedKeys)
+    : m_minSharedKeys(static_cast<quint8>(minSharedKeys))
+    , m_entries(std::move(lists.entries))
+    , m_firstPlace(static_cast<std::size_t>(trackCount) + 1)
+    , m_counts(static_cast<std::size_t>(trackCount))
+    , m_touched(m_counts.size() + 1)
+    , m_reached(m_counts.size() + 1)
+    , m_reachedBits(m_counts.size() / 64 + 1)
+{
+    indexEntries();
+}
+
+/// A counting sort of the entries by track. The last entry of a list has no track behind it to be paired with.
+void CandidateRows::indexEntries()
+{
+    for (const quint32 entry : m_entries)
+        if (entry < PostingLists::endFlag)
+            ++m_firstPlace[entry + 1];
+    for (std::size_t track = 1; track < m_firstPlace.size(); ++track)
+        m_firstPlace[track] += m_firstPlace[track - 1];
+    m_places.resize(m_firstPlace.back());
+    std::vector<std::size_t> next(m_firstPlace.begin(), m_firstPlace.end() - 1);
+    for (std::size_t place = 0; place < m_entries.size(); ++place)
+        if (m_entries[place] < PostingLists::endFlag)
+            m_places[next[m_entries[place]]++] = place;
+}
+
+std::span<const qint32> CandidateRows::row(qint32 track)
+{
+    const auto index = static_cast<std::size_t>(track);
+    m_row.clear();
+    countShared(index);
+    sortReached(index);
+    clearCounts();
+    return m_row;
+}
+
+void CandidateRows::countShared(std::size_t track)
+{
+    for (std::size_t i = m_firstPlace[track]; i < m_firstPlace[track + 1]; ++i) {
+        const quint32 *entry = m_entries.data() + m_places[i];
+        do {
+            ++entry;
+            countEntry(*entry & ~PostingLists::endFlag);
+        } while (*entry < PostingLists::endFlag);
+    }
+}
+
+/// Without branches, which would be mispredicted all the time: a track is always written behind the touched and the
+/// reached ones, and stays there only if it is one of them. Both arrays have room for one more.
+void CandidateRows::countEntry(quint32 track)
+{
+    quint8 &count = m_counts[track];
+    m_touched[m_touchedCount] = track;
+    m_touchedCount += count == 0 ? 1 : 0;
+    m_reached[m_reachedCount] = track;
+    m_reachedCount += count + 1 == m_minSharedKeys ? 1 : 0;
+    count = static_cast<quint8>(count + (count < std::numeric_limits<quint8>::max() ? 1 : 0));
+}
+
+void CandidateRows::sortReached(std::size_t track)
+{
+    if (m_reachedCount == 0)
+        return;
+    for (std::size_t i = 0; i < m_reachedCount; ++i)
+        m_reachedBits[m_reached[i] / 64] |= quint64(1) << m_reached[i] % 64;
+    m_reachedCount = 0;
+    for (std::size_t block = track / 64; block < m_reachedBits.size(); ++block)
+        for (quint64 bits = std::exchange(m_reachedBits[block], 0); bits != 0; bits &= bits - 1)
+            m_row.push_back(static_cast<qint32>(block * 64) + std::countr_zero(bits));
+}
+
+void CandidateRows::clearCounts()
+{
+    for (std::size_t i = 0; i < m_touchedCount; ++i)
+        m_counts[m_touched[i]] = 0;
+    m_touchedCount = 0;
 }
 
 } // namespace epr
