@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// What a digest costs: our SHA-256 beside libcrypto called directly and beside the toolkit's, and the two digests of a
+// What a digest costs: our SHA-256 beside libcrypto called directly and beside Qt's, and the two digests of a
 // file taken in one reading beside two.
 #include "hashing.h"
 #include "sha256.h"
@@ -38,7 +38,7 @@ QByteArray ownDigest(const QByteArray &block)
     return hash.result();
 }
 
-QByteArray toolkitDigest(const QByteArray &block)
+QByteArray qtDigest(const QByteArray &block)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     for (int i = 0; i < blocks; ++i)
@@ -72,15 +72,15 @@ void compareBackends(const QByteArray &block)
 {
     QByteArray own;
     QByteArray evp;
-    QByteArray toolkit;
-    const auto [ownTime, evpTime, toolkitTime] = epr::bench::shortestTimes(
-        7, [&] { own = ownDigest(block); }, [&] { evp = evpDigest(block); }, [&] { toolkit = toolkitDigest(block); });
-    std::printf("SHA-256 of %d MiB in memory: own %.0f MB/s, toolkit %.0f MB/s, own/toolkit %.2f\n", blocks,
-                blocks * 1.048576 / ownTime, blocks * 1.048576 / toolkitTime, toolkitTime / ownTime);
+    QByteArray ofQt;
+    const auto [ownTime, evpTime, qtTime] = epr::bench::shortestTimes(
+        7, [&] { own = ownDigest(block); }, [&] { evp = evpDigest(block); }, [&] { ofQt = qtDigest(block); });
+    std::printf("SHA-256 of %d MiB in memory: own %.0f MB/s, Qt %.0f MB/s, own/Qt %.2f\n", blocks,
+                blocks * 1.048576 / ownTime, blocks * 1.048576 / qtTime, qtTime / ownTime);
     if (!evp.isEmpty())
         std::printf("  libcrypto called directly %.0f MB/s, own/libcrypto %.3f\n", blocks * 1.048576 / evpTime,
                     evpTime / ownTime);
-    std::printf("  digests agree: %s\n", own == toolkit && (evp.isEmpty() || own == evp) ? "yes" : "NO");
+    std::printf("  digests agree: %s\n", own == ofQt && (evp.isEmpty() || own == evp) ? "yes" : "NO");
 }
 
 void compareReadings(const QByteArray &block)

@@ -5,15 +5,16 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QThread>
 
 #include <algorithm>
 #include <limits>
 
-using namespace Qt::StringLiterals;
-
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -25,6 +26,42 @@ bool isTool(const QString &path)
 {
     const QFileInfo info(path);
     return info.isFile() && info.isExecutable();
+}
+
+bool isRunning(const QProcess &process)
+{
+    return process.state() != QProcess::NotRunning;
+}
+
+// In slices, so that a pool that is being destroyed does not sit out a tool that hangs.
+bool waitFor(QProcess &process, bool (QProcess::*event)(int), int waitMs)
+{
+    const QDeadlineTimer deadline(waitMs);
+    while (isRunning(process)) {
+        const qint64 slice = std::min(deadline.remainingTime(), sliceMs);
+        if ((process.*event)(static_cast<int>(slice)))
+            return true;
+        if (deadline.hasExpired() || QThread::currentThread()->isInterruptionRequested())
+            return false;
+    }
+    return false;
+}
+
+/// Adds to output what the tool writes until it ends. False if it hung and had to be killed.
+bool readToEnd(QProcess &process, const ToolRun &run, QByteArray &output)
+{
+    const auto event = run.writesAllTheTime ? &QProcess::waitForReadyRead : &QProcess::waitForFinished;
+    while (isRunning(process)) {
+        if (waitFor(process, event, run.timeouts.waitMs)) {
+            output += process.readAllStandardOutput();
+        } else if (isRunning(process)) {
+            process.kill();
+            process.waitForFinished(run.timeouts.killMs);
+            return false;
+        }
+    }
+    output += process.readAllStandardOutput();
+    return true;
 }
 
 } // namespace
@@ -65,73 +102,21 @@ ToolTimeouts toolTimeouts(int seconds)
     return timeouts;
 }
 
-ToolProcess::ToolProcess(const QString &name, const ToolTimeouts &timeouts)
-    : m_name(name)
-    , m_timeouts(timeouts)
+Result<QByteArray> runTool(const ToolRun &run)
 {
-}
-
-bool ToolProcess::start(const QString &program, const QStringList &arguments)
-{
-    m_process.start(program, arguments, QIODevice::ReadOnly);
-    if (m_process.waitForStarted(m_timeouts.startMs))
-        return true;
-    m_error = u"could not start %1"_s.arg(m_name);
-    return false;
-}
-
-bool ToolProcess::finish(QByteArray &output)
-{
-    while (running()) {
-        if (!waitFor(&QProcess::waitForFinished) && running())
-            return giveUp();
-    }
-    output += m_process.readAllStandardOutput();
-    return true;
-}
-
-bool ToolProcess::readUntilFinished(QByteArray &output)
-{
-    while (running()) {
-        if (waitFor(&QProcess::waitForReadyRead))
-            output += m_process.readAllStandardOutput();
-        else if (running())
-            return giveUp();
-    }
-    output += m_process.readAllStandardOutput();
-    return true;
-}
-
-bool ToolProcess::succeeded()
-{
-    if (m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0)
-        return true;
-    m_error = QString::fromLocal8Bit(m_process.readAllStandardError().trimmed());
-    if (m_error.isEmpty())
-        m_error = u"%1 failed (exit %2)"_s.arg(m_name).arg(m_process.exitCode());
-    return false;
-}
-
-// In slices, so that a pool that is being destroyed does not sit out a tool that hangs.
-bool ToolProcess::waitFor(bool (QProcess::*event)(int))
-{
-    const QDeadlineTimer deadline(m_timeouts.waitMs);
-    while (running()) {
-        const qint64 slice = std::min(deadline.remainingTime(), sliceMs);
-        if ((m_process.*event)(static_cast<int>(slice)))
-            return true;
-        if (deadline.hasExpired() || QThread::currentThread()->isInterruptionRequested())
-            return false;
-    }
-    return false;
-}
-
-bool ToolProcess::giveUp()
-{
-    m_process.kill();
-    m_process.waitForFinished(m_timeouts.killMs);
-    m_error = u"%1 timed out"_s.arg(m_name);
-    return false;
+    QProcess process;
+    process.start(run.program, run.arguments, QIODevice::ReadOnly);
+    if (!process.waitForStarted(run.timeouts.startMs))
+        return failure(u"could not start %1"_s.arg(run.name));
+    QByteArray output;
+    output.reserve(run.expectedBytes);
+    if (!readToEnd(process, run, output))
+        return failure(u"%1 timed out"_s.arg(run.name));
+    if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
+        return output;
+    const QByteArray complaint = process.readAllStandardError().trimmed();
+    return failure(complaint.isEmpty() ? u"%1 failed (exit %2)"_s.arg(run.name).arg(process.exitCode())
+                                       : QString::fromLocal8Bit(complaint));
 }
 
 } // namespace epr

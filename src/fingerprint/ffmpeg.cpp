@@ -8,9 +8,9 @@
 
 #include <algorithm>
 
-using namespace Qt::StringLiterals;
-
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -47,18 +47,20 @@ QList<float> toSamples(const QByteArray &bytes)
 
 } // namespace
 
-DecodedAudio decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request, const ToolTimeouts &timeouts)
+Result<QList<float>> decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request,
+                                          const ToolTimeouts &timeouts)
 {
-    ToolProcess process(toolName(), timeouts);
-    if (!process.start(tool, arguments(request)))
-        return { {}, process.error() };
-    QByteArray bytes;
-    bytes.reserve(expectedBytes(request));
-    if (!process.readUntilFinished(bytes) || !process.succeeded())
-        return { {}, process.error() };
-    if (bytes.size() < bytesPerSample)
-        return { {}, u"ffmpeg produced no audio"_s };
-    return { toSamples(bytes), {} };
+    const Result<QByteArray> bytes = runTool({ .name = toolName(),
+                                               .program = tool,
+                                               .arguments = arguments(request),
+                                               .timeouts = timeouts,
+                                               .writesAllTheTime = true,
+                                               .expectedBytes = expectedBytes(request) });
+    if (!bytes)
+        return failure(bytes.error());
+    if (bytes->size() < bytesPerSample)
+        return failure(u"ffmpeg produced no audio"_s);
+    return toSamples(*bytes);
 }
 
 QString findFfmpeg()
@@ -85,11 +87,11 @@ bool decodeWithFfmpeg(const QString &path, int sampleRate, int seconds, QList<fl
         error = u"ffmpeg not found"_s;
         return false;
     }
-    const DecodedAudio audio = decodeWithFfmpegTool(tool, { path, sampleRate, seconds }, toolTimeouts(seconds));
-    error = audio.error;
-    if (!error.isEmpty())
+    const Result<QList<float>> audio = decodeWithFfmpegTool(tool, { path, sampleRate, seconds }, toolTimeouts(seconds));
+    error = audio ? QString() : audio.error();
+    if (!audio)
         return false;
-    samples = audio.samples;
+    samples = *audio;
     durationMs = sampleRate > 0 ? samples.size() * 1000 / sampleRate : 0;
     return true;
 }

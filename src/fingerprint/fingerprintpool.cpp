@@ -2,16 +2,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fingerprintpool.h"
 
-#include "fingerprintworker.h"
+#include "analyser.h"
+#include "ffmpeg.h"
+#include "fpcalc.h"
+#include "qtdecoder.h"
 
 #include <QEventLoop>
 #include <QThread>
 
 #include <algorithm>
 
-using namespace Qt::StringLiterals;
-
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,6 +23,50 @@ constexpr int defaultSeconds = 120;
 constexpr int joinMs = 5000;
 
 } // namespace
+
+FingerprintWorker::FingerprintWorker(int seconds, bool preferFpcalc)
+    : m_seconds(seconds)
+    , m_preferFpcalc(preferFpcalc)
+{
+}
+
+void FingerprintWorker::process(int id, const QString &path)
+{
+    FingerprintResult result = m_preferFpcalc && hasFpcalc() ? runTool(path) : analyse(path);
+    if (result.fingerprint.words.isEmpty() && result.error.isEmpty())
+        result.error = tr("No decodable audio found");
+    Q_EMIT completed(id, result);
+}
+
+// A file that fails here stays failed: fingerprints of the two engines cannot be compared with each other.
+FingerprintResult FingerprintWorker::runTool(const QString &path) const
+{
+    const FpcalcResult tool = runFpcalc(path, m_seconds);
+    FingerprintResult result;
+    result.fingerprint.words = tool.fingerprint;
+    result.durationMs = tool.durationMs;
+    result.error = tool.error;
+    return result;
+}
+
+FingerprintResult FingerprintWorker::analyse(const QString &path) const
+{
+    FingerprintResult result;
+    Analyser analyser;
+    QList<float> samples;
+    QString error;
+    if (decodeWithFfmpeg(path, analysisRate, m_seconds, samples, result.durationMs, error))
+        analyser.feed(samples.constData(), samples.size());
+    else
+        decodeWithQt(*this, analyser, path, result.durationMs, error);
+    result.fingerprint.words = analyser.main().words();
+    result.fingerprint.mask = analyser.main().masks();
+    result.fingerprint.alternative = analyser.alternative().words();
+    result.fingerprint.alternativeMask = analyser.alternative().masks();
+    if (result.fingerprint.words.isEmpty())
+        result.error = error;
+    return result;
+}
 
 FingerprintPool::FingerprintPool(int threads, int seconds, bool preferFpcalc, QObject *parent)
     : QObject(parent)

@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <charconv>
 
-using namespace Qt::StringLiterals;
-
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -39,7 +39,7 @@ qint64 durationMs(QByteArrayView seconds)
     return ms > -maxDurationMs && ms < maxDurationMs ? static_cast<qint64>(ms) : 0;
 }
 
-// Not the toolkit's conversion, which takes signs.
+// Not Qt's conversion, which takes signs.
 void appendWord(QByteArrayView text, QList<quint32> &words)
 {
     const QByteArrayView digits = text.trimmed();
@@ -72,12 +72,12 @@ FpcalcResult parseFpcalcOutput(QByteArrayView output)
 
 FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds, const ToolTimeouts &timeouts)
 {
-    ToolProcess process(toolName(), timeouts);
-    QByteArray output;
     const QStringList arguments { u"-raw"_s, u"-length"_s, QString::number(std::max(seconds, 1)), path };
-    if (!process.start(tool, arguments) || !process.finish(output) || !process.succeeded())
-        return { {}, 0, process.error() };
-    FpcalcResult result = parseFpcalcOutput(output);
+    const Result<QByteArray> output =
+        runTool({ .name = toolName(), .program = tool, .arguments = arguments, .timeouts = timeouts });
+    if (!output)
+        return { {}, 0, output.error() };
+    FpcalcResult result = parseFpcalcOutput(*output);
     if (result.fingerprint.isEmpty())
         result.error = u"fpcalc produced no fingerprint"_s;
     return result;

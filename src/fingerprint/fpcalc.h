@@ -20,21 +20,20 @@ struct FpcalcResult {
 };
 
 /// Looks for the tool anew: EPR_FPCALC, beside the program, the search path. Empty when there is none.
-[[nodiscard]] QString findFpcalc();
+QString findFpcalc();
 
 /// What findFpcalc() found when the process first asked. Safe to call from any thread.
-[[nodiscard]] QString fpcalcPath();
-[[nodiscard]] bool hasFpcalc();
+QString fpcalcPath();
+bool hasFpcalc();
 
 /// Fingerprints the first seconds of a file, at least one. Blocks the calling thread.
-[[nodiscard]] FpcalcResult runFpcalc(const QString &path, int seconds);
+FpcalcResult runFpcalc(const QString &path, int seconds);
 
 /// The same with a given tool and given patience.
-[[nodiscard]] FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds,
-                                         const ToolTimeouts &timeouts);
+FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds, const ToolTimeouts &timeouts);
 
 /// Reads the raw output format: lines "DURATION=seconds" and "FINGERPRINT=word,word,...". Whatever it does not
 /// understand it skips.
-[[nodiscard]] FpcalcResult parseFpcalcOutput(QByteArrayView output);
+FpcalcResult parseFpcalcOutput(QByteArrayView output);
 
 } // namespace epr

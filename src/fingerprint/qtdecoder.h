@@ -2,14 +2,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QList>
 #include <QString>
+
+class QAudioBuffer;
 
 namespace epr {
 
 class Analyser;
 class FingerprintWorker;
 
-/// Decodes a file with the toolkit's decoder into the analyser, which it resets to the file's rate. Blocks in a local
+/// Decodes a file with Qt's decoder into the analyser, which it resets to the file's rate. Blocks in a local
 /// event loop. durationMs is overwritten when the decoder knows the file's duration, error when something went wrong;
 /// what was fed before that counts.
 void decodeWithQt(const FingerprintWorker &worker, Analyser &analyser, const QString &path, qint64 &durationMs,
@@ -21,7 +24,7 @@ struct QtDecodeLimits {
 };
 
 /// At 48 kHz, whatever the file's rate.
-[[nodiscard]] QtDecodeLimits qtDecodeLimits(int seconds);
+QtDecodeLimits qtDecodeLimits(int seconds);
 
 struct QtDecodeOutcome {
     qint64 frames = 0; ///< decoded
@@ -30,6 +33,10 @@ struct QtDecodeOutcome {
 };
 
 /// The same with given limits.
-[[nodiscard]] QtDecodeOutcome decodeWithQt(const QString &path, const QtDecodeLimits &limits, Analyser &analyser);
+QtDecodeOutcome decodeWithQt(const QString &path, const QtDecodeLimits &limits, Analyser &analyser);
+
+/// Mixes interleaved samples of a buffer down to mono, -1 to 1: the mean of the channels. Empty when the buffer has no
+/// frames or a sample format that is not known here.
+QList<float> monoSamples(const QAudioBuffer &buffer);
 
 } // namespace epr

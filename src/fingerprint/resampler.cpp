@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resampler.h"
 
-#include "analysisparameters.h"
-
 #include <algorithm>
 #include <cmath>
 #include <numbers>

@@ -9,9 +9,13 @@
 
 namespace epr {
 
+/// Hz; what the built-in analysis works at: a quarter of the CD rate, and still far above the highest band. As all its
+/// figures, this one is in every fingerprint of the cache.
+constexpr int analysisRate = 11025;
+
 /// Low-pass filter that makes room for analysisRate: a Blackman-windowed sinc with a gain of 1 at 0 Hz. Empty when the
 /// input rate in Hz needs none.
-[[nodiscard]] std::vector<float> antiAliasTaps(int inputRate);
+std::vector<float> antiAliasTaps(int inputRate);
 
 /// Brings mono samples of any rate to analysisRate. The output depends on the samples alone, not on how they were cut
 /// into blocks, and no block size or rate makes it allocate more than a few blocks.
@@ -27,14 +31,14 @@ public:
 
     /// Fills output from the front and returns how many samples it wrote. Less than the whole output means that more
     /// input is needed.
-    [[nodiscard]] std::size_t read(std::span<float> output);
+    std::size_t read(std::span<float> output);
 
     static constexpr std::size_t maxBlock = 4096;
 
 private:
     void appendFiltered(std::span<const float> block);
     void discardConsumed();
-    [[nodiscard]] double position() const { return static_cast<double>(m_produced) * m_ratio - m_consumed; }
+    double position() const { return static_cast<double>(m_produced) * m_ratio - m_consumed; }
 
     double m_ratio = 1.0;
     std::vector<float> m_taps;

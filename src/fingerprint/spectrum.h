@@ -2,9 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
 #include <vector>
 
 namespace epr {
+
+constexpr int frameLength = 4096; ///< samples, 372 ms; one spectrum bin is 2.7 Hz wide
+constexpr int bandCount = 33; ///< one more than a word has bits: every bit compares two neighbouring bands
 
 struct SpectrumTables;
 
@@ -20,7 +24,7 @@ public:
     void transform(const float *frame);
 
     /// Squared magnitude of a bin from 0 to spectrumBins - 1.
-    [[nodiscard]] double power(int bin) const;
+    double power(int bin) const;
 
 private:
     void load(const float *frame);
@@ -32,5 +36,14 @@ private:
     std::vector<double> m_re;
     std::vector<double> m_im;
 };
+
+using BandEnergies = std::array<double, bandCount>;
+
+/// First bins of the bands, and after them the bin where the last band ends. Logarithmic from 300 Hz to 2000 Hz, where
+/// every codec and every broadcast chain leaves the music alone.
+const std::array<int, bandCount + 1> &bandEdges();
+
+/// Natural logarithm of the power in each band; digital silence has a floor of ln(1e-12).
+BandEnergies bandEnergies(const Spectrum &spectrum);
 
 } // namespace epr

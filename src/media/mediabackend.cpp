@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mediabackend.h"
 
-#include <QString>
+#include <QAudioBuffer>
+#include <QUrl>
 #include <QVersionNumber>
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -45,6 +47,76 @@ bool mediaBackendMisreadsName(const QString &path)
 bool mediaBackendGarbles(const QString &path)
 {
     return path.endsWith(QLatin1StringView(".mp2"), Qt::CaseInsensitive) && usesEarlyFfmpegBackend();
+}
+
+FileDecoding::FileDecoding(Take take, int watchdogMs)
+    : m_take(std::move(take))
+{
+    m_watchdog.setSingleShot(true);
+    m_watchdog.setInterval(watchdogMs);
+    connect(&m_watchdog, &QTimer::timeout, this, [this] { end(End::TimedOut); });
+    connect(&m_decoder, &QAudioDecoder::bufferReady, this, &FileDecoding::readBuffers);
+    connect(&m_decoder, &QAudioDecoder::finished, this, [this] { end(End::Complete); });
+    connect(&m_decoder, qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), this, [this] {
+        if (!m_hasEnded)
+            m_error = m_decoder.errorString();
+        end(End::Failed);
+    });
+}
+
+FileDecoding::End FileDecoding::run(const QString &path)
+{
+    if (!openSource(path))
+        return m_end;
+    m_watchdog.start();
+    m_decoder.start();
+    // Some back-ends report an error before the loop runs, and then nothing more would end it.
+    if (!m_hasEnded)
+        m_loop.exec();
+    m_hasEnded = true;
+    m_durationMs = std::max<qint64>(m_decoder.duration(), 0);
+    m_decoder.stop();
+    return m_end;
+}
+
+// The decoder is stopped only when the loop has ended: inside one of its own signals it may not survive that.
+void FileDecoding::end(End reason)
+{
+    if (!std::exchange(m_hasEnded, true))
+        m_end = reason;
+    m_loop.quit();
+}
+
+// A decoder that cannot start may stay silent until the watchdog bites, as Qt's ffmpeg back-end of Qt 6.4 does
+// for a file that it cannot open, so the file is tried first.
+bool FileDecoding::openSource(const QString &path)
+{
+    if (!m_decoder.isSupported() || mediaBackendGarbles(path)) {
+        m_error = m_decoder.errorString();
+        m_end = End::Impossible;
+        return false;
+    }
+    m_file.setFileName(path);
+    if (!m_file.open(QIODevice::ReadOnly)) {
+        m_error = m_file.errorString();
+        m_end = End::Failed;
+        return false;
+    }
+    if (mediaBackendMisreadsName(path)) {
+        m_decoder.setSourceDevice(&m_file);
+        return true;
+    }
+    m_file.close();
+    m_decoder.setSource(QUrl::fromLocalFile(path));
+    return true;
+}
+
+void FileDecoding::readBuffers()
+{
+    while (!m_hasEnded && m_decoder.bufferAvailable()) {
+        if (!m_take(m_decoder.read()))
+            end(End::Enough);
+    }
 }
 
 } // namespace epr

@@ -2,20 +2,68 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-class QString;
+#include <QAudioDecoder>
+#include <QEventLoop>
+#include <QFile>
+#include <QTimer>
+
+#include <functional>
+
+class QAudioBuffer;
 
 namespace epr {
 
-/// Call first in main(), before the application object exists. Where the toolkit's default media back-end is known to
+/// Call first in main(), before the application object exists. Where Qt's default media back-end is known to
 /// fail on common files, picks the better one, unless the operator has chosen in QT_MEDIA_BACKEND.
 void preferFfmpegMediaBackend();
 
 /// Whether the media back-end in use cannot open a file of this name. It is then given the opened file; other files it
 /// gets by name, because some back-ends go by the suffix.
-[[nodiscard]] bool mediaBackendMisreadsName(const QString &path);
+bool mediaBackendMisreadsName(const QString &path);
 
 /// Whether the media back-end in use takes such a file's audio for something else and makes loud noise of it. It must
 /// not be given the file at all.
-[[nodiscard]] bool mediaBackendGarbles(const QString &path);
+bool mediaBackendGarbles(const QString &path);
+
+/// One decoding of one file with Qt's decoder, from start to end on the thread that runs it.
+class FileDecoding final : public QObject {
+    Q_OBJECT
+
+public:
+    enum class End {
+        Complete,
+        Enough, ///< said who takes the buffers, or end() was called
+        TimedOut,
+        Failed,
+        Impossible, ///< there is no decoder, or none that such a file may be given to
+    };
+
+    using Take = std::function<bool(const QAudioBuffer &buffer)>; ///< false = that was enough
+
+    FileDecoding(Take take, int watchdogMs);
+
+    /// Blocks in a local event loop. What was decoded before an error or before the watchdog bites counts.
+    [[nodiscard]] End run(const QString &path);
+
+    /// Makes run() return; to be called on the same thread, from within the event loop.
+    void end(End reason = End::Enough);
+
+    [[nodiscard]] QString error() const { return m_error; } ///< what the decoder or the file said, or empty
+    [[nodiscard]] qint64 durationMs() const { return m_durationMs; } ///< of the whole file, 0 = the decoder did not say
+
+private:
+    bool openSource(const QString &path);
+    void readBuffers();
+
+    Take m_take;
+    End m_end = End::Complete;
+    bool m_hasEnded = false;
+    QString m_error;
+    qint64 m_durationMs = 0;
+    QFile m_file;
+    QAudioDecoder m_decoder; // after the file, which it may be reading
+    QEventLoop m_loop;
+    QTimer m_watchdog;
+};
 
 } // namespace epr

@@ -106,7 +106,7 @@ private Q_SLOTS:
                                            { twoFrames - 683, 1.0F } }) {
             const QList<float> samples = noise(count, gain);
             const Lists lists = results(analysed(11025, samples));
-            // Element by element: the toolkit compares two empty lists through null pointers, which UBSan reports.
+            // Element by element: Qt compares two empty lists through null pointers, which UBSan reports.
             const auto same = [](const auto &a, const auto &b) { return std::ranges::equal(a, b, std::ranges::equal); };
             const QList<float> shifted = QList<float>(682, 0.0F) + samples.first(count - 1);
             QVERIFY2(same(lists.first(2), slowWords(samples.first(count - 1))), qPrintable(QString::number(count)));

@@ -4,10 +4,8 @@
 #include "audiofixtures.h"
 #include "ffmpeg.h"
 #include "fingerprintpool.h"
-#include "fingerprintworker.h"
 #include "mediabackend.h"
 #include "metatypes.h"
-#include "monosamples.h"
 #include "qtdecoder.h"
 
 #include <QAudioBuffer>
@@ -144,7 +142,7 @@ private Q_SLOTS:
         QVERIFY2(clock.elapsed() < 4000, "the pool sat out its tools");
     }
 
-    void builtInAnalysisFallsBackToTheToolkit()
+    void builtInAnalysisFallsBackToQt()
     {
         QList<FingerprintJob> jobs;
         for (const auto &name : { u"a.mp3"_s, u"undecodable.mp3"_s, u"short.wav"_s, u"undecodable.wav"_s }) {
@@ -163,7 +161,7 @@ private Q_SLOTS:
         QVERIFY(bitErrorRate(results.value(0).fingerprint.words, results.value(1).fingerprint.words.first(36)) < 0.03);
         QCOMPARE(results.value(0).durationMs, 5000);
         QCOMPARE(results.value(2).error, u"No decodable audio found"_s);
-        QCOMPARE(results.value(3).error, u"broken"_s); // what the toolkit decodes is too short, too
+        QCOMPARE(results.value(3).error, u"broken"_s); // what Qt decodes is too short, too
     }
 
     void buffersBecomeMono()
@@ -186,7 +184,7 @@ private Q_SLOTS:
         QCOMPARE(mono(QAudioFormat::Unknown, 1, QList<qint16> { 1, 2 }), QList<float>());
     }
 
-    // ffmpeg decodes and resamples, or the toolkit decodes and our own resampler follows: two roads to the same words.
+    // ffmpeg decodes and resamples, or Qt decodes and our own resampler follows: two roads to the same words.
     void wordsAgreeOnBothRoads()
     {
         const std::tuple<QString, int, QString> files[] {
@@ -208,7 +206,7 @@ private Q_SLOTS:
             const QtDecodeLimits limits { 8 * rate, 15000 };
             QtDecodeOutcome outcome = decodeWithQt(file, limits, analyser);
             if (outcome.error.startsWith("Timed out"_L1)) {
-                qWarning("the toolkit's decoder stood still"); // Qt 6.4's does, once in some hundred files under load
+                qWarning("Qt's decoder stood still"); // Qt 6.4's does, once in some hundred files under load
                 outcome = decodeWithQt(file, limits, analyser);
             }
             QCOMPARE(outcome.error, QString());

@@ -3,7 +3,7 @@
 #include "waveformloader.h"
 
 #include "envelopebuilder.h"
-#include "filedecoding.h"
+#include "mediabackend.h"
 
 #include <QThread>
 
