@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "filemove.h"
 
+#include "fileproblems.h"
 #include "hashing.h"
 #include "nativefile.h"
 #include "sha256.h"
@@ -12,8 +13,6 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QStringList>
-
-#include <optional>
 
 namespace epr {
 
@@ -35,14 +34,16 @@ public:
             QDir().rmdir(*folder);
     }
 
-    [[nodiscard]] bool make(const QString &folder)
+    [[nodiscard]] Result<> make(const QString &folder)
     {
         for (QString missing = folder; !entryExists(missing); missing = QFileInfo(missing).path()) {
             if (!m_made.isEmpty() && m_made.first() == missing) // the top of a drive that is not there
-                return false;
+                return failure({});
             m_made.prepend(missing);
         }
-        return m_made.isEmpty() ? QFileInfo(folder).isDir() : QDir().mkpath(folder);
+        if (m_made.isEmpty() ? QFileInfo(folder).isDir() : QDir().mkpath(folder))
+            return {};
+        return failure(m_made.isEmpty() ? QString() : qt_error_string());
     }
 
     void keep() { m_made.clear(); }
@@ -71,22 +72,29 @@ public:
 
     [[nodiscard]] QString path() const { return m_file.fileName(); }
 
-    /// True only if the copy, read back from its file, is what was read from the original.
-    [[nodiscard]] bool fillFrom(const QString &original)
+    /// Succeeds only if the copy, read back from its file, is what was read from the original.
+    [[nodiscard]] Result<> fillFrom(const QString &original)
     {
         m_made = m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
         if (!m_made)
-            return false;
-        const std::optional<QString> digest = copyContent(original);
-        if (!digest || !nativefile::flushToDisk(m_file))
-            return false;
+            return failure(m_file.errorString());
+        const Result<QString> digest = copyContent(original);
+        if (!digest)
+            return failure(digest.error());
+        if (const Result<> flushed = nativefile::flushToDisk(m_file); !flushed)
+            return flushed;
         m_file.close();
-        return nativefile::copyTimesAndPermissions(original, path()) && hashWholeFile(path()) == *digest;
+        if (const Result<> copied = nativefile::copyTimesAndPermissions(original, path()); !copied)
+            return copied;
+        QString error;
+        if (hashWholeFile(path(), &error) != *digest)
+            return failure(error);
+        return {};
     }
 
-    [[nodiscard]] Outcome putInPlace(const QString &to)
+    [[nodiscard]] Result<Outcome> putInPlace(const QString &to)
     {
-        const Outcome outcome = nativefile::renameWithoutReplacing(path(), to);
+        const Result<Outcome> outcome = nativefile::renameWithoutReplacing(path(), to);
         if (outcome == Outcome::Done)
             m_made = false;
         return outcome;
@@ -94,22 +102,22 @@ public:
 
 private:
     /// The digest of what was written.
-    [[nodiscard]] std::optional<QString> copyContent(const QString &original)
+    [[nodiscard]] Result<QString> copyContent(const QString &original)
     {
         QFile source(original);
         if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-            return std::nullopt;
+            return failure(source.errorString());
         Sha256 hash;
         QByteArray block(blockSize, Qt::Uninitialized);
         qint64 got = 0;
         while ((got = source.read(block.data(), blockSize)) > 0) {
             if (m_file.write(block.constData(), got) != got)
-                return std::nullopt;
+                return failure(writeErrorOf(m_file));
             hash.addData(QByteArrayView(block.constData(), static_cast<qsizetype>(got)));
         }
         const QByteArray digest = hash.result();
         if (got < 0 || digest.isEmpty())
-            return std::nullopt;
+            return failure(got < 0 ? source.errorString() : QString());
         return QString::fromLatin1(digest.toHex());
     }
 
@@ -130,30 +138,33 @@ Stamp stampOf(const QString &path)
     return { info.size(), info.lastModified() };
 }
 
-Outcome copyFile(const QString &from, const QString &to, const Stamp &stamp)
+Result<Outcome> copyFile(const QString &from, const QString &to, const Stamp &stamp)
 {
     TemporaryCopy copy(QFileInfo(to).path());
+    if (const Result<> filled = copy.fillFrom(from); !filled)
+        return failure(filled.error());
     // A file that is being written to while it is copied may be whole in neither place.
-    if (!copy.fillFrom(from) || stampOf(from) != stamp || QFileInfo(copy.path()).size() != stamp.size)
-        return Outcome::Failed;
+    if (stampOf(from) != stamp || QFileInfo(copy.path()).size() != stamp.size)
+        return failure({});
     return copy.putInPlace(to);
 }
 
-Outcome moveByCopying(const QString &from, const QString &to)
+Result<Outcome> moveByCopying(const QString &from, const QString &to)
 {
     if (entryExists(to)) // before copying a large file for nothing
         return Outcome::Occupied;
     const Stamp stamp = stampOf(from);
     const bool isLink = QFileInfo(from).isSymbolicLink();
-    const Outcome outcome = isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp);
+    const Result<Outcome> outcome = isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp);
     if (outcome != Outcome::Done)
         return outcome;
     nativefile::flushFolderToDisk(QFileInfo(to).path());
+    const Result<> removed = nativefile::removeFile(from);
     // Only while the original is still seen to be there is the copy not the last: a network drive may just have gone.
-    if (nativefile::removeFile(from) || !entryExists(from) || stampOf(from) != stamp)
+    if (removed || !entryExists(from) || stampOf(from) != stamp)
         return Outcome::Done;
     static_cast<void>(nativefile::removeFile(to));
-    return Outcome::Failed;
+    return failure(removed.error());
 }
 
 } // namespace
@@ -164,18 +175,20 @@ bool entryExists(const QString &path)
     return info.exists() || info.isSymLink();
 }
 
-MoveOutcome moveFile(const QString &from, const QString &to)
+Result<MoveOutcome> moveFile(const QString &from, const QString &to)
 {
     MadeFolders folders;
-    if (!folders.make(QFileInfo(to).path()))
-        return MoveOutcome::Failed;
-    Outcome outcome = nativefile::renameWithoutReplacing(from, to);
+    if (const Result<> made = folders.make(QFileInfo(to).path()); !made)
+        return failure(made.error());
+    Result<Outcome> outcome = nativefile::renameWithoutReplacing(from, to);
     if (outcome == Outcome::OtherDevice)
         outcome = moveByCopying(from, to);
+    if (!outcome)
+        return failure(outcome.error());
+    if (outcome == Outcome::OtherDevice) // of two places that a look at the file system took for one
+        return failure({});
     if (outcome == Outcome::Occupied)
         return MoveOutcome::Occupied;
-    if (outcome != Outcome::Done)
-        return MoveOutcome::Failed;
     folders.keep();
     return MoveOutcome::Moved;
 }

@@ -2,38 +2,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
+#include "result.h"
 
 #include <optional>
 
 class QFileDevice;
 
-/// What the toolkit cannot promise about files, asked of the operating system itself. Paths are absolute. A symbolic
-/// link is taken as the link, never as its target, unless said otherwise.
+/// What Qt cannot promise about files, asked of the operating system itself. Paths are absolute. A symbolic link is
+/// taken as the link, never as its target, unless said otherwise. What fails does so with the system's reason.
 namespace epr::nativefile {
 
 enum class Outcome {
     Done,
     Occupied, ///< something has the new name already; nothing was changed
     OtherDevice, ///< the new name lies on another file system; nothing was changed
-    Failed,
 };
 
 /// Gives a file another name in one step. Whatever has that name already stays, also when it appeared a moment ago.
-[[nodiscard]] Outcome renameWithoutReplacing(const QString &from, const QString &to);
+[[nodiscard]] Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to);
 
 /// Makes a symbolic link with the very target text and times of an existing one. Never replaces anything.
-[[nodiscard]] Outcome copySymbolicLink(const QString &from, const QString &to);
+[[nodiscard]] Result<Outcome> copySymbolicLink(const QString &from, const QString &to);
 
 /// Gives the file at to the modification time of the one at from, to the full precision of the file system, and as far
-/// as possible its permissions. False if the time could not be set.
-[[nodiscard]] bool copyTimesAndPermissions(const QString &from, const QString &to);
+/// as possible its permissions. Fails if the time could not be set.
+[[nodiscard]] Result<> copyTimesAndPermissions(const QString &from, const QString &to);
 
 /// Removes one file, also a write-protected one where the system makes a difference.
-[[nodiscard]] bool removeFile(const QString &path);
+[[nodiscard]] Result<> removeFile(const QString &path);
 
-/// Waits until the file's content is on the disk and would survive a power cut. False if the disk reports a failure.
-[[nodiscard]] bool flushToDisk(QFileDevice &file);
+/// Waits until the file's content is on the disk and would survive a power cut.
+[[nodiscard]] Result<> flushToDisk(QFileDevice &file);
 
 /// The same for the names in a folder, as far as the system offers it.
 void flushFolderToDisk(const QString &folder);
@@ -46,6 +45,6 @@ struct Identity {
 };
 
 /// Follows symbolic links. Nothing if there is no file or its file system does not tell files apart.
-[[nodiscard]] std::optional<Identity> identityOf(const QString &path);
+std::optional<Identity> identityOf(const QString &path);
 
 } // namespace epr::nativefile

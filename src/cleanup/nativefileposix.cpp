@@ -16,7 +16,12 @@ namespace epr::nativefile {
 
 namespace {
 
-Outcome outcomeOf(int status)
+tl::unexpected<QString> systemFailure()
+{
+    return failure(qt_error_string(errno));
+}
+
+Result<Outcome> outcomeOf(int status)
 {
     if (status == 0)
         return Outcome::Done;
@@ -26,7 +31,7 @@ Outcome outcomeOf(int status)
     case EXDEV:
         return Outcome::OtherDevice;
     default:
-        return Outcome::Failed;
+        return systemFailure();
     }
 }
 
@@ -38,20 +43,20 @@ bool isEmptyFile(const char *path)
 
 // For file systems without hard links. The name is first taken by an empty file, which cannot happen where a file is,
 // and then renamed over: nobody else's file can be in the way.
-Outcome renameOverPlaceholder(const char *from, const char *to)
+Result<Outcome> renameOverPlaceholder(const char *from, const char *to)
 {
     const int placeholder = open(to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (placeholder < 0)
         return outcomeOf(-1);
     close(placeholder);
-    const Outcome outcome = outcomeOf(std::rename(from, to));
+    const Result<Outcome> outcome = outcomeOf(std::rename(from, to));
     if (outcome != Outcome::Done && isEmptyFile(to))
         unlink(to);
     return outcome;
 }
 
 // For file systems that can only rename over what is there.
-Outcome linkAndUnlink(const char *from, const char *to)
+Result<Outcome> linkAndUnlink(const char *from, const char *to)
 {
     if (linkat(AT_FDCWD, from, AT_FDCWD, to, 0) != 0) {
         const bool noHardLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
@@ -59,10 +64,13 @@ Outcome linkAndUnlink(const char *from, const char *to)
     }
     struct stat status = {};
     // Only while the old name is still seen to be there is the new one not the last.
-    if (unlink(from) == 0 || lstat(from, &status) != 0)
+    if (unlink(from) == 0)
+        return Outcome::Done;
+    const auto refusal = systemFailure();
+    if (lstat(from, &status) != 0)
         return Outcome::Done;
     unlink(to);
-    return Outcome::Failed;
+    return refusal;
 }
 
 bool isUnsupported(int error)
@@ -86,7 +94,7 @@ bool copyTimes(const struct stat &source, const char *to)
 
 } // namespace
 
-Outcome renameWithoutReplacing(const QString &from, const QString &to)
+Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to)
 {
     const QByteArray source = QFile::encodeName(from);
     const QByteArray target = QFile::encodeName(to);
@@ -98,48 +106,58 @@ Outcome renameWithoutReplacing(const QString &from, const QString &to)
     return linkAndUnlink(source.constData(), target.constData());
 }
 
-Outcome copySymbolicLink(const QString &from, const QString &to)
+Result<Outcome> copySymbolicLink(const QString &from, const QString &to)
 {
     const QByteArray source = QFile::encodeName(from);
     const QByteArray copy = QFile::encodeName(to);
     std::array<char, PATH_MAX + 1> target = {};
     struct stat status = {};
     const ssize_t length = readlink(source.constData(), target.data(), target.size());
-    if (length < 0 || static_cast<size_t>(length) >= target.size() || lstat(source.constData(), &status) != 0)
-        return Outcome::Failed;
-    const Outcome outcome = outcomeOf(symlink(target.data(), copy.constData()));
+    if (length < 0)
+        return systemFailure();
+    if (static_cast<size_t>(length) >= target.size())
+        return failure(qt_error_string(ENAMETOOLONG));
+    if (lstat(source.constData(), &status) != 0)
+        return systemFailure();
+    const Result<Outcome> outcome = outcomeOf(symlink(target.data(), copy.constData()));
     if (outcome == Outcome::Done)
         static_cast<void>(copyTimes(status, copy.constData())); // a link's own time tells nothing about music
     return outcome;
 }
 
-bool copyTimesAndPermissions(const QString &from, const QString &to)
+Result<> copyTimesAndPermissions(const QString &from, const QString &to)
 {
     const QByteArray copy = QFile::encodeName(to);
     struct stat status = {};
     if (stat(QFile::encodeName(from).constData(), &status) != 0)
-        return false;
+        return systemFailure();
     // Only the administrator may give a file away, and some file systems keep neither owner nor mode.
     const bool owned = chown(copy.constData(), status.st_uid, status.st_gid) == 0;
     const mode_t mode = status.st_mode & (owned ? 07777U : 0777U);
     static_cast<void>(chmod(copy.constData(), mode));
-    return copyTimes(status, copy.constData());
+    if (copyTimes(status, copy.constData()))
+        return {};
+    return systemFailure();
 }
 
-bool removeFile(const QString &path)
+Result<> removeFile(const QString &path)
 {
-    return unlink(QFile::encodeName(path).constData()) == 0;
+    if (unlink(QFile::encodeName(path).constData()) == 0)
+        return {};
+    return systemFailure();
 }
 
-bool flushToDisk(QFileDevice &file)
+Result<> flushToDisk(QFileDevice &file)
 {
-    if (!file.flush() || (fsync(file.handle()) != 0 && !isUnsupported(errno)))
-        return false;
+    if (!file.flush())
+        return failure(file.errorString());
+    if (fsync(file.handle()) != 0 && !isUnsupported(errno))
+        return systemFailure();
 #ifdef POSIX_FADV_DONTNEED
     // Whoever reads the file back to check it wants the disk's answer, not the page cache's.
     posix_fadvise(file.handle(), 0, 0, POSIX_FADV_DONTNEED);
 #endif
-    return true;
+    return {};
 }
 
 void flushFolderToDisk(const QString &folder)

@@ -51,16 +51,21 @@ FileHandle openFile(const QString &path, DWORD access)
                                   FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
-Outcome outcomeOfLastError()
+tl::unexpected<QString> systemFailure(DWORD error)
 {
-    switch (GetLastError()) {
+    return failure(qt_error_string(static_cast<int>(error)));
+}
+
+Result<Outcome> outcomeOfError(DWORD error)
+{
+    switch (error) {
     case ERROR_ALREADY_EXISTS:
     case ERROR_FILE_EXISTS:
         return Outcome::Occupied;
     case ERROR_NOT_SAME_DEVICE:
         return Outcome::OtherDevice;
     default:
-        return Outcome::Failed;
+        return systemFailure(error);
     }
 }
 
@@ -77,52 +82,56 @@ bool copyTimes(const QString &from, const QString &to)
 
 } // namespace
 
-Outcome renameWithoutReplacing(const QString &from, const QString &to)
+Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to)
 {
     if (MoveFileExW(longPath(from).c_str(), longPath(to).c_str(), MOVEFILE_WRITE_THROUGH))
         return Outcome::Done;
-    return outcomeOfLastError();
+    return outcomeOfError(GetLastError());
 }
 
 // Making a symbolic link takes a privilege that few accounts have, so a link does not leave its volume.
-Outcome copySymbolicLink([[maybe_unused]] const QString &from, [[maybe_unused]] const QString &to)
+Result<Outcome> copySymbolicLink([[maybe_unused]] const QString &from, [[maybe_unused]] const QString &to)
 {
-    return Outcome::Failed;
+    return systemFailure(ERROR_PRIVILEGE_NOT_HELD);
 }
 
-bool copyTimesAndPermissions(const QString &from, const QString &to)
+Result<> copyTimesAndPermissions(const QString &from, const QString &to)
 {
     if (!copyTimes(from, to))
-        return false;
+        return systemFailure(GetLastError());
     constexpr DWORD kept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE;
     const DWORD attributes = GetFileAttributesW(longPath(from).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kept) != 0)
         SetFileAttributesW(longPath(to).c_str(), attributes & kept);
-    return true;
+    return {};
 }
 
 // Windows refuses to delete a write-protected file, although it lets it be moved.
-bool removeFile(const QString &path)
+Result<> removeFile(const QString &path)
 {
     const std::wstring name = longPath(path);
     if (DeleteFileW(name.c_str()))
-        return true;
+        return {};
+    const DWORD error = GetLastError();
     const DWORD attributes = GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY) == 0)
-        return false;
+        return systemFailure(error);
     SetFileAttributesW(name.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
     if (DeleteFileW(name.c_str()))
-        return true;
+        return {};
+    const DWORD secondError = GetLastError();
     SetFileAttributesW(name.c_str(), attributes);
-    return false;
+    return systemFailure(secondError);
 }
 
-bool flushToDisk(QFileDevice &file)
+Result<> flushToDisk(QFileDevice &file)
 {
     if (!file.flush())
-        return false;
+        return failure(file.errorString());
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
-    return FlushFileBuffers(handle) || GetLastError() == ERROR_INVALID_FUNCTION;
+    if (FlushFileBuffers(handle) || GetLastError() == ERROR_INVALID_FUNCTION)
+        return {};
+    return systemFailure(GetLastError());
 }
 
 // NTFS journals names by itself and offers no call for one folder.

@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "quarantinerun.h"
 
+#include "cleanup.h"
 #include "filemove.h"
-#include "quarantinepath.h"
-#include "removal.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -13,6 +12,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -39,7 +39,39 @@ QString lastingPath(const QString &path)
     return QDir(info.canonicalPath()).filePath(info.fileName());
 }
 
+QString relativeDestination(const QString &path, const QStringList &scanRoots)
+{
+    for (const QString &root : scanRoots) {
+        const QDir folder(QDir::cleanPath(QDir(root).absolutePath()));
+        const QString relative = folder.relativeFilePath(path);
+        if (!relative.startsWith(".."_L1) && QDir::isRelativePath(relative))
+            return folder.dirName() + u'/' + relative; // the top of a drive has no name
+    }
+    return QFileInfo(path).fileName();
+}
+
+/// "folder/name (2).mp3" for "folder/name.mp3".
+QString numberedPath(const QString &path, int number)
+{
+    const QFileInfo info(path);
+    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    const QString name = u"%1 (%2)%3"_s.arg(info.completeBaseName(), QString::number(number), suffix);
+    return info.path() + u'/' + name;
+}
+
+QString journalMessage(const QString &reason)
+{
+    return QCoreApplication::translate("epr::Cleanup", "the undo journal cannot be written (%1)").arg(reason);
+}
+
 } // namespace
+
+QString quarantineDestination(const QString &path, const QString &runFolder, const QStringList &scanRoots)
+{
+    const QString inside = runFolder + u'/';
+    const QString destination = QDir::cleanPath(inside + relativeDestination(path, scanRoots));
+    return destination.startsWith(inside) ? destination : inside + QFileInfo(path).fileName();
+}
 
 QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots)
     : m_paths(paths)
@@ -49,56 +81,66 @@ QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantine
     m_manifest.quarantineRoot = quarantineRoot;
 }
 
-bool QuarantineRun::move(qsizetype index, qint64 size, QString *error)
+std::optional<CleanupFailure> QuarantineRun::move(qsizetype index, qint64 size)
 {
     const QString &path = m_paths.at(index);
     if (!path.isValidUtf16()) {
-        *error = QCoreApplication::translate("epr::Cleanup", "Could not move %1: an undo could not find it by its name")
-                     .arg(path);
-        return false;
+        return CleanupFailure { QCoreApplication::translate("epr::Cleanup",
+                                                            "Could not move %1: an undo could not find it by its name")
+                                    .arg(path),
+                                {} };
     }
-    if (prepare(index)) {
+    Result<> moved = prepare(index);
+    if (moved) {
         ManifestEntry entry = m_planned.take(index);
         entry.size = size;
-        if (moveAsPlanned(&entry)) {
+        moved = moveAsPlanned(&entry);
+        if (moved) {
             m_manifest.entries.append(entry);
-            return true;
+            return std::nullopt;
         }
     }
-    *error = QCoreApplication::translate("epr::Cleanup", "Could not move %1").arg(path);
-    if (!m_failure.isEmpty())
-        *error += ": "_L1 + m_failure;
-    return false;
+    const QString message = QCoreApplication::translate("epr::Cleanup", "Could not move %1").arg(path);
+    return CleanupFailure { m_failure.isEmpty() ? message : message + ": "_L1 + m_failure, moved.error() };
 }
 
-bool QuarantineRun::prepare(qsizetype index)
+Result<> QuarantineRun::prepare(qsizetype index)
 {
     if (!m_failure.isEmpty())
-        return false;
-    if (m_manifestPath.isEmpty() && !begin())
-        return false;
-    return m_planned.contains(index) || (planFrom(index) && m_planned.contains(index));
+        return failure(m_failure);
+    if (m_manifestPath.isEmpty()) {
+        if (const Result<> begun = begin(); !begun)
+            return begun;
+    }
+    if (!m_planned.contains(index)) {
+        if (const Result<> planned = planFrom(index); !planned)
+            return planned;
+    }
+    return m_planned.contains(index) ? Result<>() : failure({}); // it may have vanished this very moment
 }
 
-bool QuarantineRun::begin()
+Result<> QuarantineRun::begin()
 {
     if (m_manifest.quarantineRoot.isEmpty() || !QDir().mkpath(m_manifest.quarantineRoot)) {
-        return fail(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made")
-                        .arg(m_manifest.quarantineRoot));
+        return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made")
+                          .arg(m_manifest.quarantineRoot));
     }
     const QDateTime now = QDateTime::currentDateTime();
     m_manifest.createdAt = now.toString(Qt::ISODate);
     const QString timestamp = now.toString(u"yyyyMMdd-HHmmss"_s);
-    for (int number = 1; number <= maxRunsPerSecond && m_failure.isEmpty(); ++number) {
-        if (claim(runName(timestamp, number)))
-            return true;
+    for (int number = 1; number <= maxRunsPerSecond; ++number) {
+        const Result<bool> claimed = claim(runName(timestamp, number));
+        if (!claimed)
+            return endRun(claimed.error());
+        if (*claimed)
+            return {};
     }
-    return m_failure.isEmpty() && fail(QCoreApplication::translate("epr::Cleanup", "too many clean-ups at once"));
+    return endRun(QCoreApplication::translate("epr::Cleanup", "too many clean-ups at once"));
 }
 
-// Takes the name for this run alone: journal and folder are made only if they are not there yet. False without a
-// failure means that another run has the name.
-bool QuarantineRun::claim(const QString &runName)
+// Takes the name for this run alone: journal and folder are made only if they are not there yet. False means that
+// another run has the name.
+Result<bool> QuarantineRun::claim(const QString &runName)
 {
     const QString manifestPath = QDir(undoDirectory()).filePath(u"undo-%1.json"_s.arg(runName));
     const QString journalPath = UndoJournal::pathFor(manifestPath);
@@ -107,19 +149,22 @@ bool QuarantineRun::claim(const QString &runName)
         return false;
 
     const QString cannotWrite = QCoreApplication::translate("epr::Cleanup", "no undo manifest can be written (%1)");
-    if (!m_journal.create(journalPath))
-        return !entryExists(journalPath) && fail(cannotWrite.arg(m_journal.errorString()));
-    QString error;
+    if (const Result<> created = m_journal.create(journalPath); !created) {
+        if (entryExists(journalPath))
+            return false;
+        return failure(cannotWrite.arg(created.error()));
+    }
     // Another run may have come and gone since the look at the names.
     if (entryExists(manifestPath) || !QDir().mkdir(runFolder)) {
         m_journal.remove();
-        return !entryExists(manifestPath) && !entryExists(runFolder)
-            && fail(QCoreApplication::translate("epr::Cleanup", "the folder %1 cannot be made").arg(runFolder));
+        if (entryExists(manifestPath) || entryExists(runFolder))
+            return false;
+        return failure(QCoreApplication::translate("epr::Cleanup", "the folder %1 cannot be made").arg(runFolder));
     }
-    if (!writeManifest(manifestPath, m_manifest, &error)) {
+    if (const Result<> written = writeManifest(manifestPath, m_manifest); !written) {
         m_journal.remove();
         QDir().rmdir(runFolder);
-        return fail(cannotWrite.arg(error));
+        return failure(cannotWrite.arg(written.error()));
     }
     m_manifestPath = manifestPath;
     m_runFolder = runFolder;
@@ -127,7 +172,7 @@ bool QuarantineRun::claim(const QString &runName)
 }
 
 /// Chooses where the next files go and has the journal note it down.
-bool QuarantineRun::planFrom(qsizetype first)
+Result<> QuarantineRun::planFrom(qsizetype first)
 {
     const qsizetype end = std::min(first + movesPerJournalWrite, m_paths.size());
     QList<ManifestEntry> moves;
@@ -144,33 +189,31 @@ bool QuarantineRun::planFrom(qsizetype first)
         moves.append({ from, freeDestination(wanted), info.isSymLink() ? 0 : info.size() });
         m_planned.insert(index, moves.last());
     }
-    if (m_journal.appendIntended(moves))
-        return true;
-    return fail(QCoreApplication::translate("epr::Cleanup", "the undo journal cannot be written (%1)")
-                    .arg(m_journal.errorString()));
+    const Result<> noted = m_journal.appendIntended(moves);
+    return noted ? noted : endRun(journalMessage(noted.error()));
 }
 
-bool QuarantineRun::moveAsPlanned(ManifestEntry *entry)
+Result<> QuarantineRun::moveAsPlanned(ManifestEntry *entry)
 {
     for (int tries = 0; tries < maxOccupied; ++tries) {
-        const MoveOutcome outcome = moveFile(entry->from, entry->to);
-        if (outcome != MoveOutcome::Occupied)
-            return outcome == MoveOutcome::Moved;
-        if (!replan(entry))
-            return false;
+        const Result<MoveOutcome> outcome = moveFile(entry->from, entry->to);
+        if (!outcome)
+            return failure(outcome.error());
+        if (*outcome == MoveOutcome::Moved)
+            return {};
+        if (const Result<> replanned = replan(entry); !replanned)
+            return replanned;
     }
-    return false;
+    return failure({});
 }
 
 /// Something took the new name after it was chosen.
-bool QuarantineRun::replan(ManifestEntry *entry)
+Result<> QuarantineRun::replan(ManifestEntry *entry)
 {
     const QString occupied = entry->to;
     entry->to = freeDestination(quarantineDestination(entry->from, m_runFolder, m_scanRoots));
-    if (m_journal.appendReplaced(occupied, *entry))
-        return true;
-    return fail(QCoreApplication::translate("epr::Cleanup", "the undo journal cannot be written (%1)")
-                    .arg(m_journal.errorString()));
+    const Result<> noted = m_journal.appendReplaced(occupied, *entry);
+    return noted ? noted : endRun(journalMessage(noted.error()));
 }
 
 // Thousands of files may want one name. The numbers below the last one given out are not tried again: the run folder is
@@ -186,31 +229,31 @@ QString QuarantineRun::freeDestination(const QString &wanted)
     return candidate;
 }
 
-bool QuarantineRun::fail(const QString &reason)
+Result<> QuarantineRun::endRun(const QString &reason)
 {
     m_failure = reason;
-    return false;
+    return failure(reason);
 }
 
-QString QuarantineRun::finish(QString *error)
+std::optional<CleanupFailure> QuarantineRun::finish()
 {
     if (m_manifestPath.isEmpty())
-        return {};
+        return std::nullopt;
     if (m_manifest.entries.isEmpty()) {
         m_journal.remove();
-        removeManifest(m_manifestPath);
+        removeManifest(std::exchange(m_manifestPath, QString()));
         QDir().rmdir(m_runFolder);
-        return {};
+        return std::nullopt;
     }
-    QString reason;
-    if (writeManifest(m_manifestPath, m_manifest, &reason)) {
-        m_journal.remove();
-    } else {
-        *error = QCoreApplication::translate(
-                     "epr::Cleanup", "The undo manifest %1 could not be completed (%2); its journal serves instead")
-                     .arg(m_manifestPath, reason);
+    if (const Result<> written = writeManifest(m_manifestPath, m_manifest); !written) {
+        return CleanupFailure { QCoreApplication::translate(
+                                    "epr::Cleanup",
+                                    "The undo manifest %1 could not be completed (%2); its journal serves instead")
+                                    .arg(m_manifestPath, written.error()),
+                                written.error() };
     }
-    return m_manifestPath;
+    m_journal.remove();
+    return std::nullopt;
 }
 
 } // namespace epr

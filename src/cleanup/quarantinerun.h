@@ -2,14 +2,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "undojournal.h"
 #include "undomanifest.h"
 
 #include <QHash>
 #include <QSet>
 #include <QStringList>
 
+#include <optional>
+
 namespace epr {
+
+struct CleanupFailure;
+
+/// Where in the run folder a file goes: below the name of the first scan root that holds it, or under its bare name.
+/// The answer never leads out of the run folder.
+QString quarantineDestination(const QString &path, const QString &runFolder, const QStringList &scanRoots);
 
 /// One run that moves files into the quarantine. Nothing is made on disk before the first move is asked for.
 class QuarantineRun final {
@@ -17,22 +24,25 @@ public:
     /// paths is what the run will be asked to move, in that order.
     QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots);
 
-    /// False with the message for the operator in *error; the file then is where it was.
-    [[nodiscard]] bool move(qsizetype index, qint64 size, QString *error);
+    /// A file that could not be moved is where it was.
+    [[nodiscard]] std::optional<CleanupFailure> move(qsizetype index, qint64 size);
 
-    /// Ends the run: completes the manifest, or leaves nothing if nothing was moved. Returns the manifest's path or
-    /// empty text. A manifest that could not be completed is reported in *error; the run can be undone all the same.
-    [[nodiscard]] QString finish(QString *error);
+    /// Ends the run: completes the manifest, or leaves nothing if nothing was moved. The run can be undone also if its
+    /// manifest could not be completed.
+    [[nodiscard]] std::optional<CleanupFailure> finish();
+
+    /// Empty if there is nothing to undo.
+    QString manifestPath() const { return m_manifestPath; }
 
 private:
-    [[nodiscard]] bool prepare(qsizetype index);
-    [[nodiscard]] bool begin();
-    [[nodiscard]] bool claim(const QString &runName);
-    [[nodiscard]] bool planFrom(qsizetype first);
-    [[nodiscard]] bool moveAsPlanned(ManifestEntry *entry);
-    [[nodiscard]] bool replan(ManifestEntry *entry);
-    [[nodiscard]] QString freeDestination(const QString &wanted);
-    bool fail(const QString &reason);
+    [[nodiscard]] Result<> prepare(qsizetype index);
+    [[nodiscard]] Result<> begin();
+    [[nodiscard]] Result<bool> claim(const QString &runName);
+    [[nodiscard]] Result<> planFrom(qsizetype first);
+    [[nodiscard]] Result<> moveAsPlanned(ManifestEntry *entry);
+    [[nodiscard]] Result<> replan(ManifestEntry *entry);
+    QString freeDestination(const QString &wanted);
+    [[nodiscard]] Result<> endRun(const QString &reason);
 
     const QStringList m_paths;
     const QStringList m_scanRoots;

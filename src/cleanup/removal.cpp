@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "removal.h"
+#include "cleanup.h"
 
 #include "quarantinerun.h"
 
@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+#include <optional>
 
 namespace epr {
 
@@ -34,8 +36,8 @@ QString failureMessage(RemovalMode mode, const QString &path)
     return QCoreApplication::translate("epr::Cleanup", failureText(mode)).arg(path);
 }
 
-// Where there is no place for a bin the toolkit, on other systems than Windows, takes the working folder for one and
-// reports success. The user's own bin is its last resort, so that has to be there.
+// Where there is no place for a bin Qt, on other systems than Windows, takes the working folder for one and reports
+// success. The user's own bin is its last resort, so that has to be there.
 bool hasRecycleBin()
 {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
@@ -47,12 +49,6 @@ bool hasRecycleBin()
 #else
     return true;
 #endif
-}
-
-bool moveToRecycleBin(const QString &path)
-{
-    QString pathInBin;
-    return hasRecycleBin() && QFile::moveToTrash(path, &pathInBin);
 }
 
 class Removal final {
@@ -71,10 +67,9 @@ public:
                 break;
             removeOne(index);
         }
-        QString error;
-        m_result.manifestPath = m_quarantine.finish(&error);
-        if (!error.isEmpty())
-            m_result.errors.append(error);
+        if (const std::optional<CleanupFailure> incomplete = m_quarantine.finish())
+            addError(*incomplete);
+        m_result.manifestPath = m_quarantine.manifestPath();
         return m_result;
     }
 
@@ -84,37 +79,53 @@ private:
         const QString &path = m_paths.at(index);
         const QFileInfo info(path);
         if (!info.exists()) {
-            reportFailure(QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(path));
+            reportFailure({ QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(path), {} });
             return;
         }
         const qint64 size = info.isSymLink() ? 0 : info.size();
-        QString error = failureMessage(m_mode, path);
         // What was a file when it was scanned may by now be a folder full of others.
-        if (!info.isFile() || !tryToRemove(index, size, &error)) {
-            reportFailure(error);
+        if (!info.isFile()) {
+            reportFailure({ failureMessage(m_mode, path), {} });
+            return;
+        }
+        if (const std::optional<CleanupFailure> left = tryToRemove(index, size)) {
+            reportFailure(*left);
             return;
         }
         ++m_result.succeeded;
         m_result.bytesFreed += size;
     }
 
-    [[nodiscard]] bool tryToRemove(qsizetype index, qint64 size, QString *error)
+    [[nodiscard]] std::optional<CleanupFailure> tryToRemove(qsizetype index, qint64 size)
     {
+        QFile file(m_paths.at(index));
+        bool removed = false;
         switch (m_mode) {
         case RemovalMode::Quarantine:
-            return m_quarantine.move(index, size, error);
+            return m_quarantine.move(index, size);
         case RemovalMode::RecycleBin:
-            return moveToRecycleBin(m_paths.at(index));
+            removed = hasRecycleBin() && file.moveToTrash();
+            break;
         case RemovalMode::Delete:
-            return QFile::remove(m_paths.at(index));
+            removed = file.remove();
+            break;
         }
-        return false;
+        if (removed)
+            return std::nullopt;
+        const bool wasAsked = file.error() != QFileDevice::NoError;
+        return CleanupFailure { failureMessage(m_mode, m_paths.at(index)), wasAsked ? file.errorString() : QString() };
     }
 
-    void reportFailure(const QString &message)
+    void reportFailure(const CleanupFailure &left)
     {
         ++m_result.failed;
-        m_result.errors.append(message);
+        addError(left);
+    }
+
+    void addError(const CleanupFailure &problem)
+    {
+        m_result.errors.append(problem.message);
+        m_result.reasons.append(problem.reason);
     }
 
     const QStringList m_paths;

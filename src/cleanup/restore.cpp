@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "restore.h"
+#include "cleanup.h"
 
 #include "filemove.h"
 #include "undomanifest.h"
@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <optional>
 
 namespace epr {
 
@@ -28,42 +29,39 @@ bool isFileOrLink(const QString &path)
     return info.isFile() || info.isSymLink();
 }
 
-QString occupiedMessage(const QString &path)
+CleanupFailure occupied(const QString &path)
 {
-    return QCoreApplication::translate("epr::Cleanup", "A file already exists at %1").arg(path);
+    return { QCoreApplication::translate("epr::Cleanup", "A file already exists at %1").arg(path), {} };
 }
 
-/// The message for the operator, empty on success.
-QString restoreEntry(const ManifestEntry &entry)
+std::optional<CleanupFailure> restoreEntry(const ManifestEntry &entry)
 {
-    const QString failure = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
+    const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
     if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
-        return failure;
+        return CleanupFailure { message, {} };
     if (!entryExists(entry.to))
-        return QCoreApplication::translate("epr::Cleanup", "Quarantined copy missing: %1").arg(entry.to);
+        return CleanupFailure {
+            QCoreApplication::translate("epr::Cleanup", "Quarantined copy missing: %1").arg(entry.to), {}
+        };
     if (entryExists(entry.from))
-        return occupiedMessage(entry.from);
+        return occupied(entry.from);
     if (!isFileOrLink(entry.to))
-        return failure;
-    switch (moveFile(entry.to, entry.from)) {
-    case MoveOutcome::Moved:
-        return {};
-    case MoveOutcome::Occupied:
-        return occupiedMessage(entry.from);
-    case MoveOutcome::Failed:
-        break;
-    }
-    return failure;
+        return CleanupFailure { message, {} };
+    const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from);
+    if (!outcome)
+        return CleanupFailure { message, outcome.error() };
+    return *outcome == MoveOutcome::Occupied ? std::optional(occupied(entry.from)) : std::nullopt;
 }
 
-void addOutcome(const QString &message, RestoreResult *result)
+void addOutcome(const std::optional<CleanupFailure> &left, RestoreResult *result)
 {
-    if (message.isEmpty()) {
+    if (!left) {
         ++result->succeeded;
         return;
     }
     ++result->failed;
-    result->errors.append(message);
+    result->errors.append(left->message);
+    result->reasons.append(left->reason);
 }
 
 /// Returns the number of entries that were dealt with.
@@ -82,9 +80,8 @@ qsizetype restoreEntries(const QList<ManifestEntry> &entries, const CleanupProgr
 void keepRest(const QString &path, UndoManifest manifest, qsizetype done)
 {
     manifest.entries.remove(0, done);
-    QString error;
     // The whole manifest, should the shorter one not be written, still names every file that is left.
-    if (writeManifest(path, manifest, &error))
+    if (writeManifest(path, manifest))
         removeJournal(path);
 }
 
@@ -92,8 +89,7 @@ void keepRest(const QString &path, UndoManifest manifest, qsizetype done)
 
 bool hasQuarantinedCopies(const QString &path)
 {
-    QString error;
-    const QList<ManifestEntry> entries = readManifest(path, &error).value_or(UndoManifest()).entries;
+    const QList<ManifestEntry> entries = readManifest(path).value_or(UndoManifest()).entries;
     return entries.isEmpty() || std::any_of(entries.cbegin(), entries.cend(), [](const ManifestEntry &entry) {
                return entryExists(entry.to);
            });
@@ -102,10 +98,11 @@ bool hasQuarantinedCopies(const QString &path)
 RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress)
 {
     RestoreResult result;
-    QString error;
-    const std::optional<UndoManifest> manifest = readManifest(path, &error);
+    const Result<UndoManifest> manifest = readManifest(path);
     if (!manifest) {
-        result.errors.append(QCoreApplication::translate("epr::Cleanup", "Cannot read manifest: %1").arg(error));
+        result.errors.append(
+            QCoreApplication::translate("epr::Cleanup", "Cannot read manifest: %1").arg(manifest.error()));
+        result.reasons.append(manifest.error());
         return result;
     }
     const qsizetype done = restoreEntries(manifest->entries, progress, &result);

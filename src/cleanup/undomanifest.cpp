@@ -3,21 +3,19 @@
 #include "undomanifest.h"
 
 #include "filemove.h"
-#include "manifestjson.h"
+#include "fileproblems.h"
 #include "nativefile.h"
-#include "undojournal.h"
-#include "writeerror.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
 #include <QSaveFile>
+#include <QSet>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -29,55 +27,143 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int manifestVersion = 1;
+constexpr auto givenUpKey = "givenUp"_L1;
+constexpr qint64 maxLineBytes = 1048576; // two of the longest paths that Windows has, every character escaped
 // A run of a million files with long paths stays below this; reading takes several times as much memory.
 constexpr qint64 maxManifestBytes = 268435456;
 
-std::optional<QByteArray> readBytes(const QString &path, QString *error)
+QJsonObject toJson(const ManifestEntry &entry)
+{
+    return { { u"from"_s, entry.from }, { u"to"_s, entry.to }, { u"size"_s, entry.size } };
+}
+
+QJsonObject toJson(const UndoManifest &manifest)
+{
+    QJsonArray entries;
+    for (const ManifestEntry &entry : manifest.entries)
+        entries.append(toJson(entry));
+    return {
+        { u"manifestVersion"_s, manifestVersion },
+        { u"createdAt"_s, manifest.createdAt },
+        { u"mode"_s, manifest.mode },
+        { u"quarantineRoot"_s, manifest.quarantineRoot },
+        { u"entries"_s, entries },
+    };
+}
+
+/// Anything that is not an object with two path texts gives an entry with empty paths.
+ManifestEntry entryFromJson(const QJsonValue &value)
+{
+    const QJsonObject object = value.toObject();
+    ManifestEntry entry { object["from"_L1].toString(), object["to"_L1].toString(), object["size"_L1].toInteger() };
+    if (entry.from.isEmpty() || entry.to.isEmpty())
+        return {};
+    return entry;
+}
+
+// Compact JSON holds no line break of its own, whatever the file names hold.
+QByteArray journalLine(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+Result<QByteArray> readBytes(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = file.errorString();
-        return std::nullopt;
-    }
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(file.errorString());
     QByteArray bytes = file.read(maxManifestBytes + 1);
-    if (file.error() != QFileDevice::NoError) {
-        *error = file.errorString();
-        return std::nullopt;
-    }
-    if (bytes.size() > maxManifestBytes) {
-        *error = QCoreApplication::translate("epr::Cleanup", "The file is too large");
-        return std::nullopt;
-    }
+    if (file.error() != QFileDevice::NoError)
+        return failure(file.errorString());
+    if (bytes.size() > maxManifestBytes)
+        return failure(QCoreApplication::translate("epr::Cleanup", "The file is too large"));
     return bytes;
 }
 
-std::optional<QJsonObject> readObject(const QString &path, QString *error)
+Result<QJsonObject> readObject(const QString &path)
 {
-    const std::optional<QByteArray> bytes = readBytes(path, error);
+    const Result<QByteArray> bytes = readBytes(path);
     if (!bytes)
-        return std::nullopt;
+        return failure(bytes.error());
     QJsonParseError parsing;
     const QJsonDocument document = QJsonDocument::fromJson(*bytes, &parsing);
-    if (parsing.error != QJsonParseError::NoError) {
-        *error = parsing.errorString();
-        return std::nullopt;
-    }
-    if (!document.object()["entries"_L1].isArray()) {
-        *error = QCoreApplication::translate("epr::Cleanup", "The file has no list of entries");
-        return std::nullopt;
-    }
+    if (parsing.error != QJsonParseError::NoError)
+        return failure(parsing.errorString());
+    if (!document.object()["entries"_L1].isArray())
+        return failure(QCoreApplication::translate("epr::Cleanup", "The file has no list of entries"));
     return document.object();
 }
 
 // An intended move of which only the original is there was never made.
 QList<ManifestEntry> movedEntries(const QString &journalPath)
 {
-    QList<ManifestEntry> entries = UndoJournal::read(journalPath);
+    QList<ManifestEntry> entries = UndoJournal::read(journalPath).value_or(QList<ManifestEntry>());
     entries.removeIf([](const ManifestEntry &move) { return !entryExists(move.to) && entryExists(move.from); });
     return entries;
 }
 
 } // namespace
+
+QString UndoJournal::pathFor(const QString &manifestPath)
+{
+    QString path = manifestPath;
+    if (path.endsWith(".json"_L1))
+        path.chop(5);
+    return path + ".journal"_L1;
+}
+
+Result<QList<ManifestEntry>> UndoJournal::read(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(file.errorString());
+    QList<ManifestEntry> moves;
+    QSet<QString> givenUp;
+    while (!file.atEnd()) {
+        const QJsonObject object = QJsonDocument::fromJson(file.readLine(maxLineBytes)).object();
+        if (object.contains(givenUpKey))
+            givenUp.insert(object[givenUpKey].toString());
+        else if (const ManifestEntry move = entryFromJson(object); !move.to.isEmpty())
+            moves.append(move);
+    }
+    moves.removeIf([&givenUp](const ManifestEntry &move) { return givenUp.contains(move.to); });
+    return moves;
+}
+
+Result<> UndoJournal::create(const QString &path)
+{
+    m_file.setFileName(path);
+    if (m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
+        return {};
+    return failure(m_file.errorString());
+}
+
+Result<> UndoJournal::appendIntended(const QList<ManifestEntry> &moves)
+{
+    QByteArray lines;
+    for (const ManifestEntry &move : moves)
+        lines += journalLine(toJson(move));
+    return append(lines);
+}
+
+Result<> UndoJournal::appendReplaced(const QString &givenUpDestination, const ManifestEntry &move)
+{
+    return append(journalLine({ { givenUpKey, givenUpDestination } }) + journalLine(toJson(move)));
+}
+
+Result<> UndoJournal::append(const QByteArray &lines)
+{
+    if (m_file.write(lines) == lines.size() && nativefile::flushToDisk(m_file))
+        return {};
+    return failure(writeErrorOf(m_file));
+}
+
+void UndoJournal::remove()
+{
+    m_file.close();
+    m_file.remove();
+}
 
 QString undoDirectory()
 {
@@ -100,8 +186,7 @@ QStringList listUndoManifests()
 
 QString describeManifest(const QString &path)
 {
-    QString error;
-    const UndoManifest manifest = readManifest(path, &error).value_or(UndoManifest());
+    const UndoManifest manifest = readManifest(path).value_or(UndoManifest());
     const QDateTime created = QDateTime::fromString(manifest.createdAt, Qt::ISODate);
     const QString when = created.isValid()
         ? QLocale().toString(created, QCoreApplication::translate("epr::Cleanup", "d MMM yyyy h:mm ap"))
@@ -110,26 +195,24 @@ QString describeManifest(const QString &path)
         .arg(when, QString::number(manifest.entries.size()));
 }
 
-bool writeManifest(const QString &path, const UndoManifest &manifest, QString *error)
+Result<> writeManifest(const QString &path, const UndoManifest &manifest)
 {
     QSaveFile file(path);
     const QByteArray json = QJsonDocument(toJson(manifest)).toJson(QJsonDocument::Indented);
     // Committing alone would put a file in place of which the end is missing on a full disk.
     const bool written = file.open(QIODevice::WriteOnly) && file.write(json) == json.size()
         && nativefile::flushToDisk(file) && file.commit();
-    if (!written) {
-        *error = writeErrorOf(file);
-        return false;
-    }
+    if (!written)
+        return failure(writeErrorOf(file));
     nativefile::flushFolderToDisk(QFileInfo(path).path());
-    return true;
+    return {};
 }
 
-std::optional<UndoManifest> readManifest(const QString &path, QString *error)
+Result<UndoManifest> readManifest(const QString &path)
 {
-    const std::optional<QJsonObject> object = readObject(path, error);
+    const Result<QJsonObject> object = readObject(path);
     if (!object)
-        return std::nullopt;
+        return failure(object.error());
     UndoManifest manifest { (*object)["createdAt"_L1].toString(),
                             (*object)["mode"_L1].toString(),
                             (*object)["quarantineRoot"_L1].toString(),

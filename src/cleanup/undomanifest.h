@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QList>
-#include <QString>
-#include <QStringList>
+#include "result.h"
 
-#include <optional>
+#include <QFile>
+#include <QList>
+#include <QStringList>
 
 namespace epr {
 
@@ -29,23 +29,50 @@ struct UndoManifest {
     bool operator==(const UndoManifest &) const = default;
 };
 
+/// What a quarantine run is about to do, line by line, while the manifest proper can still not be written.
+///
+/// Every intended move is on the disk before it is tried, so a run that dies at any instant leaves a list of all it may
+/// have moved. Intentions are written many at a time: one wait for the disk serves them all.
+class UndoJournal final {
+public:
+    static QString pathFor(const QString &manifestPath);
+
+    /// The moves that were intended and not given up later, in order. A line cut off by the end of the run is left out:
+    /// nothing that it speaks of was tried.
+    [[nodiscard]] static Result<QList<ManifestEntry>> read(const QString &path);
+
+    /// Fails if the file exists.
+    [[nodiscard]] Result<> create(const QString &path);
+
+    [[nodiscard]] Result<> appendIntended(const QList<ManifestEntry> &moves);
+
+    /// In place of a move that found its new name taken.
+    [[nodiscard]] Result<> appendReplaced(const QString &givenUpDestination, const ManifestEntry &move);
+
+    void remove();
+
+private:
+    [[nodiscard]] Result<> append(const QByteArray &lines);
+
+    QFile m_file;
+};
+
 /// The folder that holds the manifests. Asking for it makes it.
-[[nodiscard]] QString undoDirectory();
+QString undoDirectory();
 
 /// Absolute paths of the manifests, newest first.
-[[nodiscard]] QStringList listUndoManifests();
+QStringList listUndoManifests();
 
 /// One line for a list: when the run was and how many files it moved. A run that was cut short counts the files that it
 /// got to move; a manifest without a readable time shows its file name instead.
-[[nodiscard]] QString describeManifest(const QString &path);
+QString describeManifest(const QString &path);
 
 /// Replaces the file in one step: whoever reads it sees the old manifest or the new one, never a part.
-[[nodiscard]] bool writeManifest(const QString &path, const UndoManifest &manifest, QString *error);
+[[nodiscard]] Result<> writeManifest(const QString &path, const UndoManifest &manifest);
 
-/// Nothing if the file is not a manifest, with the reason in *error. An entry without both paths comes back with empty
-/// ones. For a run that was cut short the entries come from its journal: those that were moved, as far as can be told
-/// from the disk.
-[[nodiscard]] std::optional<UndoManifest> readManifest(const QString &path, QString *error);
+/// Fails if the file is not a manifest. An entry without both paths comes back with empty ones. For a run that was cut
+/// short the entries come from its journal: those that were moved, as far as can be told from the disk.
+[[nodiscard]] Result<UndoManifest> readManifest(const QString &path);
 
 /// Deletes the manifest and what a run that was cut short left beside it.
 void removeManifest(const QString &path);

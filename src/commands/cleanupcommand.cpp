@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanupcommand.h"
 
+#include "cleanup.h"
 #include "displaytext.h"
 #include "notices.h"
-#include "removalchecks.h"
 #include "removaldialog.h"
-#include "restore.h"
+#include "removalplan.h"
 #include "review.h"
 #include "undomanifest.h"
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "cleanup.h"
 #include "command.h"
-#include "removal.h"
 #include "removalplan.h"
 #include "runwithprogress.h"
 

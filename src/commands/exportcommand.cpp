@@ -41,14 +41,6 @@ QString filterList()
     return filters.join(";;"_L1);
 }
 
-ReportFormat formatOfFilter(const QString &filter)
-{
-    const auto *const chosen = std::find_if(formats.begin(), formats.end(), [&filter](ReportFormat format) {
-        return filter == reportFormatFilter(format);
-    });
-    return chosen == formats.end() ? formats.front() : *chosen;
-}
-
 } // namespace
 
 ExportCommand::ExportCommand(const Review &review, QWidget *window)
@@ -70,7 +62,7 @@ void ExportCommand::exportReport(const QStringList &roots)
         QFileDialog::getSaveFileName(window(), tr("Export duplicate report"), proposedPath(), filterList(), &filter);
     if (path.isEmpty())
         return;
-    const ReportFormat format = formatOfFilter(filter);
+    const ReportFormat format = reportFormatFromFilter(filter).value_or(formats.front());
     bool isWritten = false;
     QString error;
     runWaiting([&, tracks = m_review.tracks(), groups = m_review.groups()] {

@@ -1,13 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "htmlreport.h"
-
 #include "displaytext.h"
 #include "metadata.h"
-#include "reportdata.h"
-#include "reporttext.h"
+#include "reportcontent.h"
 
 #include <QTextStream>
+
+#include <array>
 
 namespace epr {
 
@@ -47,49 +46,81 @@ void writeCard(QTextStream &out, const QString &value, const QString &caption)
     out << "<div class=\"card\"><b>"_L1 << value << "</b><span>"_L1 << caption << "</span></div>"_L1;
 }
 
-void writeSummary(QTextStream &out, const ReportData &data)
+void writeSummary(QTextStream &out, const ReportContent &content)
 {
     out << "<h1>Echo<span>prune</span> duplicate report</h1>\n"_L1
-        << "<div class=\"meta\">Generated "_L1 << data.generated.toString(Qt::RFC2822Date).toHtmlEscaped()
-        << " &middot; scanned "_L1 << data.roots.join(", "_L1).toHtmlEscaped() << "</div>\n"_L1
+        << "<div class=\"meta\">Generated "_L1 << generatedText(content).toHtmlEscaped() << " &middot; scanned "_L1
+        << content.roots.join(", "_L1).toHtmlEscaped() << "</div>\n"_L1
         << "<div class=\"summary\">"_L1;
-    writeCard(out, QString::number(data.tracks.size()), u"Files scanned"_s);
-    writeCard(out, QString::number(data.groups.size()), u"Duplicate groups"_s);
-    writeCard(out, QString::number(redundantFiles(data.groups)), u"Redundant files"_s);
-    writeCard(out, sizeText(reclaimableBytes(data.groups)), u"Reclaimable"_s);
+    writeCard(out, QString::number(content.tracks.size()), u"Files scanned"_s);
+    writeCard(out, QString::number(content.groups.size()), u"Duplicate groups"_s);
+    writeCard(out, QString::number(redundantFiles(content.groups)), u"Redundant files"_s);
+    writeCard(out, sizeText(reclaimableBytes(content.groups)), u"Reclaimable"_s);
     out << "</div>\n"_L1;
 }
 
-void writeMember(QTextStream &out, const TrackInfo &track, bool keep)
+QString cell(const QString &html)
 {
-    out << "<tr><td class=\""_L1 << (keep ? "keep\">KEEP"_L1 : "dupe\">remove"_L1) << "</td><td>"_L1
-        << track.fileName.toHtmlEscaped() << "<div class=\"path\">"_L1 << track.path.toHtmlEscaped()
-        << "</div></td><td>"_L1 << displayArtist(track).toHtmlEscaped() << " &ndash; "_L1
-        << displayTitle(track).toHtmlEscaped() << "</td><td>"_L1 << reportDurationText(track.stream.durationMs)
-        << "</td><td>"_L1 << qualityText(track).toHtmlEscaped() << "</td><td>"_L1 << sizeText(track.size)
-        << "</td></tr>\n"_L1;
+    return "<td>"_L1 + html + "</td>"_L1;
 }
+
+QString actionCell(const ReportMember &member)
+{
+    return member.keep ? u"<td class=\"keep\">KEEP</td>"_s : u"<td class=\"dupe\">remove</td>"_s;
+}
+
+QString fileCell(const ReportMember &member)
+{
+    return cell(member.track.fileName.toHtmlEscaped() + "<div class=\"path\">"_L1 + member.track.path.toHtmlEscaped()
+                + "</div>"_L1);
+}
+
+QString musicCell(const ReportMember &member)
+{
+    return cell(displayArtist(member.track).toHtmlEscaped() + " &ndash; "_L1
+                + displayTitle(member.track).toHtmlEscaped());
+}
+
+struct Column {
+    QLatin1StringView heading;
+    QString (*cell)(const ReportMember &member);
+};
+
+constexpr std::array columns {
+    Column { "Action"_L1, actionCell },
+    Column { "File"_L1, fileCell },
+    Column { "Artist / Title"_L1, musicCell },
+    Column { "Duration"_L1,
+             [](const ReportMember &member) { return cell(reportDurationText(member.track.stream.durationMs)); } },
+    Column { "Quality"_L1, [](const ReportMember &member) { return cell(qualityText(member.track).toHtmlEscaped()); } },
+    Column { "Size"_L1, [](const ReportMember &member) { return cell(sizeText(member.track.size)); } },
+};
 
 void writeGroup(QTextStream &out, const MatchGroup &group, const QList<TrackInfo> &tracks)
 {
     out << "<div class=\"group\"><h2>Group "_L1 << group.id << " &middot; "_L1
         << matchTypeLabel(group.matchType).toHtmlEscaped() << " <em>&middot; "_L1 << sizeText(group.reclaimableBytes)
-        << " reclaimable</em></h2>\n"_L1
-        << "<table><tr><th>Action</th><th>File</th><th>Artist / Title</th><th>Duration</th><th>Quality</th>"
-           "<th>Size</th></tr>\n"_L1;
-    for (const ReportMember &member : membersOf(group, tracks))
-        writeMember(out, member.track, member.keep);
+        << " reclaimable</em></h2>\n<table><tr>"_L1;
+    for (const Column &column : columns)
+        out << "<th>"_L1 << column.heading << "</th>"_L1;
+    out << "</tr>\n"_L1;
+    for (const ReportMember &member : membersOf(group, tracks)) {
+        out << "<tr>"_L1;
+        for (const Column &column : columns)
+            out << column.cell(member);
+        out << "</tr>\n"_L1;
+    }
     out << "</table></div>\n"_L1;
 }
 
 } // namespace
 
-void writeHtmlReport(QTextStream &out, const ReportData &data)
+void writeHtmlReport(QTextStream &out, const ReportContent &content)
 {
     writeHead(out);
-    writeSummary(out, data);
-    for (const MatchGroup &group : data.groups)
-        writeGroup(out, group, data.tracks);
+    writeSummary(out, content);
+    for (const MatchGroup &group : content.groups)
+        writeGroup(out, group, content.tracks);
     out << "<footer>"_L1 << metadata::applicationName() << ' ' << metadata::version() << " &middot; "_L1
         << metadata::rightsNotice() << "</footer>\n</body></html>\n"_L1;
 }

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "jsonreport.h"
-
 #include "metadata.h"
-#include "reportdata.h"
+#include "reportcontent.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTextStream>
+
+#include <algorithm>
 
 namespace epr {
 
@@ -16,11 +16,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QJsonObject fileObject(const TrackInfo &track, bool keep)
+constexpr auto groupListKey = "duplicateGroups"_L1;
+
+QJsonObject fileObject(const ReportMember &member)
 {
+    const TrackInfo &track = member.track;
     return {
         { u"path"_s, track.path },
-        { u"keep"_s, keep },
+        { u"keep"_s, member.keep },
         { u"artist"_s, track.tags.artist },
         { u"title"_s, track.tags.title },
         { u"album"_s, track.tags.album },
@@ -38,7 +41,7 @@ QJsonObject groupObject(const MatchGroup &group, const QList<TrackInfo> &tracks)
 {
     QJsonArray files;
     for (const ReportMember &member : membersOf(group, tracks))
-        files.append(fileObject(member.track, member.keep));
+        files.append(fileObject(member));
     return {
         { u"id"_s, group.id },
         { u"matchType"_s, matchTypeLabel(group.matchType) },
@@ -48,56 +51,135 @@ QJsonObject groupObject(const MatchGroup &group, const QList<TrackInfo> &tracks)
     };
 }
 
-/// Everything but the groups, whose list is empty.
-QJsonObject frameObject(const ReportData &data)
+/// Everything but the groups, of which only the key is there.
+QJsonObject frameObject(const ReportContent &content)
 {
     return {
         { u"application"_s, metadata::applicationName() },
         { u"version"_s, metadata::version() },
-        { u"generated"_s, data.generated.toString(Qt::ISODate) },
-        { u"roots"_s, QJsonArray::fromStringList(data.roots) },
-        { u"filesScanned"_s, data.tracks.size() },
-        { u"groups"_s, data.groups.size() },
-        { u"duplicateFiles"_s, redundantFiles(data.groups) },
-        { u"reclaimableBytes"_s, reclaimableBytes(data.groups) },
-        { u"duplicateGroups"_s, QJsonArray() },
+        { u"generated"_s, content.generated.toString(Qt::ISODate) },
+        { u"roots"_s, QJsonArray::fromStringList(content.roots) },
+        { u"filesScanned"_s, content.tracks.size() },
+        { u"groups"_s, content.groups.size() },
+        { u"duplicateFiles"_s, redundantFiles(content.groups) },
+        { u"reclaimableBytes"_s, reclaimableBytes(content.groups) },
+        { QString(groupListKey), {} },
     };
 }
 
-QString indentedText(const QJsonObject &object)
+/// Whether nothing in the text has to be escaped, which is most often so.
+bool isPlain(const QString &text)
 {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented));
+    return std::all_of(text.cbegin(), text.cend(),
+                       [](QChar c) { return c >= u' ' && c != u'"' && c != u'\\' && !c.isSurrogate(); });
 }
 
-/// The group as it stands in the list: two levels deep. No text in it spans lines, JSON escapes line breaks.
-QString listedText(const QJsonObject &group)
-{
-    QString text = indentedText(group).trimmed();
-    text.replace(u'\n', "\n        "_L1);
-    return "        "_L1 + text;
-}
+/// Writes an indented document value by value, in the form that QJsonDocument gives a document that is in memory.
+class JsonStream final {
+public:
+    explicit JsonStream(QTextStream &out)
+        : m_out(out)
+    {
+    }
+
+    void open(QChar bracket)
+    {
+        m_out << bracket << '\n';
+        ++m_depth;
+        m_isFirst = true;
+    }
+
+    void close(QChar bracket)
+    {
+        if (!m_isFirst)
+            m_out << '\n';
+        --m_depth;
+        indent();
+        m_out << bracket;
+        m_isFirst = false;
+    }
+
+    /// Every value in a list begins an item, and every key in an object.
+    void beginItem()
+    {
+        if (!m_isFirst)
+            m_out << ",\n"_L1;
+        m_isFirst = false;
+        indent();
+    }
+
+    void writeKey(const QString &key)
+    {
+        beginItem();
+        writeScalar(key);
+        m_out << ": "_L1;
+    }
+
+    void writeValue(const QJsonValue &value)
+    {
+        if (value.isObject())
+            writeObject(value.toObject(), [this](const QString &, const QJsonValue &member) { writeValue(member); });
+        else if (value.isArray())
+            writeList(value.toArray(), [this](const QJsonValue &item) { writeValue(item); });
+        else
+            writeScalar(value);
+    }
+
+    template <typename WriteMember> void writeObject(const QJsonObject &object, WriteMember writeMember)
+    {
+        open(u'{');
+        for (auto member = object.begin(); member != object.end(); ++member) {
+            writeKey(member.key());
+            writeMember(member.key(), member.value());
+        }
+        close(u'}');
+    }
+
+    template <typename List, typename WriteItem> void writeList(const List &list, WriteItem writeItem)
+    {
+        open(u'[');
+        for (const auto &item : list) {
+            beginItem();
+            writeItem(item);
+        }
+        close(u']');
+    }
+
+private:
+    void indent()
+    {
+        for (int level = 0; level < m_depth; ++level)
+            m_out << "    "_L1;
+    }
+
+    void writeScalar(const QJsonValue &value)
+    {
+        if (value.isString() && isPlain(value.toString())) {
+            m_out << '"' << value.toString() << '"';
+            return;
+        }
+        const QByteArray list = QJsonDocument(QJsonArray { value }).toJson(QJsonDocument::Compact); // has no other way
+        m_out << QString::fromUtf8(QByteArrayView(list).sliced(1).chopped(1));
+    }
+
+    QTextStream &m_out;
+    int m_depth = 0;
+    bool m_isFirst = true; ///< of the items on this level
+};
 
 } // namespace
 
-// A document of all groups would take a multiple of the scan's own memory, so each group is a document of its own and
-// is set into the empty list of the frame, with the result that one document would have had.
-void writeJsonReport(QTextStream &out, const ReportData &data)
+void writeJsonReport(QTextStream &out, const ReportContent &content)
 {
-    const QString frame = indentedText(frameObject(data));
-    constexpr auto listStart = "\"duplicateGroups\": [\n"_L1;
-    const qsizetype split = frame.indexOf(listStart) + listStart.size();
-    out << QStringView(frame).left(split);
-    const auto separator = ",\n"_L1;
-    bool first = true;
-    for (const MatchGroup &group : data.groups) {
-        if (!first)
-            out << separator;
-        first = false;
-        out << listedText(groupObject(group, data.tracks));
-    }
-    if (!first)
-        out << '\n';
-    out << QStringView(frame).mid(split);
+    JsonStream json(out);
+    const auto writeGroup = [&](const MatchGroup &group) { json.writeValue(groupObject(group, content.tracks)); };
+    json.writeObject(frameObject(content), [&](const QString &key, const QJsonValue &value) {
+        if (key == groupListKey)
+            json.writeList(content.groups, writeGroup);
+        else
+            json.writeValue(value);
+    });
+    out << '\n';
 }
 
 } // namespace epr

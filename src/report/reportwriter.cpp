@@ -2,49 +2,56 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "reportwriter.h"
 
-#include "csvreport.h"
-#include "htmlreport.h"
-#include "jsonreport.h"
-#include "playlistreport.h"
-#include "reportdata.h"
+#include "fileproblems.h"
+#include "reportcontent.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QSaveFile>
 #include <QTextStream>
 
+#include <algorithm>
+#include <array>
+
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
-void writeFormat(QTextStream &out, ReportFormat format, const ReportData &data)
+struct FormatEntry {
+    ReportFormat format;
+    QLatin1StringView extension;
+    const char *filter;
+    void (*write)(QTextStream &out, const ReportContent &content);
+};
+
+constexpr std::array formats {
+    FormatEntry { ReportFormat::Csv, "csv"_L1, QT_TRANSLATE_NOOP("epr::Report", "Comma separated values (*.csv)"),
+                  writeCsvReport },
+    FormatEntry { ReportFormat::Html, "html"_L1, QT_TRANSLATE_NOOP("epr::Report", "HTML report (*.html)"),
+                  writeHtmlReport },
+    FormatEntry { ReportFormat::Json, "json"_L1, QT_TRANSLATE_NOOP("epr::Report", "JSON data (*.json)"),
+                  writeJsonReport },
+    FormatEntry { ReportFormat::Playlist, "m3u8"_L1, QT_TRANSLATE_NOOP("epr::Report", "M3U playlist (*.m3u8)"),
+                  writePlaylistReport },
+};
+
+const FormatEntry *entryOf(ReportFormat format)
 {
-    switch (format) {
-    case ReportFormat::Csv:
-        writeCsvReport(out, data);
-        return;
-    case ReportFormat::Html:
-        writeHtmlReport(out, data);
-        return;
-    case ReportFormat::Json:
-        writeJsonReport(out, data);
-        return;
-    case ReportFormat::Playlist:
-        writePlaylistReport(out, data);
-        return;
-    }
+    const auto *const entry = std::find_if(
+        formats.begin(), formats.end(), [format](const FormatEntry &candidate) { return candidate.format == format; });
+    return entry == formats.end() ? nullptr : entry;
 }
 
-// A complete file takes the place of what was there, which must not happen to a device or a pipe.
-bool isReplaceable(const QString &path)
+template <typename Condition> std::optional<ReportFormat> formatWhere(Condition condition)
 {
-    const QFileInfo info(path);
-    return !info.exists() || info.isFile();
+    const auto *const entry = std::find_if(formats.begin(), formats.end(), condition);
+    return entry == formats.end() ? std::nullopt : std::optional(entry->format);
 }
 
 bool openReport(QSaveFile &file, QString *error)
 {
-    if (!isReplaceable(file.fileName())) {
+    if (isSpecialFile(file.fileName())) { // a complete report takes the place of what was there
         *error = QCoreApplication::translate("epr::Report", "Not a regular file");
         return false;
     }
@@ -55,6 +62,31 @@ bool openReport(QSaveFile &file, QString *error)
 }
 
 } // namespace
+
+QString reportFormatExtension(ReportFormat format)
+{
+    const FormatEntry *entry = entryOf(format);
+    return entry ? QString(entry->extension) : u"txt"_s;
+}
+
+QString reportFormatFilter(ReportFormat format)
+{
+    const FormatEntry *entry = entryOf(format);
+    return QCoreApplication::translate("epr::Report",
+                                       entry ? entry->filter : QT_TRANSLATE_NOOP("epr::Report", "All files (*)"));
+}
+
+std::optional<ReportFormat> reportFormatFromExtension(const QString &extension)
+{
+    return formatWhere([&extension](const FormatEntry &entry) {
+        return extension.compare(entry.extension, Qt::CaseInsensitive) == 0;
+    });
+}
+
+std::optional<ReportFormat> reportFormatFromFilter(const QString &filter)
+{
+    return formatWhere([&filter](const FormatEntry &entry) { return filter == reportFormatFilter(entry.format); });
+}
 
 // Asking the system for its permissions would not do: shares and read-only disks show only when something is written.
 bool canWriteReport(const QString &path, QString *error)
@@ -70,18 +102,14 @@ bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo
     if (!openReport(file, error))
         return false;
     QTextStream out(&file);
-    writeFormat(out, format, { tracks, groups, roots, QDateTime::currentDateTime() });
+    if (const FormatEntry *entry = entryOf(format))
+        entry->write(out, { tracks, groups, roots, QDateTime::currentDateTime() });
     out.flush();
     // Committing alone would put a report in place of which the end is missing on a full disk. The stream flushes the
     // file too and remembers a failure.
     if (out.status() == QTextStream::Ok && file.commit())
         return true;
-    // A write that was cut short is an "Unknown error"; the system says why when one more is tried.
-    if (file.isOpen()) {
-        file.write("\n");
-        file.flush();
-    }
-    *error = file.errorString();
+    *error = writeErrorOf(file);
     return false;
 }
 

@@ -3,12 +3,32 @@
 #pragma once
 
 #include "matchgroup.h"
-#include "reportformat.h"
 #include "trackinfo.h"
 
 #include <QStringList>
 
+#include <optional>
+
 namespace epr {
+
+enum class ReportFormat : qint32 {
+    Csv = 0,
+    Html = 1,
+    Json = 2,
+    Playlist = 3, ///< M3U8
+};
+
+/// Without the dot; "txt" for a value that is none of the four.
+QString reportFormatExtension(ReportFormat format);
+
+/// A translated filter for file dialogs; "All files (*)" for a value that is none of the four.
+QString reportFormatFilter(ReportFormat format);
+
+/// By the extension without the dot, in any letter case. Nothing for any other extension.
+std::optional<ReportFormat> reportFormatFromExtension(const QString &extension);
+
+/// The format with that reportFormatFilter(). Nothing for any other text.
+std::optional<ReportFormat> reportFormatFromFilter(const QString &filter);
 
 /// Whether a report can be written there at the moment, with the reason in *error if not. Leaves no trace.
 [[nodiscard]] bool canWriteReport(const QString &path, QString *error);

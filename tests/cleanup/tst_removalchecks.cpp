@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "removalchecks.h"
+#include "removalplan.h"
 
-#include "quarantinepath.h"
+#include "quarantinerun.h"
 #include "sandbox.h"
 
 #include <QRegularExpression>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "cleanup.h"
 #include "removaldialog.h"
-#include "restore.h"
 #include "runwithprogress.h"
 #include "undomanifest.h"
 

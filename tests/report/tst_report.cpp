@@ -1,11 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "../cleanup/sandbox.h"
-#include "csvreport.h"
-#include "htmlreport.h"
-#include "jsonreport.h"
-#include "playlistreport.h"
-#include "reportdata.h"
+#include "reportcontent.h"
 #include "reportwriter.h"
 
 #include <QJsonArray>

@@ -1,17 +1,19 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "reportdata.h"
+#include "reportcontent.h"
 
 #include <algorithm>
 
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks)
 {
     std::vector<ReportMember> members;
     for (const qint32 member : group.members) {
         if (member >= 0 && member < tracks.size())
-            members.push_back({ tracks.at(member), member == group.keep });
+            members.push_back({ group, tracks.at(member), member == group.keep });
     }
     return members;
 }
@@ -30,6 +32,19 @@ qint64 reclaimableBytes(const QList<MatchGroup> &groups)
     for (const MatchGroup &group : groups)
         bytes += group.reclaimableBytes;
     return bytes;
+}
+
+QString generatedText(const ReportContent &content)
+{
+    return content.generated.toString(Qt::RFC2822Date);
+}
+
+QString reportDurationText(qint64 durationMs)
+{
+    if (durationMs < 1)
+        return u"-"_s;
+    const qint64 seconds = durationMs / 1000;
+    return u"%1:%2"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
 } // namespace epr

@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+
+#include <functional>
+
+namespace epr {
+
+/// Called before each file with its number from 0, the number of files and its path, on the thread that does the work.
+/// False stops before that file. May be empty.
+using CleanupProgressFn = std::function<bool(qsizetype index, qsizetype total, const QString &path)>;
+
+enum class RemovalMode : qint32 {
+    Quarantine = 0,
+    RecycleBin = 1,
+    Delete = 2,
+};
+
+/// Translated; empty for a value that is none of the three.
+QString removalModeLabel(RemovalMode mode);
+
+struct RemovalResult {
+    qint32 succeeded = 0;
+    qint32 failed = 0;
+    qint64 bytesFreed = 0; ///< sizes of the files that succeeded; a symbolic link counts nothing
+    QStringList errors; ///< one message for each failure, in order, then what concerns the whole run
+    QString manifestPath; ///< empty if there is nothing to undo
+    QStringList reasons; ///< for each of the errors what the system said, empty text if it was not the system's refusal
+
+    bool operator==(const RemovalResult &) const = default;
+};
+
+/// Removes the files one after the other; a file that cannot be removed stays and is counted, and the run goes on. A
+/// path that is a symbolic link loses the link and never its target. Only files are removed, no folders.
+///
+/// A quarantine run moves each file into a folder of its own for the run, under the name of the scan root that holds it
+/// and its path below that root. It can be undone up to the last file moved, however it ends: if there is no place to
+/// note down what was moved, nothing is moved. Stopping it through the progress function ends it in the normal way.
+[[nodiscard]] RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
+                                        const QStringList &scanRoots, const CleanupProgressFn &progress = {});
+
+struct RestoreResult {
+    qint32 succeeded = 0;
+    qint32 failed = 0;
+    QStringList errors; ///< one message for each failure, in order
+    QStringList reasons; ///< as in RemovalResult
+
+    bool operator==(const RestoreResult &) const = default;
+};
+
+/// Whether there is at least one of the files that an undo would move back. If not, their drive may be unplugged, and
+/// restoreManifest() would use the manifest up for nothing. True for a manifest that names no files or cannot be read.
+bool hasQuarantinedCopies(const QString &path);
+
+/// Moves the files of a quarantine run back. Nothing is ever replaced, and nothing is touched but the files that the
+/// manifest names by clean absolute paths.
+///
+/// A manifest serves once: it is deleted afterwards, also when files failed, which then are named in the errors. One
+/// that cannot be read is kept; that is the single error, with both counts 0. Stopping through the progress function
+/// leaves a manifest of the files not yet tried.
+[[nodiscard]] RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress = {});
+
+/// Why one file was left where it was.
+struct CleanupFailure {
+    QString message; ///< for the operator
+    QString reason; ///< the system's own words, empty if it was not asked
+};
+
+} // namespace epr

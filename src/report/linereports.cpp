@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "displaytext.h"
+#include "metadata.h"
+#include "reportcontent.h"
+
+#include <QTextStream>
+
+#include <algorithm>
+#include <array>
+
+namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The value in double quotes, those inside it doubled (RFC 4180).
+QString quoted(const QString &value)
+{
+    QString field = value;
+    field.replace(u'"', "\"\""_L1);
+    return u'"' + field + u'"';
+}
+
+struct CsvColumn {
+    QLatin1StringView heading;
+    QString (*field)(const ReportMember &member);
+};
+
+constexpr std::array csvColumns {
+    CsvColumn { "Group"_L1, [](const ReportMember &m) { return QString::number(m.group.id); } },
+    CsvColumn { "Match type"_L1, [](const ReportMember &m) { return quoted(matchTypeLabel(m.group.matchType)); } },
+    CsvColumn { "Confidence"_L1, [](const ReportMember &m) { return QString::number(m.group.confidence, 'f', 2); } },
+    CsvColumn { "Keep"_L1, [](const ReportMember &m) { return m.keep ? u"KEEP"_s : u"duplicate"_s; } },
+    CsvColumn { "File"_L1, [](const ReportMember &m) { return quoted(m.track.fileName); } },
+    CsvColumn { "Folder"_L1, [](const ReportMember &m) { return quoted(folderOf(m.track)); } },
+    CsvColumn { "Artist"_L1, [](const ReportMember &m) { return quoted(m.track.tags.artist); } },
+    CsvColumn { "Title"_L1, [](const ReportMember &m) { return quoted(m.track.tags.title); } },
+    CsvColumn { "Album"_L1, [](const ReportMember &m) { return quoted(m.track.tags.album); } },
+    CsvColumn { "Duration"_L1,
+                [](const ReportMember &m) { return quoted(reportDurationText(m.track.stream.durationMs)); } },
+    CsvColumn { "Bitrate (kbps)"_L1,
+                [](const ReportMember &m) { return QString::number(m.track.stream.bitrateKbps); } },
+    CsvColumn { "Sample rate"_L1, [](const ReportMember &m) { return QString::number(m.track.stream.sampleRate); } },
+    CsvColumn { "Channels"_L1, [](const ReportMember &m) { return QString::number(m.track.stream.channels); } },
+    CsvColumn { "Format"_L1, [](const ReportMember &m) { return quoted(m.track.suffix.toUpper()); } },
+    CsvColumn { "Size (bytes)"_L1, [](const ReportMember &m) { return QString::number(m.track.size); } },
+    CsvColumn { "Modified"_L1,
+                [](const ReportMember &m) { return quoted(m.track.mtime.toLocalTime().toString(Qt::ISODate)); } },
+};
+
+template <typename CellOf> void writeCsvLine(QTextStream &out, CellOf cellOf)
+{
+    for (const CsvColumn &column : csvColumns)
+        out << (&column == csvColumns.data() ? ""_L1 : ","_L1) << cellOf(column);
+    out << '\n';
+}
+
+bool isLineBreak(QChar character)
+{
+    return character == u'\n' || character == u'\r';
+}
+
+QString onOneLine(QString text)
+{
+    std::replace_if(text.begin(), text.end(), isLineBreak, u' ');
+    return text;
+}
+
+void writePlaylistEntry(QTextStream &out, const TrackInfo &track)
+{
+    // A playlist has one path on each line and no way to escape. Half a path might be another file's, and the list may
+    // be used to remove files, so such a file is only mentioned.
+    if (std::any_of(track.path.cbegin(), track.path.cend(), isLineBreak)) {
+        out << "# Left out, its path contains a line break: "_L1 << onOneLine(track.path) << '\n';
+        return;
+    }
+    out << "#EXTINF:"_L1 << track.stream.durationMs / 1000 << ',' << onOneLine(displayArtist(track)) << " - "_L1
+        << onOneLine(displayTitle(track)) << '\n'
+        << track.path << '\n';
+}
+
+} // namespace
+
+void writeCsvReport(QTextStream &out, const ReportContent &content)
+{
+    writeCsvLine(out, [](const CsvColumn &column) { return column.heading; });
+    for (const MatchGroup &group : content.groups) {
+        for (const ReportMember &member : membersOf(group, content.tracks))
+            writeCsvLine(out, [&member](const CsvColumn &column) { return column.field(member); });
+    }
+}
+
+void writePlaylistReport(QTextStream &out, const ReportContent &content)
+{
+    out << "#EXTM3U\n"_L1
+        << "# "_L1 << metadata::applicationName() << ' ' << metadata::version() << " - proposed duplicates, "_L1
+        << generatedText(content) << '\n';
+    for (const MatchGroup &group : content.groups) {
+        for (const ReportMember &member : membersOf(group, content.tracks)) {
+            if (!member.keep)
+                writePlaylistEntry(out, member.track);
+        }
+    }
+}
+
+} // namespace epr

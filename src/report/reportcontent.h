@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "matchgroup.h"
+#include "trackinfo.h"
+
+#include <QDateTime>
+#include <QStringList>
+
+#include <vector>
+
+class QTextStream;
+
+namespace epr {
+
+/// What a report tells about, by reference: the lists of a scan are large.
+struct ReportContent {
+    const QList<TrackInfo> &tracks;
+    const QList<MatchGroup> &groups;
+    const QStringList &roots;
+    QDateTime generated;
+};
+
+/// One copy as a report lists it.
+struct ReportMember {
+    const MatchGroup &group;
+    const TrackInfo &track;
+    bool keep;
+};
+
+/// In the group's order, without members that refer to no track.
+std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks);
+
+/// Copies that could go if one of each group stays.
+qint64 redundantFiles(const QList<MatchGroup> &groups);
+
+/// Bytes that they take.
+qint64 reclaimableBytes(const QList<MatchGroup> &groups);
+
+/// When the report was made, for people.
+QString generatedText(const ReportContent &content);
+
+/// Minutes and seconds without hours, "60:00" for an hour, so that a column of a report has one form; "-" below 1 ms.
+QString reportDurationText(qint64 durationMs);
+
+/// The writers of the formats. They write as they go: a report put together first would take a multiple of the memory
+/// that the scan's lists take.
+void writeCsvReport(QTextStream &out, const ReportContent &content);
+void writeHtmlReport(QTextStream &out, const ReportContent &content);
+void writeJsonReport(QTextStream &out, const ReportContent &content);
+void writePlaylistReport(QTextStream &out, const ReportContent &content);
+
+} // namespace epr
