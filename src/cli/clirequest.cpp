@@ -3,6 +3,7 @@
 #include "clirequest.h"
 
 #include "metadata.h"
+#include "result.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -35,10 +36,6 @@ constexpr std::array<SwitchOption, 5> switchOptions { {
     { "cache", QT_TRANSLATE_NOOP("epr::Cli", "Reuse and remember analysis results."), &ScanOptions::useCache },
 } };
 
-struct Cli {
-    Q_DECLARE_TR_FUNCTIONS(epr::Cli)
-};
-
 QString offName(const SwitchOption &option)
 {
     return "no-"_L1 + QLatin1StringView(option.name);
@@ -46,51 +43,43 @@ QString offName(const SwitchOption &option)
 
 void addOptions(QCommandLineParser &parser)
 {
-    parser.setApplicationDescription(
-        Cli::tr("Finds duplicate music in FOLDERs and prints the groups. Never changes a library file.\n"
-                "What is not given on the command line is taken from the saved settings.\n\n"
-                "Exit status: 0 no duplicates, 1 duplicates found, 2 wrong usage, or the scan or a "
-                "report could not be completed."));
+    parser.setApplicationDescription(QCoreApplication::translate(
+        "epr::Cli",
+        "Finds duplicate music in FOLDERs and prints the groups. Never changes a library file.\n"
+        "What is not given on the command line is taken from the saved settings.\n\n"
+        "Exit status: 0 no duplicates, 1 duplicates found, 2 wrong usage, or the scan or a "
+        "report could not be completed."));
     parser.addHelpOption();
     parser.addVersionOption();
     for (const SwitchOption &option : switchOptions) {
-        parser.addOption({ QString(QLatin1StringView(option.name)), Cli::tr(option.description) });
-        parser.addOption({ offName(option), Cli::tr("Switch that off.") });
+        parser.addOption(
+            { QString(QLatin1StringView(option.name)), QCoreApplication::translate("epr::Cli", option.description) });
+        parser.addOption({ offName(option), QCoreApplication::translate("epr::Cli", "Switch that off.") });
     }
     parser.addOption(
         { u"report"_s,
-          Cli::tr("Write the groups to FILE, also when there are none. Its name ends in .csv, .html, .json, or "
-                  ".m3u8 for a playlist of the proposed duplicates. May be given several times."),
+          QCoreApplication::translate(
+              "epr::Cli",
+              "Write the groups to FILE, also when there are none. Its name ends in .csv, .html, .json, or "
+              ".m3u8 for a playlist of the proposed duplicates. May be given several times."),
           u"FILE"_s });
-    parser.addOption({ u"verbose"_s, Cli::tr("Print the activity log on standard error.") });
-    parser.addPositionalArgument(u"FOLDER"_s, Cli::tr("Folder to scan, with everything below it."), u"FOLDER..."_s);
+    parser.addOption(
+        { u"verbose"_s, QCoreApplication::translate("epr::Cli", "Print the activity log on standard error.") });
+    parser.addPositionalArgument(u"FOLDER"_s,
+                                 QCoreApplication::translate("epr::Cli", "Folder to scan, with everything below it."),
+                                 u"FOLDER..."_s);
 }
 
-CliRequest refusal(const QString &message)
-{
-    CliRequest request;
-    request.kind = CliRequest::Kind::Refuse;
-    request.text = message;
-    return request;
-}
-
-CliRequest textToShow(const QString &text)
-{
-    CliRequest request;
-    request.kind = CliRequest::Kind::ShowText;
-    request.text = text;
-    return request;
-}
-
-/// Applies the switches; returns a message when one is given in both forms.
-QString applySwitches(const QCommandLineParser &parser, ScanOptions &options)
+/// Fails when a switch is given in both forms.
+Result<> applySwitches(const QCommandLineParser &parser, ScanOptions &options)
 {
     for (const SwitchOption &option : switchOptions) {
         const QString name = QLatin1StringView(option.name);
         const bool on = parser.isSet(name);
         const bool off = parser.isSet(offName(option));
         if (on && off)
-            return Cli::tr("--%1 and --%2 contradict each other.").arg(name, offName(option));
+            return failure(QCoreApplication::translate("epr::Cli", "--%1 and --%2 contradict each other.")
+                               .arg(name, offName(option)));
         if (on || off)
             options.*option.field = on;
     }
@@ -99,47 +88,88 @@ QString applySwitches(const QCommandLineParser &parser, ScanOptions &options)
 
 /// A folder that is not there is refused rather than skipped: an unattended run over a share that is not mounted
 /// must not end with "no duplicates".
-QString applyFolders(const QStringList &folders, ScanOptions &options)
+Result<QStringList> rootsOf(const QStringList &folders)
 {
     if (folders.isEmpty())
-        return Cli::tr("No folder given.");
-    options.roots.clear();
+        return failure(QCoreApplication::translate("epr::Cli", "No folder given."));
+    QStringList roots;
     for (const QString &folder : folders) {
         const QFileInfo info(folder);
         if (!info.isDir())
-            return Cli::tr("Not a folder: %1").arg(QDir::toNativeSeparators(folder));
+            return failure(
+                QCoreApplication::translate("epr::Cli", "Not a folder: %1").arg(QDir::toNativeSeparators(folder)));
         const QString path = QDir::cleanPath(info.absoluteFilePath());
-        if (!options.roots.contains(path))
-            options.roots.append(path);
+        if (!roots.contains(path))
+            roots.append(path);
     }
-    return {};
+    return roots;
+}
+
+/// Each file once. Fails when a name does not tell the format, or when it can be known by now that the file cannot be
+/// written: the answer of a scan that takes hours must have somewhere to go.
+Result<QList<ReportFile>> reportFilesOf(const QStringList &names)
+{
+    QList<ReportFile> reports;
+    for (const QString &name : names) {
+        const QFileInfo info(name);
+        const std::optional<ReportFormat> format = reportFormatFromExtension(info.suffix());
+        if (!format) {
+            return failure(
+                QCoreApplication::translate(
+                    "epr::Cli", "Not a kind of report: \"%1\". The name must end in .csv, .html, .json or .m3u8.")
+                    .arg(QDir::toNativeSeparators(name)));
+        }
+        const ReportFile report { QDir::cleanPath(info.absoluteFilePath()), *format };
+        QString error;
+        if (!canWriteReport(report.path, &error))
+            return failure(cannotWriteReport(report.path, error));
+        if (!reports.contains(report))
+            reports.append(report);
+    }
+    return reports;
+}
+
+/// What there is to do for a command line that asks for a scan.
+Result<CliRequest> scanRequest(const QCommandLineParser &parser, const ScanOptions &defaults)
+{
+    CliRequest request;
+    request.options = defaults;
+    request.verbose = parser.isSet(u"verbose"_s);
+    if (const Result<> applied = applySwitches(parser, request.options); !applied)
+        return failure(applied.error());
+    const Result<QStringList> roots = rootsOf(parser.positionalArguments());
+    if (!roots)
+        return failure(roots.error());
+    const Result<QList<ReportFile>> reports = reportFilesOf(parser.values(u"report"_s));
+    if (!reports)
+        return failure(reports.error());
+    if (!request.options.anyDetection())
+        return failure(QCoreApplication::translate("epr::Cli", "All detection methods are switched off."));
+    request.options.roots = *roots;
+    request.reports = *reports;
+    return request;
 }
 
 } // namespace
+
+QString cannotWriteReport(const QString &path, const QString &error)
+{
+    return QCoreApplication::translate("epr::Cli", "Could not write the report %1: %2")
+        .arg(QDir::toNativeSeparators(path), error);
+}
 
 CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults)
 {
     QCommandLineParser parser;
     addOptions(parser);
     if (!parser.parse(arguments))
-        return refusal(parser.errorText());
+        return { CliRequest::Kind::Refuse, parser.errorText(), {}, {} };
     if (parser.isSet(u"help"_s))
-        return textToShow(parser.helpText());
+        return { CliRequest::Kind::ShowText, parser.helpText(), {}, {} };
     if (parser.isSet(u"version"_s))
-        return textToShow(metadata::applicationName() + u' ' + metadata::version() + u'\n');
-
-    CliRequest request;
-    request.options = defaults;
-    request.verbose = parser.isSet(u"verbose"_s);
-    if (const QString problem = applySwitches(parser, request.options); !problem.isEmpty())
-        return refusal(problem);
-    if (const QString problem = applyFolders(parser.positionalArguments(), request.options); !problem.isEmpty())
-        return refusal(problem);
-    if (const QString problem = readReportFiles(parser.values(u"report"_s), request.reports); !problem.isEmpty())
-        return refusal(problem);
-    if (!request.options.anyDetection())
-        return refusal(Cli::tr("All detection methods are switched off."));
-    return request;
+        return { CliRequest::Kind::ShowText, metadata::applicationName() + u' ' + metadata::version() + u'\n', {}, {} };
+    const Result<CliRequest> request = scanRequest(parser, defaults);
+    return request ? *request : CliRequest { CliRequest::Kind::Refuse, request.error(), {}, {} };
 }
 
 } // namespace epr

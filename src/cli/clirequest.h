@@ -2,10 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "reportfiles.h"
+#include "reportwriter.h"
 #include "scanoptions.h"
 
 namespace epr {
+
+/// A report that the command line asks for.
+struct ReportFile {
+    QString path; ///< absolute
+    ReportFormat format = ReportFormat::Html;
+
+    bool operator==(const ReportFile &) const = default;
+};
 
 /// What a command line asks for.
 struct CliRequest {
@@ -22,7 +30,9 @@ struct CliRequest {
     bool verbose = false; ///< log lines on standard error
 };
 
+QString cannotWriteReport(const QString &path, const QString &error);
+
 /// Reads a command line, program name first. What it does not mention stays as in `defaults`.
-[[nodiscard]] CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults);
+CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults);
 
 } // namespace epr

@@ -2,63 +2,56 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "consolescan.h"
 
-#include "interrupt.h"
 #include "scancontroller.h"
 #include "terminal.h"
 
-#include <QElapsedTimer>
-#include <QObject>
 #include <QTextStream>
+
+#include <atomic>
+#include <csignal>
 
 namespace epr {
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
-constexpr int statusColumns = 79; // one less than the narrowest usual terminal, so that the line never wraps
-constexpr qint64 statusIntervalMs = 100;
+std::atomic<ScanController *> activeController { nullptr };
+std::atomic<bool> interrupted { false };
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<ScanController *>::is_always_lock_free,
+              "a signal handler must not wait for a lock");
 
-/// One line on standard error that rewrites itself.
-class StatusLine final {
+// Both only store into an atomic, which is one of the few things that a signal handler may do.
+extern "C" void onInterrupt(int signalNumber)
+{
+    std::signal(signalNumber, SIG_DFL);
+    interrupted = true;
+    if (ScanController *controller = activeController.load())
+        controller->cancel();
+}
+
+/// While one exists, Ctrl-C (or a polite request to terminate) cancels the controller's scan. A second one ends the
+/// process at once. At most one at a time.
+class InterruptGuard final {
 public:
-    explicit StatusLine(bool enabled)
-        : m_enabled(enabled)
+    explicit InterruptGuard(ScanController &controller)
     {
+        interrupted = false;
+        activeController = &controller;
+        std::signal(SIGINT, onInterrupt);
+        std::signal(SIGTERM, onInterrupt);
+    }
+    Q_DISABLE_COPY_MOVE(InterruptGuard)
+    ~InterruptGuard()
+    {
+        std::signal(SIGINT, SIG_DFL);
+        std::signal(SIGTERM, SIG_DFL);
+        activeController = nullptr;
     }
 
-    void setPhase(const QString &phase)
-    {
-        m_phase = phase;
-        show(phase, true);
-    }
-
-    void setProgress(int done, int total, const QString &detail)
-    {
-        const QString percent = total > 0 ? u" %1 %"_s.arg(100LL * done / total) : QString();
-        show(m_phase + percent + (detail == m_phase ? QString() : u": "_s + detail), false);
-    }
-
-    void clear() { show({}, true); }
-
-private:
-    void show(const QString &text, bool now)
-    {
-        if (!m_enabled || (!now && m_sinceShown.isValid() && m_sinceShown.elapsed() < statusIntervalMs))
-            return;
-        m_sinceShown.start();
-        // Overwritten with spaces instead of an erase sequence, which older Windows consoles would print.
-        m_err << '\r' << terminal::printable(text).left(statusColumns).leftJustified(statusColumns) << '\r'
-              << Qt::flush;
-    }
-
-    QTextStream m_err { stderr };
-    QElapsedTimer m_sinceShown;
-    QString m_phase;
-    bool m_enabled;
+    /// Whether a request came, however late: the controller itself takes no notice of one while it groups.
+    [[nodiscard]] bool wasInterrupted() const { return interrupted; }
 };
 
-void connectStatus(ScanController &controller, StatusLine &status)
+void connectStatus(ScanController &controller, terminal::StatusLine &status)
 {
     QObject::connect(&controller, &ScanController::phaseChanged, &controller,
                      [&status](const QString &phase) { status.setPhase(phase); });
@@ -67,7 +60,7 @@ void connectStatus(ScanController &controller, StatusLine &status)
         [&status](int done, int total, const QString &detail) { status.setProgress(done, total, detail); });
 }
 
-void connectLog(ScanController &controller, StatusLine &status, bool verbose)
+void connectLog(ScanController &controller, terminal::StatusLine &status, bool verbose)
 {
     if (!verbose)
         return;
@@ -94,7 +87,7 @@ void connectOutcome(ScanController &controller, ConsoleScanResult &result)
 ConsoleScanResult runConsoleScan(const ScanOptions &options, bool verbose)
 {
     ConsoleScanResult result;
-    StatusLine status(terminal::errorIsTerminal());
+    terminal::StatusLine status;
     ScanController controller;
     connectStatus(controller, status);
     connectLog(controller, status, verbose);

@@ -18,6 +18,6 @@ struct ConsoleScanResult {
 
 /// Runs one scan on the calling thread. Progress is shown on standard error when that is a terminal, log lines there
 /// when `verbose`. Ctrl-C cancels it.
-[[nodiscard]] ConsoleScanResult runConsoleScan(const ScanOptions &options, bool verbose);
+ConsoleScanResult runConsoleScan(const ScanOptions &options, bool verbose);
 
 } // namespace epr

@@ -8,7 +8,6 @@
 #include "reportwriter.h"
 #include "settingsstore.h"
 #include "terminal.h"
-#include "textreport.h"
 #include "translation.h"
 
 #include <QCoreApplication>
@@ -19,10 +18,6 @@ using namespace epr;
 namespace {
 
 enum ExitStatus { NoDuplicates = 0, DuplicatesFound = 1, NotCompleted = 2 };
-
-struct Cli {
-    Q_DECLARE_TR_FUNCTIONS(epr::Cli)
-};
 
 int refuse(const QString &message)
 {
@@ -60,13 +55,14 @@ int scan(const CliRequest &request)
         return refuse(result.failure);
     reportProblems(result.tracks);
     if (result.cancelled)
-        return refuse(request.reports.isEmpty() ? Cli::tr("Stopped before the end; nothing is reported.")
-                                                : Cli::tr("Stopped before the end; no report is written."));
+        return refuse(request.reports.isEmpty()
+                          ? QCoreApplication::translate("epr::Cli", "Stopped before the end; nothing is reported.")
+                          : QCoreApplication::translate("epr::Cli", "Stopped before the end; no report is written."));
 
     // The files first: whoever reads the standard output may close it early, which ends the program.
     const bool written = writeReports(request, result);
     QTextStream out(stdout);
-    writeTextReport(out, result.tracks, result.groups);
+    terminal::writeTextReport(out, result.tracks, result.groups);
     if (!written)
         return NotCompleted;
     return result.groups.isEmpty() ? NoDuplicates : DuplicatesFound;

@@ -2,6 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "terminal.h"
 
+#include "displaytext.h"
+#include "reportcontent.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
 #ifdef Q_OS_WIN
 #include <io.h>
 #include <qt_windows.h>
@@ -13,6 +19,11 @@ namespace epr::terminal {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr int statusColumns = 79; // one less than the narrowest usual terminal, so that the line never wraps
+constexpr qint64 statusIntervalMs = 100;
+
 bool errorIsTerminal()
 {
 #ifdef Q_OS_WIN
@@ -21,6 +32,31 @@ bool errorIsTerminal()
     return isatty(STDERR_FILENO) == 1;
 #endif
 }
+
+QString memberLine(const TrackInfo &track, bool keep)
+{
+    const QString action =
+        keep ? QCoreApplication::translate("epr::Cli", "KEEP") : QCoreApplication::translate("epr::Cli", "duplicate");
+    QStringList facts { durationText(track.stream.durationMs), qualityText(track), sizeText(track.size) };
+    facts.removeAll(QString());
+    return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(QDir::toNativeSeparators(track.path)),
+                                     facts.join("; "_L1));
+}
+
+void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGroup &group)
+{
+    out << QCoreApplication::translate("epr::Cli", "Group %1 - %2 - %3 copies - %4 reclaimable")
+               .arg(group.id)
+               .arg(matchTypeLabel(group.matchType))
+               .arg(group.members.size())
+               .arg(sizeText(group.reclaimableBytes))
+        << '\n';
+    for (const qint32 member : group.members)
+        out << memberLine(tracks.at(member), member == group.keep);
+    out << '\n';
+}
+
+} // namespace
 
 void useUtf8()
 {
@@ -40,6 +76,49 @@ QString printable(const QString &text)
             result += c;
     }
     return result;
+}
+
+void StatusLine::setPhase(const QString &phase)
+{
+    m_phase = phase;
+    show(phase, true);
+}
+
+void StatusLine::setProgress(int done, int total, const QString &detail)
+{
+    const QString percent = total > 0 ? u" %1 %"_s.arg(100LL * done / total) : QString();
+    show(m_phase + percent + (detail == m_phase ? QString() : u": "_s + detail), false);
+}
+
+void StatusLine::clear()
+{
+    show({}, true);
+}
+
+void StatusLine::show(const QString &text, bool now)
+{
+    static const bool isShown = errorIsTerminal();
+    if (!isShown || (!now && m_sinceShown.isValid() && m_sinceShown.elapsed() < statusIntervalMs))
+        return;
+    m_sinceShown.start();
+    // Overwritten with spaces instead of an erase sequence, which older Windows consoles would print.
+    m_err << '\r' << printable(text).left(statusColumns).leftJustified(statusColumns) << '\r' << Qt::flush;
+}
+
+void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups)
+{
+    for (const MatchGroup &group : groups)
+        writeGroup(out, tracks, group);
+    if (groups.isEmpty())
+        out << QCoreApplication::translate("epr::Cli", "Scanned %1 files - no duplicates found.").arg(tracks.size());
+    else
+        out << QCoreApplication::translate("epr::Cli",
+                                           "%1 files scanned - %2 duplicate groups - %3 redundant copies (%4).")
+                   .arg(tracks.size())
+                   .arg(groups.size())
+                   .arg(redundantFiles(groups))
+                   .arg(sizeText(reclaimableBytes(groups)));
+    out << '\n';
 }
 
 } // namespace epr::terminal

@@ -2,18 +2,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
+#include "matchgroup.h"
+#include "trackinfo.h"
+
+#include <QElapsedTimer>
+#include <QTextStream>
 
 namespace epr::terminal {
-
-/// Whether standard error is a terminal, where a line that rewrites itself makes sense.
-[[nodiscard]] bool errorIsTerminal();
 
 /// Makes the console show UTF-8; needed on Windows only.
 void useUtf8();
 
 /// The text with control characters written as \xNN, so that a file name can neither break a line nor send the
 /// terminal a command.
-[[nodiscard]] QString printable(const QString &text);
+QString printable(const QString &text);
+
+/// One line on standard error that rewrites itself. Shows nothing where standard error is not a terminal.
+class StatusLine final {
+public:
+    void setPhase(const QString &phase);
+    void setProgress(int done, int total, const QString &detail);
+    void clear();
+
+private:
+    void show(const QString &text, bool now);
+
+    QTextStream m_err { stderr };
+    QElapsedTimer m_sinceShown;
+    QString m_phase;
+};
+
+/// Writes the groups as readable text, one line per copy, and a summary line at the end.
+void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
 
 } // namespace epr::terminal
