@@ -4,6 +4,7 @@
 
 #include "displaytext.h"
 #include "reportcontent.h"
+#include "reviewtotals.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -109,15 +110,16 @@ void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QLi
 {
     for (const MatchGroup &group : groups)
         writeGroup(out, tracks, group);
+    const ReviewTotals totals = totalsOf(tracks.size(), groups);
     if (groups.isEmpty())
-        out << QCoreApplication::translate("epr::Cli", "Scanned %1 files - no duplicates found.").arg(tracks.size());
+        out << QCoreApplication::translate("epr::Cli", "Scanned %1 files - no duplicates found.").arg(totals.files);
     else
         out << QCoreApplication::translate("epr::Cli",
                                            "%1 files scanned - %2 duplicate groups - %3 redundant copies (%4).")
-                   .arg(tracks.size())
-                   .arg(groups.size())
-                   .arg(redundantFiles(groups))
-                   .arg(sizeText(reclaimableBytes(groups)));
+                   .arg(totals.files)
+                   .arg(totals.groups)
+                   .arg(totals.redundantCopies)
+                   .arg(sizeText(totals.redundantBytes));
     out << '\n';
 }
 

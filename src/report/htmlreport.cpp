@@ -3,6 +3,7 @@
 #include "displaytext.h"
 #include "metadata.h"
 #include "reportcontent.h"
+#include "reviewtotals.h"
 
 #include <QTextStream>
 
@@ -52,10 +53,11 @@ void writeSummary(QTextStream &out, const ReportContent &content)
         << "<div class=\"meta\">Generated "_L1 << generatedText(content).toHtmlEscaped() << " &middot; scanned "_L1
         << content.roots.join(", "_L1).toHtmlEscaped() << "</div>\n"_L1
         << "<div class=\"summary\">"_L1;
-    writeCard(out, QString::number(content.tracks.size()), u"Files scanned"_s);
-    writeCard(out, QString::number(content.groups.size()), u"Duplicate groups"_s);
-    writeCard(out, QString::number(redundantFiles(content.groups)), u"Redundant files"_s);
-    writeCard(out, sizeText(reclaimableBytes(content.groups)), u"Reclaimable"_s);
+    const ReviewTotals totals = totalsOf(content.tracks.size(), content.groups);
+    writeCard(out, QString::number(totals.files), u"Files scanned"_s);
+    writeCard(out, QString::number(totals.groups), u"Duplicate groups"_s);
+    writeCard(out, QString::number(totals.redundantCopies), u"Redundant files"_s);
+    writeCard(out, sizeText(totals.redundantBytes), u"Reclaimable"_s);
     out << "</div>\n"_L1;
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "metadata.h"
 #include "reportcontent.h"
+#include "reviewtotals.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -54,15 +55,16 @@ QJsonObject groupObject(const MatchGroup &group, const QList<TrackInfo> &tracks)
 /// Everything but the groups, of which only the key is there.
 QJsonObject frameObject(const ReportContent &content)
 {
+    const ReviewTotals totals = totalsOf(content.tracks.size(), content.groups);
     return {
         { u"application"_s, metadata::applicationName() },
         { u"version"_s, metadata::version() },
         { u"generated"_s, content.generated.toString(Qt::ISODate) },
         { u"roots"_s, QJsonArray::fromStringList(content.roots) },
-        { u"filesScanned"_s, content.tracks.size() },
-        { u"groups"_s, content.groups.size() },
-        { u"duplicateFiles"_s, redundantFiles(content.groups) },
-        { u"reclaimableBytes"_s, reclaimableBytes(content.groups) },
+        { u"filesScanned"_s, totals.files },
+        { u"groups"_s, totals.groups },
+        { u"duplicateFiles"_s, totals.redundantCopies },
+        { u"reclaimableBytes"_s, totals.redundantBytes },
         { QString(groupListKey), {} },
     };
 }

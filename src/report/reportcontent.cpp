@@ -18,22 +18,6 @@ std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackIn
     return members;
 }
 
-qint64 redundantFiles(const QList<MatchGroup> &groups)
-{
-    qint64 files = 0;
-    for (const MatchGroup &group : groups)
-        files += std::max<qint64>(group.members.size() - 1, 0);
-    return files;
-}
-
-qint64 reclaimableBytes(const QList<MatchGroup> &groups)
-{
-    qint64 bytes = 0;
-    for (const MatchGroup &group : groups)
-        bytes += group.reclaimableBytes;
-    return bytes;
-}
-
 QString generatedText(const ReportContent &content)
 {
     return content.generated.toString(Qt::RFC2822Date);

@@ -32,12 +32,6 @@ struct ReportMember {
 /// In the group's order, without members that refer to no track.
 std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks);
 
-/// Copies that could go if one of each group stays.
-qint64 redundantFiles(const QList<MatchGroup> &groups);
-
-/// Bytes that they take.
-qint64 reclaimableBytes(const QList<MatchGroup> &groups);
-
 /// When the report was made, for people.
 QString generatedText(const ReportContent &content);
 
