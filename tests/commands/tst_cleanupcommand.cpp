@@ -222,10 +222,9 @@ private Q_SLOTS:
         QStringList manifests;
         for (const QString &file : files) { // within one second, as a rule
             manifests << removeFiles({ file }, RemovalMode::Quarantine, session.quarantine(), {}).manifestPath;
-            QString error;
-            UndoManifest manifest = readManifest(manifests.last(), &error).value();
+            UndoManifest manifest = readManifest(manifests.last()).value();
             manifest.createdAt = u"2026-03-01T21:05:00"_s;
-            QVERIFY(writeManifest(manifests.last(), manifest, &error));
+            QVERIFY(writeManifest(manifests.last(), manifest));
         }
         session.window->onUndoPrevious();
         QCOMPARE(session.person.offered, QStringList(2, u"1 Mar 2026 9:05 pm - 1 file(s)"_s));
@@ -260,9 +259,9 @@ private Q_SLOTS:
             result = removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), {}, patient);
         };
         QVERIFY(!runWithProgress(u"Test"_s, job, nullptr));
-        QCOMPARE(result, RemovalResult({ 3, 0, 300, {}, result.manifestPath }));
+        QCOMPARE(result, RemovalResult({ 3, 0, 300, {}, result.manifestPath, {} }));
         QCOMPARE(treeOf(box.library()).keys(), words("3 4 5"));
-        QCOMPARE(restoreManifest(result.manifestPath), RestoreResult({ 3, 0, {} }));
+        QCOMPARE(restoreManifest(result.manifestPath), RestoreResult({ 3, 0, {}, {} }));
         QCOMPARE(treeOf(box.library()), before);
     }
 };
