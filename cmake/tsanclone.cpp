@@ -5,7 +5,7 @@
 #include <dlfcn.h>
 #include <sched.h>
 
-// The toolkit starts processes through clone() with the memory shared until the child has become another program.
+// Qt starts processes through clone() with the memory shared until the child has become another program.
 // ThreadSanitizer marks the state of such a child as not to be checked, and with it that of the thread that started it:
 // from then on it sees nothing there. In a ThreadSanitizer build this definition comes before the C library's and gives
 // the child a copy.

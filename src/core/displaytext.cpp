@@ -83,7 +83,8 @@ QString sizeText(qint64 bytes)
 
 QString dateTimeText(const QDateTime &time)
 {
-    return QLocale().toString(time.toLocalTime(), QCoreApplication::translate("epr::ResultsModel", "d MMM yyyy h:mm ap"));
+    return QLocale().toString(time.toLocalTime(),
+                              QCoreApplication::translate("epr::ResultsModel", "d MMM yyyy h:mm ap"));
 }
 
 QString folderOf(const TrackInfo &track)

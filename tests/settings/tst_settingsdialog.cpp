@@ -92,7 +92,8 @@ private Q_SLOTS:
         options.chromaprintThreshold = 7;
         options.formatPreference = { u"ogg"_s };
         SettingsDialog dialog(options, {});
-        QVERIFY(control(dialog, QString::fromLatin1(QTest::currentDataTag()))->setProperty(property.constData(), value));
+        QVERIFY(
+            control(dialog, QString::fromLatin1(QTest::currentDataTag()))->setProperty(property.constData(), value));
         dialog.reject();
         QVERIFY(dialog.options() == options);
         dialog.accept();
