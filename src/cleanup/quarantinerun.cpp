@@ -109,11 +109,11 @@ Result<> QuarantineRun::prepare(qsizetype index)
     if (!m_failure.isEmpty())
         return failure(m_failure);
     if (m_manifestPath.isEmpty()) {
-        if (const Result<> begun = begin(); !begun)
+        if (Result<> begun = begin(); !begun)
             return begun;
     }
     if (!m_planned.contains(index)) {
-        if (const Result<> planned = planFrom(index); !planned)
+        if (Result<> planned = planFrom(index); !planned)
             return planned;
     }
     return m_planned.contains(index) ? Result<>() : failure({}); // it may have vanished this very moment
@@ -201,7 +201,7 @@ Result<> QuarantineRun::moveAsPlanned(ManifestEntry *entry)
             return failure(outcome.error());
         if (*outcome == MoveOutcome::Moved)
             return {};
-        if (const Result<> replanned = replan(entry); !replanned)
+        if (Result<> replanned = replan(entry); !replanned)
             return replanned;
     }
     return failure({});
