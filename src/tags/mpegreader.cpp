@@ -82,7 +82,8 @@ MpegFrameHeader parseMpegFrameHeader(QByteArrayView bytes)
     header.layer = 4 - layerBits;
     header.freeFormat = bitrateIndex == 0;
     header.bitrateKbps = bitrateOf(versionId, header.layer, bitrateIndex);
-    header.sampleRate = sampleRates[static_cast<std::size_t>(versionId * 3 + sampleRateIndex)];
+    header.sampleRate =
+        sampleRates[static_cast<std::size_t>(versionId) * 3 + static_cast<std::size_t>(sampleRateIndex)];
     header.channels = quint8(bytes[3]) >> 6 == 3 ? 1 : 2;
     const bool mono = header.channels == 1;
     header.sideInfoLength = versionId == mpeg1 ? (mono ? 17 : 32) : (mono ? 9 : 17);

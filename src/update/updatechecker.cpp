@@ -5,6 +5,7 @@
 #include "metadata.h"
 #include "releasetexts.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
