@@ -7,7 +7,7 @@
 #include "analyser.h"
 #include "ffmpeg.h"
 #include "fingerprintpool.h"
-#include "metatypes.h"
+#include "records.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

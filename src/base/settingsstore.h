@@ -3,7 +3,7 @@
 #pragma once
 
 #include "metadata.h"
-#include "scanoptions.h"
+#include "records.h"
 
 #include <QByteArray>
 #include <QDateTime>

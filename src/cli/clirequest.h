@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "records.h"
 #include "reportwriter.h"
-#include "scanoptions.h"
 
 namespace epr {
 

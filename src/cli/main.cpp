@@ -4,7 +4,7 @@
 #include "consolescan.h"
 #include "mediabackend.h"
 #include "metadata.h"
-#include "metatypes.h"
+#include "records.h"
 #include "reportwriter.h"
 #include "settingsstore.h"
 #include "terminal.h"

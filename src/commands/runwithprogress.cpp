@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "runwithprogress.h"
 
-#include "backgroundjob.h"
+#include "backgroundwork.h"
 #include "notices.h"
-#include "progressestimate.h"
+#include "progress.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>

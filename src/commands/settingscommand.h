@@ -3,7 +3,7 @@
 #pragma once
 
 #include "command.h"
-#include "scanoptions.h"
+#include "records.h"
 
 #include <optional>
 

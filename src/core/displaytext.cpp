@@ -5,7 +5,9 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QLocale>
-#include <QStringList>
+
+#include <algorithm>
+#include <array>
 
 namespace epr {
 
@@ -28,6 +30,35 @@ QString channelText(qint32 channels)
     default:
         return QCoreApplication::translate("epr::TrackInfo", "%1 ch").arg(channels);
     }
+}
+
+struct MatchText {
+    const char *label;
+    const char *explanation;
+};
+
+constexpr std::array<MatchText, 4> matchTexts { {
+    { QT_TRANSLATE_NOOP("epr::MatchType", "Identical file"),
+      QT_TRANSLATE_NOOP("epr::MatchType", "Byte-for-byte identical copies. Safe to remove all but one.") },
+    { QT_TRANSLATE_NOOP("epr::MatchType", "Same audio, different tags"),
+      QT_TRANSLATE_NOOP(
+          "epr::MatchType",
+          "The audio data is identical; only tags or artwork differ. Keep the copy with the best metadata.") },
+    { QT_TRANSLATE_NOOP("epr::MatchType", "Same recording"),
+      QT_TRANSLATE_NOOP("epr::MatchType",
+                        "Acoustically the same recording, encoded differently. Keep the highest quality copy.") },
+    { QT_TRANSLATE_NOOP("epr::MatchType", "Same song (metadata)"),
+      QT_TRANSLATE_NOOP(
+          "epr::MatchType",
+          "Artist, title and duration agree. Review before removing - these may be legitimately different "
+          "versions.") },
+} };
+
+const MatchText *textOf(MatchType type)
+{
+    const auto index = static_cast<qint32>(type);
+    return index >= 0 && index < static_cast<qint32>(matchTexts.size()) ? &matchTexts[static_cast<std::size_t>(index)]
+                                                                        : nullptr;
 }
 
 } // namespace
@@ -72,7 +103,7 @@ QString durationText(qint64 durationMs)
 
 QString positionText(qint64 positionMs)
 {
-    const qint64 seconds = qMax<qint64>(positionMs, 0) / 1000;
+    const qint64 seconds = std::max<qint64>(positionMs, 0) / 1000;
     return u"%1:%2:%3"_s.arg(seconds / 3600).arg(twoDigits(seconds / 60 % 60), twoDigits(seconds % 60));
 }
 
@@ -90,6 +121,19 @@ QString dateTimeText(const QDateTime &time)
 QString folderOf(const TrackInfo &track)
 {
     return QFileInfo(track.path).absolutePath();
+}
+
+QString matchTypeLabel(MatchType type)
+{
+    const MatchText *text = textOf(type);
+    return QCoreApplication::translate("epr::MatchType",
+                                       text ? text->label : QT_TRANSLATE_NOOP("epr::MatchType", "Unmatched"));
+}
+
+QString matchTypeExplanation(MatchType type)
+{
+    const MatchText *text = textOf(type);
+    return text ? QCoreApplication::translate("epr::MatchType", text->explanation) : QString();
 }
 
 } // namespace epr

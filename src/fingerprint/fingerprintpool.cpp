@@ -3,6 +3,7 @@
 #include "fingerprintpool.h"
 
 #include "analyser.h"
+#include "backgroundwork.h"
 #include "ffmpeg.h"
 #include "fpcalc.h"
 #include "qtdecoder.h"
@@ -20,7 +21,6 @@ namespace {
 
 constexpr int maxThreads = 16; // more only compete for the disk
 constexpr int defaultSeconds = 120;
-constexpr int joinMs = 5000;
 
 } // namespace
 
@@ -78,11 +78,8 @@ FingerprintPool::FingerprintPool(int threads, int seconds, bool preferFpcalc, QO
 
 void FingerprintPool::addLane(int index, int seconds, bool preferFpcalc)
 {
-    auto *const thread = new QThread(this);
-    thread->setObjectName(u"epr-fingerprint-%1"_s.arg(index));
     auto *const worker = new FingerprintWorker(seconds, preferFpcalc);
-    worker->moveToThread(thread);
-    connect(thread, &QThread::finished, worker, &QObject::deleteLater);
+    QThread *const thread = createWorkerThread(u"epr-fingerprint-%1"_s.arg(index), worker, this);
     thread->start();
     m_lanes.push_back({ thread, worker });
 }
@@ -94,11 +91,8 @@ FingerprintPool::~FingerprintPool()
         lane.thread->requestInterruption();
         lane.thread->quit();
     }
-    for (const Lane &lane : m_lanes) {
-        // Stuck in the system, on a network drive that is gone, say. Destroying a running thread would end the program.
-        if (!lane.thread->wait(joinMs))
-            lane.thread->setParent(nullptr);
-    }
+    for (const Lane &lane : m_lanes)
+        waitOrLeave(lane.thread);
 }
 
 void FingerprintPool::run(const QList<FingerprintJob> &jobs)

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "hashing.h"
 
+#include "fileproblems.h"
 #include "sha256.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 #include <QThreadStorage>
 
 #include <algorithm>
@@ -44,13 +44,6 @@ void setReadError(QString *error, const QString &path)
 void setOpenError(QString *error, const QString &path, const QString &reason)
 {
     setError(error, QCoreApplication::translate("QObject", "Cannot read %1: %2").arg(path, reason));
-}
-
-// Opening a named pipe waits for a writer that may never come, and reading a device may never end.
-bool isSpecialFile(const QString &path)
-{
-    const QFileInfo info(path);
-    return info.exists() && !info.isFile();
 }
 
 bool openForHashing(QFile &file, QString *error)
@@ -114,9 +107,9 @@ public:
     {
     }
 
-    [[nodiscard]] bool complete() const { return m_position >= m_end; }
-    [[nodiscard]] bool begun() const { return m_position >= m_begin; }
-    [[nodiscard]] Sha256 &hash() { return m_hash; }
+    bool complete() const { return m_position >= m_end; }
+    bool begun() const { return m_position >= m_begin; }
+    Sha256 &hash() { return m_hash; }
 
     /// Takes the file's next block, wherever it lies relative to the range.
     void addBlock(QByteArrayView block)

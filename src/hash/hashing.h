@@ -13,15 +13,15 @@ namespace epr {
 // files and links to them are opened. Everything here is re-entrant.
 
 /// Digest of every byte of the file.
-[[nodiscard]] QString hashWholeFile(const QString &path, QString *error = nullptr);
+QString hashWholeFile(const QString &path, QString *error = nullptr);
 
 /// Digest of length bytes from offset on, or of those that exist when the file ends earlier. A length below 1 has no
 /// digest and is no error.
-[[nodiscard]] QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error = nullptr);
+QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error = nullptr);
 
 /// Digest of the file's size and its first and last 64 KiB: enough to tell apart nearly all files at the cost of two
 /// small reads. Not interchangeable with the other digests.
-[[nodiscard]] QString quickIdentityHash(const QString &path);
+QString quickIdentityHash(const QString &path);
 
 struct FileDigests {
     QString whole;
@@ -39,6 +39,6 @@ struct HashRequest {
 
 /// What hashWholeFile() and then hashAudioPayload() would return and report, as far as requested, for one pass over the
 /// file. A file that is given up gets the read error's message and no digest.
-[[nodiscard]] FileDigests hashFile(const QString &path, const HashRequest &request, QString *error = nullptr);
+FileDigests hashFile(const QString &path, const HashRequest &request, QString *error = nullptr);
 
 } // namespace epr

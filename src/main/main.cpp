@@ -4,7 +4,7 @@
 #include "mainwindow.h"
 #include "mediabackend.h"
 #include "metadata.h"
-#include "metatypes.h"
+#include "records.h"
 #include "startup.h"
 #include "translation.h"
 

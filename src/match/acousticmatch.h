@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "progressfn.h"
-#include "trackinfo.h"
+#include "progress.h"
+#include "records.h"
 
 #include <atomic>
 

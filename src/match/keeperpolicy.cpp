@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "keeperpolicy.h"
 
-#include "scanoptions.h"
+#include "records.h"
 
 #include <utility>
 

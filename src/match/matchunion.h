@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "matchtype.h"
+#include "records.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "displaytext.h"
 #include "metadata.h"
 #include "reportcontent.h"
 #include "reviewtotals.h"

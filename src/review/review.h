@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "matchgroup.h"
+#include "records.h"
 #include "reviewtotals.h"
-#include "trackinfo.h"
 
 #include <QFuture>
 #include <QObject>

@@ -19,7 +19,7 @@ namespace epr {
 namespace {
 
 constexpr qsizetype sliceSize = 512;
-constexpr qsizetype maxThreads = 4; // more would wait for each other: at the disk, and for the time zone's lock
+constexpr qsizetype maxThreads = 4; // more would wait for each other at the disk
 
 // An analysis that an earlier scan made with fewer methods is not enough: a file without a digest would match nothing.
 // What the cache knows and the analysis does not repeat, above all the fingerprint, stays.

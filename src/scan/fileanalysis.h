@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "scanoptions.h"
-#include "trackinfo.h"
+#include "records.h"
 
 #include <atomic>
 

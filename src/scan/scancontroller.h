@@ -2,9 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "matchgroup.h"
-#include "scanoptions.h"
-#include "trackinfo.h"
+#include "records.h"
 
 #include <QObject>
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe.h"
 
+#include "fileproblems.h"
 #include "readers.h"
 #include "result.h"
 
@@ -25,12 +26,9 @@ const Format *formatOf(const QString &suffix)
     return nullptr;
 }
 
-/// Opening a named pipe would wait for a writer for ever, so anything but a regular file (or a link to one) is
-/// refused unopened. What does not exist is left to the device, which words the reason.
 Result<> openRegular(QFile &file)
 {
-    const QFileInfo info(file.fileName());
-    if (info.exists() && !info.isFile())
+    if (isSpecialFile(file.fileName()))
         return failure(QCoreApplication::translate("epr::ProbeResult", "Not a regular file"));
     if (!file.open(QIODevice::ReadOnly))
         return failure(file.errorString());

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mainwindow.h"
 
+#include "backgroundwork.h"
 #include "cleanupcommand.h"
 #include "compareplayer.h"
 #include "docks.h"
@@ -21,7 +22,6 @@
 #include "settingsstore.h"
 #include "startup.h"
 #include "updatenotices.h"
-#include "workerthread.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>

@@ -3,7 +3,7 @@
 #include "playerdock.h"
 
 #include "compareplayer.h"
-#include "trackinfo.h"
+#include "records.h"
 
 #include <QAction>
 #include <QMenu>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "displaytext.h"
-#include "progressestimate.h"
+#include "progress.h"
 
 #include <QTest>
 

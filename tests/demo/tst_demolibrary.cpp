@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "metatypes.h"
 #include "probe.h"
+#include "records.h"
 #include "scancontroller.h"
 
 #include "temporarylibrary.h"

@@ -5,8 +5,8 @@
 #include "ffmpeg.h"
 #include "fingerprintpool.h"
 #include "mediabackend.h"
-#include "metatypes.h"
 #include "qtdecoder.h"
+#include "records.h"
 
 #include <QAudioBuffer>
 #include <QElapsedTimer>

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultsmodel.h"
 
+#include "displaytext.h"
 #include "reviewsketch.h"
 
 #include <QAbstractItemModelTester>

@@ -5,7 +5,7 @@
 #include "look.h"
 #include "mainwindow.h"
 #include "metadata.h"
-#include "metatypes.h"
+#include "records.h"
 #include "resultsmodel.h"
 #include "review.h"
 #include "settingsstore.h"

@@ -4,7 +4,7 @@
 
 #include "deck.h"
 #include "deckplayback.h"
-#include "trackinfo.h"
+#include "records.h"
 #include "waveformloader.h"
 
 #include <QTimer>

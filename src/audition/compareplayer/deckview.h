@@ -3,9 +3,8 @@
 #pragma once
 
 #include "deck.h"
-#include "envelope.h"
 #include "panel.h"
-#include "trackinfo.h"
+#include "records.h"
 
 namespace epr {
 

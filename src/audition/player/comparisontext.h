@@ -3,7 +3,7 @@
 #pragma once
 
 #include "deck.h"
-#include "trackinfo.h"
+#include "records.h"
 
 /// The texts that the two decks show.
 namespace epr::comparisontext {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "envelope.h"
+#include "records.h"
 #include "vfdpaint.h"
 
 #include <QWidget>

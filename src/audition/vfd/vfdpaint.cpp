@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "vfdpaint.h"
 
-#include "envelope.h"
+#include "records.h"
 
 #include <QFontDatabase>
 #include <QLinearGradient>

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveformloader.h"
 
+#include "backgroundwork.h"
 #include "envelopebuilder.h"
 #include "mediabackend.h"
 
@@ -15,8 +16,6 @@ namespace epr {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int joinMs = 5000;
 
 std::optional<Deck> deckOf(int number)
 {
@@ -98,12 +97,9 @@ private:
 
 WaveformLoader::WaveformLoader(QObject *parent, int watchdogMs)
     : QObject(parent)
-    , m_thread(new QThread(this))
     , m_worker(new WaveformWorker(m_generations, watchdogMs))
+    , m_thread(createWorkerThread(u"epr-waveform"_s, m_worker, this))
 {
-    m_thread->setObjectName(u"epr-waveform"_s);
-    m_worker->moveToThread(m_thread);
-    connect(m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
     connect(this, &WaveformLoader::requested, m_worker, &WaveformWorker::analyse, Qt::QueuedConnection);
     // A result may have waited in this thread's queue while a newer request was made.
     const auto relay = [this](const WaveformRequest &request, const Envelope &envelope, const QString &error) {
@@ -124,11 +120,7 @@ WaveformLoader::~WaveformLoader()
 {
     m_thread->requestInterruption();
     m_thread->quit();
-    if (m_thread->wait(joinMs))
-        return;
-    // Stuck in the system, on a network drive that is gone, say. Destroying a running thread would end the program.
-    m_thread->setParent(nullptr);
-    connect(m_thread, &QThread::finished, m_thread, &QObject::deleteLater);
+    waitOrLeave(m_thread);
 }
 
 void WaveformLoader::request(int deck, const QString &path)

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "deck.h"
-#include "envelope.h"
+#include "records.h"
 
 #include <QObject>
 #include <QString>
@@ -55,8 +55,8 @@ Q_SIGNALS:
 
 private:
     std::shared_ptr<WaveformGenerations> m_generations = std::make_shared<WaveformGenerations>();
-    QThread *m_thread;
     WaveformWorker *m_worker; ///< deletes itself on its thread
+    QThread *m_thread;
 };
 
 } // namespace epr

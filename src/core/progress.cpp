@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "progressestimate.h"
+#include "progress.h"
 
 #include <QCoreApplication>
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
 
 namespace epr {
@@ -18,7 +19,7 @@ constexpr qint64 spacingMs = 250; // reports closer than this replace one anothe
 
 QString remainingText(qint64 remainingMs)
 {
-    const auto minutes = static_cast<int>(qMin<qint64>((remainingMs + 30000) / 60000, 100 * 24 * 60));
+    const auto minutes = static_cast<int>(std::min<qint64>((remainingMs + 30000) / 60000, 100 * 24 * 60));
     if (minutes < 1)
         return QCoreApplication::translate("epr::ProgressEstimate", "less than a minute left");
     if (minutes < 60)
@@ -62,7 +63,7 @@ std::optional<qint64> ProgressEstimate::remainingMs() const
     const std::optional<double> rate = perSecond();
     if (!rate || *rate <= 0)
         return std::nullopt;
-    return std::llround(qMax(0, m_total - m_latest.done) * 1000.0 / *rate);
+    return std::llround(std::max(0, m_total - m_latest.done) * 1000.0 / *rate);
 }
 
 QString ProgressEstimate::text() const

@@ -5,9 +5,13 @@
 #include <QString>
 
 #include <deque>
+#include <functional>
 #include <optional>
 
 namespace epr {
+
+/// Called with (step, total, translated text) on the thread that does the work. May be empty.
+using ProgressFn = std::function<void(int step, int total, const QString &text)>;
 
 /// How fast a phase of long work goes and how much longer it will take, from what it reports now and then. Only the
 /// last half minute counts: the first files of a scan say little about the drive it is on by now.
@@ -19,7 +23,7 @@ public:
     void restart();
 
     /// "412 per second, about 3 minutes left"; empty while nothing can be said.
-    [[nodiscard]] QString text() const;
+    QString text() const;
 
 private:
     struct Report {
@@ -27,8 +31,8 @@ private:
         qint64 timeMs = 0;
     };
 
-    [[nodiscard]] std::optional<double> perSecond() const; ///< nothing in the first two seconds
-    [[nodiscard]] std::optional<qint64> remainingMs() const; ///< nothing while nothing advances
+    std::optional<double> perSecond() const; ///< nothing in the first two seconds
+    std::optional<qint64> remainingMs() const; ///< nothing while nothing advances
 
     std::deque<Report> m_reports;
     Report m_latest;

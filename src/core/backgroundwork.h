@@ -10,6 +10,8 @@
 #include <optional>
 #include <thread>
 
+class QThread;
+
 namespace epr {
 
 /// A function at work on a thread of its own, while the thread that began it handles events.
@@ -30,5 +32,14 @@ private:
     std::atomic<bool> m_isDone = false;
     std::thread m_thread; // after what it uses
 };
+
+/// A thread with an event loop for one worker, which must have no parent: it is moved there, and deleted there when the
+/// thread has finished. The caller starts the thread, and ends it by quit() and waitOrLeave().
+[[nodiscard]] QThread *createWorkerThread(const QString &name, QObject *worker, QObject *parent);
+
+/// Waits for a thread that has been told to quit. One that does not end in time, stuck in the system on a network drive
+/// that is gone, say, is taken from its parent and left to itself: destroying a running thread would end the program.
+/// False if so.
+bool waitOrLeave(QThread *thread, std::chrono::milliseconds atMost = std::chrono::seconds(5));
 
 } // namespace epr
