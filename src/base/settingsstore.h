@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "metadata.h"
+#include "application.h"
 #include "records.h"
 
 #include <QByteArray>

@@ -1,14 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "application.h"
 #include "clirequest.h"
 #include "consolescan.h"
 #include "mediabackend.h"
-#include "metadata.h"
 #include "records.h"
 #include "reportwriter.h"
 #include "settingsstore.h"
 #include "terminal.h"
-#include "translation.h"
 
 #include <QCoreApplication>
 #include <QTextStream>

@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "application.h"
 #include "look.h"
 #include "mainwindow.h"
 #include "mediabackend.h"
-#include "metadata.h"
 #include "records.h"
 #include "startup.h"
-#include "translation.h"
 
 #include <QApplication>
 #include <QIcon>

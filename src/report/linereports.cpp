@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "application.h"
 #include "displaytext.h"
-#include "metadata.h"
 #include "reportcontent.h"
 
 #include <QTextStream>

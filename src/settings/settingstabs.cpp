@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "settingstabs.h"
 
+#include "application.h"
 #include "displaytext.h"
 #include "keeperpolicy.h"
-#include "metadata.h"
 #include "releasetexts.h"
 #include "settingsdialog.h"
 #include "settingsstore.h"

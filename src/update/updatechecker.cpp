@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "updatechecker.h"
 
-#include "metadata.h"
+#include "application.h"
 #include "releasetexts.h"
 
 #include <QCoreApplication>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mainactions.h"
 
+#include "application.h"
 #include "memberactions.h"
-#include "metadata.h"
 #include "playerdock.h"
 
 #include <QCoreApplication>

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mainwindow.h"
 
+#include "application.h"
 #include "backgroundwork.h"
 #include "cleanupcommand.h"
 #include "compareplayer.h"
@@ -11,7 +12,6 @@
 #include "helpdialogs.h"
 #include "mainactions.h"
 #include "memberactions.h"
-#include "metadata.h"
 #include "notices.h"
 #include "playerdock.h"
 #include "resultspanel.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "application.h"
 #include "keeperpolicy.h"
-#include "metadata.h"
 #include "settingsdialog.h"
 #include "settingsstore.h"
 #include "updatechecker.h"

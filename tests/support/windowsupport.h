@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "application.h"
 #include "look.h"
 #include "mainwindow.h"
-#include "metadata.h"
 #include "records.h"
 #include "resultsmodel.h"
 #include "review.h"
