@@ -8,7 +8,6 @@
 #include "acousticcomparison.h"
 #include "acousticmatch.h"
 #include "candidates.h"
-#include "checkpoint.h"
 #include "matchunion.h"
 #include "stopwatch.h"
 #include "syntheticlibrary.h"

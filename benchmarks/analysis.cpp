@@ -5,7 +5,7 @@
 // the pool on two threads against one.
 
 #include "analyser.h"
-#include "ffmpeg.h"
+#include "decoding.h"
 #include "fingerprintpool.h"
 #include "records.h"
 

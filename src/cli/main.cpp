@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "application.h"
 #include "clirequest.h"
-#include "consolescan.h"
 #include "mediabackend.h"
 #include "records.h"
 #include "reportwriter.h"
@@ -10,7 +9,6 @@
 #include "terminal.h"
 
 #include <QCoreApplication>
-#include <QTextStream>
 
 using namespace epr;
 
@@ -34,7 +32,7 @@ void reportProblems(const QList<TrackInfo> &tracks)
 }
 
 /// Writes as many of the reports as possible; true when that was all of them.
-bool writeReports(const CliRequest &request, const ConsoleScanResult &result)
+bool writeReports(const CliRequest &request, const terminal::ScanResult &result)
 {
     bool all = true;
     for (const ReportFile &report : request.reports) {
@@ -49,7 +47,7 @@ bool writeReports(const CliRequest &request, const ConsoleScanResult &result)
 
 int scan(const CliRequest &request)
 {
-    const ConsoleScanResult result = runConsoleScan(request.options, request.verbose);
+    const terminal::ScanResult result = terminal::runScan(request.options, request.verbose);
     if (!result.failure.isEmpty())
         return refuse(result.failure);
     reportProblems(result.tracks);

@@ -31,6 +31,18 @@ private:
     QString m_phase;
 };
 
+/// What a scan in the terminal came to.
+struct ScanResult {
+    QList<TrackInfo> tracks;
+    QList<MatchGroup> groups;
+    bool cancelled = false;
+    QString failure; ///< why the scan could not run; empty when it did
+};
+
+/// Runs one scan on the calling thread. Progress is shown on standard error when that is a terminal, log lines there
+/// when `verbose`. Ctrl-C cancels it.
+ScanResult runScan(const ScanOptions &options, bool verbose);
+
 /// Writes the groups as readable text, one line per copy, and a summary line at the end.
 void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
 

@@ -2,11 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanupcommand.h"
 
-#include "cleanup.h"
 #include "displaytext.h"
 #include "notices.h"
 #include "removaldialog.h"
-#include "removalplan.h"
 #include "review.h"
 #include "undomanifest.h"
 

@@ -3,11 +3,9 @@
 #pragma once
 
 #include "cleanup.h"
-#include "command.h"
+#include "commands.h"
 #include "removalplan.h"
 #include "runwithprogress.h"
-
-#include <optional>
 
 namespace epr {
 

@@ -13,7 +13,6 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QRegularExpression>
-#include <QUrl>
 
 namespace epr {
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "command.h"
+#include "commands.h"
 #include "deck.h"
 
 #include <QAction>

@@ -10,13 +10,11 @@
 #include <QDialogButtonBox>
 #include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include <chrono>
 #include <mutex>
 
 namespace epr {

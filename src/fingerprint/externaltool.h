@@ -4,7 +4,6 @@
 
 #include "result.h"
 
-#include <QByteArray>
 #include <QMutex>
 #include <QStringList>
 

@@ -4,9 +4,8 @@
 
 #include "analyser.h"
 #include "backgroundwork.h"
-#include "ffmpeg.h"
+#include "decoding.h"
 #include "fpcalc.h"
-#include "qtdecoder.h"
 
 #include <QEventLoop>
 #include <QThread>

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "spectrum.h"
 
-#include "resampler.h"
-
 #include <QtGlobal>
 
 #include <algorithm>

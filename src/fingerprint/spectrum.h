@@ -7,6 +7,10 @@
 
 namespace epr {
 
+/// Hz; what the built-in analysis works at: a quarter of the CD rate, and still far above the highest band. As all its
+/// figures, this one is in every fingerprint of the cache.
+constexpr int analysisRate = 11025;
+
 constexpr int frameLength = 4096; ///< samples, 372 ms; one spectrum bin is 2.7 Hz wide
 constexpr int bandCount = 33; ///< one more than a word has bits: every bit compares two neighbouring bands
 

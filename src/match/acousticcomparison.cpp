@@ -5,7 +5,6 @@
 #include "bitkernel.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <optional>
 

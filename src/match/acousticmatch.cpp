@@ -4,7 +4,6 @@
 
 #include "acousticcomparison.h"
 #include "candidates.h"
-#include "checkpoint.h"
 #include "matchunion.h"
 
 namespace epr {

@@ -10,9 +10,7 @@
 #include <QCoreApplication>
 #include <QHash>
 
-#include <algorithm>
 #include <tuple>
-#include <vector>
 
 namespace epr {
 

@@ -3,12 +3,10 @@
 #include "candidates.h"
 
 #include "acousticcomparison.h"
-#include "checkpoint.h"
 
 #include <array>
 #include <bit>
 #include <limits>
-#include <utility>
 
 namespace epr {
 

@@ -4,8 +4,6 @@
 
 #include "records.h"
 
-#include <utility>
-
 namespace epr {
 
 namespace {

@@ -5,7 +5,6 @@
 #include "records.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace epr {

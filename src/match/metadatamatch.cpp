@@ -4,7 +4,6 @@
 
 #include "matchunion.h"
 
-#include <algorithm>
 #include <array>
 #include <tuple>
 #include <unordered_map>

@@ -3,7 +3,7 @@
 #include "application.h"
 #include "displaytext.h"
 #include "reportcontent.h"
-#include "reviewtotals.h"
+#include "review.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

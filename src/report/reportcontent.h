@@ -4,9 +4,6 @@
 
 #include "records.h"
 
-#include <QDateTime>
-#include <QStringList>
-
 #include <vector>
 
 class QTextStream;
@@ -29,13 +26,30 @@ struct ReportMember {
 };
 
 /// In the group's order, without members that refer to no track.
-std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks);
+inline std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks)
+{
+    std::vector<ReportMember> members;
+    for (const qint32 member : group.members) {
+        if (member >= 0 && member < tracks.size())
+            members.push_back({ group, tracks.at(member), member == group.keep });
+    }
+    return members;
+}
 
 /// When the report was made, for people.
-QString generatedText(const ReportContent &content);
+inline QString generatedText(const ReportContent &content)
+{
+    return content.generated.toString(Qt::RFC2822Date);
+}
 
 /// Minutes and seconds without hours, "60:00" for an hour, so that a column of a report has one form; "-" below 1 ms.
-QString reportDurationText(qint64 durationMs);
+inline QString reportDurationText(qint64 durationMs)
+{
+    if (durationMs < 1)
+        return QStringLiteral("-");
+    const qint64 seconds = durationMs / 1000;
+    return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
 
 /// The writers of the formats. They write as they go: a report put together first would take a multiple of the memory
 /// that the scan's lists take.

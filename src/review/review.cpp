@@ -2,15 +2,41 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review.h"
 
+#include "displaytext.h"
 #include "reviewfilter.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
+#include <QLocale>
 #include <QtConcurrent>
 
 #include <algorithm>
-#include <utility>
 
 namespace epr {
+
+ReviewTotals totalsOf(qint64 files, const QList<MatchGroup> &groups)
+{
+    ReviewTotals totals { .files = files, .groups = groups.size() };
+    for (const MatchGroup &group : groups) {
+        totals.redundantCopies += std::max<qint64>(group.members.size() - 1, 0);
+        totals.redundantBytes += group.reclaimableBytes;
+    }
+    return totals;
+}
+
+QString summaryText(const ReviewTotals &totals)
+{
+    const QLocale locale;
+    if (totals.groups == 0) {
+        return QCoreApplication::translate("epr::MainWindow", "Scanned %1 files - no duplicates found.")
+            .arg(locale.toString(totals.files));
+    }
+    return QCoreApplication::translate("epr::MainWindow",
+                                       "%1 files scanned - %2 duplicate groups - %3 redundant copies (%4). Currently "
+                                       "selected for removal: %5 file(s), %6.")
+        .arg(locale.toString(totals.files), locale.toString(totals.groups), locale.toString(totals.redundantCopies),
+             sizeText(totals.redundantBytes), locale.toString(totals.tickedFiles), sizeText(totals.tickedBytes));
+}
 
 Review::Review(QObject *parent)
     : QObject(parent)

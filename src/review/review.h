@@ -3,16 +3,32 @@
 #pragma once
 
 #include "records.h"
-#include "reviewtotals.h"
 
 #include <QFuture>
-#include <QObject>
 #include <QSet>
 #include <QThreadPool>
 
 #include <vector>
 
 namespace epr {
+
+/// What is counted of a review, wherever it is told: below the results, on the console and in the reports.
+struct ReviewTotals {
+    qint64 files = 0; ///< scanned, whether duplicate or not
+    qint64 groups = 0;
+    qint64 redundantCopies = 0; ///< members beyond the one to keep, over all groups
+    qint64 redundantBytes = 0;
+    qint64 tickedFiles = 0;
+    qint64 tickedBytes = 0;
+
+    bool operator==(const ReviewTotals &) const = default;
+};
+
+/// Of what a scan found, before anything is ticked.
+ReviewTotals totalsOf(qint64 files, const QList<MatchGroup> &groups);
+
+/// The line below the results of a scan.
+QString summaryText(const ReviewTotals &totals);
 
 /// What is being decided about the results of a scan: which copy of a group is kept and which are ticked for removal.
 /// It reads the scan's own lists and keeps one bit per member for the tick, so a large result costs no row objects.

@@ -4,8 +4,8 @@
 
 #include "analysiscache.h"
 #include "buildmatchgroups.h"
+#include "decoding.h"
 #include "discovery.h"
-#include "ffmpeg.h"
 #include "fileanalysis.h"
 #include "fingerprintpool.h"
 #include "fpcalc.h"

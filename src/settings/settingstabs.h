@@ -2,15 +2,84 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "optionstab.h"
+#include "records.h"
 #include "updatechecker.h"
 
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QLabel;
+class QLineEdit;
 class QPushButton;
+class QSpinBox;
 
 namespace epr {
 
 struct CacheStatus;
 struct SettingsStatus;
+
+/// A tab of the settings dialog. Each of its controls is made for one scan option: it begins with the option's value,
+/// and applyTo() gives the option what it shows then.
+class OptionsTab : public QWidget {
+    Q_OBJECT
+
+public:
+    void applyTo(ScanOptions &options) const;
+
+protected:
+    explicit OptionsTab(const ScanOptions &options, QWidget *parent);
+
+    struct Range {
+        int minimum = 0;
+        int maximum = 0;
+        QString suffix;
+        int unit = 1; ///< the option holds this many for each one that is shown
+    };
+
+    struct DecimalRange {
+        double minimum = 0;
+        double maximum = 0;
+        double step = 0;
+        int decimals = 0;
+    };
+
+    struct Choice {
+        QString text;
+        qint32 value = 0;
+    };
+
+    /// Between the entries of a list; the text shows a space behind each.
+    struct Separator {
+        QChar character;
+        QStringList (*parse)(const QString &text);
+    };
+
+    QCheckBox *checkBox(bool ScanOptions::*option, const QString &text, const QString &toolTip = {});
+    QComboBox *comboBox(qint32 ScanOptions::*option, const QList<Choice> &choices);
+    QDoubleSpinBox *spinBox(double ScanOptions::*option, const DecimalRange &range);
+    QLineEdit *listEdit(QStringList ScanOptions::*option, const Separator &separator, const QString &toolTip);
+
+    /// Shows the value, or the nearest one in range: a hand-edited store may hold anything.
+    template <typename Integer> QSpinBox *spinBox(Integer ScanOptions::*option, const Range &range)
+    {
+        QSpinBox *box = createSpinBox(m_stored.*option / range.unit, range);
+        bind([=, unit = range.unit](ScanOptions &options) { options.*option = Integer { valueOf(box) } * unit; });
+        return box;
+    }
+
+private:
+    static QSpinBox *createSpinBox(qint64 value, const Range &range);
+    static int valueOf(const QSpinBox *box);
+    void bind(std::function<void(ScanOptions &)> store) { m_bindings.push_back(std::move(store)); }
+
+    const ScanOptions m_stored;
+    std::vector<std::function<void(ScanOptions &)>> m_bindings;
+};
 
 /// How duplicates are found and which copy is kept.
 class DetectionTab final : public OptionsTab {

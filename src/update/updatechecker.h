@@ -4,9 +4,8 @@
 
 #include "settingsstore.h"
 
-#include <QDateTime>
-#include <QMetaType>
-#include <QObject>
+#include <QDate>
+#include <QUrl>
 
 #include <chrono>
 
@@ -14,6 +13,22 @@ class QNetworkAccessManager;
 class QNetworkReply;
 
 namespace epr {
+
+/// Compares dotted versions part by part from the left: negative, zero or positive as a is older than, equal to or
+/// newer than b. Missing parts count as 0; of a part that is not a number its leading digits count, and without any it
+/// is 0. Parts may have any number of digits.
+int compareVersions(QStringView a, QStringView b);
+
+/// The version on one line and short enough for a button: whatever a server calls its version, the layout holds.
+QString displayVersion(const QString &version);
+
+/// The address if it is a complete one on the web (http or https, with a host), else an empty URL. Nothing else from
+/// the settings or from a server is requested or handed to the desktop: a "file:" link would open what lies on this
+/// machine.
+QUrl webUrl(const QString &text);
+
+/// The day that the service names, or an invalid date: "2026-11-21", with or without a time of day.
+QDate parseReleaseDate(const QString &text);
 
 /// What the update check keeps in the user's settings.
 class UpdateSettings final {

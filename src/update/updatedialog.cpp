@@ -4,11 +4,9 @@
 
 #include "application.h"
 #include "notices.h"
-#include "releasetexts.h"
 
 #include <QDesktopServices>
 #include <QDialogButtonBox>
-#include <QLabel>
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QPushButton>

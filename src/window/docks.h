@@ -2,12 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
+
 #include <QDockWidget>
 
 class QMainWindow;
+class QMenu;
 class QPlainTextEdit;
 
 namespace epr {
+
+class ComparePlayer;
+struct TrackInfo;
 
 /// What the program has done, a line each with its time. Only the latest lines are kept, so that a scan that fails on
 /// every file of a large library does not fill the memory with text.
@@ -25,5 +31,33 @@ private:
 
 /// Puts both docks into the window as a first start shows them.
 void placeDocks(QMainWindow *window, QDockWidget *player, ActivityLog *log);
+
+/// The comparison player's place in the main window, with the commands that work it from the menu and by key. Loading a
+/// deck brings the player to the front.
+class PlayerDock final : public QDockWidget {
+    Q_OBJECT
+
+public:
+    explicit PlayerDock(QWidget *parent);
+
+    ComparePlayer *player() const { return m_player; }
+
+    void addCommandsTo(QMenu *menu) const;
+
+    void load(Deck deck, const TrackInfo &track);
+    void loadIntoFreeDeck(const TrackInfo &track);
+    void compare(const TrackInfo &a, const TrackInfo &b);
+
+private:
+    QAction *make(const QString &text, const QKeySequence &key, void (ComparePlayer::*command)());
+    void bringToFront();
+
+    ComparePlayer *m_player;
+    QAction *m_playPause;
+    QAction *m_listenToA;
+    QAction *m_listenToB;
+    QAction *m_switch;
+    QAction *m_link;
+};
 
 } // namespace epr

@@ -3,8 +3,8 @@
 #include "mainactions.h"
 
 #include "application.h"
+#include "docks.h"
 #include "memberactions.h"
-#include "playerdock.h"
 
 #include <QCoreApplication>
 #include <QMenuBar>

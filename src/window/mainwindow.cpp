@@ -5,27 +5,23 @@
 #include "application.h"
 #include "backgroundwork.h"
 #include "cleanupcommand.h"
+#include "commands.h"
 #include "compareplayer.h"
 #include "docks.h"
-#include "exportcommand.h"
 #include "folderpanel.h"
 #include "helpdialogs.h"
 #include "mainactions.h"
 #include "memberactions.h"
 #include "notices.h"
-#include "playerdock.h"
 #include "resultspanel.h"
 #include "review.h"
 #include "scancontroller.h"
 #include "scanstrip.h"
-#include "settingscommand.h"
 #include "settingsstore.h"
 #include "startup.h"
-#include "updatenotices.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QMenuBar>
@@ -35,9 +31,6 @@
 #include <QStatusBar>
 #include <QThread>
 #include <QToolBar>
-
-#include <chrono>
-#include <utility>
 
 namespace epr {
 

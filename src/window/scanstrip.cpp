@@ -2,16 +2,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scanstrip.h"
 
+#include "displaytext.h"
+
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QProgressBar>
 
 #include <algorithm>
-#include <utility>
 
 namespace epr {
 
 using namespace Qt::StringLiterals;
+
+QString elapsedText(qint64 elapsedMs)
+{
+    constexpr qint64 minuteMs = 60000;
+    if (elapsedMs >= minuteMs)
+        return durationText(elapsedMs);
+    return QCoreApplication::translate("epr::MainWindow", "%1 s")
+        .arg(QLocale().toString(static_cast<double>(elapsedMs) / 1000.0, 'f', 1));
+}
 
 ScanStrip::ScanStrip(QWidget *parent)
     : QWidget(parent)

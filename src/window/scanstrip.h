@@ -12,6 +12,9 @@ class QProgressBar;
 
 namespace epr {
 
+/// How long a scan took: "4.2 s", from one minute "3:07", from one hour "1:02:09".
+QString elapsedText(qint64 elapsedMs);
+
 /// The lower edge of the window: a status text and, while a scan runs, how far it has come.
 class ScanStrip final : public QWidget {
     Q_OBJECT

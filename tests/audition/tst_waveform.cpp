@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "envelopebuilder.h"
 #include "mediabackend.h"
 #include "platformdecoder.h"
 #include "temporarylibrary.h"

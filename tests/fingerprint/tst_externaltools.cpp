@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audiofixtures.h"
+#include "decoding.h"
 #include "externaltool.h"
-#include "ffmpeg.h"
 #include "fpcalc.h"
 
 #include <QDir>

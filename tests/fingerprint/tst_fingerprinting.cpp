@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analyser.h"
 #include "audiofixtures.h"
-#include "ffmpeg.h"
+#include "decoding.h"
 #include "fingerprintpool.h"
 #include "mediabackend.h"
-#include "qtdecoder.h"
 #include "records.h"
 
 #include <QAudioBuffer>

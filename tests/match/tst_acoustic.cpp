@@ -4,7 +4,6 @@
 #include "acousticmatch.h"
 #include "bitkernel.h"
 #include "candidates.h"
-#include "checkpoint.h"
 #include "matchunion.h"
 
 #include <QRandomGenerator>

@@ -3,8 +3,8 @@
 #include "scancontroller.h"
 
 #include "analysiscache.h"
+#include "decoding.h"
 #include "discovery.h"
-#include "ffmpeg.h"
 #include "hole.h"
 #include "temporarylibrary.h"
 

@@ -11,7 +11,6 @@
 #include <QHBoxLayout>
 
 #include <cstdlib>
-#include <utility>
 
 namespace epr {
 

@@ -11,7 +11,6 @@
 #include <QWidget>
 
 #include <functional>
-#include <memory>
 
 namespace epr {
 

@@ -8,7 +8,6 @@
 #include "levelmeter.h"
 #include "scrubber.h"
 #include "sevensegment.h"
-#include "vfdpaint.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

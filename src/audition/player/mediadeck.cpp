@@ -9,7 +9,6 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <utility>
 
 namespace epr {
 

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lamp.h"
 
-#include "vfdpaint.h"
-
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "levelmeter.h"
 
-#include "vfdpaint.h"
-
 #include <QEvent>
 #include <QPainter>
 

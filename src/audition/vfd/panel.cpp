@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "panel.h"
 
-#include "vfdpaint.h"
-
 #include <QChildEvent>
 #include <QMouseEvent>
 #include <QPainter>

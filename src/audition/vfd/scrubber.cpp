@@ -4,7 +4,6 @@
 
 #include "accessibility.h"
 #include "displaytext.h"
-#include "vfdpaint.h"
 
 #include <QHoverEvent>
 #include <QKeyEvent>

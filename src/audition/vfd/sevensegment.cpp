@@ -3,7 +3,6 @@
 #include "sevensegment.h"
 
 #include "accessibility.h"
-#include "vfdpaint.h"
 
 #include <QPainter>
 #include <QPainterPath>

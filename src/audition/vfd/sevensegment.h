@@ -4,10 +4,8 @@
 
 #include "vfdpaint.h"
 
-#include <QList>
 #include <QPolygonF>
 #include <QRectF>
-#include <QString>
 #include <QWidget>
 
 namespace epr::vfd {

@@ -6,8 +6,12 @@
 
 #include <QList>
 
+class QAudioBuffer;
+
 namespace epr {
 
+class Analyser;
+class FingerprintWorker;
 struct ToolTimeouts;
 
 /// Looks for the tool anew: EPR_FFMPEG, beside the program, the search path. Empty when there is none.
@@ -31,5 +35,32 @@ struct DecodeRequest {
 /// The same with a given tool and given patience; the samples, nominally -1 to 1.
 Result<QList<float>> decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request,
                                           const ToolTimeouts &timeouts);
+
+/// Decodes a file with Qt's decoder into the analyser, which it resets to the file's rate. Blocks in a local
+/// event loop. durationMs is overwritten when the decoder knows the file's duration, error when something went wrong;
+/// what was fed before that counts.
+void decodeWithQt(const FingerprintWorker &worker, Analyser &analyser, const QString &path, qint64 &durationMs,
+                  QString &error);
+
+struct QtDecodeLimits {
+    qint64 frames = 0;
+    int watchdogMs = 0;
+};
+
+/// At 48 kHz, whatever the file's rate.
+QtDecodeLimits qtDecodeLimits(int seconds);
+
+struct QtDecodeOutcome {
+    qint64 frames = 0; ///< decoded
+    qint64 durationMs = 0; ///< of the whole file, 0 = the decoder did not say
+    QString error; ///< empty on success
+};
+
+/// The same with given limits.
+QtDecodeOutcome decodeWithQt(const QString &path, const QtDecodeLimits &limits, Analyser &analyser);
+
+/// Mixes interleaved samples of a buffer down to mono, -1 to 1: the mean of the channels. Empty when the buffer has no
+/// frames or a sample format that is not known here.
+QList<float> monoSamples(const QAudioBuffer &buffer);
 
 } // namespace epr
