@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QByteArray>
+#include "temporarylibrary.h"
+
 #include <QByteArrayList>
-#include <QtEndian>
 
 /// Builds audio files byte by byte. Every function returns the bytes of one structure; files are their concatenation.
 namespace epr::test {
@@ -12,12 +12,6 @@ namespace epr::test {
 template <typename T> QByteArray big(T value)
 {
     const T stored = qToBigEndian(value);
-    return QByteArray(reinterpret_cast<const char *>(&stored), sizeof stored);
-}
-
-template <typename T> QByteArray little(T value)
-{
-    const T stored = qToLittleEndian(value);
     return QByteArray(reinterpret_cast<const char *>(&stored), sizeof stored);
 }
 
@@ -114,12 +108,6 @@ inline QByteArray oggPages(const QByteArrayList &packets, quint64 granule, quint
         lacing.remove(0, table.size());
     }
     return pages;
-}
-
-/// A chunk of a WAVE file, or the file, with its pad byte.
-inline QByteArray riffChunk(const QByteArray &id, const QByteArray &body)
-{
-    return id + little(static_cast<quint32>(body.size())) + body + QByteArray(body.size() % 2, '\0');
 }
 
 /// 44.1 kHz, stereo, 16 bits.

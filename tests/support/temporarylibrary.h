@@ -3,13 +3,13 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QDataStream>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 namespace epr::test {
 
@@ -46,20 +46,24 @@ inline QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+template <typename T> QByteArray little(T value)
+{
+    const T stored = qToLittleEndian(value);
+    return QByteArray(reinterpret_cast<const char *>(&stored), sizeof stored);
+}
+
+/// A chunk of a WAVE file, or the file, with its pad byte.
+inline QByteArray riffChunk(const QByteArray &id, const QByteArray &body)
+{
+    return id + little(static_cast<quint32>(body.size())) + body + QByteArray(body.size() % 2, '\0');
+}
+
 /// Mono, 8-bit samples at 8000 Hz that are all the same; the tail follows the sample data.
 inline QByteArray waveOf(char sample, int seconds = 6, const QByteArray &tail = {})
 {
+    const QByteArray format = QByteArray("\1\0\1\0", 4) + little(8000) + little(8000) + QByteArray("\1\0\x08\0", 4);
     const QByteArray samples(qsizetype { 8000 } * seconds, sample);
-    QByteArray header;
-    QDataStream out(&header, QIODevice::WriteOnly);
-    out.setByteOrder(QDataStream::LittleEndian);
-    out.writeRawData("RIFF", 4);
-    out << quint32(36 + samples.size() + tail.size());
-    out.writeRawData("WAVEfmt ", 8);
-    out << quint32(16) << quint16(1) << quint16(1) << quint32(8000) << quint32(8000) << quint16(1) << quint16(8);
-    out.writeRawData("data", 4);
-    out << quint32(samples.size());
-    return header + samples + tail;
+    return riffChunk("RIFF", "WAVE" + riffChunk("fmt ", format) + riffChunk("data", samples) + tail);
 }
 
 /// A list written as words.
