@@ -29,26 +29,31 @@ class TestExternalTools : public QObject {
 private Q_SLOTS:
     void init()
     {
-        if (!hasStandIns && qstrcmp(QTest::currentTestFunction(), "fpcalcOutputIsParsed") != 0)
+        if (!hasStandIns && QByteArrayView(QTest::currentTestFunction()) != "fpcalcOutputIsParsed")
             QSKIP("The stand-ins for the tools are shell scripts");
+    }
+
+    void fpcalcOutputIsParsed_data()
+    {
+        QTest::addColumn<QByteArray>("output");
+        QTest::addColumn<FpcalcResult>("result");
+        const auto row = [](const char *name, const QByteArray &output, const QList<quint32> &words, qint64 ms) {
+            QTest::newRow(name) << output << FpcalcResult { words, ms, {} };
+        };
+        row("plain", "DURATION=187.53\nFINGERPRINT=1,4294967295,3\n", { 1, 4294967295, 3 }, 187530);
+        row("blanks", "DURATION= 2 \r\nFINGERPRINT= 1 ,\t2\r\n", { 1, 2 }, 2000);
+        row("no words", "FINGERPRINT=1,x,,4294967296,+3,-3,3.0,0x3,4 4,5", { 1, 5 }, 0);
+        row("twice", "DURATION=1\nFINGERPRINT=1\nDURATION=2\nFINGERPRINT=2\n", { 1, 2 }, 2000);
+        row("fraction", "DURATION=0.0019\n", {}, 1);
+        row("no number", "DURATION=2\nDURATION=2:31\n", {}, 0);
+        row("NaN", "DURATION=nan\n", {}, 0);
+        row("no keys", "FILE=x\n DURATION=5\nfingerprint=1\nFINGERPRINT 2\n", {}, 0);
     }
 
     void fpcalcOutputIsParsed()
     {
-        const std::tuple<QByteArrayView, QList<quint32>, qint64> cases[] = {
-            { "DURATION=187.53\nFINGERPRINT=1,4294967295,3\n", { 1, 4294967295, 3 }, 187530 },
-            { "DURATION= 2 \r\nFINGERPRINT= 1 ,\t2\r\n", { 1, 2 }, 2000 },
-            { "FINGERPRINT=1,x,,4294967296,+3,-3,3.0,0x3,4 4,5", { 1, 5 }, 0 },
-            { "DURATION=1\nFINGERPRINT=1\nDURATION=2\nFINGERPRINT=2\n", { 1, 2 }, 2000 },
-            { "DURATION=0.0019\n", {}, 1 },
-            { "DURATION=2\nDURATION=2:31\n", {}, 0 },
-            { "DURATION=nan\n", {}, 0 },
-            { "FILE=x\n DURATION=5\nfingerprint=1\nFINGERPRINT 2\n", {}, 0 },
-        };
-        for (const auto &[output, words, durationMs] : cases) {
-            const FpcalcResult result = parseFpcalcOutput(output);
-            QVERIFY2(result.fingerprint == words && result.durationMs == durationMs, output.data());
-        }
+        QFETCH(const QByteArray, output);
+        QTEST(parseFpcalcOutput(output), "result");
     }
 
     void discoveryTakesTheFirstExecutableFile()
@@ -71,46 +76,55 @@ private Q_SLOTS:
         QVERIFY(found(u""_s, {}, u"no such tool"_s).filePath().isEmpty());
     }
 
+    void argumentsArriveUnchanged_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<int>("seconds");
+        QTest::newRow("quotes") << u"/a \"b\" 'c' \\d/ e .mp3"_s << 60;
+        QTest::newRow("scripts, no length") << u"/Þórr/日本/عربى/😀.mp3"_s << 0;
+        QTest::newRow("an option, less than no length") << u"-i"_s << -7;
+        QTest::newRow("shell, longest") << u"/$(id) `id` *;&|>%PATH%\n.mp3"_s << maxInt;
+    }
+
     void argumentsArriveUnchanged()
     {
-        const std::tuple<QString, int, QString> cases[] = {
-            { u"/a \"b\" 'c' \\d/ e .mp3"_s, 60, u"60"_s },
-            { u"/Þórr/日本/عربى/😀.mp3"_s, 0, u""_s },
-            { u"-i"_s, -7, u""_s },
-            { u"/$(id) `id` *;&|>%PATH%\n.mp3"_s, maxInt, u"2147483647"_s },
-        };
+        QFETCH(const QString, path);
+        QFETCH(const int, seconds);
         // The arguments come back as the error text, each one after a bar.
         const QString tool = standIn("printf '|%s' \"$@\" >&2; exit 1");
-        for (const auto &[path, seconds, length] : cases) {
-            QCOMPARE(runFpcalcTool(tool, path, seconds, patient).error,
-                     u"|-raw|-length|"_s + (length.isEmpty() ? u"1"_s : length) + u'|' + path);
-            QCOMPARE(decodeWithFfmpegTool(tool, { path, 11025, seconds }, patient).error(),
-                     u"|-nostdin|-loglevel|error|-i|"_s + path + (length.isEmpty() ? length : u"|-t|"_s + length)
-                         + u"|-ac|1|-ar|11025|-f|f32le|-"_s);
-        }
+        const QString length = QString::number(seconds);
+        QCOMPARE(runFpcalcTool(tool, path, seconds, patient).error,
+                 u"|-raw|-length|"_s + (seconds > 0 ? length : u"1"_s) + u'|' + path);
+        QCOMPARE(decodeWithFfmpegTool(tool, { path, 11025, seconds }, patient).error(),
+                 u"|-nostdin|-loglevel|error|-i|"_s + path + (seconds > 0 ? u"|-t|"_s + length : QString())
+                     + u"|-ac|1|-ar|11025|-f|f32le|-"_s);
+    }
+
+    void failuresAreReported_data()
+    {
+        QTest::addColumn<QByteArray>("script");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("no tool") << QByteArray() << u"could not start TOOL"_s;
+        QTest::newRow("exit code") << "echo FINGERPRINT=1,2; exit 3"_ba << u"TOOL failed (exit 3)"_s;
+        QTest::newRow("its own words") << "echo ' no such codec ' >&2; exit 1"_ba << u"no such codec"_s;
+        QTest::newRow("killed") << "kill -9 $$"_ba << u"TOOL failed (exit 9)"_s;
+        QTest::newRow("hangs") << "echo FINGERPRINT=1; exec sleep 60"_ba << u"TOOL timed out"_s;
+        QTest::newRow("hangs, closed") << "exec sleep 60 >&- 2>&-"_ba << u"TOOL timed out"_s;
     }
 
     void failuresAreReported()
     {
-        const std::tuple<QByteArray, QString, int> cases[] = {
-            { "", u"could not start TOOL"_s, 20000 },
-            { "echo FINGERPRINT=1,2; exit 3", u"TOOL failed (exit 3)"_s, 20000 },
-            { "echo ' no such codec ' >&2; exit 1", u"no such codec"_s, 20000 },
-            { "kill -9 $$", u"TOOL failed (exit 9)"_s, 20000 },
-            { "echo FINGERPRINT=1; exec sleep 60", u"TOOL timed out"_s, 400 },
-            { "exec sleep 60 >&- 2>&-", u"TOOL timed out"_s, 400 },
-        };
+        QFETCH(const QByteArray, script);
+        QFETCH(const QString, error);
+        const QString tool = script.isEmpty() ? m_dir.filePath(u"gone"_s) : standIn(script);
+        const ToolTimeouts timeouts { 5000, script.contains("sleep") ? 400 : 20000, 30000 };
         QElapsedTimer clock;
         clock.start();
-        for (const auto &[script, error, waitMs] : cases) {
-            const QString tool = script.isEmpty() ? m_dir.filePath(u"gone"_s) : standIn(script);
-            const ToolTimeouts timeouts { 5000, waitMs, 30000 };
-            QCOMPARE(runFpcalcTool(tool, u"a"_s, 60, timeouts),
-                     (FpcalcResult { {}, 0, QString(error).replace(u"TOOL"_s, u"fpcalc"_s) }));
-            const Result<QList<float>> audio = decodeWithFfmpegTool(tool, { u"a"_s, 11025, 60 }, timeouts);
-            QVERIFY(!audio);
-            QCOMPARE(audio.error(), QString(error).replace(u"TOOL"_s, u"ffmpeg"_s));
-        }
+        QCOMPARE(runFpcalcTool(tool, u"a"_s, 60, timeouts),
+                 (FpcalcResult { {}, 0, QString(error).replace(u"TOOL"_s, u"fpcalc"_s) }));
+        const Result<QList<float>> audio = decodeWithFfmpegTool(tool, { u"a"_s, 11025, 60 }, timeouts);
+        QVERIFY(!audio);
+        QCOMPARE(audio.error(), QString(error).replace(u"TOOL"_s, u"ffmpeg"_s));
         QVERIFY(clock.elapsed() < 30000); // or a hanging tool was waited for, not killed
     }
 
