@@ -12,12 +12,7 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
-using epr::KeeperPolicy;
-using epr::MatchGroup;
-using epr::MatchType;
-using epr::MatchUnion;
-using epr::ScanOptions;
-using epr::TrackInfo;
+using namespace epr;
 
 namespace {
 
@@ -55,7 +50,7 @@ bool agree(const TrackInfo &a, const TrackInfo &b, MatchType type, qint32 tolera
         return !a.audioHash.isEmpty() && a.audioHash == b.audioHash;
     if (a.tags.title.isEmpty() || a.tags.artist.isEmpty() || b.tags.title.isEmpty() || b.tags.artist.isEmpty())
         return false;
-    if (epr::metadataKey(a) != epr::metadataKey(b) || epr::metadataKey(a).size() <= 3)
+    if (metadataKey(a) != metadataKey(b) || metadataKey(a).size() <= 3)
         return false;
     return a.stream.durationMs <= 0 || b.stream.durationMs <= 0
         || qAbs(a.stream.durationMs - b.stream.durationMs) <= toleranceMs;
@@ -107,7 +102,7 @@ private Q_SLOTS:
                     for (qint32 b = a + 1; b < tracks.size(); ++b)
                         if (agree(tracks[a], tracks[b], type, options.metadataTolerance))
                             slow.link(a, b, type);
-            QCOMPARE(epr::buildMatchGroups(tracks, options, notCancelled), epr::groupSets(slow, tracks, options));
+            QCOMPARE(buildMatchGroups(tracks, options, notCancelled), groupSets(slow, tracks, options));
         }
     }
 
@@ -131,7 +126,7 @@ private Q_SLOTS:
             { 4, MatchType::SameAudio, { 0, 1 }, 0, 0.99, 2 }, // identical files, too, but that is more certain
             { 5, MatchType::SameSong, { 10, 9, 8 }, 10, 0.65, 18 }, // an identical pair and a song
         };
-        QCOMPARE(epr::buildMatchGroups(tracks, options, notCancelled), expected);
+        QCOMPARE(buildMatchGroups(tracks, options, notCancelled), expected);
     }
 
     void cancelledScanKeepsItsExactMatches()
@@ -141,7 +136,7 @@ private Q_SLOTS:
         options.detectMetadata = true;
         QString calls;
         const auto note = [&calls](int step, int, const QString &text) { calls += QString::number(step) + text; };
-        QCOMPARE(epr::buildMatchGroups(tracks, options, std::atomic<qint32>(1), note).size(), 1);
+        QCOMPARE(buildMatchGroups(tracks, options, std::atomic<qint32>(1), note).size(), 1);
         QCOMPARE(calls, u"0Matching identical files1Matching audio payloads4Grouping complete"_s);
     }
 
@@ -156,7 +151,7 @@ private Q_SLOTS:
             QString text;
             for (int count = random.bounded(14); count > 0; --count)
                 text += pieces[random.bounded(static_cast<int>(pieces.size()))];
-            QCOMPARE(epr::normaliseForMatch(text), slowNormalise(text));
+            QCOMPARE(normaliseForMatch(text), slowNormalise(text));
         }
     }
 
@@ -208,20 +203,24 @@ private Q_SLOTS:
         QFETCH(const TrackInfo, better);
         ScanOptions options;
         options.keeperPolicy = static_cast<qint32>(policy);
-        QCOMPARE(epr::chooseKeeper({ 0, 1 }, { worse, better }, options), 1);
-        QCOMPARE(epr::chooseKeeper({ 0, 1 }, { better, worse }, options), 0);
+        QCOMPARE(chooseKeeper({ 0, 1 }, { worse, better }, options), 1);
+        QCOMPARE(chooseKeeper({ 0, 1 }, { better, worse }, options), 0);
+        QCOMPARE(chooseKeeper({ 1, 0 }, { worse, worse }, options), 1); // of equals the first
     }
 
-    void equalCopiesKeepTheFirst()
+    void unknownPolicyKeepsTheFirst()
     {
-        QList<TrackInfo> tracks(2, track(u"C:/m/x.mp3"_s, 10));
-        ScanOptions options;
-        for (const qint32 policy : { 0, 1, 2, 3, 4, 5, 6, 7, 8, -1, smallestInt }) { // the last three are unknown ones
+        QList<TrackInfo> tracks(2);
+        tracks[0].stream.bitrateKbps = 320;
+        const auto keeper = [&tracks](qint32 policy, const QList<qint32> &members = { 1, 0 }) {
+            ScanOptions options;
             options.keeperPolicy = policy;
-            tracks[0].stream.bitrateKbps = policy < 0 || policy > 7 ? 320 : 0;
-            QCOMPARE(epr::chooseKeeper({ 1, 0 }, tracks, options), 1);
-        }
-        QCOMPARE(epr::chooseKeeper({}, tracks, options), -1);
+            return chooseKeeper(members, tracks, options);
+        };
+        QCOMPARE(keeper(static_cast<qint32>(KeeperPolicy::MostCompleteTags) + 1), 1);
+        QCOMPARE(keeper(-1), 1);
+        QCOMPARE(keeper(smallestInt), 1);
+        QCOMPARE(keeper(smallestInt, {}), -1);
     }
 };
 
