@@ -10,9 +10,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QRandomGenerator>
-#include <QStringList>
 
 namespace epr {
 

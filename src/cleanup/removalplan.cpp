@@ -11,7 +11,6 @@
 #include <QHash>
 
 #include <algorithm>
-#include <utility>
 
 namespace epr {
 

@@ -3,9 +3,7 @@
 #pragma once
 
 #include <QDateTime>
-#include <QList>
 #include <QSet>
-#include <QStringList>
 
 namespace epr {
 

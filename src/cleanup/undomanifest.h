@@ -5,8 +5,6 @@
 #include "result.h"
 
 #include <QFile>
-#include <QList>
-#include <QStringList>
 
 namespace epr {
 

@@ -13,7 +13,6 @@
 #include <QVariant>
 
 #include <algorithm>
-#include <utility>
 
 namespace epr {
 

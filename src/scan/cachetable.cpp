@@ -3,7 +3,6 @@
 #include "cachetable.h"
 
 #include <QSqlQuery>
-#include <QStringList>
 #include <QVariant>
 #include <QtEndian>
 

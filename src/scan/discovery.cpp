@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
-#include <utility>
 
 #ifdef Q_OS_UNIX
 #include <dirent.h>

@@ -8,8 +8,6 @@
 
 #include <QElapsedTimer>
 
-#include <utility>
-
 namespace epr {
 
 namespace {

@@ -4,8 +4,6 @@
 
 #include "records.h"
 
-#include <QObject>
-
 #include <atomic>
 #include <memory>
 

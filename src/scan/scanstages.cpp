@@ -17,7 +17,6 @@
 #include <QtConcurrentMap>
 
 #include <algorithm>
-#include <utility>
 
 namespace epr {
 

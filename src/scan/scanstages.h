@@ -6,7 +6,6 @@
 #include "records.h"
 
 #include <atomic>
-#include <functional>
 
 namespace epr {
 

@@ -7,7 +7,6 @@
 
 #include <QStringDecoder>
 
-#include <algorithm>
 #include <array>
 #include <optional>
 

@@ -4,8 +4,6 @@
 
 #include "probe.h"
 
-#include <QByteArrayView>
-
 class QIODevice;
 
 namespace epr {

@@ -5,9 +5,6 @@
 #include "readers.h"
 #include "tagfields.h"
 
-#include <QList>
-
-#include <algorithm>
 #include <optional>
 
 namespace epr {

@@ -4,7 +4,6 @@
 #include "id3.h"
 #include "readers.h"
 
-#include <algorithm>
 #include <array>
 
 namespace epr {

@@ -4,11 +4,8 @@
 #include "readers.h"
 
 #include <QHash>
-#include <QList>
 
-#include <algorithm>
 #include <optional>
-#include <utility>
 
 namespace epr {
 

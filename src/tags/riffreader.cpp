@@ -6,9 +6,7 @@
 
 #include <QSysInfo>
 
-#include <algorithm>
 #include <functional>
-#include <limits>
 
 namespace epr {
 
