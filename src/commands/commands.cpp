@@ -134,10 +134,14 @@ void UpdateNotices::scheduleStartupCheck()
     if (!SettingsStore().value(settings::checkForUpdatesOnStartup))
         return;
     constexpr std::chrono::milliseconds delay { 2500 };
-    QTimer::singleShot(delay, this, [this] {
+    auto *timer = new QTimer(this);
+    timer->setObjectName(u"startupCheck"_s);
+    timer->setSingleShot(true);
+    timer->callOnTimeout(this, [this] {
         if (m_checker->isDue())
             m_checker->check(true);
     });
+    timer->start(delay);
 }
 
 void UpdateNotices::reloadAddress()
