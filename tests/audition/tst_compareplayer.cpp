@@ -13,7 +13,6 @@
 #include "platformdecoder.h"
 #include "temporarylibrary.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace epr;
@@ -38,23 +37,6 @@ private Q_SLOTS:
 
     void cleanup() { m_player.reset(); }
 
-    void filesGoWhereTheyDisturbLeast()
-    {
-        const auto filesAfterLoading = [this](const QString &name) {
-            m_player->loadIntoFreeDeck(trackOf(name));
-            return m_player->track(Deck::A).fileName + u' ' + m_player->track(Deck::B).fileName;
-        };
-        QCOMPARE(filesAfterLoading(u"one.wav"_s), u"one.wav "_s);
-        QCOMPARE(filesAfterLoading(u"two.wav"_s), u"one.wav two.wav"_s);
-        m_player->monitorDeckB(); // from now on deck A is the free one
-        QCOMPARE(filesAfterLoading(u"two.wav"_s), u"two.wav two.wav"_s);
-        m_player->load(Deck::B, trackOf(u"one.wav"_s));
-        QFile::remove(fileOf(u"one.wav"_s));
-        m_player->clearVanished();
-        QVERIFY(m_player->track(Deck::B).path.isEmpty() && !m_player->track(Deck::A).path.isEmpty());
-        QCOMPARE(m_player->monitor(), Deck::A); // what is left is heard
-    }
-
     void facesShowWhatIsLoaded()
     {
         if (!platformDecodesWaves())
@@ -74,9 +56,17 @@ private Q_SLOTS:
         QVERIFY2(problem.contains("No such file"_L1), qPrintable(problem));
         m_player->clear(Deck::B);
         QCOMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::NoSignal);
-        QCOMPARE(labelOf(u"B"_s, u"deckDuration"_s), u"/ 0:00:00"_s);
-        QCOMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:00"_s);
-        QVERIFY(labelOf(u"B"_s, u"deckFormat"_s).isEmpty());
+        QCOMPARE(labelOf(u"B"_s, u"deckDuration"_s) + labelOf(u"B"_s, u"deckFormat"_s), u"/ 0:00:00"_s);
+    }
+
+    void aFileThatCannotBePlayedHoldsNothingUp_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("empty") << u"empty.mp3"_s << QByteArray();
+        QTest::newRow("cut off") << u"cut.m4a"_s << QByteArray("\0\0\0\030ftypM4A \0\0\0\0", 16);
+        if (mediaBackendGarbles(u"layer2.mp2"_s)) // which goes by the name
+            QTest::newRow("layer 2") << u"layer2.mp2"_s << waveOf(100);
     }
 
     // Some decoders say nothing about such a file until the watchdog bites, after a minute.
@@ -84,32 +74,22 @@ private Q_SLOTS:
     {
         if (!platformDecodesWaves())
             QSKIP("Media Foundation does not decode here");
-        QList<std::pair<QString, QByteArray>> files { { u"empty.mp3"_s, {} },
-                                                      { u"cut.m4a"_s, { "\0\0\0\030ftypM4A \0\0\0\0", 16 } } };
-        if (mediaBackendGarbles(u"layer2.mp2"_s))
-            files << std::pair(u"layer2.mp2"_s, waveOf(100)); // it goes by the name
-        for (const auto &[name, content] : std::as_const(files)) {
-            writeFile(fileOf(name), content);
-            m_player->load(Deck::A, trackOf(name));
-            m_player->load(Deck::B, trackOf(u"one.wav"_s));
-            QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Unavailable);
-            QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Ready);
-            QVERIFY(labelOf(u"A"_s, u"deckFormat"_s) != comparisontext::format(trackOf(name)));
-            m_player->clear(Deck::B);
-        }
+        QFETCH(const QString, name);
+        QFETCH(const QByteArray, content);
+        writeFile(fileOf(name), content);
+        m_player->load(Deck::A, trackOf(name));
+        m_player->load(Deck::B, trackOf(u"one.wav"_s));
+        QTRY_COMPARE(part<vfd::Scrubber>(u"A"_s)->state(), vfd::Scrubber::State::Unavailable);
+        QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Ready);
+        QVERIFY(labelOf(u"A"_s, u"deckFormat"_s) != comparisontext::format(trackOf(name)));
     }
 
-    void monitoredDeckIsBright()
+    void aClickChoosesWhatIsHeard()
     {
-        m_player->load(Deck::A, trackOf(u"one.wav"_s));
-        QVERIFY(!deck(u"A"_s)->isDimmed() && deck(u"B"_s)->isDimmed());
         QTest::mouseClick(deck(u"B"_s), Qt::LeftButton, {}, QPoint(3, 3));
-        QCOMPARE(m_player->monitor(), Deck::B);
-        QVERIFY(deck(u"A"_s)->isDimmed());
-        QVERIFY2(deck(u"B"_s)->isDimmed(), "there is nothing to hear");
-        QVERIFY(!lamp(u"monitorLampA"_s)->isLit() && lamp(u"monitorLampB"_s)->isLit());
+        QVERIFY(m_player->monitor() == Deck::B && lamp(u"monitorLampB"_s)->isLit());
         lamp(u"monitorLampA"_s)->click();
-        QVERIFY(lamp(u"monitorLampA"_s)->isLit() && !deck(u"A"_s)->isDimmed());
+        QVERIFY(m_player->monitor() == Deck::A && !lamp(u"monitorLampB"_s)->isLit());
     }
 
     // The player knows some files' duration better, and knows it before the deck shows the file. The same file again
@@ -127,12 +107,10 @@ private Q_SLOTS:
         QCOMPARE(part<vfd::SevenSegment>(u"A"_s)->text(), u"0:00:03"_s);
         QCOMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:00"_s);
         m_player->setLinked(true);
-        QVERIFY(lamp(u"linkLamp"_s)->isLit());
         part<vfd::Scrubber>(u"A"_s)->seek(5000);
         QTRY_COMPARE(part<vfd::SevenSegment>(u"B"_s)->text(), u"0:00:05"_s);
-        const QSignalSpy changes(&*m_player, &ComparePlayer::linkedChanged);
         lamp(u"linkLamp"_s)->click();
-        QVERIFY(changes.size() == 1 && !m_player->isLinked() && !lamp(u"linkLamp"_s)->isLit());
+        QVERIFY(!m_player->isLinked() && !lamp(u"linkLamp"_s)->isLit());
     }
 
 private:

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "compareplayer.h"
 #include "comparisontext.h"
+#include "rows.h"
 
 #include <QTest>
 
@@ -31,10 +32,11 @@ struct FakeDeck final : DeckPlayback {
     bool playing = false;
 };
 
-TrackInfo trackOf(const QString &path, qint64 durationMs = 0, qint32 bitrateKbps = 0)
+/// The file C exists.
+TrackInfo trackOf(const QString &name, qint64 durationMs = 0, qint32 bitrateKbps = 0)
 {
     TrackInfo track;
-    track.path = path;
+    track.path = name == u"C"_s ? QCoreApplication::applicationFilePath() : name;
     track.stream.durationMs = durationMs;
     track.stream.bitrateKbps = bitrateKbps;
     return track;
@@ -61,6 +63,10 @@ struct Story {
             player->seek(deck, command.mid(5).toInt());
         else if (command.startsWith(u"load"))
             player->load(deck, trackOf(command.mid(4)));
+        else if (command.startsWith(u"place"))
+            player->loadIntoFreeDeck(trackOf(command.mid(5)));
+        else if (command == u"vanish"_s)
+            player->clearVanished();
         else if (command.startsWith(u"clear"))
             player->clear(deck);
         else if (command.startsWith(u"link"))
@@ -83,30 +89,30 @@ private Q_SLOTS:
     // come the commands and where A and B stand after them, with "+" if they play.
     void commands_data()
     {
-        QTest::addColumn<QString>("story");
-        const std::pair<const char *, QString> rows[] = {
-            { "playing starts the monitored deck", u"AB|play|1000+|5000"_s },
-            { "also if it is B", u"AB|monitorB play|1000|5000+"_s },
-            { "linked decks start where A is", u"ABL|play|1000+|1000+"_s },
-            { "or where the monitored B is", u"ABL|monitorB play|5000+|5000+"_s },
-            { "linked to nothing", u"AL|play|1000+|0"_s },
-            { "after the end from the beginning", u"ABL|seekA60000 play|0+|0+"_s },
-            { "a shorter B stays at its end", u"ABLs|seekA9000 play|9000+|8000"_s },
-            { "one that plays is enough to pause", u"AB|play monitorB play|1000|5000"_s },
-            { "stopping goes to the beginning", u"ABL|play stop|0|0"_s },
-            { "to switch moves nothing", u"AB|play monitorB|1000+|5000"_s },
-            { "seeking moves one deck", u"AB|seekB7|1000|7"_s },
-            { "and linked ones both", u"ABL|play seekB7|7+|7+"_s },
-            { "a deck that ran out joins again", u"ABLs|play seekA9000 seekA2000|2000+|2000+"_s },
-            { "unless both did", u"ABL|play seekA60000 seekA2000|2000|2000"_s },
-            { "linking moves B even if monitored", u"AB|monitorB link|1000|1000"_s },
-            { "the same file plays on", u"ABL|play loadA|1000+|1000+"_s },
-            { "another begins anew", u"AB|play loadC|0|5000"_s },
-            { "clearing one leaves the other", u"ABL|play clearA|0|1000+"_s },
-            { "a cleared deck has forgotten", u"AB|play clearA loadA|0|5000"_s },
-        };
-        for (const auto &[name, story] : rows)
-            QTest::newRow(name) << story;
+        const test::Rows<QString> row("story");
+        row("playing starts the monitored deck", u"AB|play|1000+|5000"_s);
+        row("also if it is B", u"AB|monitorB play|1000|5000+"_s);
+        row("linked decks start where A is", u"ABL|play|1000+|1000+"_s);
+        row("or where the monitored B is", u"ABL|monitorB play|5000+|5000+"_s);
+        row("linked to nothing", u"AL|play|1000+|0"_s);
+        row("after the end from the beginning", u"ABL|seekA60000 play|0+|0+"_s);
+        row("a shorter B stays at its end", u"ABLs|seekA9000 play|9000+|8000"_s);
+        row("one that plays is enough to pause", u"AB|play monitorB play|1000|5000"_s);
+        row("stopping goes to the beginning", u"ABL|play stop|0|0"_s);
+        row("to switch moves nothing", u"AB|play monitorB|1000+|5000"_s);
+        row("seeking moves one deck", u"AB|seekB7|1000|7"_s);
+        row("and linked ones both", u"ABL|play seekB7|7+|7+"_s);
+        row("a deck that ran out joins again", u"ABLs|play seekA9000 seekA2000|2000+|2000+"_s);
+        row("unless both did", u"ABL|play seekA60000 seekA2000|2000|2000"_s);
+        row("linking moves B even if monitored", u"AB|monitorB link|1000|1000"_s);
+        row("the same file plays on", u"ABL|play loadA|1000+|1000+"_s);
+        row("another begins anew", u"AB|play loadC|0|5000"_s);
+        row("clearing one leaves the other", u"ABL|play clearA|0|1000+"_s);
+        row("a cleared deck has forgotten", u"AB|play clearA loadA|0|5000"_s);
+        row("a file goes to the empty deck", u"B|monitorB placeC seekA7|7|5000"_s);
+        row("or to the one that is not heard", u"AB|play placeC|1000+|0"_s);
+        row("even if that is A", u"AB|monitorB placeC|0|5000"_s);
+        row("decks whose file is gone are cleared", u"AB|loadC seekA7 monitorB vanish|7|0"_s);
     }
 
     void commands()
@@ -127,7 +133,8 @@ private Q_SLOTS:
             seen.decks.b->length = 8000;
         for (const QString &command : orders.split(u' '))
             seen.run(command);
-        const Deck monitor = orders.contains(u"monitorB") ? Deck::B : Deck::A;
+        // What is left is heard.
+        const Deck monitor = orders.contains(u"monitorB") && !orders.contains(u"vanish") ? Deck::B : Deck::A;
         QString told = situation + u'|' + orders;
         for (const Deck deck : bothDecks) {
             const FakeDeck &fake = *seen.decks[deck];
@@ -140,16 +147,14 @@ private Q_SLOTS:
 
     void drift_data()
     {
-        QTest::addColumn<qint64>("drift");
-        QTest::addColumn<QString>("playing");
-        QTest::addColumn<bool>("corrected");
-        QTest::newRow("at the limit") << qint64 { 140 } << u"linked monitored other"_s << false;
-        QTest::newRow("behind, at the limit") << qint64 { -140 } << u"linked monitored other"_s << false;
-        QTest::newRow("beyond the limit") << qint64 { 141 } << u"linked monitored other"_s << true;
-        QTest::newRow("behind, beyond the limit") << qint64 { -141 } << u"linked monitored other"_s << true;
-        QTest::newRow("not linked") << qint64 { 5000 } << u"monitored other"_s << false;
-        QTest::newRow("the other stands") << qint64 { 5000 } << u"linked monitored"_s << false;
-        QTest::newRow("the monitored one stands") << qint64 { 5000 } << u"linked other"_s << false;
+        const test::Rows<qint64, QString, bool> row("drift", "playing", "corrected");
+        row("at the limit", 140, u"linked monitored other"_s, false);
+        row("behind, at the limit", -140, u"linked monitored other"_s, false);
+        row("beyond the limit", 141, u"linked monitored other"_s, true);
+        row("behind, beyond the limit", -141, u"linked monitored other"_s, true);
+        row("not linked", 5000, u"monitored other"_s, false);
+        row("the other stands", 5000, u"linked monitored"_s, false);
+        row("the monitored one stands", 5000, u"linked other"_s, false);
     }
 
     // Whichever deck is monitored stays where it is.
@@ -175,34 +180,16 @@ private Q_SLOTS:
         }
     }
 
-    void deltas_data()
+    void textsCompareTheDecks()
     {
-        QTest::addColumn<TrackInfo>("other");
-        QTest::addColumn<QString>("deltas");
-        QTest::newRow("equal") << trackOf(u"B"_s, 180000, 192) << u"+0.00 s +0 k"_s;
-        QTest::newRow("more") << trackOf(u"B"_s, 3781260, 320) << u"+3601.26 s +128 k"_s;
-        QTest::newRow("less") << trackOf(u"B"_s, 178500, 64) << u"\u22121.50 s \u2212128 k"_s;
-        QTest::newRow("empty") << TrackInfo() << u"\u2014 \u2014"_s;
-    }
-
-    void deltas()
-    {
-        QFETCH(const TrackInfo, other);
         const TrackInfo a = trackOf(u"A"_s, 180000, 192);
-        QTEST(comparisontext::durationDelta(a, other) + u' ' + comparisontext::bitrateDelta(a, other), "deltas");
-        QCOMPARE(comparisontext::durationDelta({}, a), u"\u2014"_s);
-    }
-
-    void labels()
-    {
-        TrackInfo track = trackOf(u"/music/Caf\u00e9 del Mar.mp3"_s, 0, 320);
-        track.size = 1572864;
-        QCOMPARE(comparisontext::title(track), u"CAF\u00c9 DEL MAR.MP3"_s);
-        QCOMPARE(comparisontext::format(track), u"1.50 MB, 320 kbps"_s);
-        track.tags.title = u"Stra\u00dfe"_s;
-        QCOMPARE(comparisontext::title(track), u"STRASSE"_s);
-        QCOMPARE(comparisontext::title({}), u"\u2014 no file loaded \u2014"_s);
-        QCOMPARE(comparisontext::duration(100 * 3600000 + 61000), u"/ 100:01:01"_s);
+        const TrackInfo longer = trackOf(u"/music/Caf\u00e9 del Stra\u00dfe.mp3"_s, 3781260, 320);
+        using namespace comparisontext;
+        QCOMPARE(durationDelta(a, longer) + u' ' + bitrateDelta(a, longer), u"+3601.26 s +128 k"_s);
+        QCOMPARE(durationDelta(longer, a) + u' ' + bitrateDelta(longer, a), u"\u22123601.26 s \u2212128 k"_s);
+        QCOMPARE(durationDelta(a, a) + u' ' + bitrateDelta(a, a), u"+0.00 s +0 k"_s);
+        QCOMPARE(durationDelta({}, a) + durationDelta(a, {}) + bitrateDelta(a, {}), u"\u2014\u2014\u2014"_s);
+        QCOMPARE(title(longer), u"CAF\u00c9 DEL STRASSE.MP3"_s);
     }
 };
 

@@ -1,22 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "labels.h"
-#include "lamp.h"
 #include "panel.h"
 #include "scrubber.h"
-#include "sevensegment.h"
-#include "vfdpaint.h"
 
-#include <QAccessible>
-#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
-#include <QToolTip>
 
 #include <limits>
-#include <numeric>
 
 using namespace epr;
 using namespace epr::vfd;
@@ -26,42 +18,12 @@ namespace {
 
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinite = std::numeric_limits<float>::infinity();
-const QColor unlit(17, 51, 46);
 
 // The widget on black, in device pixels.
 QImage imageOf(QWidget &widget)
 {
     widget.setPalette(QPalette(Qt::black));
     return widget.grab().toImage();
-}
-
-QColor pixelAt(const QImage &image, QPointF point)
-{
-    return image.pixelColor((point * image.devicePixelRatio() - QPointF(0.5, 0.5)).toPoint());
-}
-
-QColor middleOf(const QImage &image, Segment segment, const QRectF &box)
-{
-    const QPolygonF polygon = segmentPolygon(segment, box);
-    return pixelAt(image, std::accumulate(polygon.begin(), polygon.end(), QPointF()) / qreal(polygon.size()));
-}
-
-bool shines(const QColor &colour)
-{
-    return colour.lightness() > 100;
-}
-
-// The letters of the segments that shine, "?" for one that is neither lit nor
-// as dark as it should be.
-QString litLetters(const QImage &image, const QRectF &box)
-{
-    QString letters;
-    for (int i = 0; i < segmentCount; ++i) {
-        const QColor pixel = middleOf(image, static_cast<Segment>(i), box);
-        if (shines(pixel) || pixel != unlit)
-            letters += shines(pixel) ? QChar(u'a' + i) : u'?';
-    }
-    return letters;
 }
 
 // A minute on 601 pixels, which are 100 ms each, and the positions that were
@@ -108,37 +70,6 @@ class TestVfd : public QObject {
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"^(QPainter|QPixmap|QFont(?!Database)|QWidget)"_s)); }
 
-    void digitsLightTheirSegments_data()
-    {
-        QTest::addColumn<QString>("lit");
-        for (const char *row : { "0abcdef", "1bc", "2abdeg", "3abcdg", "4bcfg", "5acdfg", "6acdefg", "7abc", "8abcdefg",
-                                 "9abcdfg", "-g", "_d", " ", "A", ";" })
-            QTest::addRow("%c", row[0]) << QString::fromLatin1(row + 1);
-    }
-
-    // Between two full neighbours, whose glow must not make a dark segment look
-    // lit.
-    void digitsLightTheirSegments()
-    {
-        QFETCH(const QString, lit);
-        SevenSegment display;
-        display.setText(u"8"_s + QLatin1Char(QTest::currentDataTag()[0]) + u'8');
-        display.resize(240, 108);
-        const QList<DigitCell> cells = digitCells(display.text(), display.digitArea());
-        QCOMPARE(cells.size(), 3);
-        const QImage image = imageOf(display);
-        QCOMPARE(litLetters(image, cells.at(1).box), lit);
-        QCOMPARE(litLetters(image, cells.at(2).box), u"abcdefg"_s);
-    }
-
-    void dotsReplaceTheSegments()
-    {
-        const QList<DigitCell> cells = digitCells(u"1:2.3"_s, { 0, 0, 400, 108 });
-        QCOMPARE(dotBoxes(cells.at(1).character, cells.at(1).box).size(), 2);
-        QCOMPARE(dotBoxes(cells.at(3).character, cells.at(3).box).size(), 1);
-        QVERIFY(dotBoxes(cells.at(2).character, cells.at(2).box).isEmpty());
-    }
-
     void draggingAsksForEveryNewPosition()
     {
         MinuteScrubber minute;
@@ -177,8 +108,7 @@ private Q_SLOTS:
         QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers());
         QCoreApplication::sendEvent(&minute.scrubber, &event);
         QCOMPARE(minute.requests(), to);
-        QCOMPARE(event.isAccepted(),
-                 !to.isEmpty()); // what is not taken goes on to the window
+        QCOMPARE(event.isAccepted(), !to.isEmpty()); // what is not taken goes on to the window
     }
 
     void withoutADurationAClickBelongsToTheDeck()
@@ -197,36 +127,31 @@ private Q_SLOTS:
         }
     }
 
-    void scrubberSpeaks()
+    void columnsShowEveryPeakInItsPlace_data()
     {
-        MinuteScrubber minute;
-        QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(&minute.scrubber);
-        minute.scrubber.clear();
-        QCOMPARE(reader->text(QAccessible::Value), u"NO SIGNAL"_s);
-        minute.scrubber.setAnalysing();
-        QCOMPARE(reader->text(QAccessible::Value), u"ANALYSING\u2026"_s);
-        minute.scrubber.setEnvelope({});
-        minute.scrubber.setDurationMs(36'000'999);
-        minute.scrubber.setPositionMs(83'000);
-        QCOMPARE(reader->text(QAccessible::Value), u"0:01:23 of 10:00:00"_s);
-        reader->valueInterface()->setCurrentValue(50'000'000);
-        QCOMPARE(minute.requests(), u"36000999"_s);
+        QTest::addColumn<int>("buckets");
+        QTest::addColumn<int>("columns");
+        for (const int buckets : { 1, 7, 600, 60'000 }) {
+            for (const int columns : { 1, 599, 600, 601, 3'840 })
+                QTest::addRow("%d on %d", buckets, columns) << buckets << columns;
+        }
     }
 
-    void columnsShowEveryPeakInItsPlaceAndBounded()
+    void columnsShowEveryPeakInItsPlace()
     {
-        for (const int buckets : { 1, 7, 600, 60'000 }) {
-            for (const int columns : { 1, 599, 600, 601, 3'840 }) {
-                for (const int bucket : { 0, buckets / 3, buckets - 1 }) {
-                    const QList<float> peaks = columnPeaks(silenceWithPeakAt(bucket, buckets), columns);
-                    QCOMPARE(peaks.size(), columns);
-                    QVERIFY(peaks.contains(1) && peaks.count(1) <= columns / buckets + 1);
-                    const qreal shift = 1.0 * static_cast<int>(peaks.indexOf(1)) / columns - 1.0 * bucket / buckets;
-                    QVERIFY(qAbs(shift) <= 1.0 / columns);
-                }
-            }
+        QFETCH(const int, buckets);
+        QFETCH(const int, columns);
+        for (const int bucket : { 0, buckets / 3, buckets - 1 }) {
+            const QList<float> peaks = columnPeaks(silenceWithPeakAt(bucket, buckets), columns);
+            QCOMPARE(peaks.size(), columns);
+            QVERIFY(peaks.contains(1) && peaks.count(1) <= columns / buckets + 1);
+            const qreal shift = 1.0 * static_cast<int>(peaks.indexOf(1)) / columns - 1.0 * bucket / buckets;
+            QVERIFY(qAbs(shift) <= 1.0 / columns);
         }
+    }
 
+    void columnsAreBoundedInHeightAndNumber()
+    {
         QCOMPARE(columnPeaks({ notANumber, -3, infinite, 7, 0.5F }, 5), QList<float>({ 0, 0, 1, 1, 0.5F }));
         QCOMPARE(columnPeaks({ 0.5F, 1, 0.25F }, 6, 5), QList<float>({ 0.5F, 0.5F, 1, 0.25F, 0, 0 }));
         QCOMPARE(columnPeaks({ 0.5F, 1, 0.25F }, 2, 6), QList<float>({ 1, 0 }));
@@ -247,56 +172,6 @@ private Q_SLOTS:
             QCOMPARE(image.pixelColor(x, image.height() / 4).green() > 50, x == loud);
             QCOMPARE(image.pixelColor(x, image.height() * 3 / 4).green() > 50, x == loud + 9);
         }
-    }
-
-    void labelsAreShortenedOnlyWhereTheyMustBe()
-    {
-        ElidingLabel label;
-        label.setText(u"A <b>LONG</b>\r\nTITLE\nOF A SONG"_s);
-        QCOMPARE(label.text(), u"A <b>LONG</b> TITLE OF A SONG"_s);
-        label.resize(label.sizeHint());
-        QVERIFY(!label.isShortened());
-        QVERIFY(label.minimumSizeHint().width() < label.sizeHint().width() / 3);
-        const auto askForTip = [&label] {
-            QHelpEvent event(QEvent::ToolTip, QPoint(), label.mapToGlobal(QPoint()));
-            QCoreApplication::sendEvent(&label, &event);
-            return QToolTip::text();
-        };
-        QCOMPARE(askForTip(), QString());
-        label.resize(label.width() - 1, label.height());
-        QVERIFY(label.isShortened());
-        QVERIFY(askForTip().contains(u"A &lt;b&gt;LONG&lt;/b&gt; TITLE OF A SONG"_s)); // no markup
-        QToolTip::hideText();
-    }
-
-    void lampsAnswerTheKeyboardAndTellThatTheyAreLit()
-    {
-        Lamp lamp(u"LINK"_s);
-        lamp.resize(lamp.sizeHint());
-        QTest::keyClick(&lamp, Qt::Key_Space);
-        QVERIFY(!lamp.isLit()); // its owner decides
-        lamp.setToggling(true);
-        for (const Qt::Key key : { Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter }) {
-            const bool wasLit = lamp.isLit();
-            QTest::keyClick(&lamp, key);
-            QCOMPARE(lamp.isLit(), !wasLit);
-            QCOMPARE(shines(pixelAt(imageOf(lamp), { lamp.width() / 2.0, 8 })), lamp.isLit());
-        }
-    }
-
-    void dimmingCoversWhatJoinsLater()
-    {
-        Panel panel;
-        panel.resize(200, 100);
-        panel.setDimmed(true);
-        Lamp lamp(u"MONITOR"_s, &panel);
-        lamp.setGeometry(60, 40, 80, 36);
-        lamp.setLit(true);
-        panel.show();
-        QCOMPARE(panel.childAt(100, 48), &lamp); // the shade lets the mouse through
-        const QImage dimmed = imageOf(panel);
-        panel.setDimmed(false);
-        QVERIFY(pixelAt(dimmed, { 100, 48 }).green() < pixelAt(imageOf(panel), { 100, 48 }).green() * 3 / 4);
     }
 };
 

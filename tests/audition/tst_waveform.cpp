@@ -2,16 +2,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mediabackend.h"
 #include "platformdecoder.h"
+#include "rows.h"
 #include "temporarylibrary.h"
 #include "waveformloader.h"
 
 #include <QAudioBuffer>
+#include <QDeadlineTimer>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -45,13 +48,35 @@ constexpr float infinite = std::numeric_limits<float>::infinity();
 constexpr qint16 lowest16 = -32768;
 constexpr qint32 lowest32 = std::numeric_limits<qint32>::min();
 
+/// Tells how many event loops run inside each other on its thread: while a file is decoded, there are two.
+class LoopCounter final : public QObject {
+    Q_OBJECT
+
+public:
+    std::atomic<int> loops = 0;
+
+public Q_SLOTS:
+    void count() { loops = QThread::currentThread()->loopLevel(); }
+};
+
 struct Spied {
     explicit Spied(int watchdogMs = 60000)
         : loader(nullptr, watchdogMs)
     {
+        counter.moveToThread(loader.findChild<QThread *>());
     }
     qsizetype reports() const { return loaded.size() + failed.size(); }
 
+    /// Waits for the end of what was requested so far, while the reports wait in this thread's queue.
+    bool decodeAll()
+    {
+        counter.loops = 0;
+        for (const QDeadlineTimer end(30000); counter.loops != 1 && !end.hasExpired();)
+            QMetaObject::invokeMethod(&counter, "count", Qt::BlockingQueuedConnection);
+        return counter.loops == 1;
+    }
+
+    LoopCounter counter;
     WaveformLoader loader;
     QSignalSpy loaded { &loader, &WaveformLoader::loaded };
     QSignalSpy failed { &loader, &WaveformLoader::failed };
@@ -65,38 +90,19 @@ class TestWaveform : public QObject {
 private Q_SLOTS:
     void peaks_data()
     {
-        QTest::addColumn<QAudioBuffer>("buffer");
-        QTest::addColumn<QList<float>>("left");
-        QTest::addColumn<QList<float>>("right");
-        const std::tuple<const char *, QAudioBuffer, QList<float>, QList<float>> rows[] = {
-            // At 50 Hz a bucket has two frames.
-            { "8 bits", bufferOf<quint8>(50, 1, { 128, 0, 192, 128, 96 }), { 1, 0.5F, 0.25F }, { 1, 0.5F, 0.25F } },
-            { "16 bits",
-              bufferOf<qint16>(50, 2, { lowest16, 0, 0, 8192, 0, -16384, 4096, 0 }),
-              { 1, 0.125F },
-              { 0.25F, 0.5F } },
-            { "32 bits, and the first two of six channels count",
-              bufferOf<qint32>(25, 6, { 1 << 29, lowest32, lowest32, 0, 0, lowest32, 0, 1 << 30, lowest32, 0, 0, 0 }),
-              { 0.25F, 0 },
-              { 1, 0.5F } },
-            { "beyond full scale",
-              bufferOf<float>(50, 1, { 0.5F, -1.5F, 0.25F, 0 }),
-              { 1.5F, 0.25F },
-              { 1.5F, 0.25F } },
-            { "no numbers",
-              bufferOf<float>(50, 2, { notANumber, 1, 0.5F, notANumber, -infinite, 0, 0, infinite }),
-              { 0.5F, 0 },
-              { 1, 0 } },
-            { "one frame a bucket at low rates",
-              bufferOf<quint8>(8, 1, { 0, 64, 128 }),
-              { 1, 0.5F, 0 },
-              { 1, 0.5F, 0 } },
-            { "quiet is raised", bufferOf<float>(25, 2, { 0.49F, 0, 0.1F, -0.2F }), { 0.98F, 0.2F }, { 0, 0.4F } },
-            { "loud is not lowered", bufferOf<float>(25, 1, { 0.99F }), { 0.99F }, { 0.99F } },
-            { "silence", bufferOf<qint16>(25, 1, { 0, 0 }), { 0, 0 }, { 0, 0 } },
-        };
-        for (const auto &[name, buffer, left, right] : rows)
-            QTest::newRow(name) << buffer << left << right;
+        const test::Rows<QAudioBuffer, QList<float>, QList<float>> row("buffer", "left", "right");
+        // At 50 Hz a bucket has two frames.
+        row("8 bits", bufferOf<quint8>(50, 1, { 128, 0, 192, 128, 96 }), { 1, 0.5F, 0.25F }, { 1, 0.5F, 0.25F });
+        row("16 bits, 2 channels", bufferOf<qint16>(50, 2, { lowest16, 0, 0, 8192, 0, 4096 }), { 1, 0 },
+            { 0.25F, 0.125F });
+        row("32 bits, and the first two of six channels count",
+            bufferOf<qint32>(25, 6, { 1 << 29, lowest32, lowest32, 0, 0, lowest32 }), { 0.25F }, { 1 });
+        row("beyond full scale", bufferOf<float>(50, 1, { 0.5F, -1.5F, 0.25F, 0 }), { 1.5F, 0.25F }, { 1.5F, 0.25F });
+        row("no numbers", bufferOf<float>(50, 2, { notANumber, 1, 0.5F, notANumber, -infinite, 0, 0, infinite }),
+            { 0.5F, 0 }, { 1, 0 });
+        row("one frame a bucket at low rates", bufferOf<quint8>(8, 1, { 0, 64, 128 }), { 1, 0.5F, 0 }, { 1, 0.5F, 0 });
+        row("quiet is raised", bufferOf<float>(25, 2, { 0.49F, 0, 0.1F, -0.2F }), { 0.98F, 0.2F }, { 0, 0.4F });
+        row("silence and loud are left", bufferOf<float>(25, 2, { 0.99F, 0, 0, 0 }), { 0.99F, 0 }, { 0, 0 });
     }
 
     void peaks()
@@ -175,7 +181,7 @@ private Q_SLOTS:
         QCOMPARE(signal.at(1).toString().isEmpty(), !peaks.isEmpty());
     }
 
-    // In between the thread gets time to report, which then waits in this thread's queue; the last one counts even so.
+    // A report may already wait in this thread's queue when the next request is made; the last one counts even so.
     void onlyTheNewestRequestOfADeckReports()
     {
         if (!test::platformDecodesWaves())
@@ -185,7 +191,7 @@ private Q_SLOTS:
         Spied spied;
         for (int row = 0; row < 50; ++row) {
             spied.loader.request(row % 2, row % 3 == 0 ? m_dir.path() : other);
-            QThread::msleep(row % 16 == 0 ? 200 : 0);
+            QVERIFY(row % 16 > 0 || spied.decodeAll());
         }
         spied.loader.request(0, wanted);
         spied.loader.cancel(1);
@@ -199,14 +205,14 @@ private Q_SLOTS:
     // A thread that was joined is gone with its loader; one that was not would have been left behind.
     void isDestroyedInTheMiddle()
     {
-        for (const int waitMs : { 0, 1, 20, 100 }) {
-            auto loader = std::make_unique<WaveformLoader>();
-            const QPointer<QThread> thread = loader->findChild<QThread *>(u"epr-waveform"_s);
+        for (const bool isDecoding : { false, true }) {
+            auto spied = std::make_unique<Spied>();
+            const QPointer<QThread> thread = spied->loader.findChild<QThread *>(u"epr-waveform"_s);
             QVERIFY(thread);
-            loader->request(0, wave(u"hour.wav"_s, 3600, 0));
-            loader->request(1, m_dir.filePath(u"hour.wav"_s));
-            QTest::qWait(waitMs);
-            loader.reset();
+            spied->loader.request(0, m_dir.path());
+            spied->loader.request(1, wave(u"hour.wav"_s, 3600, 0));
+            QTRY_COMPARE(spied->failed.size(), isDecoding ? 1 : 0); // then the other's turn has come
+            spied.reset();
             QVERIFY(!thread);
         }
     }

@@ -84,21 +84,6 @@ private Q_SLOTS:
                 && store.value(settings::quarantineRoot).endsWith("/Echoprune Quarantine"_L1));
     }
 
-    void halfTheProcessorsDecodeFromTwoToEight_data()
-    {
-        QTest::addColumn<int>("processors");
-        QTest::addColumn<int>("threads");
-        for (const auto &[processors, threads] :
-             { std::pair(1, 2), { 5, 2 }, { 12, 6 }, { 17, 8 }, { 18, 8 }, { 64, 8 } })
-            QTest::addRow("%d processors", processors) << processors << threads;
-    }
-
-    void halfTheProcessorsDecodeFromTwoToEight()
-    {
-        QFETCH(const int, processors);
-        QTEST(defaultDecoderThreads(processors), "threads");
-    }
-
 private:
     std::optional<test::TemporaryHome> m_home;
 };

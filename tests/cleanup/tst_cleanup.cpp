@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanup.h"
 #include "filemove.h"
+#include "rows.h"
 #include "sandbox.h"
 #include "undomanifest.h"
 
@@ -11,28 +12,12 @@
 #include <csignal>
 #include <cstdlib>
 
-#ifdef Q_OS_LINUX
-#include <atomic>
-#include <fcntl.h>
-#include <sys/syscall.h>
-#endif
 #ifdef Q_OS_UNIX
 #include <unistd.h>
 #endif
 
 using namespace epr;
 using namespace epr::test;
-
-#ifdef Q_OS_LINUX
-static std::atomic<qint64> looksAtFiles = 0;
-
-// Stands in for the C library's function, to count how often Qt asks whether a file exists.
-extern "C" int access(const char *path, int mode) noexcept
-{
-    ++looksAtFiles;
-    return static_cast<int>(syscall(SYS_faccessat, AT_FDCWD, path, mode));
-}
-#endif
 
 namespace {
 
@@ -84,13 +69,6 @@ int quarantineAndDie(const QStringList &arguments)
     };
     const QString library = arguments.at(0);
     return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, die).failed;
-}
-
-/// What this process has handed to the system for writing, which no load on the machine changes.
-[[maybe_unused]] double bytesWritten()
-{
-    const QByteArray lines = readFile(u"/proc/self/io"_s);
-    return lines.mid(lines.indexOf("wchar:") + 6).split('\n').value(0).trimmed().toDouble();
 }
 
 } // namespace
@@ -158,13 +136,12 @@ private Q_SLOTS:
 
     void nothingMovesWithoutAManifest_data()
     {
-        QTest::addColumn<int>("largestFile");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("no undo folder") << 0 << u"no undo manifest can be written"_s;
-        QTest::newRow("no quarantine") << -1 << u"quarantine"_s;
+        const Rows<int, QString> row("largestFile", "reason");
+        row("no undo folder", 0, u"no undo manifest can be written"_s);
+        row("no quarantine", -1, u"quarantine"_s);
 #ifdef Q_OS_UNIX
-        QTest::newRow("no room for the manifest") << 50 << u"no undo manifest can be written (File too large)"_s;
-        QTest::newRow("no room for the journal") << 1000 << u"undo journal cannot be written (File too large)"_s;
+        row("no room for the manifest", 50, u"no undo manifest can be written (File too large)"_s);
+        row("no room for the journal", 1000, u"undo journal cannot be written (File too large)"_s);
 #endif
     }
 
@@ -313,12 +290,8 @@ private Q_SLOTS:
 
     void damagedManifestTouchesNothing_data()
     {
-        QTest::addColumn<QByteArray>("entries");
-        QTest::addColumn<int>("failed"); // -1 for a manifest that cannot be read
-
-        const auto row = [](const char *name, const char *entries, int failed) {
-            QTest::newRow(name) << QByteArray(entries) << failed;
-        };
+        // -1 for a manifest that cannot be read
+        const Rows<QByteArray, int> row("entries", "failed");
         row("cut off", "[", -1);
         row("entries of a wrong type", R"({"from": "L/x"})", -1);
         row("wrong types inside", R"([1, [], {}, {"from": 1, "to": "L/a"}, {"from": "L/x"}])", 0);
@@ -351,10 +324,10 @@ private Q_SLOTS:
 
     void killedRunCanBeUndone_data()
     {
-        QTest::addColumn<int>("dieBefore");
-        QTest::newRow("after the first file") << 1;
-        QTest::newRow("at the end of a batch") << 256;
-        QTest::newRow("in the middle of a batch") << 300;
+        const Rows<int> row("dieBefore");
+        row("first file", 1);
+        row("end of a batch", 256);
+        row("middle of a batch", 300);
     }
 
     void killedRunCanBeUndone()
@@ -370,28 +343,6 @@ private Q_SLOTS:
         QCOMPARE(manifests.size(), 1);
         QVERIFY(describeManifest(manifests.first()).endsWith(u" - %1 file(s)"_s.arg(dieBefore)));
         CHECK_UNDO(box, manifests.first(), dieBefore, before);
-    }
-
-    void costGrowsWithTheNumberOfFiles()
-    {
-#ifdef Q_OS_LINUX
-        if (otherFileSystem())
-            QSKIP("has been measured on one file system");
-        QList<double> bytes;
-        QList<double> looks;
-        for (const int files : { 500, 3000 }) {
-            Sandbox box;
-            const QStringList paths = box.addMany(files / 2, u"%1.mp3"_s) + box.addMany(files / 2, u"%1/same.mp3"_s);
-            const double bytesBefore = bytesWritten();
-            const qint64 looksBefore = looksAtFiles;
-            // Without a root all go into one folder, half of them under one name.
-            QCOMPARE(removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), {}).succeeded, files);
-            bytes += bytesWritten() - bytesBefore;
-            looks += static_cast<double>(looksAtFiles - looksBefore);
-        }
-        for (const QList<double> &cost : { bytes, looks })
-            QVERIFY2(cost.at(0) > 500 && cost.at(1) < 7 * cost.at(0), qPrintable(QString::number(cost.at(1))));
-#endif
     }
 
     void binAndDeletionTakeOnlyTheName()

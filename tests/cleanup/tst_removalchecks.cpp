@@ -3,6 +3,7 @@
 #include "removalplan.h"
 
 #include "quarantinerun.h"
+#include "rows.h"
 #include "sandbox.h"
 
 #include <QRegularExpression>
@@ -73,22 +74,19 @@ private Q_SLOTS:
 
     void groupKeepsACopyThatStandsAlone_data()
     {
-        QTest::addColumn<QString>("members");
-        QTest::addColumn<QString>("ticked");
-        QTest::addColumn<bool>("refused");
-
-        QTest::newRow("all ticked") << u"a b"_s << u"a b"_s << true;
-        QTest::newRow("the kept copy vanished") << u"a gone"_s << u"a"_s << true;
-        QTest::newRow("the kept copy is empty now") << u"a empty"_s << u"a"_s << true;
-        QTest::newRow("the kept copy is a folder now") << u"a folder"_s << u"a"_s << true;
+        const Rows<QString, QString, bool> row("members", "ticked", "refused");
+        row("all ticked", u"a b"_s, u"a b"_s, true);
+        row("the kept copy vanished", u"a gone"_s, u"a"_s, true);
+        row("the kept copy is empty now", u"a empty"_s, u"a"_s, true);
+        row("the kept copy is a folder now", u"a folder"_s, u"a"_s, true);
 #ifdef Q_OS_UNIX
-        QTest::newRow("the kept copy is a link to the ticked file") << u"a link-to-a"_s << u"a"_s << true;
-        QTest::newRow("the ticked path leads through the linked folder") << u"alias/a a"_s << u"alias/a"_s << true;
-        QTest::newRow("a ticked link to the kept copy") << u"a link-to-a"_s << u"link-to-a"_s << false;
-        QTest::newRow("a link through a ticked link") << u"link-to-a link-to-link"_s << u"link-to-a"_s << true;
-        QTest::newRow("target ticked in another group") << u"b link-to-a"_s << u"b a"_s << true;
-        QTest::newRow("a second hard link stays") << u"hard-1 hard-2"_s << u"hard-1"_s << false;
-        QTest::newRow("a symbolic link to a hard link that goes") << u"hard-1 link-to-hard-1"_s << u"hard-1"_s << true;
+        row("the kept copy is a link to the ticked file", u"a link-to-a"_s, u"a"_s, true);
+        row("the ticked path leads through the linked folder", u"alias/a a"_s, u"alias/a"_s, true);
+        row("a ticked link to the kept copy", u"a link-to-a"_s, u"link-to-a"_s, false);
+        row("a link through a ticked link", u"link-to-a link-to-link"_s, u"link-to-a"_s, true);
+        row("target ticked in another group", u"b link-to-a"_s, u"b a"_s, true);
+        row("a second hard link stays", u"hard-1 hard-2"_s, u"hard-1"_s, false);
+        row("a symbolic link to a hard link that goes", u"hard-1 link-to-hard-1"_s, u"hard-1"_s, true);
 #endif
     }
 

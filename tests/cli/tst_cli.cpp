@@ -4,6 +4,7 @@
 
 #include "../cleanup/sandbox.h"
 #include "hole.h"
+#include "rows.h"
 #include "temporarylibrary.h"
 
 #include <QJsonArray>
@@ -48,27 +49,23 @@ private Q_SLOTS:
     // counts as damaged, but it passes the size filter and is hashed all the same.
     void programTells_data()
     {
-        QTest::addColumn<QByteArray>("files");
-        QTest::addColumn<QByteArray>("arguments");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("text"); // on standard output, or on standard error where status or files are bad
-        const auto row = [](const char *name, const char *files, const char *arguments, int status, const char *text) {
-            QTest::newRow(name) << QByteArray(files) << QByteArray(arguments) << status << QString::fromUtf8(text);
-        };
-        row("no folder", "", "", 2, "No folder given");
-        row("unknown option", "", "--frobnicate .", 2, "frobnicate");
-        row("missing folder", "", ". no/such/folder", 2, "Not a folder: no");
-        row("a file for a folder", "a.mp3", "library/a.mp3", 2, "Not a folder");
-        row("on and off at once", "", "--metadata --no-metadata .", 2, "contradict");
-        row("every method off", "", "--no-identical --no-same-audio --no-acoustic --no-metadata .", 2, "switched off");
-        row("report of no kind", "", "--verbose --report out.txt library", 2, "Not a kind of report: \"out.txt\"");
-        row("report nowhere", "", "--verbose --report no/out.csv library", 2, "Could not write the report");
-        row("empty folder", "", "library", 0, "no duplicates found");
-        row("all different", "a.mp3 b.mp3", "library", 0, "no duplicates found");
-        row("damaged", "x.flac", "library", 0, "x.flac: Unrecognised or damaged FLAC container");
-        row("a copy", "a.mp3 a,копия.mp3 b.mp3", "library", 1, "a,копия.mp3");
+        // The text is on standard output, or on standard error where status or files are bad.
+        const Rows<QByteArray, QByteArray, int, QString> row("files", "arguments", "status", "text");
+        row("no folder", "", "", 2, u"No folder given"_s);
+        row("unknown option", "", "--frobnicate .", 2, u"frobnicate"_s);
+        row("missing folder", "", ". no/such/folder", 2, u"Not a folder: no"_s);
+        row("a file for a folder", "a.mp3", "library/a.mp3", 2, u"Not a folder"_s);
+        row("on and off at once", "", "--metadata --no-metadata .", 2, u"contradict"_s);
+        row("every method off", "", "--no-identical --no-same-audio --no-acoustic --no-metadata .", 2,
+            u"switched off"_s);
+        row("report of no kind", "", "--verbose --report out.txt library", 2, u"Not a kind of report: \"out.txt\""_s);
+        row("report nowhere", "", "--verbose --report no/out.csv library", 2, u"Could not write the report"_s);
+        row("empty folder", "", "library", 0, u"no duplicates found"_s);
+        row("all different", "a.mp3 b.mp3", "library", 0, u"no duplicates found"_s);
+        row("damaged", "x.flac", "library", 0, u"x.flac: Unrecognised or damaged FLAC container"_s);
+        row("a copy", "a.mp3 a,копия.mp3 b.mp3", "library", 1, u"a,копия.mp3"_s);
 #ifdef Q_OS_UNIX // which allows these names
-        row("control characters", "a\x1b[2J\n.mp3 a.mp3", "library", 1, "a\\x1b[2J\\x0a.mp3");
+        row("control characters", "a\x1b[2J\n.mp3 a.mp3", "library", 1, u"a\\x1b[2J\\x0a.mp3"_s);
 #endif
     }
 

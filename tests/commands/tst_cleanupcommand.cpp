@@ -8,6 +8,7 @@
 #include "sandbox.h"
 #include "windowsupport.h"
 
+#include <QDeadlineTimer>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QInputDialog>
@@ -252,8 +253,8 @@ private Q_SLOTS:
         RemovalResult result;
         const auto job = [&](const CleanupProgressFn &progress) {
             const auto patient = [&](qsizetype index, qsizetype total, const QString &path) {
-                for (int ms = 0; ms < 10000 && index == 3 && progress(index, total, path); ++ms)
-                    QThread::msleep(1);
+                for (const QDeadlineTimer end(10000); index == 3 && !end.hasExpired() && progress(index, total, path);)
+                    QThread::yieldCurrentThread();
                 return progress(index, total, path);
             };
             result = removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), {}, patient);

@@ -4,11 +4,9 @@
 #include "resultscells.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QTest>
 
 #include <cmath>
-#include <memory>
 
 using namespace epr;
 using namespace Qt::StringLiterals;
@@ -16,7 +14,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr double readable = 4.5; // WCAG 2: of text
-constexpr double findable = 3.0; // of what is to be found and used
 constexpr double discernible = 2.0; // WCAG leaves open what cannot be used; it should be seen to be there
 
 // The relative luminance of WCAG 2, from 0 for black to 1 for white.
@@ -45,9 +42,7 @@ QPalette palette(QRgb window, QRgb base, QRgb text)
 }
 
 const QRgb white = qRgb(255, 255, 255);
-const QPalette light = palette(qRgb(239, 239, 239), white, qRgb(0, 0, 0));
 const QPalette dark = palette(qRgb(49, 54, 59), qRgb(35, 38, 41), qRgb(239, 240, 241));
-const QPalette black = palette(qRgb(0, 0, 0), qRgb(0, 0, 0), white);
 
 } // namespace
 
@@ -58,9 +53,9 @@ private Q_SLOTS:
     void textCanBeRead_data()
     {
         QTest::addColumn<QPalette>("system");
-        QTest::newRow("light") << light;
+        QTest::newRow("light") << palette(qRgb(239, 239, 239), white, qRgb(0, 0, 0));
         QTest::newRow("dark") << dark;
-        QTest::newRow("white on black") << black;
+        QTest::newRow("white on black") << palette(qRgb(0, 0, 0), qRgb(0, 0, 0), white);
     }
 
     void textCanBeRead()
@@ -84,23 +79,6 @@ private Q_SLOTS:
                      qPrintable(u"%1 on %2: %3"_s.arg(text.name(), ground.name()).arg(contrast(text, ground))));
         const QColor disabled = ours.color(QPalette::Disabled, QPalette::ButtonText);
         QVERIFY(contrast(disabled, ours.color(QPalette::Window)) >= discernible);
-    }
-
-    void emptyBoxCanBeFound_data() { textCanBeRead_data(); }
-
-    void emptyBoxCanBeFound()
-    {
-        QFETCH(const QPalette, system);
-        const std::unique_ptr<QStyle> style(createOutlineStyle());
-        QCheckBox box;
-        box.setStyle(style.get());
-        box.setPalette(programPalette(system));
-        const QImage image = box.grab().toImage();
-        double best = 1;
-        for (int x = 0; x < image.width(); ++x)
-            best = std::max(best,
-                            contrast(image.pixelColor(x, image.height() / 2), box.palette().color(QPalette::Window)));
-        QVERIFY2(best >= findable, qPrintable(QString::number(best)));
     }
 
     // Qt lays what the application has set over the new palette of the system; a mixture of light and dark would be

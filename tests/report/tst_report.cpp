@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "../cleanup/sandbox.h"
-#include "reportcontent.h"
 #include "reportwriter.h"
 
 #include <QJsonArray>
@@ -10,7 +9,6 @@
 #include <QLocale>
 #include <QProcess>
 #include <QTest>
-#include <QTextStream>
 
 using namespace epr;
 using namespace epr::test;
@@ -71,21 +69,6 @@ QJsonArray pythonReads(const QString &path, ReportFormat format)
     return python.waitForFinished() ? QJsonDocument::fromJson(python.readAll()).array() : QJsonArray();
 }
 
-/// Notes how much is written at once at most.
-class Gauge final : public QIODevice {
-public:
-    Gauge() { open(QIODevice::WriteOnly); }
-    qint64 largest = 0;
-
-protected:
-    qint64 readData(char *, qint64) override { return -1; }
-    qint64 writeData(const char *, qint64 size) override
-    {
-        largest = std::max(largest, size);
-        return size;
-    }
-};
-
 } // namespace
 
 class TestReport : public QObject {
@@ -139,19 +122,6 @@ private Q_SLOTS:
             QVERIFY(files.at(1)["keep"_L1].toBool() && !files.at(0)["keep"_L1].toBool(true));
             for (const QString &key : { u"album"_s, u"artist"_s, u"title"_s })
                 QCOMPARE(files.at(0)[key].toString(), hostile);
-        }
-    }
-
-    // A report that is put together before it is written arrives in one piece.
-    void reportsAreWrittenAsTheyGo()
-    {
-        const QList<TrackInfo> tracks = someTracks();
-        const QList<MatchGroup> groups = someGroups(1000);
-        for (const auto write : { writeCsvReport, writeHtmlReport, writeJsonReport, writePlaylistReport }) {
-            Gauge gauge;
-            QTextStream out(&gauge);
-            write(out, { tracks, groups, {}, QDateTime::currentDateTime() });
-            QVERIFY2(gauge.largest > 10000 && gauge.largest < 50000, qPrintable(QString::number(gauge.largest)));
         }
     }
 

@@ -22,13 +22,12 @@ QString rowsOf(const ResultsModel &model)
 {
     QStringList groups;
     for (int g = 0; g < model.rowCount(); ++g) {
-        const QModelIndex group = model.index(g, 0);
         QStringList members;
-        for (int m = 0; m < model.rowCount(group); ++m) {
-            const QModelIndex member = model.index(m, 0, group);
+        for (int m = 0; m < model.rowCount(model.index(g, 0)); ++m) {
+            const QModelIndex member = model.index(m, 0, model.index(g, 0));
             members << member.data().toString().section(u'.', 0, 0)
-                    + (member.data(ResultsModel::KeeperRole).toBool() ? u"*"_s : QString())
-                    + (member.data(Qt::CheckStateRole).toInt() == Qt::Checked ? u"!"_s : QString());
+                    + u"*"_s.left(member.data(ResultsModel::KeeperRole).toBool())
+                    + u"!"_s.left(member.data(Qt::CheckStateRole) == Qt::Checked);
         }
         groups << members.join(u' ');
     }

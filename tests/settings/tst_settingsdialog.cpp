@@ -6,22 +6,23 @@
 #include "settingsstore.h"
 #include "updatechecker.h"
 
+#include "rows.h"
+#include "temporarylibrary.h"
+
 #include <QAbstractButton>
 #include <QLabel>
-#include <QTemporaryDir>
 #include <QTest>
 
-#include <array>
 #include <functional>
 #include <limits>
 
 using namespace epr;
+using namespace epr::test;
 using namespace Qt::StringLiterals;
 
 namespace {
 
 using Change = std::function<void(ScanOptions &)>;
-using Row = std::array<qint64, 3>; // smallest size, shortest duration, metadata tolerance
 
 /// The control that an operator would name so: a form field by its label, a check box or button by its text.
 QWidget *control(const QWidget &dialog, const QString &name)
@@ -39,23 +40,13 @@ class TestSettingsDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QSettings::setDefaultFormat(QSettings::IniFormat);
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_store.path());
-        metadata::applyToApplication();
-    }
+    void initTestCase() { metadata::applyToApplication(); }
 
     void init() { QSettings().clear(); }
 
     void everyControlEditsItsOption_data()
     {
-        QTest::addColumn<QByteArray>("property");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<Change>("change");
-        const auto row = [](const char *name, const QByteArray &property, const QVariant &value, const Change &change) {
-            QTest::newRow(name) << property << value << change;
-        };
+        const Rows<QByteArray, QVariant, Change> row("property", "value", "change");
         row("Identical files (SHA-256 of the whole file)", "checked", false,
             [](auto &o) { o.detectIdentical = false; });
         row("Same audio, different tags", "checked", false, [](auto &o) { o.detectSameAudio = false; });
@@ -67,12 +58,10 @@ private Q_SLOTS:
         row("Duration tolerance (metadata):", "value", 7, [](auto &o) { o.metadataTolerance = 7000; });
         row("Copy to keep:", "currentText", u"Shallowest folder"_s,
             [](auto &o) { o.keeperPolicy = qToUnderlying(KeeperPolicy::ShallowestFolder); });
-        row("Include extensions:", "text", u" .MP3 , ,flac,, .Ogg . ,."_s, [](auto &o) {
-            o.extensions = { u"mp3"_s, u"flac"_s, u"ogg"_s };
-        });
-        row("Exclude paths:", "text", u"*/A b/*;; ; */c,d/* ;"_s, [](auto &o) {
-            o.excludes = { u"*/A b/*"_s, u"*/c,d/*"_s };
-        });
+        row("Include extensions:", "text", u" .MP3 , ,flac,, .Ogg . ,."_s,
+            [](auto &o) { o.extensions = words("mp3 flac ogg"); });
+        const QStringList excludes { u"*/A b/*"_s, u"*/c,d/*"_s };
+        row("Exclude paths:", "text", u"*/A b/*;; ; */c,d/* ;"_s, [=](auto &o) { o.excludes = excludes; });
         row("Ignore files smaller than:", "value", 1, [](auto &o) { o.minBytes = 1024; });
         row("Ignore audio shorter than:", "value", 600, [](auto &o) { o.minDurationMs = 600000; });
         row("Include hidden files and folders", "checked", true, [](auto &o) { o.includeHidden = true; });
@@ -101,29 +90,18 @@ private Q_SLOTS:
         QVERIFY(dialog.options() == options);
     }
 
-    void untouchedControlsWriteWhatTheyShow_data()
-    {
-        using Int = std::numeric_limits<qint32>;
-        using Long = std::numeric_limits<qint64>;
-        QTest::addColumn<Row>("stored");
-        QTest::addColumn<Row>("written");
-        QTest::newRow("below the range") << Row { Long::min(), Long::min(), Int::min() } << Row { 0, 0, 0 };
-        QTest::newRow("above the range") << Row { Long::max(), Long::max(), Int::max() }
-                                         << Row { 1 << 30, 600000, 30000 };
-        QTest::newRow("finer than shown") << Row { 2047, 2500, 3999 } << Row { 1024, 2000, 3000 };
-    }
-
+    // Finer than a control shows, or out of its range.
     void untouchedControlsWriteWhatTheyShow()
     {
-        QFETCH(const Row, stored);
         ScanOptions options;
-        options.minBytes = stored[0];
-        options.minDurationMs = stored[1];
-        options.metadataTolerance = static_cast<qint32>(stored[2]);
+        options.minBytes = std::numeric_limits<qint64>::max();
+        options.minDurationMs = 2500;
+        options.metadataTolerance = std::numeric_limits<qint32>::min();
         SettingsDialog dialog(options, {});
         dialog.accept();
-        const ScanOptions &now = dialog.options();
-        QTEST((Row { now.minBytes, now.minDurationMs, now.metadataTolerance }), "written");
+        QCOMPARE(dialog.options().minBytes, 1 << 30);
+        QCOMPARE(dialog.options().minDurationMs, 2000);
+        QCOMPARE(dialog.options().metadataTolerance, 0);
     }
 
     void updateSettingsWaitForAcceptanceButSkipping()
@@ -145,7 +123,7 @@ private Q_SLOTS:
     }
 
 private:
-    QTemporaryDir m_store;
+    TemporaryHome m_home;
 };
 
 QTEST_MAIN(TestSettingsDialog)

@@ -5,6 +5,7 @@
 #include "updatedialog.h"
 
 #include "loopbackserver.h"
+#include "rows.h"
 #include "temporarylibrary.h"
 
 #include <QDesktopServices>
@@ -26,15 +27,13 @@ struct Checker {
     explicit Checker(const QString &address)
     {
         checker.setUrl(address);
-        const auto note = [this](bool silent, const QString &text) { said << (silent ? u"silent "_s + text : text); };
-        QObject::connect(&checker, &UpdateChecker::upToDate, [note](bool silent) { note(silent, u"up to date"_s); });
-        QObject::connect(&checker, &UpdateChecker::checkFailed,
-                         [note](const QString &error, bool silent) { note(silent, error); });
-        QObject::connect(&checker, &UpdateChecker::updateAvailable,
-                         [this, note](const UpdateChecker::Release &found, bool silent) {
-                             release = found;
-                             note(silent, found.version);
-                         });
+        const auto note = [this](const QString &text, bool silent) { said << (silent ? u"silent "_s + text : text); };
+        QObject::connect(&checker, &UpdateChecker::upToDate, [note](bool silent) { note(u"up to date"_s, silent); });
+        QObject::connect(&checker, &UpdateChecker::checkFailed, note);
+        QObject::connect(&checker, &UpdateChecker::updateAvailable, [this, note](const auto &found, bool silent) {
+            release = found;
+            note(found.version, silent);
+        });
     }
 
     UpdateChecker checker;
@@ -79,24 +78,18 @@ private Q_SLOTS:
 
     void answerBecomesOneSignal_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<bool>("silent");
-        QTest::addColumn<QString>("said");
         constexpr qsizetype longest = 1 << 20;
         const QByteArray newer = R"({"latest_version":"1.1"})";
         const QByteArray skipped = R"({"latest_version":"7.0"})";
-        const QByteArray critical = R"({"latest_version":"7.0","critical":true})";
         const QString unreadable = u"The update service returned an unreadable response."_s;
-        const auto row = [](const char *name, const QByteArray &answer, bool silent, const QString &said) {
-            QTest::newRow(name) << answer << silent << said;
-        };
         const auto ok = [](const QByteArray &body) { return http("200 OK", body); };
+        const Rows<QByteArray, bool, QString> row("answer", "silent", "said");
         row("newer", ok(newer), false, u"1.1"_s);
         row("equal", ok(R"({"latest_version":" 1.0 "})"), false, u"up to date"_s);
         row("older, silent", ok(R"({"latest_version":"0.9.9"})"), true, u"silent up to date"_s);
         row("skipped, silent", ok(skipped), true, u"silent up to date"_s);
         row("skipped, explicit", ok(skipped), false, u"7.0"_s);
-        row("critical, silent", ok(critical), true, u"silent 7.0"_s);
+        row("critical, silent", ok(R"({"latest_version":"7.0","critical":true})"), true, u"silent 7.0"_s);
         row("not found", http("404 Not Found", newer), false, u"The update service returned HTTP 404."_s);
         row("no answer", {}, false, u"Operation canceled"_s);
         row("not JSON", ok("<html></html>"), true, u"silent "_s + unreadable);
@@ -158,12 +151,10 @@ private Q_SLOTS:
         clients.addCaCertificates(certificates);
         QSslConfiguration::setDefaultConfiguration(clients);
 
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::addColumn<bool>("followed");
-        QTest::newRow("plain") << u"http"_s << u"http"_s << true;
-        QTest::newRow("encrypted") << u"https"_s << u"https"_s << true;
-        QTest::newRow("downgrade") << u"https"_s << u"http"_s << false;
+        const Rows<QString, QString, bool> row("from", "to", "followed");
+        row("plain", u"http"_s, u"http"_s, true);
+        row("encrypted", u"https"_s, u"https"_s, true);
+        row("downgrade", u"https"_s, u"http"_s, false);
     }
 
     void redirectsNeverDowngrade()
@@ -184,7 +175,6 @@ private Q_SLOTS:
     void automaticCheckIsDueAfterTwentyHours()
     {
         const UpdateChecker checker;
-        QVERIFY(checker.isDue());
         const QDateTime now = QDateTime::currentDateTimeUtc();
         QSettings().setValue(u"updates/lastChecked"_s, now.addSecs(-(20 * 3600 - 60)).toOffsetFromUtc(9 * 3600));
         QVERIFY(!checker.isDue());
@@ -194,14 +184,11 @@ private Q_SLOTS:
 
     void buttonsDoWhatTheySay_data()
     {
-        QTest::addColumn<QString>("downloadUrl");
-        QTest::addColumn<char>("key");
-        QTest::addColumn<QStringList>("opened");
-        QTest::addColumn<QString>("skipped");
         const QString web = u"https://d.example/get?a=1&b=2"_s;
-        QTest::newRow("download") << web << '\r' << QStringList { web } << QString();
-        QTest::newRow("a file for an address") << u"file://server/setup.exe"_s << '\r' << QStringList() << QString();
-        QTest::newRow("skip") << web << 's' << QStringList() << u"1.4.0"_s;
+        const Rows<QString, char, QStringList, QString> row("downloadUrl", "key", "opened", "skipped");
+        row("download", web, '\r', QStringList { web }, QString());
+        row("a file for an address", u"file://server/setup.exe"_s, '\r', QStringList(), QString());
+        row("skip", web, 's', QStringList(), u"1.4.0"_s);
     }
 
     void buttonsDoWhatTheySay()

@@ -1,15 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
+#include "commands.h"
 #include "mainactions.h"
 
 #include "loopbackserver.h"
+#include "rows.h"
 #include "windowsupport.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QNetworkReply>
 #include <QSpinBox>
 #include <QTimer>
 
@@ -57,22 +60,14 @@ private Q_SLOTS:
 
     void explicitUpdateCheckEndsInABox_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("text"); // of a label or a box
-        QTest::addColumn<QString>("line");
-        QTest::newRow("newer") << http("200 OK", R"({"latest_version":"1.4"})") << u"Update available"_s
-                               << u"Echoprune 1.4 is available."_s << u"Update available: version 1.4."_s;
-        QTest::newRow("critical") << http("200 OK", R"({"latest_version":"1.4","critical":true})")
-                                  << u"Important update"_s << u"Echoprune 1.4 is available."_s
-                                  << u"Important update available: version 1.4."_s;
-        QTest::newRow("the same") << http("200 OK", R"({"latest_version":"1.0"})") << u"No update available"_s
-                                  << u"You are running the latest version of Echoprune (1.0.0)."_s
-                                  << u"Echoprune 1.0.0 is up to date."_s;
         const QString reason = u"The update service returned HTTP 500."_s;
-        QTest::newRow("failure") << http("500 Oops", {}) << u"Update check failed"_s
-                                 << u"Could not reach the update service.\n\n"_s + reason
-                                 << u"Update check failed: "_s + reason;
+        const Rows<QByteArray, QString, QString, QString> row("answer", "title", "text", "line");
+        row("newer", http("200 OK", R"({"latest_version":"1.4"})"), u"Update available"_s,
+            u"Echoprune 1.4 is available."_s, u"Update available: version 1.4."_s);
+        row("the same", http("200 OK", R"({"latest_version":"1.0"})"), u"No update available"_s,
+            u"You are running the latest version of Echoprune (1.0.0)."_s, u"Echoprune 1.0.0 is up to date."_s);
+        row("failure", http("500 Oops", {}), u"Update check failed"_s,
+            u"Could not reach the update service.\n\n"_s + reason, u"Update check failed: "_s + reason);
     }
 
     void explicitUpdateCheckEndsInABox()
@@ -105,40 +100,36 @@ private Q_SLOTS:
         SettingsStore store;
         store.set(settings::updateUrl, server.address());
         store.set(settings::checkForUpdatesOnStartup, false);
-        const MainWindow unwanted;
+        MainWindow window;
+        const auto timer = [&] { return window.findChild<QTimer *>(u"startupCheck"_s); };
+        QVERIFY(!timer());
         store.remove(settings::checkForUpdatesOnStartup);
         store.set(settings::lastUpdateCheck, QDateTime::currentDateTimeUtc());
-        const MainWindow notDue;
-        bool wouldHaveChecked = false; // both windows, whose timers are older and shorter
-        QTimer::singleShot(3000, this, [&] { wouldHaveChecked = true; });
-        QTRY_VERIFY(wouldHaveChecked);
-        QVERIFY(server.requests.isEmpty());
+        auto *notices = window.findChild<UpdateNotices *>();
+        notices->scheduleStartupCheck();
+        timer()->start(0);
+        QTRY_VERIFY(!timer()->isActive());
+        QVERIFY(!notices->findChild<QNetworkReply *>());
 
         store.remove(settings::lastUpdateCheck);
-        const MainWindow due;
-        QTRY_COMPARE(logOf(due).last(), u"Update check failed: The update service returned HTTP 404."_s);
-        QVERIFY(!QApplication::activeModalWidget());
-    }
-
-    void editedSettingsAreStoredUnlessCancelled_data()
-    {
-        QTest::addColumn<bool>("accepted");
-        QTest::newRow("accepted") << true;
-        QTest::newRow("cancelled") << false;
+        timer()->start(0);
+        QTRY_COMPARE(logOf(window).last(), u"Update check failed: The update service returned HTTP 404."_s);
+        QVERIFY(server.requests.size() == 1 && !QApplication::activeModalWidget());
     }
 
     void editedSettingsAreStoredUnlessCancelled()
     {
-        QFETCH(const bool, accepted);
         MainWindow window;
-        withNext<QDialog>([accepted](QDialog *dialog) {
-            for (QSpinBox *box : dialog->findChildren<QSpinBox *>())
-                box->setValue(20);
-            accepted ? dialog->accept() : dialog->reject();
-        });
-        actionsOf(window)->settings->trigger();
-        QCOMPARE(SettingsStore().loadScanOptions().fingerprintSeconds, accepted ? 20 : 60);
-        QCOMPARE(logOf(window).last() == u"Settings updated."_s, accepted);
+        for (const bool accepted : { false, true }) {
+            withNext<QDialog>([accepted](QDialog *dialog) {
+                for (QSpinBox *box : dialog->findChildren<QSpinBox *>())
+                    box->setValue(20);
+                accepted ? dialog->accept() : dialog->reject();
+            });
+            actionsOf(window)->settings->trigger();
+            QCOMPARE(SettingsStore().loadScanOptions().fingerprintSeconds, accepted ? 20 : 60);
+            QCOMPARE(logOf(window).last() == u"Settings updated."_s, accepted);
+        }
     }
 
     void cacheIsClearedFromMenuAndDialog()
