@@ -6,9 +6,9 @@
 // memory, which is why each library has a run of its own. With "index" instead of "pass": how alike the library's
 // unrelated tracks are.
 #include "acousticcomparison.h"
-#include "acousticmatch.h"
 #include "candidates.h"
 #include "matchunion.h"
+#include "similarity.h"
 #include "stopwatch.h"
 #include "syntheticlibrary.h"
 

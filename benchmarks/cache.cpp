@@ -8,8 +8,7 @@
 //   bench_cache [FILES [ROWS]]      100,000 files unless given; ROWS more than FILES adds rows of files that are gone
 
 #include "analysiscache.h"
-#include "discovery.h"
-#include "fileanalysis.h"
+#include "libraryfiles.h"
 #include "scanstages.h"
 
 #include <QCoreApplication>

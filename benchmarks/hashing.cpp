@@ -4,7 +4,6 @@
 // What a digest costs: our SHA-256 beside libcrypto called directly and beside Qt's, and the two digests of a
 // file taken in one reading beside two.
 #include "hashing.h"
-#include "sha256.h"
 #include "stopwatch.h"
 
 #include <QCryptographicHash>

@@ -5,7 +5,6 @@
 #include "fileproblems.h"
 #include "hashing.h"
 #include "nativefile.h"
-#include "sha256.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -3,7 +3,6 @@
 #include "hashing.h"
 
 #include "fileproblems.h"
-#include "sha256.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "sha256.h"
+#include "hashing.h"
 
 #include <QCryptographicHash>
 

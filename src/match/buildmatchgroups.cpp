@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "buildmatchgroups.h"
 
-#include "acousticmatch.h"
 #include "keeperpolicy.h"
 #include "matchunion.h"
-#include "metadatamatch.h"
+#include "similarity.h"
 
 #include <QCoreApplication>
 #include <QHash>

@@ -13,8 +13,6 @@
 
 namespace epr {
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 // The internal id of an index: 0 on group rows, one more than the group's row on member rows.

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
-#include "fileanalysis.h"
+#include "libraryfiles.h"
 #include "scanstages.h"
 
 #include <QCoreApplication>

@@ -5,10 +5,9 @@
 #include "analysiscache.h"
 #include "buildmatchgroups.h"
 #include "decoding.h"
-#include "discovery.h"
-#include "fileanalysis.h"
 #include "fingerprintpool.h"
 #include "fpcalc.h"
+#include "libraryfiles.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "filebytes.h"
-#include "id3.h"
 #include "readers.h"
 #include "tagfields.h"
 

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "hashing.h"
-#include "sha256.h"
 #include "temporarylibrary.h"
 
 #include <QCryptographicHash>

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "acousticcomparison.h"
-#include "acousticmatch.h"
 #include "bitkernel.h"
 #include "candidates.h"
 #include "matchunion.h"
+#include "similarity.h"
 
 #include <QRandomGenerator>
 #include <QTest>

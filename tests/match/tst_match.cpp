@@ -3,7 +3,7 @@
 #include "buildmatchgroups.h"
 #include "keeperpolicy.h"
 #include "matchunion.h"
-#include "metadatamatch.h"
+#include "similarity.h"
 
 #include <QRandomGenerator>
 #include <QRegularExpression>

@@ -4,8 +4,8 @@
 
 #include "analysiscache.h"
 #include "decoding.h"
-#include "discovery.h"
 #include "hole.h"
+#include "libraryfiles.h"
 #include "temporarylibrary.h"
 
 #include <QRegularExpression>
