@@ -7,7 +7,6 @@
 #include <QThread>
 
 #include <algorithm>
-#include <utility>
 
 namespace epr {
 

@@ -6,7 +6,6 @@
 #include "records.h"
 
 #include <QByteArray>
-#include <QDateTime>
 #include <QSettings>
 
 #include <type_traits>

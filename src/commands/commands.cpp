@@ -3,14 +3,12 @@
 #include "commands.h"
 
 #include "analysiscache.h"
-#include "application.h"
 #include "fpcalc.h"
 #include "notices.h"
 #include "reportwriter.h"
 #include "review.h"
 #include "runwithprogress.h"
 #include "settingsdialog.h"
-#include "settingsstore.h"
 #include "updatedialog.h"
 
 #include <QAction>

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "keeperpolicy.h"
 
-#include "records.h"
-
 namespace epr {
 
 namespace {

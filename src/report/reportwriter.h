@@ -4,8 +4,6 @@
 
 #include "records.h"
 
-#include <QStringList>
-
 #include <optional>
 
 namespace epr {

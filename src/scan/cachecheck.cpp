@@ -5,7 +5,6 @@
 #include "scanstages.h"
 
 #include <QCoreApplication>
-#include <QMutex>
 #include <QThread>
 #include <QThreadPool>
 #include <QThreadStorage>

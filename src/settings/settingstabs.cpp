@@ -2,12 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "settingstabs.h"
 
-#include "application.h"
 #include "displaytext.h"
 #include "keeperpolicy.h"
 #include "notices.h"
 #include "settingsdialog.h"
-#include "settingsstore.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -3,7 +3,6 @@
 #include "readers.h"
 
 #include "filebytes.h"
-#include "tagfields.h"
 
 #include <QStringDecoder>
 

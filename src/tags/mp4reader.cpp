@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "filebytes.h"
 #include "readers.h"
-#include "tagfields.h"
 
 #include <optional>
 

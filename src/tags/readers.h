@@ -4,6 +4,8 @@
 
 #include "probe.h"
 
+#include <span>
+
 class QIODevice;
 
 namespace epr {
@@ -50,6 +52,33 @@ void readVorbisComment(QByteArrayView bytes, Tags &tags);
 
 /// Name of an ID3v1 genre number; empty when the number is not from 0 to 83.
 QString id3Genre(int number);
+
+/// What a format calls a tag, and how the tag's text is put into the record. A reader has a table of these.
+struct TagField {
+    QLatin1StringView identifier; ///< compared as it stands
+    void (*store)(Tags &tags, const QString &text);
+};
+
+template <QString Tags::*field> void storeText(Tags &tags, const QString &text)
+{
+    tags.*field = text;
+}
+
+/// The year of a date that starts with it ("2004-05-01"): its first four characters.
+void storeYear(Tags &tags, const QString &text);
+
+/// The track number in "3"; 0 when the text is no decimal integer or it is negative.
+void storeTrack(Tags &tags, const QString &text);
+
+/// The track number in "3" or "3/12"; 0 when there is none.
+void storeTrackOfTotal(Tags &tags, const QString &text);
+
+/// Stores the text where the format's table says; an identifier that is not in it changes nothing. A later text
+/// overwrites an earlier one.
+void storeTag(std::span<const TagField> fields, QStringView identifier, const QString &text, Tags &tags);
+
+/// The text up to its first NUL character, without white space at either end. Every tag value passes through here.
+QString cleanTagText(const QString &text);
 
 struct Format {
     QLatin1StringView extensions; ///< lower case, parted by single spaces

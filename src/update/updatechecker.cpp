@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "updatechecker.h"
 
-#include "application.h"
-
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
