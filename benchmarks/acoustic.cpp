@@ -7,8 +7,8 @@
 // unrelated tracks are.
 #include "acousticcomparison.h"
 #include "candidates.h"
+#include "matching.h"
 #include "matchunion.h"
-#include "similarity.h"
 #include "stopwatch.h"
 #include "syntheticlibrary.h"
 

@@ -3,7 +3,7 @@
 
 // What grouping costs in a large library with the shapes that invite quadratic work: thousands of identical files, and
 // thousands of tracks under one artist and title.
-#include "buildmatchgroups.h"
+#include "matching.h"
 #include "stopwatch.h"
 
 #include <QLocale>

@@ -3,6 +3,7 @@
 #include "commands.h"
 
 #include "analysiscache.h"
+#include "application.h"
 #include "fpcalc.h"
 #include "notices.h"
 #include "reportwriter.h"

@@ -73,6 +73,23 @@ const SpectrumTables &sharedTables()
     return tables;
 }
 
+constexpr double lowestHz = 300.0;
+constexpr double logStep = 0.05748848439048125; // ln(2000 / 300) / bandCount
+constexpr double silence = 1e-12; // keeps the logarithm finite
+
+std::array<int, bandCount + 1> computeEdges()
+{
+    std::array<int, bandCount + 1> edges {};
+    int previous = 0;
+    for (int k = 0; k <= bandCount; ++k) {
+        const double bin = std::exp(k * logStep) * lowestHz * frameLength / analysisRate;
+        const int edge = std::clamp(static_cast<int>(std::lround(bin)), 1, frameLength / 2 - 1);
+        edges[k] = previous = std::max(edge, previous + 1);
+    }
+    Q_ASSERT(edges.back() <= spectrumBins);
+    return edges;
+}
+
 } // namespace
 
 Spectrum::Spectrum()
@@ -164,27 +181,6 @@ void Spectrum::combineLowBins(int half)
         }
     }
 }
-
-namespace {
-
-constexpr double lowestHz = 300.0;
-constexpr double logStep = 0.05748848439048125; // ln(2000 / 300) / bandCount
-constexpr double silence = 1e-12; // keeps the logarithm finite
-
-std::array<int, bandCount + 1> computeEdges()
-{
-    std::array<int, bandCount + 1> edges {};
-    int previous = 0;
-    for (int k = 0; k <= bandCount; ++k) {
-        const double bin = std::exp(k * logStep) * lowestHz * frameLength / analysisRate;
-        const int edge = std::clamp(static_cast<int>(std::lround(bin)), 1, frameLength / 2 - 1);
-        edges[k] = previous = std::max(edge, previous + 1);
-    }
-    Q_ASSERT(edges.back() <= spectrumBins);
-    return edges;
-}
-
-} // namespace
 
 const std::array<int, bandCount + 1> &bandEdges()
 {

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "similarity.h"
+#include "matching.h"
 
 #include "acousticcomparison.h"
 #include "candidates.h"

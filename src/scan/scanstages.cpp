@@ -3,11 +3,11 @@
 #include "scanstages.h"
 
 #include "analysiscache.h"
-#include "buildmatchgroups.h"
 #include "decoding.h"
 #include "fingerprintpool.h"
 #include "fpcalc.h"
 #include "libraryfiles.h"
+#include "matching.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

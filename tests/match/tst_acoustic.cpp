@@ -3,8 +3,8 @@
 #include "acousticcomparison.h"
 #include "bitkernel.h"
 #include "candidates.h"
+#include "matching.h"
 #include "matchunion.h"
-#include "similarity.h"
 
 #include <QRandomGenerator>
 #include <QTest>

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "buildmatchgroups.h"
 #include "keeperpolicy.h"
+#include "matching.h"
 #include "matchunion.h"
-#include "similarity.h"
 
 #include <QRandomGenerator>
 #include <QRegularExpression>

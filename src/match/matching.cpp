@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "buildmatchgroups.h"
+#include "matching.h"
 
 #include "keeperpolicy.h"
 #include "matchunion.h"
-#include "similarity.h"
 
 #include <QCoreApplication>
 #include <QHash>
