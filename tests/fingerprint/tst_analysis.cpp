@@ -15,7 +15,6 @@ using namespace epr;
 
 namespace {
 
-constexpr int maxInt = std::numeric_limits<int>::max();
 using Lists = QList<QList<quint32>>; // words, masks and, from an analyser, those of the alternative frames
 
 /// White noise: every band holds energy that differs from frame to frame, as in music.
@@ -141,61 +140,35 @@ private Q_SLOTS:
         }
     }
 
-    void chunksDoNotMatter_data()
-    {
-        QTest::addColumn<int>("rate");
-        for (const int rate : { 0, 8000, 11025, 22050, 44100, 48000, 96000 })
-            QTest::addRow("%d Hz", rate) << rate;
-    }
-
     void chunksDoNotMatter()
     {
-        QFETCH(const int, rate);
         std::mt19937 generator(5);
-        const QList<float> samples = noise(std::max(rate, 11025) * 2);
-        Analyser analyser;
-        analyser.reset(rate);
-        for (qsizetype at = 0; at < samples.size();) {
-            constexpr qsizetype sizes[] { -1, 0, 1, 7, 1365, 4096, 4097, 20000 };
-            const qsizetype count = std::min(sizes[generator() % 8], samples.size() - at);
-            analyser.feed(samples.constData() + at, count);
-            at += std::max<qsizetype>(count, 0);
+        for (const int rate : { 0, 8000, 11025, 44100, 96000 }) {
+            const QList<float> samples = noise(std::max(rate, 11025) * 2);
+            Analyser analyser;
+            analyser.reset(rate);
+            for (qsizetype at = 0; at < samples.size();) {
+                constexpr qsizetype sizes[] { -1, 0, 1, 7, 1365, 4096, 4097, 20000 };
+                const qsizetype count = std::min(sizes[generator() % 8], samples.size() - at);
+                analyser.feed(samples.constData() + at, count);
+                at += std::max<qsizetype>(count, 0);
+            }
+            QVERIFY(analyser.main().words().size() >= 12);
+            QCOMPARE(results(analyser), results(analysed(rate, samples)));
         }
-        QVERIFY(analyser.main().words().size() >= 12);
-        QCOMPARE(results(analyser), results(analysed(rate, samples)));
-    }
-
-    void tapsFormALowPass()
-    {
-        QVERIFY(antiAliasTaps(11026).empty() && antiAliasTaps(-1).empty());
-        QVERIFY(antiAliasTaps(48000).size() == 35 && antiAliasTaps(maxInt).size() == 193);
-        const std::vector<float> taps = antiAliasTaps(44100);
-        const auto gainAt = [&taps](double hertz) {
-            std::complex<double> gain;
-            for (std::size_t i = 0; i < taps.size(); ++i)
-                gain += std::polar(1.0, -2.0 * std::numbers::pi * hertz * double(i) / 44100) * double(taps[i]);
-            return std::abs(gain);
-        };
-        QVERIFY(std::abs(gainAt(0.0) - 1.0) < 1e-5 && gainAt(2000.0) > 0.95 && gainAt(10000.0) < 0.002);
     }
 
     // Sanitizers watch; what is left to see is that a proper signal comes through afterwards.
-    void hostileInputIsHarmless_data()
-    {
-        QTest::addColumn<Analyser>("analyser");
-        QTest::newRow("NaN") << analysed(44100, QList<float>(20000, std::numeric_limits<float>::quiet_NaN()));
-        QTest::newRow("infinity") << analysed(8000, QList<float>(20000, std::numeric_limits<float>::infinity()));
-        QTest::newRow("1 Hz") << analysed(1, QList<float>(20, 0.5F));
-        QTest::newRow("2^31 - 1 Hz") << analysed(maxInt, QList<float>(20000, 0.5F));
-    }
-
     void hostileInputIsHarmless()
     {
-        QFETCH(Analyser, analyser);
         const QList<float> proper = noise(20000);
-        analyser.reset(11025);
-        analyser.feed(proper.constData(), proper.size());
-        QCOMPARE(results(analyser), results(analysed(11025, proper)));
+        const QList<float> hostile(20000, std::numeric_limits<float>::quiet_NaN());
+        for (const int rate : { 8000, 44100, std::numeric_limits<int>::max() }) {
+            Analyser analyser = analysed(rate, hostile);
+            analyser.reset(11025);
+            analyser.feed(proper.constData(), proper.size());
+            QCOMPARE(results(analyser), results(analysed(11025, proper)));
+        }
     }
 };
 

@@ -235,13 +235,10 @@ void TestAcoustic::durations()
     const auto agree = [](qint64 a, qint64 b, qint32 tolerance, bool expected) {
         return epr::durationsAgree(a, b, tolerance) == expected && epr::durationsAgree(b, a, tolerance) == expected;
     };
-    constexpr qint64 fivePercent = 461168601842738790; // of the longest, rounded down
     QVERIFY2(agree(180000, 189000, 5, true), "just within");
     QVERIFY2(agree(133, 126, 5, false), "a fraction of a millisecond too much");
     QVERIFY2(agree(longest, -1, -5, true), "negative is unknown");
-    QVERIFY2(agree(1, longest, 100, true), "all of it");
-    QVERIFY2(agree(longest, longest - fivePercent, 5, true), "longest, just within");
-    QVERIFY2(agree(longest, longest - fivePercent - 1, 5, false), "longest, too much");
+    QVERIFY2(agree(1, longest, 100, true), "all of the longest");
 }
 
 void TestAcoustic::candidatesAndLinks()

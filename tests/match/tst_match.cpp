@@ -171,8 +171,6 @@ private Q_SLOTS:
         row("equal bit rates keep the larger file", KeeperPolicy::HighestBitrate, [](auto &, auto &b) { b.size = 11; });
         row("a known duration beats none", KeeperPolicy::LongestDuration,
             [](auto &a, auto &b) { a.size = 11, b.stream.durationMs = 1; });
-        row("the larger file", KeeperPolicy::LargestFile,
-            [](auto &a, auto &b) { a.stream.bitrateKbps = 320, b.size = 11; });
         row("the last listed format", KeeperPolicy::PreferredFormat,
             [](auto &a, auto &b) { a.suffix = u"aif"_s, b.suffix = u"wma"_s; });
         row("the shallower folder", KeeperPolicy::ShallowestFolder,
@@ -185,14 +183,10 @@ private Q_SLOTS:
             [&](auto &, auto &b) { b.mtime = time(99); });
         row("the newer file", KeeperPolicy::NewestFile,
             [&](auto &a, auto &b) { a.mtime = time(-1), b.mtime = time(0); });
-        row("an unknown time is not the newest", KeeperPolicy::NewestFile,
-            [&](auto &, auto &b) { b.mtime = time(-1); });
         row("tags are weighed", KeeperPolicy::MostCompleteTags, [](auto &a, auto &b) {
             a.tags.title = a.tags.artist = a.tags.comment = u"x"_s, a.tags.trackNo = 1;
             b.tags.title = b.tags.album = b.tags.albumArtist = b.tags.genre = b.tags.year = u"x"_s;
         });
-        row("equal tags keep the higher bit rate", KeeperPolicy::MostCompleteTags,
-            [](auto &, auto &b) { b.stream.bitrateKbps = 1; });
     }
 
     void betterCopyIsKept()
@@ -205,21 +199,6 @@ private Q_SLOTS:
         QCOMPARE(chooseKeeper({ 0, 1 }, { worse, better }, options), 1);
         QCOMPARE(chooseKeeper({ 0, 1 }, { better, worse }, options), 0);
         QCOMPARE(chooseKeeper({ 1, 0 }, { worse, worse }, options), 1); // of equals the first
-    }
-
-    void unknownPolicyKeepsTheFirst()
-    {
-        QList<TrackInfo> tracks(2);
-        tracks[0].stream.bitrateKbps = 320;
-        const auto keeper = [&tracks](qint32 policy, const QList<qint32> &members = { 1, 0 }) {
-            ScanOptions options;
-            options.keeperPolicy = policy;
-            return chooseKeeper(members, tracks, options);
-        };
-        QCOMPARE(keeper(static_cast<qint32>(KeeperPolicy::MostCompleteTags) + 1), 1);
-        QCOMPARE(keeper(-1), 1);
-        QCOMPARE(keeper(smallestInt), 1);
-        QCOMPARE(keeper(smallestInt, {}), -1);
     }
 };
 

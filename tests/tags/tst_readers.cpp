@@ -51,9 +51,7 @@ void addMpegRows()
     const auto vbrFrame = [](const QByteArray &header) { return mpegAudio(417).replace(36, header.size(), header); };
     QByteArray falseSync(1000, 'j');
     falseSync.replace(500, 4, QByteArray("\xFF\xFB\x90\x00", 4));
-    const QByteArray mono22k = QByteArray("\xFF\xF3\x80\xC0", 4) + QByteArray(9, '\0') + xing(100, 20000);
     const auto two = [](quint32 header, int size) { return big(header).leftJustified(size, '\0').repeated(2); };
-    row("mp3", "MPEG 1 Layer I, padded", two(0xFFFF6600, 196), "16ms 192 48000x2 @0+392");
     row("mp3", "MPEG 1 Layer II", two(0xFFFDA4C0, 576), "48ms 192 48000x1 @0+1152");
     row("mp3", "MPEG 1 Layer III, padded", two(0xFFFB9240, 418), "52ms 128 44100x2 @0+836");
     row("mp3", "MPEG 2.5 Layer III", two(0xFFE318C0, 72), "144ms 8 8000x1 @0+144");
@@ -63,9 +61,7 @@ void addMpegRows()
     row("mp3", "VBRI counts",
         vbrFrame("VBRI" + QByteArray(6, '\0') + big<quint32>(653050) + big<quint32>(1000)) + twoFrames,
         "26122ms 200 44100x2 @417+834");
-    row("mp3", "MPEG 2 mono", mono22k.leftJustified(208, '\0') + twoFrames, "2612ms 61 22050x1 @208+834");
     row("mp3", "APE tag", twoFrames + apeTag(20) + id3v1Tag("T", "A", 1, 1), "52ms 128 44100x2 @0+834");
-    row("mp3", "APE tag with flags misplaced", twoFrames + apeTag(16), "52ms 128 44100x2 @0+834");
     row("mp3", "huge APE tag", twoFrames + apeTag(16).last(32).replace(12, 4, "\1\1\1\1"), "? 0ms 0 0x0");
     row("mp3", "no frame in 256 KiB", QByteArray(262144 - 3, 'j') + twoFrames, "? 0ms 0 0x0 @0+262975");
 }
@@ -78,9 +74,7 @@ void addXiphRows()
         "fLaC" + flacBlock(0, info) + flacBlock(6, QByteArray(500, 'p')) + tail + id3v1Tag("x", "y", 1, 1),
         "10000ms 16 44100x2 @557+20128");
 
-    const QByteArray comment = "\x03vorbis" + vorbisComment({ "TITLE=Song" });
     const QByteArray vorbis = oggPages({ vorbisIdentification(2, 44100) }, 0);
-    row("ogg", "Vorbis", vorbis + oggPages({ comment, QByteArray(20000, 'a') }, 441000), "10000ms 16 44100x2");
     row("ogg", "no last granule", vorbis + oggPages({ "audio" }, ~quint64(0)), "0ms 0 44100x2");
 }
 
@@ -107,11 +101,8 @@ void addChunkRows()
 
 void addMp4Rows()
 {
-    const QByteArray header = movieHeader(1000, 10000);
     const QByteArray wideHeader =
         atom("mvhd", "\1" + QByteArray(19, '\0') + big<quint32>(44100) + big<quint64>(441000));
-    const QByteArray media = atom("mdat", QByteArray(20000, 'm'));
-    row("m4a", "moov last", media + movie(header, {}), "10000ms 16 0x2 @8+20000");
     row("m4a", "64-bit movie header", atom("moov", wideHeader), "10000ms 0 0x2");
     row("m4a", "size 0", atom("free", "x") + big<quint32>(0) + "mdat12345", "0ms 0 0x2 @17+5");
 }
