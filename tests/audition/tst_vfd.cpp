@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "panel.h"
 #include "scrubber.h"
 
 #include <QMouseEvent>
@@ -80,44 +79,20 @@ private Q_SLOTS:
         QCOMPARE(minute.scrubber.positionMs(), 59'000);
     }
 
-    void keysMoveThePosition_data()
-    {
-        QTest::addColumn<int>("from");
-        QTest::addColumn<QString>("to"); // nowhere, if the key is not for the scrubber
-        for (const char *row :
-             { "Right 20000 25000", "Left 2000 0", "Shift+Right 20000 21000", "Shift+Left 20000 19000",
-               "PgUp 20000 50000", "PgDown 40000 10000", "End 20000 60000", "Right 58000 60000", "Ctrl+Right 20000" }) {
-            const QStringList parts = QString::fromLatin1(row).split(u' ');
-            QTest::newRow(row) << parts[1].toInt() << parts.value(2);
-        }
-    }
-
     void keysMoveThePosition()
     {
-        QFETCH(const int, from);
-        QFETCH(const QString, to);
-        MinuteScrubber minute;
-        minute.scrubber.setPositionMs(from);
-        const QKeyCombination key = QKeySequence(QString::fromLatin1(QTest::currentDataTag()).section(u' ', 0, 0))[0];
-        QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers());
-        QCoreApplication::sendEvent(&minute.scrubber, &event);
-        QCOMPARE(minute.requests(), to);
-        QCOMPARE(event.isAccepted(), !to.isEmpty()); // what is not taken goes on to the window
-    }
-
-    void withoutADurationAClickBelongsToTheDeck()
-    {
-        Panel panel;
-        const QSignalSpy clicks(&panel, &Panel::clicked);
-        MinuteScrubber minute;
-        minute.scrubber.setParent(&panel);
-        panel.show();
-        for (const qint64 duration : { 0, 1'000 }) {
-            minute.scrubber.setDurationMs(duration);
-            QTest::mouseClick(&minute.scrubber, Qt::LeftButton, {}, QPoint(600, 20));
-            QTest::keyClick(&minute.scrubber, Qt::Key_Home);
-            QCOMPARE(clicks.size(), 1);
-            QCOMPARE(minute.requests(), duration == 0 ? QString() : u"1000 0"_s);
+        using Row = std::tuple<QKeyCombination, int, QString>;
+        for (const auto &[key, from, to] :
+             { Row(Qt::Key_Right, 20000, u"25000"_s), Row(Qt::Key_Left, 2000, u"0"_s),
+               Row(Qt::SHIFT | Qt::Key_Right, 20000, u"21000"_s), Row(Qt::Key_PageUp, 20000, u"50000"_s),
+               Row(Qt::Key_PageDown, 40000, u"10000"_s), Row(Qt::Key_End, 20000, u"60000"_s),
+               Row(Qt::Key_Right, 58000, u"60000"_s), Row(Qt::CTRL | Qt::Key_Right, 20000, QString()) }) {
+            MinuteScrubber minute;
+            minute.scrubber.setPositionMs(from);
+            QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers());
+            QCoreApplication::sendEvent(&minute.scrubber, &event);
+            QCOMPARE(minute.requests(), to);
+            QCOMPARE(event.isAccepted(), !to.isEmpty()); // what is not taken goes on to the window
         }
     }
 

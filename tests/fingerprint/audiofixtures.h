@@ -29,12 +29,6 @@ inline double bitErrorRate(const QList<quint32> &a, const QList<quint32> &b)
     return count > 0 && qAbs(a.size() - b.size()) <= 2 ? errors / (32.0 * static_cast<double>(count)) : 1.0;
 }
 
-#ifdef Q_OS_WIN // which starts no scripts
-constexpr bool hasStandIns = false;
-#else
-constexpr bool hasStandIns = true;
-#endif
-
 /// An executable shell script that takes the part of a tool.
 inline QString makeStandIn(const QString &path, const QByteArray &body)
 {

@@ -160,21 +160,13 @@ private Q_SLOTS:
     void sharesItsFile()
     {
         AnalysisCache cache;
-        AnalysisCache reader;
-        QVERIFY(cache.open() && reader.open());
-        TrackInfo track = measured();
-        cache.beginTransaction();
-        cache.store(analysed(), FingerprintEngine::BuiltIn);
-        QVERIFY(!reader.lookup(track, FingerprintEngine::BuiltIn));
-        cache.commitTransaction();
-        QVERIFY(reader.lookup(track, FingerprintEngine::BuiltIn));
-
+        QVERIFY(cache.open());
         otherProgram("BEGIN IMMEDIATE");
         cache.store(analysed(u"/m/b.mp3"_s), FingerprintEngine::BuiltIn);
         QVERIFY(cache.takeError().contains("locked"_L1));
         otherProgram("SELECT 1");
         cache.store(analysed(u"/m/b.mp3"_s), FingerprintEngine::BuiltIn);
-        QVERIFY(cache.takeError().isEmpty() && reader.count() == 2);
+        QVERIFY(cache.takeError().isEmpty() && cache.count() == 1);
     }
 
     void prunesClearsAndCloses()

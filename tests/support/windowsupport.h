@@ -39,14 +39,9 @@ inline void setUpApplication()
     applyLook();
 }
 
-inline QString labelOf(const MainWindow &window, const QString &name)
-{
-    return window.findChild<QLabel *>(name)->text();
-}
-
 inline QString summaryOf(const MainWindow &window)
 {
-    return labelOf(window, u"summaryLabel"_s);
+    return window.findChild<QLabel *>(u"summaryLabel"_s)->text();
 }
 
 /// The lines of the activity log without their times.

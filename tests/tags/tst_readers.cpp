@@ -91,11 +91,6 @@ void addChunkRows()
     const QByteArray sound = formChunk("SSND", QByteArray(8, '\0') + QByteArray(1000, 's'));
     row("aiff", "odd chunk", formChunk("FORM", "AIFF" + common + formChunk("odd ", "123") + sound),
         "10000ms 1411 44100x2 @66+1000");
-    row("aifc", "floats in AIFF-C",
-        formChunk("FORM",
-                  "AIFC" + aiffCommon(2, 441000, 32, 0x400E, 0xAC44ull << 48).replace(4, 4, big<quint32>(24))
-                      + QByteArray("fl32\0\0", 6) + sound),
-        "10000ms 2822 44100x2 @60+1000");
     row("aiff", "largest exponent", formChunk("FORM", "AIFF" + aiffCommon(2, 9, 16, 0x7FFF, 1)), "? 0ms 0 0x2");
 }
 
@@ -113,11 +108,7 @@ void addId3Rows()
         return id3v2Tag(frames, version, flags) + twoFrames;
     };
     tags("mp3", "ID3v2.2",
-         id3(text("TT2", "T", 2) + text("TP1", "A", 2) + text("TAL", "L", 2) + text("TP2", "B", 2)
-                 + text("TCO", "17", 2) + frame("COM", QByteArray("\0engd\0C", 7), 2) + text("TRK", "7", 2)
-                 + text("TYE", "1987", 2),
-             2),
-         "T;A;L;B;Rock;1987;C;7");
+         id3(text("TT2", "T", 2) + frame("COM", QByteArray("\0engd\0C", 7), 2) + text("TRK", "7", 2), 2), "T;C;7");
     tags("mp3", "ID3v2.3",
          id3(text("TIT2", " S\xE5ng ") + text("TPE1", "A") + text("TALB", "L") + text("TPE2", "B")
              + text("TCON", "(83)") + text("TRCK", "3/12") + text("TYER", "1987")),
