@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QDateTime>
+#include <QHash>
+#include <QList>
 #include <QStringList>
 
 #include <functional>
@@ -11,6 +14,18 @@ namespace epr {
 /// Called before each file with its number from 0, the number of files and its path, on the thread that does the work.
 /// False stops before that file. May be empty.
 using CleanupProgressFn = std::function<bool(qsizetype index, qsizetype total, const QString &path)>;
+
+/// A file as the scan saw it.
+struct RemovalCandidate {
+    QString path;
+    qint64 size = 0; ///< bytes
+    QDateTime mtime;
+
+    bool operator==(const RemovalCandidate &) const = default;
+};
+
+/// For each file to be removed the copies of its group that stay.
+using KeptCopies = QHash<QString, QList<RemovalCandidate>>;
 
 enum class RemovalMode : qint32 {
     Quarantine = 0,
@@ -28,6 +43,7 @@ struct RemovalResult {
     QStringList errors; ///< one message for each failure, in order, then what concerns the whole run
     QString manifestPath; ///< empty if there is nothing to undo
     QStringList reasons; ///< for each of the errors what the system said, empty text if it was not the system's refusal
+    QString refusal = {}; ///< why nothing was begun at all, for the operator; else empty
 
     bool operator==(const RemovalResult &) const = default;
 };
@@ -38,14 +54,21 @@ struct RemovalResult {
 /// A quarantine run moves each file into a folder of its own for the run, under the name of the scan root that holds it
 /// and its path below that root. It can be undone up to the last file moved, however it ends: if there is no place to
 /// note down what was moved, nothing is moved. Stopping it through the progress function ends it in the normal way.
+///
+/// Only one clean-up or undo runs at a time, see CleanupLock. Unless kept is empty, a file goes only if one of its kept
+/// copies is as it was scanned and can be read, by a look directly before its turn; a quarantine run looks directly
+/// afterwards too, and moves the file back if the copy has gone. So two programs that do not know of each other, and
+/// each take what the other keeps, cannot both take theirs.
 [[nodiscard]] RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
-                                        const QStringList &scanRoots, const CleanupProgressFn &progress = {});
+                                        const QStringList &scanRoots, const CleanupProgressFn &progress = {},
+                                        const KeptCopies &kept = {});
 
 struct RestoreResult {
     qint32 succeeded = 0;
     qint32 failed = 0;
     QStringList errors; ///< one message for each failure, in order
     QStringList reasons; ///< as in RemovalResult
+    QString refusal = {}; ///< as in RemovalResult
 
     bool operator==(const RestoreResult &) const = default;
 };
@@ -54,8 +77,8 @@ struct RestoreResult {
 /// restoreManifest() would use the manifest up for nothing. True for a manifest that names no files or cannot be read.
 bool hasQuarantinedCopies(const QString &path);
 
-/// Moves the files of a quarantine run back. Nothing is ever replaced, and nothing is touched but the files that the
-/// manifest names by clean absolute paths.
+/// Moves the files of a quarantine run back, one clean-up or undo at a time. Nothing is ever replaced, and nothing is
+/// touched but the files that the manifest names by clean absolute paths.
 ///
 /// A manifest serves once: it is deleted afterwards, also when files failed, which then are named in the errors. One
 /// that cannot be read is kept; that is the single error, with both counts 0. Stopping through the progress function

@@ -37,6 +37,16 @@ enum class Outcome {
 /// The same for the names in a folder, as far as the system offers it.
 void flushFolderToDisk(const QString &folder);
 
+enum class LockOutcome {
+    Locked,
+    Held, ///< by another program, or by another opening of the file in this one
+    Unsupported, ///< the file system knows no locks
+};
+
+/// Takes the system's own lock on an open file without waiting for it. It lasts until the file is closed or the process
+/// ends, however it ends. What the file holds can be read by everybody meanwhile.
+[[nodiscard]] Result<LockOutcome> lockFile(QFileDevice &file);
+
 /// The file behind a path, whatever path leads to it.
 struct Identity {
     quint64 volume = 0;

@@ -9,6 +9,7 @@
 #include <climits>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -167,6 +168,21 @@ void flushFolderToDisk(const QString &folder)
         return;
     static_cast<void>(fsync(descriptor));
     close(descriptor);
+}
+
+Result<LockOutcome> lockFile(QFileDevice &file)
+{
+    int status = 0;
+    do {
+        status = flock(file.handle(), LOCK_EX | LOCK_NB);
+    } while (status != 0 && errno == EINTR);
+    if (status == 0)
+        return LockOutcome::Locked;
+    if (errno == EWOULDBLOCK)
+        return LockOutcome::Held;
+    if (errno == ENOLCK || isUnsupported(errno))
+        return LockOutcome::Unsupported;
+    return systemFailure();
 }
 
 std::optional<Identity> identityOf(const QString &path)

@@ -139,6 +139,26 @@ void flushFolderToDisk([[maybe_unused]] const QString &folder)
 {
 }
 
+// A locked range cannot be read by others, so it lies where no text ever reaches.
+Result<LockOutcome> lockFile(QFileDevice &file)
+{
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
+    OVERLAPPED range = {};
+    range.OffsetHigh = 0x40000000;
+    if (LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &range))
+        return LockOutcome::Locked;
+    switch (const DWORD error = GetLastError()) {
+    case ERROR_LOCK_VIOLATION:
+    case ERROR_IO_PENDING:
+        return LockOutcome::Held;
+    case ERROR_NOT_SUPPORTED:
+    case ERROR_INVALID_FUNCTION:
+        return LockOutcome::Unsupported;
+    default:
+        return systemFailure(error);
+    }
+}
+
 std::optional<Identity> identityOf(const QString &path)
 {
     const FileHandle file = openFile(path, FILE_READ_ATTRIBUTES);

@@ -3,6 +3,7 @@
 #include "quarantinerun.h"
 
 #include "cleanup.h"
+#include "cleanuplock.h"
 #include "filemove.h"
 
 #include <QCoreApplication>
@@ -71,15 +72,26 @@ QString quarantineDestination(const QString &path, const QString &runFolder, con
     return destination.startsWith(inside) ? destination : inside + QFileInfo(path).fileName();
 }
 
-QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots)
+CleanupFailure copyGone(const QString &path)
+{
+    return { QCoreApplication::translate("epr::Cleanup",
+                                         "%1 was left in place: no other copy of it is as it was scanned and can be "
+                                         "read any more")
+                 .arg(path),
+             {} };
+}
+
+QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots,
+                             CleanupLock &lock)
     : m_paths(paths)
     , m_scanRoots(scanRoots)
+    , m_lock(lock)
 {
     m_manifest.mode = removalModeLabel(RemovalMode::Quarantine);
     m_manifest.quarantineRoot = quarantineRoot;
 }
 
-std::optional<CleanupFailure> QuarantineRun::move(qsizetype index, qint64 size)
+std::optional<CleanupFailure> QuarantineRun::move(qsizetype index, qint64 size, const MayGoFn &mayGo)
 {
     const QString &path = m_paths.at(index);
     if (!path.isValidUtf16()) {
@@ -93,6 +105,8 @@ std::optional<CleanupFailure> QuarantineRun::move(qsizetype index, qint64 size)
         ManifestEntry entry = m_planned.take(index);
         entry.size = size;
         moved = moveAsPlanned(&entry);
+        if (moved && !mayGo(path))
+            return moveBack(entry);
         if (moved) {
             m_manifest.entries.append(entry);
             return std::nullopt;
@@ -100,6 +114,19 @@ std::optional<CleanupFailure> QuarantineRun::move(qsizetype index, qint64 size)
     }
     const QString message = QCoreApplication::translate("epr::Cleanup", "Could not move %1").arg(path);
     return CleanupFailure { m_failure.isEmpty() ? message : message + ": "_L1 + m_failure, moved.error() };
+}
+
+// The copy that was to stay went in the very moment: another program took it, or both were one file by two ways.
+std::optional<CleanupFailure> QuarantineRun::moveBack(const ManifestEntry &entry)
+{
+    const Result<MoveOutcome> back = moveFile(entry.to, entry.from);
+    if (back == MoveOutcome::Moved)
+        return copyGone(entry.from);
+    m_manifest.entries.append(entry);
+    return CleanupFailure { QCoreApplication::translate("epr::Cleanup",
+                                                        "The last copy of %1 is now %2 and could not be moved back")
+                                .arg(entry.from, entry.to),
+                            back ? QString() : back.error() };
 }
 
 Result<> QuarantineRun::prepare(qsizetype index)
@@ -123,6 +150,8 @@ Result<> QuarantineRun::begin()
         return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made")
                           .arg(m_manifest.quarantineRoot));
     }
+    if (const Result<> locked = m_lock.takeQuarantine(m_manifest.quarantineRoot); !locked)
+        return endRun(locked.error());
     const QDateTime now = QDateTime::currentDateTime();
     m_manifest.createdAt = now.toString(Qt::ISODate);
     const QString timestamp = now.toString(u"yyyyMMdd-HHmmss"_s);

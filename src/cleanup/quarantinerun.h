@@ -7,11 +7,19 @@
 #include <QHash>
 #include <QSet>
 
+#include <functional>
 #include <optional>
 
 namespace epr {
 
+class CleanupLock;
 struct CleanupFailure;
+
+/// Whether a file may go, asked with its path.
+using MayGoFn = std::function<bool(const QString &path)>;
+
+/// The message for a file that stays because no other copy does.
+CleanupFailure copyGone(const QString &path);
 
 /// Where in the run folder a file goes: below the name of the first scan root that holds it, or under its bare name.
 /// The answer never leads out of the run folder.
@@ -21,10 +29,11 @@ QString quarantineDestination(const QString &path, const QString &runFolder, con
 class QuarantineRun final {
 public:
     /// paths is what the run will be asked to move, in that order.
-    QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots);
+    QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots,
+                  CleanupLock &lock);
 
-    /// A file that could not be moved is where it was.
-    [[nodiscard]] std::optional<CleanupFailure> move(qsizetype index, qint64 size);
+    /// A file that could not be moved is where it was, and so is one that after its move must not go.
+    [[nodiscard]] std::optional<CleanupFailure> move(qsizetype index, qint64 size, const MayGoFn &mayGo);
 
     /// Ends the run: completes the manifest, or leaves nothing if nothing was moved. The run can be undone also if its
     /// manifest could not be completed.
@@ -39,12 +48,14 @@ private:
     [[nodiscard]] Result<bool> claim(const QString &runName);
     [[nodiscard]] Result<> planFrom(qsizetype first);
     [[nodiscard]] Result<> moveAsPlanned(ManifestEntry *entry);
+    [[nodiscard]] std::optional<CleanupFailure> moveBack(const ManifestEntry &entry);
     [[nodiscard]] Result<> replan(ManifestEntry *entry);
     QString freeDestination(const QString &wanted);
     [[nodiscard]] Result<> endRun(const QString &reason);
 
     const QStringList m_paths;
     const QStringList m_scanRoots;
+    CleanupLock &m_lock;
     UndoManifest m_manifest;
     UndoJournal m_journal;
     QString m_manifestPath; ///< empty until the run has begun

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanup.h"
 
+#include "cleanuplock.h"
 #include "quarantinerun.h"
+#include "removalplan.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -50,10 +52,11 @@ bool hasRecycleBin()
 
 class Removal final {
 public:
-    Removal(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot, const QStringList &scanRoots)
+    Removal(const QStringList &paths, RemovalMode mode, const KeptCopies &kept, QuarantineRun &quarantine)
         : m_paths(paths)
         , m_mode(mode)
-        , m_quarantine(paths, quarantineRoot, scanRoots)
+        , m_kept(kept)
+        , m_quarantine(quarantine)
     {
     }
 
@@ -85,6 +88,10 @@ private:
             reportFailure({ failureMessage(m_mode, path), {} });
             return;
         }
+        if (!copyStays(path)) {
+            reportFailure(copyGone(path));
+            return;
+        }
         if (const std::optional<CleanupFailure> left = tryToRemove(index, size)) {
             reportFailure(*left);
             return;
@@ -99,7 +106,7 @@ private:
         bool removed = false;
         switch (m_mode) {
         case RemovalMode::Quarantine:
-            return m_quarantine.move(index, size);
+            return m_quarantine.move(index, size, [this](const QString &path) { return copyStays(path); });
         case RemovalMode::RecycleBin:
             removed = hasRecycleBin() && file.moveToTrash();
             break;
@@ -111,6 +118,11 @@ private:
             return std::nullopt;
         const bool wasAsked = file.error() != QFileDevice::NoError;
         return CleanupFailure { failureMessage(m_mode, m_paths.at(index)), wasAsked ? file.errorString() : QString() };
+    }
+
+    [[nodiscard]] bool copyStays(const QString &path) const
+    {
+        return m_kept.isEmpty() || standsWithout(path, m_kept.value(path));
     }
 
     void reportFailure(const CleanupFailure &left)
@@ -127,7 +139,8 @@ private:
 
     const QStringList m_paths;
     const RemovalMode m_mode;
-    QuarantineRun m_quarantine;
+    const KeptCopies m_kept;
+    QuarantineRun &m_quarantine;
     RemovalResult m_result;
 };
 
@@ -147,9 +160,16 @@ QString removalModeLabel(RemovalMode mode)
 }
 
 RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
-                          const QStringList &scanRoots, const CleanupProgressFn &progress)
+                          const QStringList &scanRoots, const CleanupProgressFn &progress, const KeptCopies &kept)
 {
-    return Removal(paths, mode, quarantineRoot, scanRoots).run(progress);
+    CleanupLock lock;
+    if (const Result<> locked = lock.take(quarantineRoot); !locked) {
+        RemovalResult refused;
+        refused.refusal = locked.error();
+        return refused;
+    }
+    QuarantineRun quarantine(paths, quarantineRoot, scanRoots, lock);
+    return Removal(paths, mode, kept, quarantine).run(progress);
 }
 
 } // namespace epr

@@ -29,11 +29,36 @@ QString foldCase(const QString &path)
     return pathCase == Qt::CaseInsensitive ? path.toCaseFolded() : path;
 }
 
-// The name itself, not what it links to: links are resolved in its folder only.
-QString entryKey(const QFileInfo &info)
+// A name itself, not what it links to. Its folder is known by what the file system calls it: one folder can be reached
+// by many paths, through links and mounts.
+struct NameKey {
+    quint64 volume = 0;
+    quint64 folder = 0;
+    QString name; ///< with the folder's path where its file system does not tell folders apart
+
+    bool operator==(const NameKey &) const = default;
+    friend size_t qHash(const NameKey &key, size_t seed) { return qHashMulti(seed, key.volume, key.folder, key.name); }
+};
+
+NameKey nameKey(const QFileInfo &info)
 {
+    if (const auto folder = nativefile::identityOf(info.absolutePath()))
+        return { folder->volume, folder->index, foldCase(info.fileName()) };
     const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
-    return foldCase((folder.isEmpty() ? info.absolutePath() : folder) + u'/' + info.fileName());
+    return { 0, 0, foldCase((folder.isEmpty() ? info.absolutePath() : folder) + u'/' + info.fileName()) };
+}
+
+template <typename IsRemoved> bool leadsThrough(QString path, const IsRemoved &isRemoved)
+{
+    for (int step = 0; step < maxLinksInARow; ++step) {
+        const QFileInfo info(path);
+        if (isRemoved(nameKey(info)))
+            return true;
+        if (!info.isSymLink())
+            return false;
+        path = info.symLinkTarget();
+    }
+    return true;
 }
 
 bool hasReadableContent(const QString &path)
@@ -64,24 +89,19 @@ private:
     void addRemovedName(const QString &path)
     {
         const QFileInfo info(path);
-        m_removedNames.insert(entryKey(info));
+        const NameKey name = nameKey(info);
+        if (m_removedNames.contains(name)) // the same name by another path: the file loses it once
+            return;
+        m_removedNames.insert(name);
         if (info.isSymLink()) // takes nothing from the file that it leads to
             return;
         if (const auto file = nativefile::identityOf(path))
             ++m_removedLinks[{ file->volume, file->index }];
     }
 
-    [[nodiscard]] bool leadsThroughRemovedName(QString path) const
+    [[nodiscard]] bool leadsThroughRemovedName(const QString &path) const
     {
-        for (int step = 0; step < maxLinksInARow; ++step) {
-            const QFileInfo info(path);
-            if (m_removedNames.contains(entryKey(info)))
-                return true;
-            if (!info.isSymLink())
-                return false;
-            path = info.symLinkTarget();
-        }
-        return true;
+        return leadsThrough(path, [this](const NameKey &name) { return m_removedNames.contains(name); });
     }
 
     // One file can be reached by several paths that look different, by a mapped drive and the share's own name for
@@ -92,7 +112,7 @@ private:
         return file && m_removedLinks.value({ file->volume, file->index }) >= std::max<quint64>(file->links, 1);
     }
 
-    QSet<QString> m_removedNames;
+    QSet<NameKey> m_removedNames;
     QHash<FileKey, quint64> m_removedLinks;
 };
 
@@ -129,6 +149,7 @@ struct CheckedGroup {
     qint32 id = 0;
     CheckedCandidates ticked;
     CheckedCandidates unticked;
+    QList<RemovalCandidate> kept;
 };
 
 QString survivorChangedMessage(qint32 id)
@@ -163,6 +184,15 @@ bool changedSinceScan(const RemovalCandidate &candidate)
     return info.exists()
         && (info.size() != candidate.size
             || info.lastModified().toSecsSinceEpoch() != candidate.mtime.toSecsSinceEpoch());
+}
+
+bool standsWithout(const QString &path, const QList<RemovalCandidate> &copies)
+{
+    const NameKey removed = nameKey(QFileInfo(path));
+    return std::any_of(copies.cbegin(), copies.cend(), [&](const RemovalCandidate &copy) {
+        return !changedSinceScan(copy) && hasReadableContent(copy.path)
+            && !leadsThrough(copy.path, [&removed](const NameKey &name) { return name == removed; });
+    });
 }
 
 QString changedMessage(const QString &path)
@@ -212,7 +242,7 @@ RemovalPlan planRemoval(const QList<TickedGroup> &groups)
 {
     QList<CheckedGroup> checked;
     for (const TickedGroup &group : groups)
-        checked.append({ group.id, checkCandidates(group.ticked), checkCandidates(group.unticked) });
+        checked.append({ group.id, checkCandidates(group.ticked), checkCandidates(group.unticked), group.unticked });
     const QHash<qint32, QString> reasons = refusals(checked);
 
     RemovalPlan plan;
@@ -222,6 +252,8 @@ RemovalPlan planRemoval(const QList<TickedGroup> &groups)
         const auto reason = reasons.constFind(group.id);
         if (reason == reasons.cend()) {
             plan.paths += group.ticked.paths;
+            for (const QString &path : group.ticked.paths)
+                plan.kept.insert(path, group.kept);
             continue;
         }
         plan.refused += static_cast<qint32>(group.ticked.paths.size());

@@ -2,25 +2,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QDateTime>
+#include "cleanup.h"
+
 #include <QSet>
 
 namespace epr {
 
 /// What to decide before files are handed to removeFiles(): looks at the disk as it is now, and changes nothing.
 
-/// A file that the operator wants removed, as the scan saw it.
-struct RemovalCandidate {
-    QString path;
-    qint64 size = 0; ///< bytes
-    QDateTime mtime;
-
-    bool operator==(const RemovalCandidate &) const = default;
-};
-
 /// Whether another file stands at the path than the one that was scanned, by size and modification time in whole
 /// seconds: the cache keeps no more. A file that is gone has not changed.
 bool changedSinceScan(const RemovalCandidate &candidate);
+
+/// Whether one of the copies is as it was scanned, can be read, and keeps its content when the name is gone: it is
+/// neither that name, by whatever path, nor a symbolic link by way of it.
+bool standsWithout(const QString &path, const QList<RemovalCandidate> &copies);
 
 /// The message for a file that was left alone because it changed.
 QString changedMessage(const QString &path);
@@ -73,6 +69,7 @@ struct RemovalPlan {
     QStringList paths; ///< what may be removed, in the order of the groups
     qint32 refused = 0; ///< ticked files that are left alone
     QStringList errors; ///< why: a message for each file that changed and for each group that would lose its last copy
+    KeptCopies kept; ///< of each of the paths
 
     bool operator==(const RemovalPlan &) const = default;
 };

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanup.h"
 
+#include "cleanuplock.h"
 #include "filemove.h"
 #include "undomanifest.h"
 
@@ -98,12 +99,23 @@ bool hasQuarantinedCopies(const QString &path)
 RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress)
 {
     RestoreResult result;
+    CleanupLock lock;
+    if (const Result<> locked = lock.take({}); !locked) {
+        result.refusal = locked.error();
+        return result;
+    }
     const Result<UndoManifest> manifest = readManifest(path);
     if (!manifest) {
         result.errors.append(
             QCoreApplication::translate("epr::Cleanup", "Cannot read manifest: %1").arg(manifest.error()));
         result.reasons.append(manifest.error());
         return result;
+    }
+    if (isPlainAbsolute(manifest->quarantineRoot)) {
+        if (const Result<> locked = lock.takeQuarantine(manifest->quarantineRoot); !locked) {
+            result.refusal = locked.error();
+            return result;
+        }
     }
     const qsizetype done = restoreEntries(manifest->entries, progress, &result);
     if (done < manifest->entries.size())

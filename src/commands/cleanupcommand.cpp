@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanupcommand.h"
 
+#include "cleanuplock.h"
 #include "displaytext.h"
 #include "notices.h"
 #include "removaldialog.h"
@@ -51,7 +52,13 @@ QStringList tickedPaths(const QList<TickedGroup> &groups)
 
 bool holdsFiles(const QString &folder)
 {
-    return QDirIterator(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories).hasNext();
+    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        files.next();
+        if (files.fileName() != quarantineLockName)
+            return true;
+    }
+    return false;
 }
 
 void warnIfScanned(const QString &quarantineRoot, const QStringList &folders, QWidget *parent)
@@ -179,9 +186,15 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     QSet<qint32> vanished;
     const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
         plan = planRemoval(request.groups);
-        result = removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress);
+        result =
+            removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress, plan.kept);
         vanished = m_review.vanishedTracks();
     });
+    if (!result.refusal.isEmpty()) {
+        tellRefusal(result.refusal);
+        Q_EMIT filesRemoved();
+        return;
+    }
     const qsizetype untouched = plan.paths.size() - result.succeeded - result.failed;
     result.failed += plan.refused;
     result.errors = plan.errors + result.errors;
@@ -259,8 +272,16 @@ void CleanupCommand::tellStop(const QString &stopped)
         Q_EMIT logMessage(stopped);
 }
 
+void CleanupCommand::tellRefusal(const QString &refusal)
+{
+    Q_EMIT logMessage(refusal);
+    showWarning(window(), tr("Nothing was changed"), refusal);
+}
+
 void CleanupCommand::tellRestore(const RestoreResult &result, const QString &stopped)
 {
+    if (!result.refusal.isEmpty())
+        return tellRefusal(result.refusal);
     tellStop(stopped);
     const QString succeeded = QString::number(result.succeeded);
     const QString failed = QString::number(result.failed);

@@ -55,6 +55,7 @@ private:
     bool confirmDeletion(qsizetype files);
     void remove(const Request &request, RemovalMode mode);
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);
+    void tellRefusal(const QString &refusal);
     void tellStop(const QString &stopped); ///< empty = it was not stopped
     std::optional<QString> askManifest(const QStringList &manifests);
     bool confirmWithoutCopies();

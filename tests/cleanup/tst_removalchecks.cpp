@@ -86,6 +86,7 @@ private Q_SLOTS:
         row("a link through a ticked link", u"link-to-a link-to-link"_s, u"link-to-a"_s, true);
         row("target ticked in another group", u"b link-to-a"_s, u"b a"_s, true);
         row("a second hard link stays", u"hard-1 hard-2"_s, u"hard-1"_s, false);
+        row("one name by two paths", u"hard-1 alias/hard-1 hard-2"_s, u"hard-1 alias/hard-1"_s, false);
         row("a symbolic link to a hard link that goes", u"hard-1 link-to-hard-1"_s, u"hard-1"_s, true);
 #endif
     }
