@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace epr {
 
@@ -95,10 +96,12 @@ Result<QJsonObject> readObject(const QString &path)
 }
 
 // An intended move of which only the original is there was never made.
-QList<ManifestEntry> movedEntries(const QString &journalPath)
+Result<QList<ManifestEntry>> movedEntries(const QString &journalPath)
 {
-    QList<ManifestEntry> entries = UndoJournal::read(journalPath).value_or(QList<ManifestEntry>());
-    entries.removeIf([](const ManifestEntry &move) { return !entryExists(move.to) && entryExists(move.from); });
+    Result<QList<ManifestEntry>> entries = UndoJournal::read(journalPath);
+    if (!entries)
+        return entries;
+    entries->removeIf([](const ManifestEntry &move) { return !entryExists(move.to) && entryExists(move.from); });
     return entries;
 }
 
@@ -119,13 +122,16 @@ Result<QList<ManifestEntry>> UndoJournal::read(const QString &path)
         return failure(file.errorString());
     QList<ManifestEntry> moves;
     QSet<QString> givenUp;
-    while (!file.atEnd()) {
-        const QJsonObject object = QJsonDocument::fromJson(file.readLine(maxLineBytes)).object();
+    // A file that cannot be read is never at its end, but it has no more lines either.
+    for (QByteArray line = file.readLine(maxLineBytes); !line.isEmpty(); line = file.readLine(maxLineBytes)) {
+        const QJsonObject object = QJsonDocument::fromJson(line).object();
         if (object.contains(givenUpKey))
             givenUp.insert(object[givenUpKey].toString());
         else if (const ManifestEntry move = entryFromJson(object); !move.to.isEmpty())
             moves.append(move);
     }
+    if (file.error() != QFileDevice::NoError)
+        return failure(file.errorString());
     moves.removeIf([&givenUp](const ManifestEntry &move) { return givenUp.contains(move.to); });
     return moves;
 }
@@ -218,7 +224,10 @@ Result<UndoManifest> readManifest(const QString &path)
                             {} };
     const QString journalPath = UndoJournal::pathFor(path);
     if (QFileInfo::exists(journalPath)) {
-        manifest.entries = movedEntries(journalPath);
+        Result<QList<ManifestEntry>> moved = movedEntries(journalPath);
+        if (!moved) // a list without them would be used up and leave the files where nobody finds them
+            return failure(moved.error());
+        manifest.entries = *std::move(moved);
         return manifest;
     }
     const QJsonArray entries = (*object)["entries"_L1].toArray();

@@ -36,7 +36,7 @@ public:
     static QString pathFor(const QString &manifestPath);
 
     /// The moves that were intended and not given up later, in order. A line cut off by the end of the run is left out:
-    /// nothing that it speaks of was tried.
+    /// nothing that it speaks of was tried. Fails if the file cannot be read to its end.
     [[nodiscard]] static Result<QList<ManifestEntry>> read(const QString &path);
 
     /// Fails if the file exists.
@@ -68,8 +68,9 @@ QString describeManifest(const QString &path);
 /// Replaces the file in one step: whoever reads it sees the old manifest or the new one, never a part.
 [[nodiscard]] Result<> writeManifest(const QString &path, const UndoManifest &manifest);
 
-/// Fails if the file is not a manifest. An entry without both paths comes back with empty ones. For a run that was cut
-/// short the entries come from its journal: those that were moved, as far as can be told from the disk.
+/// Fails if the file is not a manifest, or if there is a journal that cannot be read. An entry without both paths comes
+/// back with empty ones. For a run that was cut short the entries come from its journal: those that were moved, as far
+/// as can be told from the disk.
 [[nodiscard]] Result<UndoManifest> readManifest(const QString &path);
 
 /// Deletes the manifest and what a run that was cut short left beside it.

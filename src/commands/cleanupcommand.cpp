@@ -107,7 +107,15 @@ void CleanupCommand::removeSelected(const Places &places)
 
 void CleanupCommand::undoPreviousCleanup()
 {
-    const QStringList manifests = listUndoManifests();
+    QStringList manifests;
+    QStringList descriptions;
+    const bool listed = run(tr("Undo previous clean-up"), [&](const CleanupProgressFn &progress) {
+        manifests = listUndoManifests();
+        for (qsizetype i = 0; i < manifests.size() && progress(i, manifests.size(), manifests.at(i)); ++i)
+            descriptions.append(describeManifest(manifests.at(i)));
+    });
+    if (!listed)
+        return;
     if (manifests.isEmpty()) {
         showInformation(
             window(), tr("Nothing to undo"),
@@ -115,8 +123,13 @@ void CleanupCommand::undoPreviousCleanup()
                "bin and permanent deletions are handled by the operating system."));
         return;
     }
-    const std::optional<QString> manifest = askManifest(manifests);
-    if (manifest && (hasQuarantinedCopies(*manifest) || confirmWithoutCopies()))
+    const std::optional<QString> manifest = askManifest(manifests, descriptions);
+    if (!manifest)
+        return;
+    bool hasCopies = false;
+    const bool looked = run(tr("Undo previous clean-up"),
+                            [&](const CleanupProgressFn &) { hasCopies = hasQuarantinedCopies(*manifest); });
+    if (looked && (hasCopies || confirmWithoutCopies()))
         restore(*manifest);
 }
 
@@ -229,11 +242,8 @@ void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result, 
 }
 
 // Runs of one minute with as many files each look alike in the list; the newest of them is meant.
-std::optional<QString> CleanupCommand::askManifest(const QStringList &manifests)
+std::optional<QString> CleanupCommand::askManifest(const QStringList &manifests, const QStringList &descriptions)
 {
-    QStringList descriptions;
-    for (const QString &manifest : manifests)
-        descriptions.append(describeManifest(manifest));
     QInputDialog dialog(window());
     dialog.setWindowTitle(tr("Undo previous clean-up"));
     dialog.setLabelText(tr("Select the clean-up to reverse:"));

@@ -57,7 +57,7 @@ private:
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);
     void tellRefusal(const QString &refusal);
     void tellStop(const QString &stopped); ///< empty = it was not stopped
-    std::optional<QString> askManifest(const QStringList &manifests);
+    std::optional<QString> askManifest(const QStringList &manifests, const QStringList &descriptions);
     bool confirmWithoutCopies();
     void restore(const QString &manifest);
     void tellRestore(const RestoreResult &result, const QString &stopped);

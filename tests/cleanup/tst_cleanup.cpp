@@ -394,6 +394,35 @@ private Q_SLOTS:
         CHECK_UNDO(box, manifests.first(), dieBefore, before);
     }
 
+    void unreadableJournalKeepsTheList()
+    {
+        Sandbox box(otherFileSystem());
+        box.addMany(5, u"%1"_s);
+        const Tree before = treeOf(box.library());
+        QVERIFY(QProcess::execute(QCoreApplication::applicationFilePath(),
+                                  { childSwitch, box.library(), box.quarantine(), u"3"_s })
+                != 0);
+        const QString manifest = listUndoManifests().value(0);
+        const QString journal = UndoJournal::pathFor(manifest);
+        const QString aside = box.path(u"journal"_s);
+        QVERIFY(QFile::rename(journal, aside));
+        for (const bool opens : { false, true }) {
+            if (!opens)
+                QVERIFY(QDir().mkdir(journal));
+            else if (!QFileInfo::exists(u"/proc/self/mem"_s))
+                break;
+            else // opens, and every read of its start fails
+                std::filesystem::create_symlink("/proc/self/mem", journal.toStdString());
+            const RestoreResult restored = restoreManifest(manifest);
+            QCOMPARE(restored, RestoreResult({ 0, 0, restored.errors, restored.reasons }));
+            QVERIFY(restored.errors.value(0).startsWith("Cannot read manifest: "_L1));
+            QVERIFY(QFileInfo::exists(manifest) && describeManifest(manifest).endsWith("- 0 file(s)"_L1));
+            QVERIFY(opens ? QFile::remove(journal) : QDir().rmdir(journal));
+        }
+        QVERIFY(QFile::rename(aside, journal));
+        CHECK_UNDO(box, manifest, 3, before);
+    }
+
     void onlyOneAtATime()
     {
         Sandbox box(otherFileSystem());
