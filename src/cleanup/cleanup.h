@@ -73,17 +73,34 @@ struct RestoreResult {
     bool operator==(const RestoreResult &) const = default;
 };
 
-/// Whether there is at least one of the files that an undo would move back. If not, their drive may be unplugged, and
-/// restoreManifest() would use the manifest up for nothing. True for a manifest that names no files or cannot be read.
-bool hasQuarantinedCopies(const QString &path);
+/// What an undo would find, for questions before it begins.
+struct UndoOutlook {
+    /// Whether there is at least one of the files to move back. If not, their drive may be unplugged. True also for a
+    /// manifest that names no files or cannot be read.
+    bool hasCopies = true;
+    QStringList missingFolders; ///< that files came from, sorted
+};
+
+UndoOutlook lookAtUndo(const QString &path);
+
+/// What an undo does about a file whose former folder is not there.
+enum class MissingFolders {
+    Leave, ///< the file stays: the folder may lie on a drive that is not connected, and one made now would be in its
+           ///< way
+    Make,
+};
 
 /// Moves the files of a quarantine run back, one clean-up or undo at a time. Nothing is ever replaced, and nothing is
 /// touched but the files that the manifest names by clean absolute paths.
 ///
-/// A manifest serves once: it is deleted afterwards, also when files failed, which then are named in the errors. One
-/// that cannot be read is kept; that is the single error, with both counts 0. Stopping through the progress function
-/// leaves a manifest of the files not yet tried.
-[[nodiscard]] RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress = {});
+/// A manifest serves once: it is deleted afterwards. Files that could not be restored are named in the errors and in a
+/// manifest of their own, which is written before; only a copy that is gone from a run folder that is there is given
+/// up. A file that an undo which was killed had restored already counts neither way.
+///
+/// A manifest that cannot be read is kept; that is the single error, with both counts 0. Stopping through the progress
+/// function leaves a manifest of the files not yet tried and of those that failed.
+[[nodiscard]] RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress = {},
+                                            MissingFolders missing = MissingFolders::Leave);
 
 /// Why one file was left where it was.
 struct CleanupFailure {

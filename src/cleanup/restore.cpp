@@ -9,11 +9,15 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -35,68 +39,155 @@ CleanupFailure occupied(const QString &path)
     return { QCoreApplication::translate("epr::Cleanup", "A file already exists at %1").arg(path), {} };
 }
 
-std::optional<CleanupFailure> restoreEntry(const ManifestEntry &entry)
+/// What became of one entry.
+struct EntryOutcome {
+    std::optional<CleanupFailure> problem; ///< none if the file is back
+    bool isKept = true; ///< with a problem: whether there may be something to restore later
+    bool wasDone = false; ///< by an earlier undo
+};
+
+// The folder that the run made and nobody removes: without it the drive with the quarantine is not there.
+bool hasRunFolder(const ManifestEntry &entry, const QString &quarantineRoot)
+{
+    const QString inside = QDir::cleanPath(quarantineRoot) + u'/';
+    if (quarantineRoot.isEmpty() || !entry.to.startsWith(inside))
+        return QFileInfo(QFileInfo(entry.to).path()).isDir();
+    return QFileInfo(inside + entry.to.mid(inside.size()).section(u'/', 0, 0)).isDir();
+}
+
+EntryOutcome withoutCopy(const ManifestEntry &entry, const QString &quarantineRoot)
+{
+    const QFileInfo original(entry.from);
+    if (isFileOrLink(entry.from) && (original.isSymLink() ? 0 : original.size()) == entry.size)
+        return { .problem = {}, .isKept = false, .wasDone = true };
+    const QString message = QCoreApplication::translate("epr::Cleanup", "Quarantined copy missing: %1").arg(entry.to);
+    return { .problem = CleanupFailure { message, {} }, .isKept = !hasRunFolder(entry, quarantineRoot) };
+}
+
+EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineRoot, MissingFolders missing)
 {
     const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
     if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
-        return CleanupFailure { message, {} };
+        return { CleanupFailure { message, {} } };
     if (!entryExists(entry.to))
-        return CleanupFailure {
-            QCoreApplication::translate("epr::Cleanup", "Quarantined copy missing: %1").arg(entry.to), {}
-        };
+        return withoutCopy(entry, quarantineRoot);
     if (entryExists(entry.from))
-        return occupied(entry.from);
+        return { occupied(entry.from) };
     if (!isFileOrLink(entry.to))
-        return CleanupFailure { message, {} };
+        return { CleanupFailure { message, {} } };
+    if (missing == MissingFolders::Leave && !QFileInfo(QFileInfo(entry.from).path()).isDir())
+        return { CleanupFailure { QCoreApplication::translate(
+                                      "epr::Cleanup", "Could not restore %1: the folder that it came from is not there")
+                                      .arg(entry.from),
+                                  {} } };
     const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from);
     if (!outcome)
-        return CleanupFailure { message, outcome.error() };
-    return *outcome == MoveOutcome::Occupied ? std::optional(occupied(entry.from)) : std::nullopt;
+        return { CleanupFailure { message, outcome.error() } };
+    return { *outcome == MoveOutcome::Occupied ? std::optional(occupied(entry.from)) : std::nullopt };
 }
 
-void addOutcome(const std::optional<CleanupFailure> &left, RestoreResult *result)
+void addProblem(const CleanupFailure &problem, RestoreResult *result)
 {
-    if (!left) {
-        ++result->succeeded;
-        return;
+    result->errors.append(problem.message);
+    result->reasons.append(problem.reason);
+}
+
+// "undo-1_02.json" for "undo-1.json", "undo-1_03.json" for that: a name of its own beside the one in the list.
+QString restPath(const QString &path)
+{
+    const QFileInfo info(path);
+    QString name = info.completeBaseName();
+    if (name.size() > 3 && name.at(name.size() - 3) == u'_')
+        name.chop(3);
+    for (int number = 2; number <= 99; ++number) {
+        const QString candidate = u"%1/%2_%3.json"_s.arg(info.path(), name).arg(number, 2, 10, QLatin1Char('0'));
+        if (!entryExists(candidate) && !entryExists(UndoJournal::pathFor(candidate)))
+            return candidate;
     }
-    ++result->failed;
-    result->errors.append(left->message);
-    result->reasons.append(left->reason);
+    return path;
 }
 
-/// Returns the number of entries that were dealt with.
-qsizetype restoreEntries(const QList<ManifestEntry> &entries, const CleanupProgressFn &progress, RestoreResult *result)
-{
-    for (qsizetype index = 0; index < entries.size(); ++index) {
-        const ManifestEntry &entry = entries.at(index);
-        if (progress && !progress(index, entries.size(), entry.from))
-            return index;
-        if (!entry.from.isEmpty())
-            addOutcome(restoreEntry(entry), result);
+/// One undo of a manifest that was read.
+class Restoration final {
+public:
+    Restoration(UndoManifest manifest, MissingFolders missing)
+        : m_manifest(std::move(manifest))
+        , m_missing(missing)
+    {
     }
-    return entries.size();
-}
 
-void keepRest(const QString &path, UndoManifest manifest, qsizetype done)
-{
-    manifest.entries.remove(0, done);
+    [[nodiscard]] RestoreResult run(const QString &path, const CleanupProgressFn &progress)
+    {
+        const QList<ManifestEntry> entries = std::exchange(m_manifest.entries, {});
+        qsizetype done = 0;
+        for (; done < entries.size(); ++done) {
+            if (progress && !progress(done, entries.size(), entries.at(done).from))
+                break;
+            if (!entries.at(done).from.isEmpty())
+                restoreOne(entries.at(done));
+        }
+        m_manifest.entries += entries.sliced(done);
+        keepRest(path, done < entries.size() ? path : restPath(path));
+        return m_result;
+    }
+
+private:
+    void restoreOne(const ManifestEntry &entry)
+    {
+        const EntryOutcome outcome = restoreEntry(entry, m_manifest.quarantineRoot, m_missing);
+        if (outcome.problem) {
+            ++m_result.failed;
+            addProblem(*outcome.problem, &m_result);
+            if (outcome.isKept)
+                m_manifest.entries.append(entry);
+        } else if (!outcome.wasDone) {
+            ++m_result.succeeded;
+        }
+    }
+
     // The whole manifest, should the shorter one not be written, still names every file that is left.
-    if (writeManifest(path, manifest))
-        removeJournal(path);
-}
+    void keepRest(const QString &path, const QString &newPath)
+    {
+        if (m_manifest.entries.isEmpty()) {
+            removeManifest(path);
+        } else if (const Result<> written = writeManifest(newPath, m_manifest); !written) {
+            addProblem({ QCoreApplication::translate("epr::Cleanup", "The undo manifest %1 cannot be written (%2)")
+                             .arg(newPath, written.error()),
+                         written.error() },
+                       &m_result);
+        } else if (newPath == path) {
+            removeJournal(path);
+        } else {
+            removeManifest(path);
+        }
+    }
+
+    UndoManifest m_manifest; ///< its entries are those that stay
+    const MissingFolders m_missing;
+    RestoreResult m_result;
+};
 
 } // namespace
 
-bool hasQuarantinedCopies(const QString &path)
+UndoOutlook lookAtUndo(const QString &path)
 {
     const QList<ManifestEntry> entries = readManifest(path).value_or(UndoManifest()).entries;
-    return entries.isEmpty() || std::any_of(entries.cbegin(), entries.cend(), [](const ManifestEntry &entry) {
-               return entryExists(entry.to);
-           });
+    UndoOutlook outlook;
+    outlook.hasCopies = entries.isEmpty()
+        || std::any_of(entries.cbegin(), entries.cend(),
+                       [](const ManifestEntry &entry) { return entryExists(entry.to); });
+    QSet<QString> folders;
+    for (const ManifestEntry &entry : entries)
+        folders.insert(QFileInfo(entry.from).path());
+    for (const QString &folder : std::as_const(folders)) {
+        if (!QFileInfo(folder).isDir())
+            outlook.missingFolders.append(folder);
+    }
+    outlook.missingFolders.sort();
+    return outlook;
 }
 
-RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress)
+RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress, MissingFolders missing)
 {
     RestoreResult result;
     CleanupLock lock;
@@ -117,12 +208,7 @@ RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &prog
             return result;
         }
     }
-    const qsizetype done = restoreEntries(manifest->entries, progress, &result);
-    if (done < manifest->entries.size())
-        keepRest(path, *manifest, done);
-    else
-        removeManifest(path);
-    return result;
+    return Restoration(*manifest, missing).run(path, progress);
 }
 
 } // namespace epr

@@ -126,11 +126,11 @@ void CleanupCommand::undoPreviousCleanup()
     const std::optional<QString> manifest = askManifest(manifests, descriptions);
     if (!manifest)
         return;
-    bool hasCopies = false;
-    const bool looked = run(tr("Undo previous clean-up"),
-                            [&](const CleanupProgressFn &) { hasCopies = hasQuarantinedCopies(*manifest); });
-    if (looked && (hasCopies || confirmWithoutCopies()))
-        restore(*manifest);
+    UndoOutlook outlook;
+    const bool looked =
+        run(tr("Undo previous clean-up"), [&](const CleanupProgressFn &) { outlook = lookAtUndo(*manifest); });
+    if (looked && (outlook.hasCopies || confirmWithoutCopies()) && confirmFolders(outlook.missingFolders))
+        restore(*manifest, outlook.missingFolders.isEmpty() ? MissingFolders::Leave : MissingFolders::Make);
 }
 
 bool CleanupCommand::confirmScan(const QString &quarantineRoot, const QStringList &folders)
@@ -255,24 +255,39 @@ std::optional<QString> CleanupCommand::askManifest(const QStringList &manifests,
     return manifests.at(descriptions.indexOf(dialog.textValue()));
 }
 
-// An undo uses the list up whatever comes of it, so a drive that is not plugged in must not cost the list.
-bool CleanupCommand::confirmWithoutCopies()
+bool CleanupCommand::confirmUndo(const QString &title, const QString &text)
 {
-    QMessageBox box(QMessageBox::Warning, tr("Quarantine not found"),
-                    tr("None of the files of this clean-up can be found in the quarantine. If they are on a drive that "
-                       "is not connected, connect it and undo again.\n\nUndoing now would restore nothing and take the "
-                       "clean-up off the list for good."),
-                    QMessageBox::Ignore | QMessageBox::Cancel, window());
+    QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ignore | QMessageBox::Cancel, window());
+    box.setTextFormat(Qt::PlainText);
     box.button(QMessageBox::Ignore)->setText(tr("Undo Anyway"));
     box.setDefaultButton(QMessageBox::Cancel);
     return box.exec() == QMessageBox::Ignore;
 }
 
-void CleanupCommand::restore(const QString &manifest)
+bool CleanupCommand::confirmWithoutCopies()
+{
+    return confirmUndo(tr("Quarantine not found"),
+                       tr("None of the files of this clean-up can be found in the quarantine. If they are on a drive "
+                          "that is not connected, connect it and undo again.\n\nUndoing now would restore nothing."));
+}
+
+// A folder made below the empty place of a drive would hide its files from whoever looks for them on the drive.
+bool CleanupCommand::confirmFolders(const QStringList &missing)
+{
+    return missing.isEmpty()
+        || confirmUndo(tr("Folders not found"),
+                       tr("%1 folder(s) that files of this clean-up came from are not there, the first of them "
+                          "%2.\n\nIf they are on a drive that is not connected, connect it and undo again. Undoing "
+                          "now would make them anew.")
+                           .arg(QString::number(missing.size()), missing.first()));
+}
+
+void CleanupCommand::restore(const QString &manifest, MissingFolders missing)
 {
     RestoreResult result;
-    const bool done = run(tr("Undo previous clean-up"),
-                          [&](const CleanupProgressFn &progress) { result = restoreManifest(manifest, progress); });
+    const bool done = run(tr("Undo previous clean-up"), [&](const CleanupProgressFn &progress) {
+        result = restoreManifest(manifest, progress, missing);
+    });
     tellRestore(result, done ? QString() : tr("The undo was stopped: the files that are left can be restored later."));
 }
 

@@ -58,8 +58,10 @@ private:
     void tellRefusal(const QString &refusal);
     void tellStop(const QString &stopped); ///< empty = it was not stopped
     std::optional<QString> askManifest(const QStringList &manifests, const QStringList &descriptions);
+    bool confirmUndo(const QString &title, const QString &text);
     bool confirmWithoutCopies();
-    void restore(const QString &manifest);
+    bool confirmFolders(const QStringList &missing);
+    void restore(const QString &manifest, MissingFolders missing);
     void tellRestore(const RestoreResult &result, const QString &stopped);
 
     Review &m_review;

@@ -332,9 +332,57 @@ private Q_SLOTS:
         expected.insert(treeOf(box.library()));
         const QStringList errors { u"A file already exists at "_s + paths.at(0),
                                    u"Quarantined copy missing: "_s + lost };
-        QCOMPARE(restoreManifest(removed.manifestPath), RestoreResult({ 1, 2, errors, { {}, {} } }));
+        QCOMPARE(restoreManifest(removed.manifestPath, {}, MissingFolders::Make),
+                 RestoreResult({ 1, 2, errors, { {}, {} } }));
         QCOMPARE(treeOf(box.library()), expected);
         QCOMPARE(filesBelow(box.quarantine()), QStringList { box.inRun(u"library/occupied"_s) });
+    }
+
+    void undoKeepsWhatItCouldNotRestore_data()
+    {
+        const Rows<QString, QString> row("moved", "message"); // what is out of the way during the undo
+        row("quarantine not connected", u"quarantine"_s, u"Quarantined copy missing: "_s);
+        row("library not connected", u"library"_s, u"the folder that it came from is not there"_s);
+        row("name taken", {}, u"A file already exists at "_s);
+    }
+
+    void undoKeepsWhatItCouldNotRestore()
+    {
+        QFETCH(QString, moved);
+        QFETCH(QString, message);
+        Sandbox box(otherFileSystem());
+        const QStringList paths { box.add(u"1/a"_s), box.add(u"2/b"_s), box.add(u"3/c"_s) };
+        const Tree before = treeOf(box.library());
+        QString manifest = quarantine(box, paths).manifestPath;
+        const UndoManifest expected = readManifest(manifest).value();
+        const QString folder = moved == u"library"_s ? box.library() : box.quarantine();
+        for (int undo = 0; undo < 3; ++undo) { // each of them leaves a list that is as good
+            if (moved.isEmpty()) {
+                for (const QString &path : paths)
+                    box.write(path, "in the way");
+            } else {
+                QVERIFY(QDir().rename(folder, folder + u" away"_s) && QDir().mkdir(folder));
+            }
+            const RestoreResult restored = restoreManifest(manifest);
+            QCOMPARE(restored, RestoreResult({ 0, 3, restored.errors, restored.reasons }));
+            QVERIFY2(restored.errors.last().contains(message), qPrintable(restored.errors.last()));
+            if (moved.isEmpty()) {
+                for (const QString &path : paths)
+                    QVERIFY(QFile::remove(path));
+            } else {
+                QFile::remove(folder + u'/' + quarantineLockName);
+                QVERIFY(QDir().rmdir(folder) && QDir().rename(folder + u" away"_s, folder));
+            }
+            QVERIFY(!QFileInfo::exists(manifest));
+            QCOMPARE(listUndoManifests().size(), 1);
+            manifest = listUndoManifests().first();
+            QVERIFY(readManifest(manifest) == expected);
+        }
+        // An undo that was killed leaves the whole list, and its files do not count as failures of the next.
+        QVERIFY(QFile::copy(manifest, box.path(u"list"_s)));
+        CHECK_UNDO(box, manifest, 3, before);
+        QVERIFY(listUndoManifests().isEmpty() && QFile::rename(box.path(u"list"_s), manifest));
+        CHECK_UNDO(box, manifest, 0, before);
     }
 
     void damagedManifestTouchesNothing_data()

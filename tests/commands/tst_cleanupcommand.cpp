@@ -236,10 +236,25 @@ private Q_SLOTS:
         for (const auto button : { QMessageBox::Cancel, QMessageBox::Ignore }) {
             session.person.answers[u"Quarantine not found"_s] = button;
             session.window->onUndoPrevious();
-            QCOMPARE(listUndoManifests(), button == QMessageBox::Cancel ? manifests.first(1) : QStringList());
+            QCOMPARE(listUndoManifests().size(), 1);
+            QCOMPARE(listUndoManifests() == manifests.first(1), button == QMessageBox::Cancel);
         }
         QCOMPARE(session.person.boxes.last(),
                  u"Undo complete|Restored 0 file(s); 1 could not be restored. See the Activity Log."_s);
+
+        // The drive is back, and now that with the library goes.
+        QVERIFY(QDir().rename(session.path(u"unplugged"_s), session.quarantine()));
+        QVERIFY(QDir().rename(session.library(), session.path(u"unplugged"_s)));
+        for (const auto button : { QMessageBox::Cancel, QMessageBox::Ignore }) {
+            session.person.answers[u"Folders not found"_s] = button;
+            session.window->onUndoPrevious();
+            QVERIFY(session.person.boxes.contains(
+                u"Folders not found|1 folder(s) that files of this clean-up came from are not there, the first of "
+                "them %1.\n\nIf they are on a drive that is not connected, connect it and undo again. Undoing now "
+                "would "
+                "make them anew."_s.arg(session.library())));
+            QCOMPARE(QFileInfo::exists(files.first()), button == QMessageBox::Ignore);
+        }
     }
 
     // The job stays before its fourth file until somebody stops it, which takes a dialog that is alive.
