@@ -231,7 +231,7 @@ Result<UndoManifest> readManifest(const QString &path)
         return manifest;
     }
     const QJsonArray entries = (*object)["entries"_L1].toArray();
-    for (const QJsonValue &entry : entries)
+    for (const auto &entry : entries)
         manifest.entries.append(entryFromJson(entry));
     return manifest;
 }

@@ -19,7 +19,7 @@ constexpr qint64 spacingMs = 250; // reports closer than this replace one anothe
 
 QString remainingText(qint64 remainingMs)
 {
-    const auto minutes = static_cast<int>(std::min<qint64>((remainingMs + 30000) / 60000, 100 * 24 * 60));
+    const auto minutes = static_cast<int>(std::min<qint64>((remainingMs + 30000) / 60000, qint64 { 100 } * 24 * 60));
     if (minutes < 1)
         return QCoreApplication::translate("epr::ProgressEstimate", "less than a minute left");
     if (minutes < 60)

@@ -59,7 +59,7 @@ void ReviewFilter::layOutRows()
 
 int ReviewFilter::memberAt(int groupRow, int memberRow) const
 {
-    return m_members[static_cast<std::size_t>(rowAt(groupRow).firstMember + memberRow)];
+    return m_members[static_cast<std::size_t>(rowAt(groupRow).firstMember) + static_cast<std::size_t>(memberRow)];
 }
 
 int ReviewFilter::rowOf(int group, int member) const
