@@ -117,7 +117,7 @@ bool installIf(bool loaded, std::unique_ptr<QTranslator> translator)
 {
     if (!loaded)
         return false;
-    translator->setParent(qApp);
+    translator->setParent(QCoreApplication::instance());
     return QCoreApplication::installTranslator(translator.release());
 }
 

@@ -116,30 +116,6 @@ private Q_SLOTS:
         QVERIFY(same(lists.last(2), slowWords(QList<float>(682, 0.0F) + held)));
     }
 
-    void resamplerFilteredAndInterpolated()
-    {
-        const QList<float> samples = noise(4000);
-        const std::vector<float> taps = antiAliasTaps(48000);
-        const auto filtered = [&](qsizetype n) {
-            double sum = 0.0;
-            for (qsizetype k = 0; k < qsizetype(taps.size()); ++k)
-                sum += taps[k] * samples.value(n - qsizetype(taps.size()) + 1 + k);
-            return sum;
-        };
-        Resampler resampler;
-        resampler.reset(48000);
-        resampler.write({ samples.constData(), 4000 });
-        std::vector<float> output(2000);
-        QCOMPARE(resampler.read(output), 919U); // 918 * 48000 / 11025 and the sample after it are the last inside
-        for (int j = 0; j < 919; ++j) {
-            const double position = j * 48000.0 / 11025.0;
-            const double share = position - std::floor(position);
-            const double expected =
-                share * filtered(qsizetype(position) + 1) + (1.0 - share) * filtered(qsizetype(position));
-            QVERIFY(std::abs(output[j] - expected) < 1e-6);
-        }
-    }
-
     void chunksDoNotMatter()
     {
         std::mt19937 generator(5);

@@ -47,40 +47,6 @@ private Q_SLOTS:
         startup::createDataFolder();
     }
 
-    void explicitUpdateCheckEndsInABox_data()
-    {
-        const QString reason = u"The update service returned HTTP 500."_s;
-        const Rows<QByteArray, QString, QString, QString> row("answer", "title", "text", "line");
-        row("newer", http("200 OK", R"({"latest_version":"1.4"})"), u"Update available"_s,
-            u"Echoprune 1.4 is available."_s, u"Update available: version 1.4."_s);
-        row("failure", http("500 Oops", {}), u"Update check failed"_s,
-            u"Could not reach the update service.\n\n"_s + reason, u"Update check failed: "_s + reason);
-    }
-
-    void explicitUpdateCheckEndsInABox()
-    {
-        QFETCH(QByteArray, answer);
-        QFETCH(QString, text);
-        LoopbackServer server(answer);
-        QSettings().setValue(u"updates/url"_s, server.address());
-        MainWindow window;
-        QString title;
-        QStringList texts;
-        withNext<QDialog>([&](QDialog *dialog) {
-            title = dialog->windowTitle();
-            for (const QLabel *label : dialog->findChildren<QLabel *>())
-                texts << label->text();
-            dialog->reject();
-        });
-        QAction *check = actionsOf(window)->checkForUpdates;
-        check->trigger();
-        QVERIFY2(!check->isEnabled(), "one check at a time");
-        QTRY_VERIFY(!title.isEmpty() && check->isEnabled());
-        QTEST(title, "title");
-        QVERIFY2(texts.contains(text), qPrintable(texts.join(u'|')));
-        QTEST(logOf(window).last(), "line");
-    }
-
     void startupCheckIsSilentAndOnlyIfWanted()
     {
         LoopbackServer server(http("404 Not Found", {}));
