@@ -27,16 +27,16 @@ public:
     Q_DISABLE_COPY_MOVE(MadeFolders)
     ~MadeFolders()
     {
-        for (auto folder = m_made.crbegin(); folder != m_made.crend(); ++folder)
-            QDir().rmdir(*folder);
+        for (const QString &folder : std::as_const(m_made))
+            QDir().rmdir(folder);
     }
 
     [[nodiscard]] Result<> make(const QString &folder)
     {
         for (QString missing = folder; !entryExists(missing); missing = QFileInfo(missing).path()) {
-            if (!m_made.isEmpty() && m_made.first() == missing) // the top of a drive that is not there
+            if (!m_made.isEmpty() && m_made.last() == missing) // the top of a drive that is not there
                 return failure({});
-            m_made.prepend(missing);
+            m_made.append(missing);
         }
         if (m_made.isEmpty() ? QFileInfo(folder).isDir() : QDir().mkpath(folder))
             return {};
@@ -46,7 +46,7 @@ public:
     void keep() { m_made.clear(); }
 
 private:
-    QStringList m_made; ///< outermost first
+    QStringList m_made; ///< innermost first
 };
 
 // A copy under a temporary name. It goes with this object unless it was renamed.

@@ -148,14 +148,14 @@ private:
     // The whole manifest, should the shorter one not be written, still names every file that is left.
     void keepRest(const QString &path, const QString &newPath)
     {
-        if (m_manifest.entries.isEmpty()) {
-            removeManifest(path);
-        } else if (const Result<> written = writeManifest(newPath, m_manifest); !written) {
+        const bool isLeft = !m_manifest.entries.isEmpty();
+        const Result<> written = isLeft ? writeManifest(newPath, m_manifest) : Result<>();
+        if (!written) {
             addProblem({ QCoreApplication::translate("epr::Cleanup", "The undo manifest %1 cannot be written (%2)")
                              .arg(newPath, written.error()),
                          written.error() },
                        &m_result);
-        } else if (newPath == path) {
+        } else if (isLeft && newPath == path) {
             removeJournal(path);
         } else {
             removeManifest(path);
