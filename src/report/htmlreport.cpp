@@ -61,41 +61,47 @@ void writeSummary(QTextStream &out, const ReportContent &content)
     out << "</div>\n"_L1;
 }
 
-QString cell(const QString &html)
+void writeAction(QTextStream &out, const ReportMember &member)
 {
-    return "<td>"_L1 + html + "</td>"_L1;
+    out << (member.keep ? "<td class=\"keep\">KEEP</td>"_L1 : "<td class=\"dupe\">remove</td>"_L1);
 }
 
-QString actionCell(const ReportMember &member)
+void writeFile(QTextStream &out, const ReportMember &member)
 {
-    return member.keep ? u"<td class=\"keep\">KEEP</td>"_s : u"<td class=\"dupe\">remove</td>"_s;
+    out << "<td>"_L1 << member.track.fileName.toHtmlEscaped() << "<div class=\"path\">"_L1
+        << member.track.path.toHtmlEscaped() << "</div></td>"_L1;
 }
 
-QString fileCell(const ReportMember &member)
+void writeMusic(QTextStream &out, const ReportMember &member)
 {
-    return cell(member.track.fileName.toHtmlEscaped() + "<div class=\"path\">"_L1 + member.track.path.toHtmlEscaped()
-                + "</div>"_L1);
+    out << "<td>"_L1 << displayArtist(member.track).toHtmlEscaped() << " &ndash; "_L1
+        << displayTitle(member.track).toHtmlEscaped() << "</td>"_L1;
 }
 
-QString musicCell(const ReportMember &member)
+void writeDuration(QTextStream &out, const ReportMember &member)
 {
-    return cell(displayArtist(member.track).toHtmlEscaped() + " &ndash; "_L1
-                + displayTitle(member.track).toHtmlEscaped());
+    out << "<td>"_L1 << reportDurationText(member.track.stream.durationMs) << "</td>"_L1;
+}
+
+void writeQuality(QTextStream &out, const ReportMember &member)
+{
+    out << "<td>"_L1 << qualityText(member.track).toHtmlEscaped() << "</td>"_L1;
+}
+
+void writeSize(QTextStream &out, const ReportMember &member)
+{
+    out << "<td>"_L1 << sizeText(member.track.size) << "</td>"_L1;
 }
 
 struct Column {
     QLatin1StringView heading;
-    QString (*cell)(const ReportMember &member);
+    void (*write)(QTextStream &out, const ReportMember &member);
 };
 
 constexpr std::array columns {
-    Column { "Action"_L1, actionCell },
-    Column { "File"_L1, fileCell },
-    Column { "Artist / Title"_L1, musicCell },
-    Column { "Duration"_L1,
-             [](const ReportMember &member) { return cell(reportDurationText(member.track.stream.durationMs)); } },
-    Column { "Quality"_L1, [](const ReportMember &member) { return cell(qualityText(member.track).toHtmlEscaped()); } },
-    Column { "Size"_L1, [](const ReportMember &member) { return cell(sizeText(member.track.size)); } },
+    Column { "Action"_L1, writeAction },        Column { "File"_L1, writeFile },
+    Column { "Artist / Title"_L1, writeMusic }, Column { "Duration"_L1, writeDuration },
+    Column { "Quality"_L1, writeQuality },      Column { "Size"_L1, writeSize },
 };
 
 void writeGroup(QTextStream &out, const MatchGroup &group, const QList<TrackInfo> &tracks)
@@ -109,7 +115,7 @@ void writeGroup(QTextStream &out, const MatchGroup &group, const QList<TrackInfo
     for (const ReportMember &member : membersOf(group, tracks)) {
         out << "<tr>"_L1;
         for (const Column &column : columns)
-            out << column.cell(member);
+            column.write(out, member);
         out << "</tr>\n"_L1;
     }
     out << "</table></div>\n"_L1;

@@ -11,6 +11,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <limits>
 
 namespace epr {
 
@@ -159,6 +160,11 @@ private:
     {
         if (value.isString() && isPlain(value.toString())) {
             m_out << '"' << value.toString() << '"';
+            return;
+        }
+        constexpr qint64 none = std::numeric_limits<qint64>::min();
+        if (const qint64 number = value.toInteger(none); number != none) {
+            m_out << number;
             return;
         }
         const QByteArray list = QJsonDocument(QJsonArray { value }).toJson(QJsonDocument::Compact); // has no other way
