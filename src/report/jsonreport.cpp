@@ -115,8 +115,7 @@ public:
     void writeKey(const QString &key)
     {
         beginItem();
-        writeScalar(key);
-        m_out << ": "_L1;
+        m_out << '"' << key << "\": "_L1; // our own, and plain
     }
 
     void writeValue(const QJsonValue &value)
@@ -158,9 +157,11 @@ private:
 
     void writeScalar(const QJsonValue &value)
     {
-        if (value.isString() && isPlain(value.toString())) {
-            m_out << '"' << value.toString() << '"';
-            return;
+        if (value.isString()) {
+            if (const QString text = value.toString(); isPlain(text)) {
+                m_out << '"' << text << '"';
+                return;
+            }
         }
         constexpr qint64 none = std::numeric_limits<qint64>::min();
         if (const qint64 number = value.toInteger(none); number != none) {
