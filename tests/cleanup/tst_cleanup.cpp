@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanup.h"
+#include "cleanupchecks.h"
 #include "cleanuplock.h"
 #include "filemove.h"
 #include "rows.h"
@@ -10,14 +11,6 @@
 #include <QProcess>
 #include <QTest>
 
-#include <array>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-
-#ifdef Q_OS_LINUX
-#include <sys/syscall.h>
-#endif
 #ifdef Q_OS_UNIX
 #include <unistd.h>
 #endif
@@ -25,23 +18,7 @@
 using namespace epr;
 using namespace epr::test;
 
-#ifdef Q_OS_LINUX
-static QByteArray vanishesWithMoves; // the file that another program takes in the very moment
-
-extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) noexcept
-{
-    const auto status = static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
-    if (status == 0 && !vanishesWithMoves.isEmpty())
-        unlink(vanishesWithMoves.constData());
-    return status;
-}
-#endif
-
 namespace {
-
-constexpr auto childSwitch = "--quarantine"_L1;
-constexpr auto pairsSwitch = "--pairs"_L1;
-constexpr int pairs = 400;
 
 bool otherFileSystem()
 {
@@ -49,74 +26,9 @@ bool otherFileSystem()
     return isOther;
 }
 
-QStringList filesBelow(const QString &folder)
-{
-    QStringList files;
-    QDirIterator entries(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (entries.hasNext())
-        files.append(entries.next());
-    files.removeIf([](const QString &file) { return file.endsWith(quarantineLockName); });
-    files.sort();
-    return files;
-}
-
 RemovalResult quarantine(const Sandbox &box, const QStringList &paths, const CleanupProgressFn &progress = {})
 {
     return removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), { box.library() }, progress);
-}
-
-void checkUndo(const Sandbox &box, const QString &manifest, qsizetype count, const Tree &before)
-{
-    QCOMPARE(restoreManifest(manifest), RestoreResult({ static_cast<qint32>(count), 0, {}, {} }));
-    QCOMPARE(treeOf(box.library()), before);
-    QVERIFY(!QFileInfo::exists(manifest));
-}
-
-/// Ends the test that it stands in when the undo is not as it should be.
-#define CHECK_UNDO(...)                                                                                                \
-    checkUndo(__VA_ARGS__);                                                                                            \
-    if (QTest::currentTestFailed())                                                                                    \
-    return
-
-RemovalCandidate asItIs(const QString &path)
-{
-    const QFileInfo info(path);
-    return { path, info.size(), info.lastModified() };
-}
-
-/// A child of twoProgramsNeverTakeBothCopies: takes its own copy of each pair and keeps the other.
-int quarantinePairs(const QStringList &arguments)
-{
-    KeptCopies kept;
-    QStringList paths;
-    for (int i = 0; i < pairs; ++i) {
-        paths.append(arguments.at(0) + arguments.at(2).arg(i));
-        kept.insert(paths.last(), { asItIs(arguments.at(0) + arguments.at(3).arg(i)) });
-    }
-    std::puts("ready");
-    std::fflush(stdout);
-    std::getchar();
-    return removeFiles(paths, RemovalMode::Quarantine, arguments.at(1), {}, {}, kept).refusal.isEmpty() ? 0 : 1;
-}
-
-/// A child that moves everything and dies before the file with the given number, if told so not before it is killed.
-int quarantineAndDie(const QStringList &arguments)
-{
-    const bool waits = arguments.size() > 3;
-    const auto die = [dieBefore = arguments.at(2).toInt(), waits](qsizetype index, qsizetype, const QString &) {
-        if (index == dieBefore && waits) {
-            std::puts("ready");
-            std::fflush(stdout);
-            std::getchar();
-        }
-#ifdef Q_OS_UNIX
-        return index != dieBefore || std::raise(SIGKILL) != 0;
-#else
-        return index != dieBefore || (std::_Exit(1), true);
-#endif
-    };
-    const QString library = arguments.at(0);
-    return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, die).failed;
 }
 
 } // namespace
@@ -433,8 +345,8 @@ private Q_SLOTS:
         Sandbox box(otherFileSystem());
         box.addMany(320, u"%1.mp3"_s);
         const Tree before = treeOf(box.library());
-        const QStringList arguments { childSwitch, box.library(), box.quarantine(), QString::number(dieBefore) };
-        QVERIFY(QProcess::execute(QCoreApplication::applicationFilePath(), arguments) != 0);
+        const QStringList arguments { u"quarantine"_s, box.library(), box.quarantine(), QString::number(dieBefore) };
+        QVERIFY(QProcess::execute(cleanupDriver(), arguments) != 0);
         QCOMPARE(before.size() - treeOf(box.library()).size(), dieBefore);
         const QStringList manifests = listUndoManifests();
         QCOMPARE(manifests.size(), 1);
@@ -447,9 +359,7 @@ private Q_SLOTS:
         Sandbox box(otherFileSystem());
         box.addMany(5, u"%1"_s);
         const Tree before = treeOf(box.library());
-        QVERIFY(QProcess::execute(QCoreApplication::applicationFilePath(),
-                                  { childSwitch, box.library(), box.quarantine(), u"3"_s })
-                != 0);
+        QVERIFY(QProcess::execute(cleanupDriver(), { u"quarantine"_s, box.library(), box.quarantine(), u"3"_s }) != 0);
         const QString manifest = listUndoManifests().value(0);
         const QString journal = UndoJournal::pathFor(manifest);
         const QString aside = box.path(u"journal"_s);
@@ -469,117 +379,6 @@ private Q_SLOTS:
         }
         QVERIFY(QFile::rename(aside, journal));
         CHECK_UNDO(box, manifest, 3, before);
-    }
-
-    void onlyOneAtATime()
-    {
-        Sandbox box(otherFileSystem());
-        box.addMany(300, u"%1.mp3"_s);
-        const Tree before = treeOf(box.library());
-        QProcess child;
-        child.start(QCoreApplication::applicationFilePath(),
-                    { childSwitch, box.library(), box.quarantine(), u"260"_s, u"wait"_s });
-        QVERIFY(child.waitForReadyRead(30000));
-        const QString manifest = listUndoManifests().value(0);
-        const QString who = u"process %1, since"_s.arg(child.processId());
-        const QString last = box.inLibrary(u"99.mp3"_s);
-        const auto refused = [&](RemovalMode mode) {
-            return removeFiles({ last }, mode, box.quarantine(), {}).refusal.contains(who) && QFileInfo::exists(last);
-        };
-        QVERIFY(refused(RemovalMode::Quarantine) && refused(RemovalMode::Delete));
-        QVERIFY(restoreManifest(manifest).refusal.contains(who));
-#ifdef Q_OS_UNIX
-        const QByteArray data = qgetenv("XDG_DATA_HOME");
-        qputenv("XDG_DATA_HOME", box.path(u"another user"_s).toUtf8());
-        QVERIFY(refused(RemovalMode::Quarantine) && refused(RemovalMode::RecycleBin));
-        qputenv("XDG_DATA_HOME", data);
-#endif
-        QCOMPARE(filesBelow(box.library()).size(), 40);
-        child.kill();
-        QVERIFY(child.waitForFinished());
-        CHECK_UNDO(box, manifest, 260, before);
-    }
-
-    void twoProgramsNeverTakeBothCopies()
-    {
-        Sandbox box(otherFileSystem());
-        box.addMany(pairs, u"%1 a"_s);
-        box.addMany(pairs, u"%1 b"_s);
-        std::array<QProcess, 2> programs; // as of two users, with a quarantine of their own
-        for (size_t i = 0; i < programs.size(); ++i) {
-            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-            const QString name = i == 0 ? u"/%1 a"_s : u"/%1 b"_s;
-            environment.insert(u"XDG_DATA_HOME"_s, box.path(u"data"_s + name));
-            programs[i].setProcessEnvironment(environment);
-            programs[i].start(
-                QCoreApplication::applicationFilePath(),
-                { pairsSwitch, box.library(), box.quarantine() + name, name, i == 0 ? u"/%1 b"_s : u"/%1 a"_s });
-        }
-        for (QProcess &program : programs)
-            QVERIFY(program.waitForReadyRead(30000));
-        for (QProcess &program : programs)
-            program.write("\n");
-        for (QProcess &program : programs)
-            QVERIFY(program.waitForFinished(60000) && (!isUnix || program.exitCode() == 0));
-        for (int i = 0; i < pairs; ++i)
-            QVERIFY2(QFileInfo::exists(box.inLibrary(u"%1 a"_s.arg(i)))
-                         || QFileInfo::exists(box.inLibrary(u"%1 b"_s.arg(i))),
-                     qPrintable(u"both copies of %1 are gone"_s.arg(i)));
-    }
-
-    void fileStaysWhenItsKeptCopyGoes_data()
-    {
-        const Rows<QString> row("fate");
-        for (const char *fate : { "gone", "changed", "emptied" })
-            row(fate, QString::fromLatin1(fate));
-#ifdef Q_OS_LINUX
-        row("another path to the file", u"another path"_s);
-        row("gone during the move", u"gone during the move"_s);
-#endif
-    }
-
-    void fileStaysWhenItsKeptCopyGoes()
-    {
-        QFETCH(QString, fate);
-        for (const RemovalMode mode : { RemovalMode::Quarantine, RemovalMode::Delete }) {
-            const bool inTheMove = fate.endsWith("move"_L1);
-            if (inTheMove && mode == RemovalMode::Delete)
-                continue;
-            Sandbox box(otherFileSystem());
-            const QStringList paths = box.addMany(2, u"go %1"_s);
-            const QStringList stay = box.addMany(2, u"stay %1"_s);
-            KeptCopies kept;
-            for (int i = 0; i < 2; ++i)
-                kept.insert(paths.at(i), { asItIs(box.inLibrary(u"was never there"_s)), asItIs(stay.at(i)) });
-            if (fate.startsWith("another"_L1))
-                kept[paths.at(1)] = { asItIs(box.addLink(u"."_s, u"alias"_s) + u"/go 1"_s),
-                                      asItIs(box.addLink(u"alias/go 1"_s, u"link"_s)) };
-            const RemovalResult removed = removeFiles(
-                paths, mode, box.quarantine(), { box.library() },
-                [&](qsizetype index, qsizetype, const QString &) {
-                    if (index == 0 || fate == u"another path"_s)
-                        return true;
-                    if (fate == u"gone"_s)
-                        QFile::remove(stay.at(1));
-#ifdef Q_OS_LINUX
-                    else if (inTheMove)
-                        vanishesWithMoves = QFile::encodeName(stay.at(1));
-#endif
-                    else
-                        box.write(stay.at(1), fate == u"changed"_s ? "other music" : "");
-                    return true;
-                },
-                kept);
-#ifdef Q_OS_LINUX
-            vanishesWithMoves.clear();
-#endif
-            QCOMPARE(removed.succeeded, 1);
-            QVERIFY2(removed.errors.value(0).startsWith(paths.at(1) + u" was left in place: "_s),
-                     qPrintable(removed.errors.value(0)));
-            QVERIFY(!QFileInfo::exists(paths.at(0)) && QFileInfo::exists(paths.at(1)));
-            if (mode == RemovalMode::Quarantine)
-                QCOMPARE(filesBelow(box.quarantine()).size(), 1);
-        }
     }
 
     void binAndDeletionTakeOnlyTheName()
@@ -605,12 +404,7 @@ int main(int argc, char **argv)
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(u"epr-test"_s);
     if (!isUnix)
-        QStandardPaths::setTestModeEnabled(true); // in the child too
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == childSwitch)
-        return quarantineAndDie(arguments.sliced(2));
-    if (arguments.value(1) == pairsSwitch)
-        return quarantinePairs(arguments.sliced(2));
+        QStandardPaths::setTestModeEnabled(true);
     TestCleanup test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "clirequest.h"
 
-#include "../cleanup/sandbox.h"
 #include "hole.h"
 #include "rows.h"
+#include "sandbox.h"
 #include "temporarylibrary.h"
 
 #include <QJsonArray>

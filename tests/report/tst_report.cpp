@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "../cleanup/sandbox.h"
 #include "reportwriter.h"
+#include "sandbox.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -110,6 +110,17 @@ private:
     int m_files = 0;
 };
 
+inline QStringList filesBelow(const QString &folder)
+{
+    QStringList files;
+    QDirIterator entries(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (entries.hasNext())
+        files.append(entries.next());
+    files.removeIf([](const QString &file) { return file.endsWith(".echoprune.lock"_L1); });
+    files.sort();
+    return files;
+}
+
 /// Lets no file of this process grow beyond the size: what a full disk does to a writer. -1 lifts the limit.
 inline void limitFileSize([[maybe_unused]] qint64 bytes)
 {

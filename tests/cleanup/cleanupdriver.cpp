@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A program that cleans up as the test that starts it says, to be killed or to run beside another.
+#include "cleanup.h"
+#include "cleanupchecks.h"
+#include "sandbox.h"
+#include "undomanifest.h"
+
+#include <QCoreApplication>
+#include <QStandardPaths>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+using namespace epr;
+using namespace epr::test;
+
+namespace {
+
+void waitToBeTold()
+{
+    std::puts("ready");
+    std::fflush(stdout);
+    std::getchar();
+}
+
+/// "pairs LIBRARY QUARANTINE COUNT OWN OTHER": takes its own copy of each pair, once told so, and keeps the other. The
+/// names are patterns with the number of the pair.
+int quarantinePairs(const QStringList &arguments)
+{
+    KeptCopies kept;
+    QStringList paths;
+    for (int i = 0; i < arguments.at(2).toInt(); ++i) {
+        paths.append(arguments.at(0) + arguments.at(3).arg(i));
+        kept.insert(paths.last(), { asItIs(arguments.at(0) + arguments.at(4).arg(i)) });
+    }
+    waitToBeTold();
+    return removeFiles(paths, RemovalMode::Quarantine, arguments.at(1), {}, {}, kept).refusal.isEmpty() ? 0 : 1;
+}
+
+/// "quarantine LIBRARY QUARANTINE NUMBER [wait]": moves everything and dies before the file with the number, which may
+/// be greater than all; if it is to wait, not before it is told so or killed.
+int quarantineAndDie(const QStringList &arguments)
+{
+    const bool waits = arguments.size() > 3;
+    const auto die = [dieBefore = arguments.at(2).toInt(), waits](qsizetype index, qsizetype, const QString &) {
+        if (index == dieBefore && waits)
+            waitToBeTold();
+#ifdef Q_OS_UNIX
+        return index != dieBefore || std::raise(SIGKILL) != 0;
+#else
+        return index != dieBefore || (std::_Exit(1), true);
+#endif
+    };
+    const QString library = arguments.at(0);
+    return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, die).failed;
+}
+
+/// "undo": every list there is, the newest first.
+int undoAll()
+{
+    int failed = 0;
+    for (const QString &manifest : listUndoManifests()) {
+        const RestoreResult restored = restoreManifest(manifest, {}, MissingFolders::Make);
+        for (const QString &error : restored.errors)
+            std::fprintf(stderr, "%s\n", qPrintable(error));
+        failed += restored.failed + static_cast<int>(restored.errors.size()) + (restored.refusal.isEmpty() ? 0 : 1);
+    }
+    return failed > 0 ? 1 : 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"epr-test"_s);
+    if (!isUnix)
+        QStandardPaths::setTestModeEnabled(true); // as the test does
+    const QStringList arguments = QCoreApplication::arguments();
+    const QString task = arguments.value(1);
+    if (task == u"quarantine"_s)
+        return quarantineAndDie(arguments.sliced(2)) > 0 ? 1 : 0;
+    if (task == u"pairs"_s)
+        return quarantinePairs(arguments.sliced(2));
+    return task == u"undo"_s ? undoAll() : 2;
+}

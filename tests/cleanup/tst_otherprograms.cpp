@@ -1,0 +1,166 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cleanup.h"
+#include "cleanupchecks.h"
+#include "rows.h"
+#include "sandbox.h"
+#include "undomanifest.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <array>
+
+#ifdef Q_OS_LINUX
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
+
+using namespace epr;
+using namespace epr::test;
+
+#ifdef Q_OS_LINUX
+static QByteArray vanishesWithMoves; // the file that another program takes in the very moment
+
+extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) noexcept
+{
+    const auto status = static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+    if (status == 0 && !vanishesWithMoves.isEmpty())
+        unlink(vanishesWithMoves.constData());
+    return status;
+}
+#endif
+
+namespace {
+
+constexpr int pairs = 400;
+
+} // namespace
+
+/// A clean-up while others are at work.
+class TestOtherPrograms : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void onlyOneAtATime()
+    {
+        Sandbox box(Sandbox::hasTwoFileSystems());
+        box.addMany(300, u"%1.mp3"_s);
+        const Tree before = treeOf(box.library());
+        QProcess child;
+        child.start(cleanupDriver(), { u"quarantine"_s, box.library(), box.quarantine(), u"260"_s, u"wait"_s });
+        QVERIFY(child.waitForReadyRead(30000));
+        const QString manifest = listUndoManifests().value(0);
+        const QString who = u"process %1, since"_s.arg(child.processId());
+        const QString last = box.inLibrary(u"99.mp3"_s);
+        const auto refused = [&](RemovalMode mode) {
+            return removeFiles({ last }, mode, box.quarantine(), {}).refusal.contains(who) && QFileInfo::exists(last);
+        };
+        QVERIFY(refused(RemovalMode::Quarantine) && refused(RemovalMode::Delete));
+        QVERIFY(restoreManifest(manifest).refusal.contains(who));
+#ifdef Q_OS_UNIX
+        const QByteArray data = qgetenv("XDG_DATA_HOME");
+        qputenv("XDG_DATA_HOME", box.path(u"another user"_s).toUtf8());
+        QVERIFY(refused(RemovalMode::Quarantine) && refused(RemovalMode::RecycleBin));
+        qputenv("XDG_DATA_HOME", data);
+#endif
+        QCOMPARE(filesBelow(box.library()).size(), 40);
+        child.kill();
+        QVERIFY(child.waitForFinished());
+        CHECK_UNDO(box, manifest, 260, before);
+    }
+
+    void twoProgramsNeverTakeBothCopies()
+    {
+        Sandbox box(Sandbox::hasTwoFileSystems());
+        box.addMany(pairs, u"%1 a"_s);
+        box.addMany(pairs, u"%1 b"_s);
+        std::array<QProcess, 2> programs; // as of two users, with a quarantine of their own
+        for (size_t i = 0; i < programs.size(); ++i) {
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            const QString name = i == 0 ? u"/%1 a"_s : u"/%1 b"_s;
+            environment.insert(u"XDG_DATA_HOME"_s, box.path(u"data"_s + name));
+            programs[i].setProcessEnvironment(environment);
+            programs[i].start(cleanupDriver(),
+                              { u"pairs"_s, box.library(), box.quarantine() + name, QString::number(pairs), name,
+                                i == 0 ? u"/%1 b"_s : u"/%1 a"_s });
+        }
+        for (QProcess &program : programs)
+            QVERIFY(program.waitForReadyRead(30000));
+        for (QProcess &program : programs)
+            program.write("\n");
+        for (QProcess &program : programs)
+            QVERIFY(program.waitForFinished(60000) && (!isUnix || program.exitCode() == 0));
+        for (int i = 0; i < pairs; ++i)
+            QVERIFY2(QFileInfo::exists(box.inLibrary(u"%1 a"_s.arg(i)))
+                         || QFileInfo::exists(box.inLibrary(u"%1 b"_s.arg(i))),
+                     qPrintable(u"both copies of %1 are gone"_s.arg(i)));
+    }
+
+    void fileStaysWhenItsKeptCopyGoes_data()
+    {
+        const Rows<QString> row("fate");
+        for (const char *fate : { "gone", "changed", "emptied" })
+            row(fate, QString::fromLatin1(fate));
+#ifdef Q_OS_LINUX
+        row("another path to the file", u"another path"_s);
+        row("gone during the move", u"gone during the move"_s);
+#endif
+    }
+
+    void fileStaysWhenItsKeptCopyGoes()
+    {
+        QFETCH(QString, fate);
+        for (const RemovalMode mode : { RemovalMode::Quarantine, RemovalMode::Delete }) {
+            const bool inTheMove = fate.endsWith("move"_L1);
+            if (inTheMove && mode == RemovalMode::Delete)
+                continue;
+            Sandbox box(Sandbox::hasTwoFileSystems());
+            const QStringList paths = box.addMany(2, u"go %1"_s);
+            const QStringList stay = box.addMany(2, u"stay %1"_s);
+            KeptCopies kept;
+            for (int i = 0; i < 2; ++i)
+                kept.insert(paths.at(i), { asItIs(box.inLibrary(u"was never there"_s)), asItIs(stay.at(i)) });
+            if (fate.startsWith("another"_L1))
+                kept[paths.at(1)] = { asItIs(box.addLink(u"."_s, u"alias"_s) + u"/go 1"_s),
+                                      asItIs(box.addLink(u"alias/go 1"_s, u"link"_s)) };
+            const RemovalResult removed = removeFiles(
+                paths, mode, box.quarantine(), { box.library() },
+                [&](qsizetype index, qsizetype, const QString &) {
+                    if (index == 0 || fate == u"another path"_s)
+                        return true;
+                    if (fate == u"gone"_s)
+                        QFile::remove(stay.at(1));
+#ifdef Q_OS_LINUX
+                    else if (inTheMove)
+                        vanishesWithMoves = QFile::encodeName(stay.at(1));
+#endif
+                    else
+                        box.write(stay.at(1), fate == u"changed"_s ? "other music" : "");
+                    return true;
+                },
+                kept);
+#ifdef Q_OS_LINUX
+            vanishesWithMoves.clear();
+#endif
+            QCOMPARE(removed.succeeded, 1);
+            QVERIFY2(removed.errors.value(0).startsWith(paths.at(1) + u" was left in place: "_s),
+                     qPrintable(removed.errors.value(0)));
+            QVERIFY(!QFileInfo::exists(paths.at(0)) && QFileInfo::exists(paths.at(1)));
+            if (mode == RemovalMode::Quarantine)
+                QCOMPARE(filesBelow(box.quarantine()).size(), 1);
+        }
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"epr-test"_s);
+    if (!isUnix)
+        QStandardPaths::setTestModeEnabled(true);
+    TestOtherPrograms test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_otherprograms.moc"
