@@ -40,9 +40,10 @@ struct RemovalResult {
     qint32 succeeded = 0;
     qint32 failed = 0;
     qint64 bytesFreed = 0; ///< sizes of the files that succeeded; a symbolic link counts nothing
-    QStringList errors; ///< one message for each failure, in order, then what concerns the whole run
+    /// One message for each failure, with the system's reason if it gave one, in order; then what concerns the whole
+    /// run.
+    QStringList errors;
     QString manifestPath; ///< empty if there is nothing to undo
-    QStringList reasons; ///< for each of the errors what the system said, empty text if it was not the system's refusal
     QString refusal = {}; ///< why nothing was begun at all, for the operator; else empty
 
     bool operator==(const RemovalResult &) const = default;
@@ -66,8 +67,7 @@ struct RemovalResult {
 struct RestoreResult {
     qint32 succeeded = 0;
     qint32 failed = 0;
-    QStringList errors; ///< one message for each failure, in order
-    QStringList reasons; ///< as in RemovalResult
+    QStringList errors; ///< one message for each failure, with the system's reason if it gave one, in order
     QString refusal = {}; ///< as in RemovalResult
 
     bool operator==(const RestoreResult &) const = default;
@@ -101,11 +101,5 @@ enum class MissingFolders {
 /// function leaves a manifest of the files not yet tried and of those that failed.
 [[nodiscard]] RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress = {},
                                             MissingFolders missing = MissingFolders::Leave);
-
-/// Why one file was left where it was.
-struct CleanupFailure {
-    QString message; ///< for the operator
-    QString reason; ///< the system's own words, empty if it was not asked
-};
 
 } // namespace epr

@@ -4,6 +4,7 @@
 
 #include "cleanup.h"
 #include "cleanuplock.h"
+#include "displaytext.h"
 #include "filemove.h"
 
 #include <QCoreApplication>
@@ -72,13 +73,12 @@ QString quarantineDestination(const QString &path, const QString &runFolder, con
     return destination.startsWith(inside) ? destination : inside + QFileInfo(path).fileName();
 }
 
-CleanupFailure copyGone(const QString &path)
+QString copyGone(const QString &path)
 {
-    return { QCoreApplication::translate("epr::Cleanup",
-                                         "%1 was left in place: no other copy of it is as it was scanned and can be "
-                                         "read any more")
-                 .arg(path),
-             {} };
+    return QCoreApplication::translate("epr::Cleanup",
+                                       "%1 was left in place: no other copy of it is as it was scanned and can be "
+                                       "read any more")
+        .arg(path);
 }
 
 QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots,
@@ -91,14 +91,12 @@ QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantine
     m_manifest.quarantineRoot = quarantineRoot;
 }
 
-std::optional<CleanupFailure> QuarantineRun::move(qsizetype index, qint64 size, const MayGoFn &mayGo)
+std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const MayGoFn &mayGo)
 {
     const QString &path = m_paths.at(index);
     if (!path.isValidUtf16()) {
-        return CleanupFailure { QCoreApplication::translate("epr::Cleanup",
-                                                            "Could not move %1: an undo could not find it by its name")
-                                    .arg(path),
-                                {} };
+        return QCoreApplication::translate("epr::Cleanup", "Could not move %1: an undo could not find it by its name")
+            .arg(path);
     }
     Result<> moved = prepare(index);
     if (moved) {
@@ -112,21 +110,20 @@ std::optional<CleanupFailure> QuarantineRun::move(qsizetype index, qint64 size, 
             return std::nullopt;
         }
     }
-    const QString message = QCoreApplication::translate("epr::Cleanup", "Could not move %1").arg(path);
-    return CleanupFailure { m_failure.isEmpty() ? message : message + ": "_L1 + m_failure, moved.error() };
+    return withReason(QCoreApplication::translate("epr::Cleanup", "Could not move %1").arg(path), moved.error());
 }
 
 // The copy that was to stay went in the very moment: another program took it, or both were one file by two ways.
-std::optional<CleanupFailure> QuarantineRun::moveBack(const ManifestEntry &entry)
+std::optional<QString> QuarantineRun::moveBack(const ManifestEntry &entry)
 {
     const Result<MoveOutcome> back = moveFile(entry.to, entry.from);
     if (back == MoveOutcome::Moved)
         return copyGone(entry.from);
     m_manifest.entries.append(entry);
-    return CleanupFailure { QCoreApplication::translate("epr::Cleanup",
-                                                        "The last copy of %1 is now %2 and could not be moved back")
-                                .arg(entry.from, entry.to),
-                            back ? QString() : back.error() };
+    return withReason(
+        QCoreApplication::translate("epr::Cleanup", "The last copy of %1 is now %2 and could not be moved back")
+            .arg(entry.from, entry.to),
+        back ? QString() : back.error());
 }
 
 Result<> QuarantineRun::prepare(qsizetype index)
@@ -262,7 +259,7 @@ Result<> QuarantineRun::endRun(const QString &reason)
     return failure(reason);
 }
 
-std::optional<CleanupFailure> QuarantineRun::finish()
+std::optional<QString> QuarantineRun::finish()
 {
     if (m_manifestPath.isEmpty())
         return std::nullopt;
@@ -273,11 +270,9 @@ std::optional<CleanupFailure> QuarantineRun::finish()
         return std::nullopt;
     }
     if (const Result<> written = writeManifest(m_manifestPath, m_manifest); !written) {
-        return CleanupFailure { QCoreApplication::translate(
-                                    "epr::Cleanup",
-                                    "The undo manifest %1 could not be completed (%2); its journal serves instead")
-                                    .arg(m_manifestPath, written.error()),
-                                written.error() };
+        return QCoreApplication::translate(
+                   "epr::Cleanup", "The undo manifest %1 could not be completed (%2); its journal serves instead")
+            .arg(m_manifestPath, written.error());
     }
     m_journal.remove();
     return std::nullopt;

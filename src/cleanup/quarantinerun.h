@@ -13,13 +13,12 @@
 namespace epr {
 
 class CleanupLock;
-struct CleanupFailure;
 
 /// Whether a file may go, asked with its path.
 using MayGoFn = std::function<bool(const QString &path)>;
 
 /// The message for a file that stays because no other copy does.
-CleanupFailure copyGone(const QString &path);
+QString copyGone(const QString &path);
 
 /// Where in the run folder a file goes: below the name of the first scan root that holds it, or under its bare name.
 /// The answer never leads out of the run folder.
@@ -32,12 +31,12 @@ public:
     QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots,
                   CleanupLock &lock);
 
-    /// A file that could not be moved is where it was, and so is one that after its move must not go.
-    [[nodiscard]] std::optional<CleanupFailure> move(qsizetype index, qint64 size, const MayGoFn &mayGo);
+    /// Nothing, or why the file is where it was: it could not be moved, or must not go by a look after its move.
+    [[nodiscard]] std::optional<QString> move(qsizetype index, qint64 size, const MayGoFn &mayGo);
 
     /// Ends the run: completes the manifest, or leaves nothing if nothing was moved. The run can be undone also if its
-    /// manifest could not be completed.
-    [[nodiscard]] std::optional<CleanupFailure> finish();
+    /// manifest could not be completed, which is then said.
+    [[nodiscard]] std::optional<QString> finish();
 
     /// Empty if there is nothing to undo.
     QString manifestPath() const { return m_manifestPath; }
@@ -48,7 +47,7 @@ private:
     [[nodiscard]] Result<bool> claim(const QString &runName);
     [[nodiscard]] Result<> planFrom(qsizetype first);
     [[nodiscard]] Result<> moveAsPlanned(ManifestEntry *entry);
-    [[nodiscard]] std::optional<CleanupFailure> moveBack(const ManifestEntry &entry);
+    [[nodiscard]] std::optional<QString> moveBack(const ManifestEntry &entry);
     [[nodiscard]] Result<> replan(ManifestEntry *entry);
     QString freeDestination(const QString &wanted);
     [[nodiscard]] Result<> endRun(const QString &reason);

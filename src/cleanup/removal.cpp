@@ -3,6 +3,7 @@
 #include "cleanup.h"
 
 #include "cleanuplock.h"
+#include "displaytext.h"
 #include "quarantinerun.h"
 #include "removalplan.h"
 
@@ -67,8 +68,8 @@ public:
                 break;
             removeOne(index);
         }
-        if (const std::optional<CleanupFailure> incomplete = m_quarantine.finish())
-            addError(*incomplete);
+        if (const std::optional<QString> incomplete = m_quarantine.finish())
+            m_result.errors.append(*incomplete);
         m_result.manifestPath = m_quarantine.manifestPath();
         return m_result;
     }
@@ -79,20 +80,20 @@ private:
         const QString &path = m_paths.at(index);
         const QFileInfo info(path);
         if (!info.exists()) {
-            reportFailure({ QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(path), {} });
+            reportFailure(QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(path));
             return;
         }
         const qint64 size = info.isSymLink() ? 0 : info.size();
         // What was a file when it was scanned may by now be a folder full of others.
         if (!info.isFile()) {
-            reportFailure({ failureMessage(m_mode, path), {} });
+            reportFailure(failureMessage(m_mode, path));
             return;
         }
         if (!copyStays(path)) {
             reportFailure(copyGone(path));
             return;
         }
-        if (const std::optional<CleanupFailure> left = tryToRemove(index, size)) {
+        if (const std::optional<QString> left = tryToRemove(index, size)) {
             reportFailure(*left);
             return;
         }
@@ -100,7 +101,7 @@ private:
         m_result.bytesFreed += size;
     }
 
-    [[nodiscard]] std::optional<CleanupFailure> tryToRemove(qsizetype index, qint64 size)
+    [[nodiscard]] std::optional<QString> tryToRemove(qsizetype index, qint64 size)
     {
         QFile file(m_paths.at(index));
         bool removed = false;
@@ -117,7 +118,7 @@ private:
         if (removed)
             return std::nullopt;
         const bool wasAsked = file.error() != QFileDevice::NoError;
-        return CleanupFailure { failureMessage(m_mode, m_paths.at(index)), wasAsked ? file.errorString() : QString() };
+        return withReason(failureMessage(m_mode, m_paths.at(index)), wasAsked ? file.errorString() : QString());
     }
 
     [[nodiscard]] bool copyStays(const QString &path) const
@@ -125,16 +126,10 @@ private:
         return m_kept.isEmpty() || standsWithout(path, m_kept.value(path));
     }
 
-    void reportFailure(const CleanupFailure &left)
+    void reportFailure(const QString &message)
     {
         ++m_result.failed;
-        addError(left);
-    }
-
-    void addError(const CleanupFailure &problem)
-    {
-        m_result.errors.append(problem.message);
-        m_result.reasons.append(problem.reason);
+        m_result.errors.append(message);
     }
 
     const QStringList m_paths;

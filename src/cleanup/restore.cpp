@@ -3,6 +3,7 @@
 #include "cleanup.h"
 
 #include "cleanuplock.h"
+#include "displaytext.h"
 #include "filemove.h"
 #include "undomanifest.h"
 
@@ -34,14 +35,14 @@ bool isFileOrLink(const QString &path)
     return info.isFile() || info.isSymLink();
 }
 
-CleanupFailure occupied(const QString &path)
+QString occupied(const QString &path)
 {
-    return { QCoreApplication::translate("epr::Cleanup", "A file already exists at %1").arg(path), {} };
+    return QCoreApplication::translate("epr::Cleanup", "A file already exists at %1").arg(path);
 }
 
 /// What became of one entry.
 struct EntryOutcome {
-    std::optional<CleanupFailure> problem; ///< none if the file is back
+    std::optional<QString> problem; ///< none if the file is back
     bool isKept = true; ///< with a problem: whether there may be something to restore later
     bool wasDone = false; ///< by an earlier undo
 };
@@ -61,35 +62,28 @@ EntryOutcome withoutCopy(const ManifestEntry &entry, const QString &quarantineRo
     if (isFileOrLink(entry.from) && (original.isSymLink() ? 0 : original.size()) == entry.size)
         return { .problem = {}, .isKept = false, .wasDone = true };
     const QString message = QCoreApplication::translate("epr::Cleanup", "Quarantined copy missing: %1").arg(entry.to);
-    return { .problem = CleanupFailure { message, {} }, .isKept = !hasRunFolder(entry, quarantineRoot) };
+    return { .problem = message, .isKept = !hasRunFolder(entry, quarantineRoot) };
 }
 
 EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineRoot, MissingFolders missing)
 {
     const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
     if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
-        return { CleanupFailure { message, {} } };
+        return { message };
     if (!entryExists(entry.to))
         return withoutCopy(entry, quarantineRoot);
     if (entryExists(entry.from))
         return { occupied(entry.from) };
     if (!isFileOrLink(entry.to))
-        return { CleanupFailure { message, {} } };
+        return { message };
     if (missing == MissingFolders::Leave && !QFileInfo(QFileInfo(entry.from).path()).isDir())
-        return { CleanupFailure { QCoreApplication::translate(
-                                      "epr::Cleanup", "Could not restore %1: the folder that it came from is not there")
-                                      .arg(entry.from),
-                                  {} } };
+        return { QCoreApplication::translate("epr::Cleanup",
+                                             "Could not restore %1: the folder that it came from is not there")
+                     .arg(entry.from) };
     const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from);
     if (!outcome)
-        return { CleanupFailure { message, outcome.error() } };
+        return { withReason(message, outcome.error()) };
     return { *outcome == MoveOutcome::Occupied ? std::optional(occupied(entry.from)) : std::nullopt };
-}
-
-void addProblem(const CleanupFailure &problem, RestoreResult *result)
-{
-    result->errors.append(problem.message);
-    result->reasons.append(problem.reason);
 }
 
 // "undo-1_02.json" for "undo-1.json", "undo-1_03.json" for that: a name of its own beside the one in the list.
@@ -137,7 +131,7 @@ private:
         const EntryOutcome outcome = restoreEntry(entry, m_manifest.quarantineRoot, m_missing);
         if (outcome.problem) {
             ++m_result.failed;
-            addProblem(*outcome.problem, &m_result);
+            m_result.errors.append(*outcome.problem);
             if (outcome.isKept)
                 m_manifest.entries.append(entry);
         } else if (!outcome.wasDone) {
@@ -151,10 +145,9 @@ private:
         const bool isLeft = !m_manifest.entries.isEmpty();
         const Result<> written = isLeft ? writeManifest(newPath, m_manifest) : Result<>();
         if (!written) {
-            addProblem({ QCoreApplication::translate("epr::Cleanup", "The undo manifest %1 cannot be written (%2)")
-                             .arg(newPath, written.error()),
-                         written.error() },
-                       &m_result);
+            m_result.errors.append(
+                QCoreApplication::translate("epr::Cleanup", "The undo manifest %1 cannot be written (%2)")
+                    .arg(newPath, written.error()));
         } else if (isLeft && newPath == path) {
             removeJournal(path);
         } else {
@@ -199,7 +192,6 @@ RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &prog
     if (!manifest) {
         result.errors.append(
             QCoreApplication::translate("epr::Cleanup", "Cannot read manifest: %1").arg(manifest.error()));
-        result.reasons.append(manifest.error());
         return result;
     }
     if (isPlainAbsolute(manifest->quarantineRoot)) {

@@ -123,6 +123,11 @@ QString folderOf(const TrackInfo &track)
     return QFileInfo(track.path).absolutePath();
 }
 
+QString withReason(const QString &message, const QString &reason)
+{
+    return reason.isEmpty() ? message : message + ": "_L1 + reason;
+}
+
 QString matchTypeLabel(MatchType type)
 {
     const MatchText *text = textOf(type);

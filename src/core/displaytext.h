@@ -30,6 +30,9 @@ QString dateTimeText(const QDateTime &time);
 /// Absolute path of the folder that holds the file.
 QString folderOf(const TrackInfo &track);
 
+/// "message: reason", or the message alone while no reason is known.
+QString withReason(const QString &message, const QString &reason);
+
 /// Short translated name; any value that is not one of the first four is "Unmatched".
 QString matchTypeLabel(MatchType type);
 

@@ -24,7 +24,7 @@ inline RemovalCandidate asItIs(const QString &path)
 
 inline void checkUndo(const Sandbox &box, const QString &manifest, qsizetype count, const Tree &before)
 {
-    QCOMPARE(restoreManifest(manifest), RestoreResult({ static_cast<qint32>(count), 0, {}, {} }));
+    QCOMPARE(restoreManifest(manifest), RestoreResult({ static_cast<qint32>(count), 0, {} }));
     QCOMPARE(treeOf(box.library()), before);
     QVERIFY(!QFileInfo::exists(manifest));
 }

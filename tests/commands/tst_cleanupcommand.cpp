@@ -275,9 +275,9 @@ private Q_SLOTS:
             result = removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), {}, patient);
         };
         QVERIFY(!runWithProgress(u"Test"_s, job, nullptr));
-        QCOMPARE(result, RemovalResult({ 3, 0, 300, {}, result.manifestPath, {} }));
+        QCOMPARE(result, RemovalResult({ 3, 0, 300, {}, result.manifestPath }));
         QCOMPARE(treeOf(box.library()).keys(), words("3 4 5"));
-        QCOMPARE(restoreManifest(result.manifestPath), RestoreResult({ 3, 0, {}, {} }));
+        QCOMPARE(restoreManifest(result.manifestPath), RestoreResult({ 3, 0, {} }));
         QCOMPARE(treeOf(box.library()), before);
     }
 };
