@@ -12,6 +12,16 @@
     </message>
 </context>
 <context>
+    <name>epr::MainWindow</name>
+    <message numerus="yes">
+        <source>incomplete: %n folder(s) could not be read</source>
+        <translation>
+            <numerusform>incomplete: %n folder could not be read</numerusform>
+            <numerusform>incomplete: %n folders could not be read</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::ProgressEstimate</name>
     <message numerus="yes">
         <source>about %n minute(s) left</source>
@@ -33,6 +43,13 @@
 </context>
 <context>
     <name>epr::ScanController</name>
+    <message numerus="yes">
+        <source>Could not read %n more folder(s).</source>
+        <translation>
+            <numerusform>Could not read %n more folder.</numerusform>
+            <numerusform>Could not read %n more folders.</numerusform>
+        </translation>
+    </message>
     <message numerus="yes">
         <source>Left out %n file(s) or folder(s) whose names are not valid UTF-8.</source>
         <translation>

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "nativefile.h"
 
-#include <QDir>
+#include "fileproblems.h"
+
 #include <QFileDevice>
 
 #include <io.h>
@@ -31,17 +32,6 @@ using FileHandle = std::unique_ptr<void, CloseFileHandle>;
 bool isOpen(const FileHandle &handle)
 {
     return handle.get() != INVALID_HANDLE_VALUE;
-}
-
-// The prefix lifts the limit of 260 characters and needs a clean absolute path.
-std::wstring longPath(const QString &path)
-{
-    const QString native = QDir::toNativeSeparators(QDir::cleanPath(path));
-    if (native.startsWith(QLatin1String("\\\\?\\")))
-        return native.toStdWString();
-    if (native.startsWith(QLatin1String("\\\\")))
-        return QString(QLatin1String("\\\\?\\UNC\\") + native.mid(2)).toStdWString();
-    return QString(QLatin1String("\\\\?\\") + native).toStdWString();
 }
 
 FileHandle openFile(const QString &path, DWORD access)

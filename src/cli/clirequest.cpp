@@ -48,7 +48,7 @@ void addOptions(QCommandLineParser &parser)
         "Finds duplicate music in FOLDERs and prints the groups. Never changes a library file.\n"
         "What is not given on the command line is taken from the saved settings.\n\n"
         "Exit status: 0 no duplicates, 1 duplicates found, 2 wrong usage, or the scan or a "
-        "report could not be completed."));
+        "report could not be completed, or a folder could not be read."));
     parser.addHelpOption();
     parser.addVersionOption();
     for (const SwitchOption &option : switchOptions) {

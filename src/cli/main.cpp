@@ -5,6 +5,7 @@
 #include "mediabackend.h"
 #include "records.h"
 #include "reportwriter.h"
+#include "review.h"
 #include "settingsstore.h"
 #include "terminal.h"
 
@@ -59,7 +60,10 @@ int scan(const CliRequest &request)
     // The files first: whoever reads the standard output may close it early, which ends the program.
     const bool written = writeReports(request, result);
     QTextStream out(stdout);
-    terminal::writeTextReport(out, result.tracks, result.groups);
+    terminal::writeTextReport(out, result);
+    out.flush();
+    if (result.unreadableFolders > 0) // said once more for whoever keeps the result in a file and looks at errors only
+        return refuse(incompleteText(result.unreadableFolders));
     if (!written)
         return NotCompleted;
     return result.groups.isEmpty() ? NoDuplicates : DuplicatesFound;

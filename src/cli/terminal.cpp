@@ -123,6 +123,8 @@ void connectOutcome(ScanController &controller, ScanResult &result)
                          result.groups = groups;
                          result.cancelled = cancelled;
                      });
+    QObject::connect(&controller, &ScanController::foldersUnreadable, &controller,
+                     [&result](int count) { result.unreadableFolders = count; });
     QObject::connect(&controller, &ScanController::failed, &controller,
                      [&result](const QString &error) { result.failure = error; });
 }
@@ -193,12 +195,12 @@ ScanResult runScan(const ScanOptions &options, bool verbose)
     return result;
 }
 
-void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups)
+void writeTextReport(QTextStream &out, const ScanResult &result)
 {
-    for (const MatchGroup &group : groups)
-        writeGroup(out, tracks, group);
-    const ReviewTotals totals = totalsOf(tracks.size(), groups);
-    if (groups.isEmpty())
+    for (const MatchGroup &group : result.groups)
+        writeGroup(out, result.tracks, group);
+    const ReviewTotals totals = totalsOf(result.tracks.size(), result.groups);
+    if (result.groups.isEmpty())
         out << QCoreApplication::translate("epr::Cli", "Scanned %1 files - no duplicates found.").arg(totals.files);
     else
         out << QCoreApplication::translate("epr::Cli",
@@ -207,6 +209,8 @@ void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QLi
                    .arg(totals.groups)
                    .arg(totals.redundantCopies)
                    .arg(sizeText(totals.redundantBytes));
+    if (result.unreadableFolders > 0)
+        out << " (" << incompleteText(result.unreadableFolders) << ')';
     out << '\n';
 }
 

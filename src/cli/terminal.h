@@ -36,6 +36,7 @@ struct ScanResult {
     QList<TrackInfo> tracks;
     QList<MatchGroup> groups;
     bool cancelled = false;
+    int unreadableFolders = 0; ///< their files are missing from the tracks
     QString failure; ///< why the scan could not run; empty when it did
 };
 
@@ -44,6 +45,6 @@ struct ScanResult {
 ScanResult runScan(const ScanOptions &options, bool verbose);
 
 /// Writes the groups as readable text, one line per copy, and a summary line at the end.
-void writeTextReport(QTextStream &out, const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
+void writeTextReport(QTextStream &out, const ScanResult &result);
 
 } // namespace epr::terminal

@@ -54,6 +54,8 @@ ResultsPanel::ResultsPanel(Review &review, QWidget *parent)
 void ResultsPanel::setState(State state)
 {
     m_state = state;
+    if (state == State::Scanning)
+        m_unreadableFolders = 0;
     m_foundGroups = !m_review.groups().isEmpty();
     refreshSummary();
     refreshHint();
@@ -63,6 +65,11 @@ void ResultsPanel::setHasFolders(bool hasFolders)
 {
     m_hasFolders = hasFolders;
     refreshHint();
+}
+
+void ResultsPanel::setUnreadableFolders(int count)
+{
+    m_unreadableFolders = count;
 }
 
 void ResultsPanel::goToGroup(int step)
@@ -168,7 +175,7 @@ void ResultsPanel::refreshSummary()
         m_summary->clear();
         break;
     case State::Finished:
-        m_summary->setText(summaryText(m_review.totals()));
+        m_summary->setText(withGaps(summaryText(m_review.totals())));
         break;
     }
 }
@@ -195,10 +202,16 @@ QString ResultsPanel::hintText() const
         return tr("No copy matches the filter.");
     if (m_foundGroups)
         return tr("No duplicates are left. The next scan shows what was put back since.");
-    return m_review.totals().files > 0
-        ? tr("No duplicates in these folders.")
-        : tr("No music files were found. The activity log says whether a folder is missing, and Settings choose which "
-             "files are looked at.");
+    return withGaps(m_review.totals().files > 0
+                        ? tr("No duplicates in these folders.")
+                        : tr("No music files were found. The activity log says whether a folder is missing, and "
+                             "Settings choose which files are looked at."));
+}
+
+// Without it "no duplicates" would be said of files that nobody has seen.
+QString ResultsPanel::withGaps(const QString &outcome) const
+{
+    return m_unreadableFolders > 0 ? u"%1 (%2)"_s.arg(outcome, incompleteText(m_unreadableFolders)) : outcome;
 }
 
 } // namespace epr

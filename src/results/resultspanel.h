@@ -27,6 +27,7 @@ public:
 
     void setState(State state); ///< after the results have been set
     void setHasFolders(bool hasFolders); ///< whether there is anything to scan
+    void setUnreadableFolders(int count); ///< of the scan that is under way
     void goToGroup(int step); ///< -1 or +1
     void focusFilter();
     void focusResults();
@@ -49,12 +50,14 @@ private:
     void refreshSummary();
     void refreshHint();
     QString hintText() const;
+    QString withGaps(const QString &outcome) const;
 
     Review &m_review;
     ResultsModel *m_model;
     State m_state = State::NotScanned;
     bool m_foundGroups = false; ///< by the last scan, whether or not they are there still
     bool m_hasFolders = false;
+    int m_unreadableFolders = 0;
     QLineEdit *m_filterEdit = nullptr;
     ResultsView *m_view = nullptr;
     ReviewPlace *m_place = nullptr;

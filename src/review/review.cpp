@@ -38,6 +38,12 @@ QString summaryText(const ReviewTotals &totals)
              sizeText(totals.redundantBytes), locale.toString(totals.tickedFiles), sizeText(totals.tickedBytes));
 }
 
+QString incompleteText(int unreadableFolders)
+{
+    return QCoreApplication::translate("epr::MainWindow", "incomplete: %n folder(s) could not be read", nullptr,
+                                       unreadableFolders);
+}
+
 Review::Review(QObject *parent)
     : QObject(parent)
     , m_firstBit(1, 0)

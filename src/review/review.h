@@ -30,6 +30,9 @@ ReviewTotals totalsOf(qint64 files, const QList<MatchGroup> &groups);
 /// The line below the results of a scan.
 QString summaryText(const ReviewTotals &totals);
 
+/// That so many folders of the scan could not be read, to stand behind its outcome.
+QString incompleteText(int unreadableFolders);
+
 /// What is being decided about the results of a scan: which copy of a group is kept and which are ticked for removal.
 /// It reads the scan's own lists and keeps one bit per member for the tick, so a large result costs no row objects.
 ///

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "libraryfiles.h"
 
+#include "folderlisting.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
@@ -9,14 +11,8 @@
 #include <QSet>
 
 #include <algorithm>
-#include <memory>
+#include <array>
 #include <optional>
-
-#ifdef Q_OS_UNIX
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#endif
 
 namespace epr {
 
@@ -95,94 +91,30 @@ QSet<QString> wantedExtensions(const QStringList &extensions)
     return wanted;
 }
 
-#ifdef Q_OS_UNIX
-
-// What the walk would take in, as far as it can be told from the bytes of a name that is not valid UTF-8.
-struct WantedNames {
-    QSet<QString> extensions; // lower case
-    bool includeHidden = false;
-    bool followSymlinks = false;
-    qint64 minBytes = 0;
-    std::function<bool(const QString &path)> isExcluded;
-};
-
-// Counts wanted files and folders whose names are not valid UTF-8. Qt leaves such entries out of every
-// listing, so the folders have to be read once more, by their bytes; only entries with a bad name are measured.
-class UndecodableNames final {
-public:
-    explicit UndecodableNames(WantedNames wanted);
-
-    int count() const { return static_cast<int>(m_seen.size()); }
-
-    void addFolder(const QString &folder);
-
-private:
-    void addEntry(int folderDescriptor, const QByteArray &name, const QString &folder);
-
-    WantedNames m_wanted;
-    QSet<std::pair<quint64, quint64>> m_seen; // device and inode: overlapping roots reach an entry more than once
-};
-
-struct CloseFolder {
-    void operator()(DIR *folder) const { closedir(folder); }
-};
-
-QString extensionOf(const QByteArray &name)
+// Folders in which a file system keeps its own things, for nobody else to read.
+bool isOfTheFileSystem(const QString &folder)
 {
-    const qsizetype dot = name.lastIndexOf('.');
-    return dot < 0 ? QString() : QString::fromUtf8(name.sliced(dot + 1)).toLower();
+    static constexpr std::array names { "lost+found"_L1, "System Volume Information"_L1, "$RECYCLE.BIN"_L1 };
+    const QString name = QFileInfo(folder).fileName();
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
-
-UndecodableNames::UndecodableNames(WantedNames wanted)
-    : m_wanted(std::move(wanted))
-{
-}
-
-void UndecodableNames::addFolder(const QString &folder)
-{
-    const std::unique_ptr<DIR, CloseFolder> listing(opendir(QFile::encodeName(folder).constData()));
-    if (!listing)
-        return;
-    while (const dirent *entry = readdir(listing.get())) {
-        const QByteArray name(entry->d_name);
-        if (!name.isValidUtf8())
-            addEntry(dirfd(listing.get()), name, folder);
-    }
-}
-
-void UndecodableNames::addEntry(int folderDescriptor, const QByteArray &name, const QString &folder)
-{
-    if (name.startsWith('.') && !m_wanted.includeHidden)
-        return;
-    struct stat entry = {};
-    struct stat target = {};
-    if (fstatat(folderDescriptor, name.constData(), &entry, AT_SYMLINK_NOFOLLOW) != 0
-        || fstatat(folderDescriptor, name.constData(), &target, 0) != 0) {
-        return;
-    }
-    const bool wantedFolder = S_ISDIR(target.st_mode) && (m_wanted.followSymlinks || !S_ISLNK(entry.st_mode));
-    const bool wantedFile = S_ISREG(target.st_mode) && m_wanted.extensions.contains(extensionOf(name))
-        && target.st_size >= m_wanted.minBytes && !m_wanted.isExcluded(folder + u'/' + QString::fromUtf8(name));
-    if (wantedFolder || wantedFile)
-        m_seen.insert({ target.st_dev, target.st_ino });
-}
-
-#endif
 
 // One walk over all roots.
 class Walk {
 public:
-    Walk(const ScanOptions &options, const std::atomic<qint32> &cancelFlag, const DiscoveryProgressFn &progress)
+    Walk(const ScanOptions &options, const std::atomic<qint32> &cancelFlag, const DiscoveryProgressFn &progress,
+         DiscoveryProblems *problems)
         : m_options(options)
         , m_cancelFlag(cancelFlag)
         , m_progress(progress)
+        , m_problems(problems)
         , m_extensions(wantedExtensions(options.extensions))
         , m_excludes(options.excludes)
+        , m_listing({ m_extensions, options.includeHidden, options.followSymlinks, options.minBytes,
+                      [this](const QString &path) { return m_excludes.match(path); } })
     {
     }
-
-    void countUndecodableNames();
-    int undecodableNames() const;
+    Q_DISABLE_COPY_MOVE(Walk)
 
     QStringList run();
 
@@ -191,39 +123,22 @@ private:
     void visitFolder(const QString &folder);
     void visitFile(const QFileInfo &file);
     bool isWanted(const QFileInfo &file) const;
+    void noteUnreadable(const QString &folder, const Result<> &outcome);
     void accept(const QFileInfo &file);
 
     const ScanOptions &m_options;
     const std::atomic<qint32> &m_cancelFlag;
     const DiscoveryProgressFn &m_progress;
+    DiscoveryProblems *const m_problems;
     const QSet<QString> m_extensions;
     const ExcludePatterns m_excludes;
     CanonicalPaths m_canonicalPaths;
     QSet<QString> m_seen;
     QStringList m_found;
     QString m_reportedFolder;
-#ifdef Q_OS_UNIX
-    std::optional<UndecodableNames> m_undecodable;
-#endif
+    FolderListing m_listing;
+    QSet<QString> m_unreadable;
 };
-
-void Walk::countUndecodableNames()
-{
-#ifdef Q_OS_UNIX
-    m_undecodable.emplace(WantedNames { m_extensions, m_options.includeHidden, m_options.followSymlinks,
-                                        m_options.minBytes,
-                                        [this](const QString &path) { return m_excludes.match(path); } });
-#endif
-}
-
-int Walk::undecodableNames() const
-{
-#ifdef Q_OS_UNIX
-    return m_undecodable ? m_undecodable->count() : 0;
-#else
-    return 0;
-#endif
-}
 
 QStringList Walk::run()
 {
@@ -231,7 +146,11 @@ QStringList Walk::run()
         const QFileInfo folder(root);
         if (folder.isDir())
             walkRoot(QDir::cleanPath(folder.absoluteFilePath()));
+        else if (m_problems)
+            m_problems->missingRoots.append(root);
     }
+    if (m_problems)
+        m_problems->undecodableNames = m_listing.undecodableNames();
     if (m_progress)
         m_progress(static_cast<int>(m_found.size()), QString());
     return std::move(m_found);
@@ -258,18 +177,20 @@ void Walk::walkRoot(const QString &root)
     }
 }
 
-void Walk::visitFolder([[maybe_unused]] const QString &folder)
+void Walk::visitFolder(const QString &folder)
 {
-#ifdef Q_OS_UNIX
-    if (m_undecodable)
-        m_undecodable->addFolder(folder);
-#endif
+    if (m_problems)
+        noteUnreadable(folder, m_listing.read(folder));
 }
 
+// A folder that may be listed but not entered gives names without sizes, as does one whose path is nearly too long.
 void Walk::visitFile(const QFileInfo &file)
 {
-    if (!isWanted(file))
+    if (!isWanted(file)) {
+        if (m_problems && file.size() == 0 && m_extensions.contains(file.suffix().toLower()))
+            noteUnreadable(file.path(), reachEntry(file.filePath()));
         return;
+    }
     QString key = m_canonicalPaths.of(file);
     if (key.isEmpty())
         key = file.absoluteFilePath();
@@ -285,6 +206,15 @@ bool Walk::isWanted(const QFileInfo &file) const
 {
     return m_extensions.contains(file.suffix().toLower()) && file.isFile() && !file.isShortcut()
         && file.size() >= m_options.minBytes && !m_excludes.match(file.filePath());
+}
+
+// A pattern for all that is in the folder is how the operator says that it need not be read.
+void Walk::noteUnreadable(const QString &folder, const Result<> &outcome)
+{
+    if (outcome || m_unreadable.contains(folder) || isOfTheFileSystem(folder) || m_excludes.match(folder + u'/'))
+        return;
+    m_unreadable.insert(folder);
+    m_problems->unreadableFolders.append({ folder, outcome.error() });
 }
 
 void Walk::accept(const QFileInfo &file)
@@ -308,15 +238,9 @@ bool isExcluded(const QString &path, const QStringList &patterns)
 }
 
 QStringList discover(const ScanOptions &options, const std::atomic<qint32> &cancelFlag,
-                     const DiscoveryProgressFn &progress, int *undecodableNames)
+                     const DiscoveryProgressFn &progress, DiscoveryProblems *problems)
 {
-    Walk walk(options, cancelFlag, progress);
-    if (undecodableNames)
-        walk.countUndecodableNames();
-    QStringList found = walk.run();
-    if (undecodableNames)
-        *undecodableNames = walk.undecodableNames();
-    return found;
+    return Walk(options, cancelFlag, progress, problems).run();
 }
 
 } // namespace epr

@@ -18,12 +18,24 @@ bool isExcluded(const QString &path, const QStringList &patterns);
 /// Called with the number of files accepted so far and the folder of the latest one; the folder is empty at the end.
 using DiscoveryProgressFn = std::function<void(int count, const QString &folder)>;
 
+/// What a walk could not look at, so that files may be missing from its list.
+struct DiscoveryProblems {
+    struct UnreadableFolder {
+        QString path;
+        QString reason; ///< the system's
+    };
+
+    QStringList missingRoots; ///< not there, or not folders
+    QList<UnreadableFolder> unreadableFolders; ///< could not be opened, listed to the end or entered; each once
+    int undecodableNames = 0; ///< wanted files and folders whose names are not valid UTF-8
+};
+
 /// Walks the roots and returns the absolute paths of the audio files that pass the filters of the options, each file
 /// once, under the path by which it was first reached. Opens no file. A raised cancel flag ends the walk with what was
-/// found so far. undecodableNames receives the number of wanted files and folders whose names are not valid UTF-8 and
-/// so cannot be reached; always 0 where file names are UTF-16.
+/// found so far. Folders that an exclude pattern covers, and those in which a file system keeps its own things, are no
+/// problem when they cannot be read.
 QStringList discover(const ScanOptions &options, const std::atomic<qint32> &cancelFlag,
-                     const DiscoveryProgressFn &progress = {}, int *undecodableNames = nullptr);
+                     const DiscoveryProgressFn &progress = {}, DiscoveryProblems *problems = nullptr);
 
 /// A record with what the file system says about the path: name, suffix, size and modification time. A path that
 /// cannot be measured has size 0 and no modification time.

@@ -57,10 +57,10 @@ void ScanController::start(const ScanOptions &wanted)
     options.useCache = wanted.useCache && openCache();
     FilteredTracks tracks;
     QList<MatchGroup> groups;
-    const QStringList paths = discoverFiles(options, context);
+    const DiscoveredFiles files = discoverFiles(options, context);
     bool cancelled = context.isCancelled();
-    if (!paths.isEmpty()) {
-        QList<TrackInfo> all = checkCache(paths, options, context);
+    if (!files.paths.isEmpty()) {
+        QList<TrackInfo> all = checkCache(files.paths, options, context);
         all = analyseFiles(std::move(all), options, context);
         tracks = filterShortFiles(std::move(all), options, context);
         tracks.kept = fingerprintFiles(std::move(tracks.kept), options, context);
@@ -72,6 +72,8 @@ void ScanController::start(const ScanOptions &wanted)
     }
     const QList<TrackInfo> reported = reportableTracks(std::move(tracks.kept), cancelled);
     m_running.store(0);
+    if (files.unreadableFolders > 0)
+        Q_EMIT foldersUnreadable(files.unreadableFolders);
     Q_EMIT finished(reported, groups, cancelled, clock.elapsed());
 }
 

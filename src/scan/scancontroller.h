@@ -31,6 +31,7 @@ Q_SIGNALS:
     void finished(const QList<epr::TrackInfo> &tracks, const QList<epr::MatchGroup> &groups, bool cancelled,
                   qint64 elapsedMs);
     void failed(const QString &error); ///< a scan could not run at all
+    void foldersUnreadable(int count); ///< just before finished(), when files may be missing from the tracks
 
 public Q_SLOTS:
     void start(const epr::ScanOptions &options);

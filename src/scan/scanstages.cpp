@@ -10,7 +10,7 @@
 #include "matching.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
+#include <QDir>
 #include <QThread>
 #include <QThreadPool>
 #include <QtConcurrentMap>
@@ -23,6 +23,27 @@ namespace {
 
 constexpr int eventBudgetMs = 40; // of one polling round
 constexpr unsigned long pollPauseMs = 50;
+constexpr qsizetype namedFolders = 100; // in the log; a drive that drops out may take thousands with it
+
+void logProblems(const DiscoveryProblems &problems, const StageContext &context)
+{
+    for (const QString &root : problems.missingRoots)
+        context.log(QCoreApplication::translate("epr::ScanController", "Folder not found: %1").arg(root));
+    for (const auto &folder :
+         problems.unreadableFolders.first(std::min(problems.unreadableFolders.size(), namedFolders))) {
+        context.log(QCoreApplication::translate("epr::ScanController", "Could not read the folder %1: %2")
+                        .arg(QDir::toNativeSeparators(folder.path), folder.reason));
+    }
+    if (const auto unnamed = static_cast<int>(problems.unreadableFolders.size() - namedFolders); unnamed > 0) {
+        context.log(
+            QCoreApplication::translate("epr::ScanController", "Could not read %n more folder(s).", nullptr, unnamed));
+    }
+    if (problems.undecodableNames > 0) {
+        context.log(QCoreApplication::translate("epr::ScanController",
+                                                "Left out %n file(s) or folder(s) whose names are not valid UTF-8.",
+                                                nullptr, problems.undecodableNames));
+    }
+}
 
 QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, FingerprintEngine engine)
 {
@@ -115,32 +136,24 @@ bool hasCompleteFingerprint(const TrackInfo &track, FingerprintEngine engine)
         && (engine != FingerprintEngine::BuiltIn || track.fingerprint.words.size() == track.fingerprint.mask.size());
 }
 
-QStringList discoverFiles(const ScanOptions &options, const StageContext &context)
+DiscoveredFiles discoverFiles(const ScanOptions &options, const StageContext &context)
 {
     context.phase(QCoreApplication::translate("epr::ScanController", "Scanning folders"));
-    for (const QString &root : options.roots) {
-        if (!QFileInfo(root).isDir())
-            context.log(QCoreApplication::translate("epr::ScanController", "Folder not found: %1").arg(root));
-    }
-    int undecodable = 0;
+    DiscoveryProblems problems;
     const QStringList paths = discover(
         options, context.cancelFlag,
         [&context](int count, const QString &) {
             context.progress(count, 0, QCoreApplication::translate("epr::ScanController", "%1 files found").arg(count));
         },
-        &undecodable);
+        &problems);
     if (context.isCancelled())
         return {};
-    if (undecodable > 0) {
-        context.log(QCoreApplication::translate("epr::ScanController",
-                                                "Left out %n file(s) or folder(s) whose names are not valid UTF-8.",
-                                                nullptr, undecodable));
-    }
+    logProblems(problems, context);
     context.log(
         paths.isEmpty()
             ? QCoreApplication::translate("epr::ScanController", "No audio files matched the current filters.")
             : QCoreApplication::translate("epr::ScanController", "Discovered %1 audio files.").arg(paths.size()));
-    return paths;
+    return { paths, static_cast<int>(problems.missingRoots.size() + problems.unreadableFolders.size()) };
 }
 
 // Each worker writes the record of its own file, in place: what is complete when a scan is cancelled stays complete,

@@ -24,8 +24,11 @@ struct StageContext {
 // The stages of a scan, in their order. The options name the fingerprint engine that is really there, and use the cache
 // only when it can be opened. A stage that finds the flag raised hands on what it has; tracks stay in discovery order.
 
-/// The files to scan; none when cancelled.
-QStringList discoverFiles(const ScanOptions &options, const StageContext &context);
+struct DiscoveredFiles {
+    QStringList paths; ///< none when cancelled
+    int unreadableFolders = 0; ///< could not be looked into, or are not there
+};
+DiscoveredFiles discoverFiles(const ScanOptions &options, const StageContext &context);
 
 /// Records of the files, measured and, where the cache knows enough of them, complete, which TrackFromCache says.
 QList<TrackInfo> checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context);

@@ -337,6 +337,7 @@ void MainWindow::connectScan()
     m_scanThread = createWorkerThread(u"epr-scan"_s, m_controller, this);
     connect(this, &MainWindow::scanRequested, m_controller, &ScanController::start);
     connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
+    connect(m_controller, &ScanController::foldersUnreadable, m_resultsPanel, &ResultsPanel::setUnreadableFolders);
     connect(m_controller, &ScanController::finished, this, &MainWindow::onScanFinished);
     connect(m_controller, &ScanController::phaseChanged, this, &MainWindow::onPhaseChanged);
     connect(m_controller, &ScanController::progress, this, &MainWindow::onProgress);

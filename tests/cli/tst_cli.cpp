@@ -13,6 +13,8 @@
 #include <QTest>
 
 #ifdef Q_OS_UNIX
+#include "deepfolder.h"
+
 #include <csignal>
 #endif
 
@@ -115,6 +117,19 @@ private Q_SLOTS:
         QVERIFY(program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit);
         QCOMPARE(program.exitCode(), 2);
         QVERIFY(program.readAllStandardOutput().isEmpty() && !QFile::exists(report));
+    }
+
+    void unreadableFolderIsNotSuccess()
+    {
+        const DeepFolder deep(library() + "/deep"_L1);
+        writeFile(library() + "/a.mp3"_L1, QByteArray(40000, 'a'));
+        QProcess program;
+        program.start(QStringLiteral(EPR_SCAN_PROGRAM), words("--no-cache --no-acoustic") << library());
+        QVERIFY(program.waitForFinished(60000));
+        QCOMPARE(program.exitCode(), 2);
+        QCOMPARE(program.readAllStandardOutput(),
+                 "Scanned 1 files - no duplicates found. (incomplete: 1 folder could not be read)\n");
+        QVERIFY(program.readAllStandardError().endsWith("echoprune-scan: incomplete: 1 folder could not be read\n"));
     }
 
     void fullDiskIsNotSuccess()

@@ -7,6 +7,10 @@
 #include <QTest>
 
 #ifdef Q_OS_UNIX
+#include "deepfolder.h"
+
+#include <QScopeGuard>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -91,11 +95,55 @@ private Q_SLOTS:
         ScanOptions options;
         options.minBytes = 0;
         options.roots = QStringList { folder.path() };
-        int undecodable = 0;
-        QCOMPARE(discover(options, 0, {}, &undecodable), QStringList { folder.filePath(u"good.mp3"_s) });
-        QCOMPARE(undecodable, 2); // the audio file and the folder
+        DiscoveryProblems problems;
+        QCOMPARE(discover(options, 0, {}, &problems), QStringList { folder.filePath(u"good.mp3"_s) });
+        QCOMPARE(problems.undecodableNames, 2); // the audio file and the folder
 #else
         QSKIP("Windows has neither such files nor such names");
+#endif
+    }
+
+    void unreadableFoldersAreToldOnce()
+    {
+#ifdef Q_OS_UNIX
+        const bool isRoot = geteuid() == 0; // whom no protection binds
+        QVERIFY(!isRoot || seteuid(65534) == 0);
+        const auto backToRoot = qScopeGuard([isRoot] { QVERIFY(!isRoot || seteuid(0) == 0); });
+        const QTemporaryDir folder;
+        if (!folder.isValid())
+            QSKIP("needs a folder for temporary files that everybody may write to");
+        const QStringList locked = words("m/locked m/listed m/lost+found m/left-out");
+        for (const QString &name : locked + words("m vanishing"))
+            writeFile(folder.filePath(name + "/a.mp3"_L1), "a");
+        QVERIFY(QFile::link(folder.filePath(u"gone"_s), folder.filePath(u"m/broken.mp3"_s)));
+        const DeepFolder deep(folder.filePath(u"m/deep"_s));
+        for (const QString &name : locked)
+            ::chmod(QFile::encodeName(folder.filePath(name)).constData(), name.endsWith("listed"_L1) ? 0400 : 0);
+        const auto unlock = qScopeGuard([&] {
+            for (const QString &name : locked)
+                ::chmod(QFile::encodeName(folder.filePath(name)).constData(), 0700);
+        });
+        ScanOptions options;
+        options.minBytes = 1;
+        options.roots = words("m m/locked vanishing");
+        for (QString &root : options.roots)
+            root = folder.filePath(root);
+        options.excludes = QStringList { folder.filePath(u"m/left-out/*"_s) };
+        DiscoveryProblems problems;
+        const QStringList found = discover(
+            options, 0, [&](int, const QString &) { QDir(folder.path()).rename(u"vanishing"_s, u"away"_s); },
+            &problems);
+        QCOMPARE(found, QStringList { folder.filePath(u"m/a.mp3"_s) });
+        QCOMPARE(problems.missingRoots, options.roots.sliced(2));
+        QStringList told;
+        for (const auto &[path, reason] : problems.unreadableFolders)
+            told.append(path.sliced(folder.path().size() + 1).section(u"/ddd"_s, 0, 0) + u':' + reason);
+        told.sort();
+        QCOMPARE(told,
+                 (QStringList { u"m/deep:File name too long"_s, u"m/listed:Permission denied"_s,
+                                u"m/locked:Permission denied"_s }));
+#else
+        QSKIP("Windows knows neither such rights nor such limits");
 #endif
     }
 

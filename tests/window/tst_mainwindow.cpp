@@ -139,6 +139,16 @@ private Q_SLOTS:
         QVERIFY(resultsOf(window)->isExpanded(resultsOf(window)->model()->index(0, 0)));
         QVERIFY(resultsOf(window)->hasFocus() && resultsOf(window)->currentIndex().isValid());
         QVERIFY(summaryOf(window).startsWith("3 files scanned - 1 duplicate groups - 1 redundant copies"_L1));
+
+        writeFile(m_folder->filePath(u"gone/file"_s), "x");
+        for (const bool gone : { true, false }) {
+            window.addFolder(m_folder->filePath(u"gone"_s));
+            if (gone)
+                QVERIFY(QDir(m_folder->path()).rename(u"gone"_s, u"away"_s));
+            scan(window, m_folder->path());
+            QCOMPARE(summaryOf(window).endsWith(" (incomplete: 1 folder(s) could not be read)"_L1), gone);
+            QVERIFY(!gone || QDir(m_folder->path()).rename(u"away"_s, u"gone"_s));
+        }
     }
 
     // Enough to hash that the scan is still at it when the answers come.
