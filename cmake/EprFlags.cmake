@@ -24,6 +24,9 @@ target_compile_definitions(epr_flags INTERFACE
 # that a cross-build sees it and nothing else of the machine that it runs on.
 find_path(EPR_TL_INCLUDE tl/expected.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include)
 file(COPY "${EPR_TL_INCLUDE}/tl" DESTINATION "${PROJECT_BINARY_DIR}/include")
+# JSON as a stream, which Qt reads only as a whole. Headers alone, too.
+find_path(EPR_JSON_INCLUDE nlohmann/json.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include)
+file(COPY "${EPR_JSON_INCLUDE}/nlohmann" DESTINATION "${PROJECT_BINARY_DIR}/include")
 target_include_directories(epr_flags SYSTEM INTERFACE "${PROJECT_BINARY_DIR}/include")
 
 if(MSVC)

@@ -12,7 +12,6 @@
 #include <QFileInfo>
 #include <QSet>
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -164,14 +163,18 @@ private:
 
 UndoOutlook lookAtUndo(const QString &path)
 {
-    const QList<ManifestEntry> entries = readManifest(path).value_or(UndoManifest()).entries;
     UndoOutlook outlook;
-    outlook.hasCopies = entries.isEmpty()
-        || std::any_of(entries.cbegin(), entries.cend(),
-                       [](const ManifestEntry &entry) { return entryExists(entry.to); });
+    bool hasEntries = false;
+    bool hasCopies = false;
     QSet<QString> folders;
-    for (const ManifestEntry &entry : entries)
+    const Result<UndoManifest> read = readManifest(path, [&](const ManifestEntry &entry) {
+        hasEntries = true;
+        hasCopies = hasCopies || entryExists(entry.to);
         folders.insert(QFileInfo(entry.from).path());
+    });
+    if (!read)
+        return outlook;
+    outlook.hasCopies = hasCopies || !hasEntries;
     for (const QString &folder : std::as_const(folders)) {
         if (!QFileInfo(folder).isDir())
             outlook.missingFolders.append(folder);

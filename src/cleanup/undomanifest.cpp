@@ -4,6 +4,7 @@
 
 #include "filemove.h"
 #include "fileproblems.h"
+#include "manifestreader.h"
 #include "nativefile.h"
 
 #include <QCoreApplication>
@@ -29,80 +30,60 @@ namespace {
 
 constexpr int manifestVersion = 1;
 constexpr auto givenUpKey = "givenUp"_L1;
-constexpr qint64 maxLineBytes = 1048576; // two of the longest paths that Windows has, every character escaped
-// A run of a million files with long paths stays below this; reading takes several times as much memory.
-constexpr qint64 maxManifestBytes = 268435456;
 
 QJsonObject toJson(const ManifestEntry &entry)
 {
     return { { u"from"_s, entry.from }, { u"to"_s, entry.to }, { u"size"_s, entry.size } };
 }
 
+/// Without its entries.
 QJsonObject toJson(const UndoManifest &manifest)
 {
-    QJsonArray entries;
-    for (const ManifestEntry &entry : manifest.entries)
-        entries.append(toJson(entry));
     return {
         { u"manifestVersion"_s, manifestVersion },
         { u"createdAt"_s, manifest.createdAt },
         { u"mode"_s, manifest.mode },
         { u"quarantineRoot"_s, manifest.quarantineRoot },
-        { u"entries"_s, entries },
+        { u"entries"_s, QJsonArray() },
     };
 }
 
-/// Anything that is not an object with two path texts gives an entry with empty paths.
-ManifestEntry entryFromJson(const QJsonValue &value)
+/// Anything that has not two path texts gives an entry with empty paths.
+ManifestEntry entryFromJson(const QJsonObject &object)
 {
-    const QJsonObject object = value.toObject();
     ManifestEntry entry { object["from"_L1].toString(), object["to"_L1].toString(), object["size"_L1].toInteger() };
     if (entry.from.isEmpty() || entry.to.isEmpty())
         return {};
     return entry;
 }
 
-// Compact JSON holds no line break of its own, whatever the file names hold.
-QByteArray journalLine(const QJsonObject &object)
+// The very bytes that one document of the whole list would give, without having it all in memory: a list may have a
+// million entries.
+bool writeJson(QIODevice &file, const UndoManifest &manifest)
 {
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
-}
-
-Result<QByteArray> readBytes(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return failure(file.errorString());
-    QByteArray bytes = file.read(maxManifestBytes + 1);
-    if (file.error() != QFileDevice::NoError)
-        return failure(file.errorString());
-    if (bytes.size() > maxManifestBytes)
-        return failure(QCoreApplication::translate("epr::Cleanup", "The file is too large"));
-    return bytes;
-}
-
-Result<QJsonObject> readObject(const QString &path)
-{
-    const Result<QByteArray> bytes = readBytes(path);
-    if (!bytes)
-        return failure(bytes.error());
-    QJsonParseError parsing;
-    const QJsonDocument document = QJsonDocument::fromJson(*bytes, &parsing);
-    if (parsing.error != QJsonParseError::NoError)
-        return failure(parsing.errorString());
-    if (!document.object()["entries"_L1].isArray())
-        return failure(QCoreApplication::translate("epr::Cleanup", "The file has no list of entries"));
-    return document.object();
+    const auto write = [&file](const QByteArray &bytes) { return file.write(bytes) == bytes.size(); };
+    const QByteArray frame = QJsonDocument(toJson(manifest)).toJson(QJsonDocument::Indented);
+    const QByteArray opening("\n    \"entries\": [\n"); // not in a text, where line breaks and quotes are escaped
+    const qsizetype inside = frame.indexOf(opening) + opening.size();
+    if (!write(frame.first(inside)))
+        return false;
+    for (qsizetype i = 0; i < manifest.entries.size(); ++i) {
+        QByteArray entry = QJsonDocument(toJson(manifest.entries.at(i))).toJson(QJsonDocument::Indented);
+        entry.chop(1);
+        entry.replace("\n", "\n        ");
+        if (!write("        " + entry + (i + 1 < manifest.entries.size() ? ",\n" : "\n")))
+            return false;
+    }
+    return write(frame.sliced(inside));
 }
 
 // An intended move of which only the original is there was never made.
-Result<QList<ManifestEntry>> movedEntries(const QString &journalPath)
+Result<> readMoved(const QString &journalPath, const ManifestEntryFn &each)
 {
-    Result<QList<ManifestEntry>> entries = UndoJournal::read(journalPath);
-    if (!entries)
-        return entries;
-    entries->removeIf([](const ManifestEntry &move) { return !entryExists(move.to) && entryExists(move.from); });
-    return entries;
+    return UndoJournal::read(journalPath, [&each](const ManifestEntry &move) {
+        if (entryExists(move.to) || !entryExists(move.from))
+            each(move);
+    });
 }
 
 } // namespace
@@ -115,59 +96,33 @@ QString UndoJournal::pathFor(const QString &manifestPath)
     return path + ".journal"_L1;
 }
 
-Result<QList<ManifestEntry>> UndoJournal::read(const QString &path)
+Result<> UndoJournal::read(const QString &path, const ManifestEntryFn &each)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return failure(file.errorString());
-    QList<ManifestEntry> moves;
     QSet<QString> givenUp;
-    // A file that cannot be read is never at its end, but it has no more lines either.
-    for (QByteArray line = file.readLine(maxLineBytes); !line.isEmpty(); line = file.readLine(maxLineBytes)) {
-        const QJsonObject object = QJsonDocument::fromJson(line).object();
-        if (object.contains(givenUpKey))
-            givenUp.insert(object[givenUpKey].toString());
-        else if (const ManifestEntry move = entryFromJson(object); !move.to.isEmpty())
-            moves.append(move);
-    }
-    if (file.error() != QFileDevice::NoError)
-        return failure(file.errorString());
-    moves.removeIf([&givenUp](const ManifestEntry &move) { return givenUp.contains(move.to); });
-    return moves;
-}
-
-Result<> UndoJournal::create(const QString &path)
-{
-    m_file.setFileName(path);
-    if (m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
-        return {};
-    return failure(m_file.errorString());
+    const Result<> looked = JournalFile::read(path, [&givenUp](const QJsonObject &line) {
+        if (line.contains(givenUpKey))
+            givenUp.insert(line[givenUpKey].toString());
+    });
+    if (!looked)
+        return looked;
+    return JournalFile::read(path, [&givenUp, &each](const QJsonObject &line) {
+        const ManifestEntry move = entryFromJson(line);
+        if (!move.to.isEmpty() && !givenUp.contains(move.to))
+            each(move);
+    });
 }
 
 Result<> UndoJournal::appendIntended(const QList<ManifestEntry> &moves)
 {
-    QByteArray lines;
+    QList<QJsonObject> lines;
     for (const ManifestEntry &move : moves)
-        lines += journalLine(toJson(move));
-    return append(lines);
+        lines.append(toJson(move));
+    return m_file.append(lines);
 }
 
 Result<> UndoJournal::appendReplaced(const QString &givenUpDestination, const ManifestEntry &move)
 {
-    return append(journalLine({ { givenUpKey, givenUpDestination } }) + journalLine(toJson(move)));
-}
-
-Result<> UndoJournal::append(const QByteArray &lines)
-{
-    if (m_file.write(lines) == lines.size() && nativefile::flushToDisk(m_file))
-        return {};
-    return failure(writeErrorOf(m_file));
-}
-
-void UndoJournal::remove()
-{
-    m_file.close();
-    m_file.remove();
+    return m_file.append({ QJsonObject { { givenUpKey, givenUpDestination } }, toJson(move) });
 }
 
 QString undoDirectory()
@@ -191,48 +146,49 @@ QStringList listUndoManifests()
 
 QString describeManifest(const QString &path)
 {
-    const UndoManifest manifest = readManifest(path).value_or(UndoManifest());
-    const QDateTime created = QDateTime::fromString(manifest.createdAt, Qt::ISODate);
+    qsizetype files = 0;
+    const Result<UndoManifest> manifest = readManifest(path, [&files](const ManifestEntry &) { ++files; });
+    const QDateTime created = manifest ? QDateTime::fromString(manifest->createdAt, Qt::ISODate) : QDateTime();
     const QString when = created.isValid()
         ? QLocale().toString(created, QCoreApplication::translate("epr::Cleanup", "d MMM yyyy h:mm ap"))
         : QFileInfo(path).fileName();
     return QCoreApplication::translate("epr::Cleanup", "%1 - %2 file(s)")
-        .arg(when, QString::number(manifest.entries.size()));
+        .arg(when, QString::number(manifest ? files : 0));
 }
 
 Result<> writeManifest(const QString &path, const UndoManifest &manifest)
 {
     QSaveFile file(path);
-    const QByteArray json = QJsonDocument(toJson(manifest)).toJson(QJsonDocument::Indented);
     // Committing alone would put a file in place of which the end is missing on a full disk.
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(json) == json.size()
-        && nativefile::flushToDisk(file) && file.commit();
+    const bool written =
+        file.open(QIODevice::WriteOnly) && writeJson(file, manifest) && nativefile::flushToDisk(file) && file.commit();
     if (!written)
         return failure(writeErrorOf(file));
     nativefile::flushFolderToDisk(QFileInfo(path).path());
     return {};
 }
 
+Result<UndoManifest> readManifest(const QString &path, const ManifestEntryFn &each)
+{
+    const QString journalPath = UndoJournal::pathFor(path);
+    if (!QFileInfo::exists(journalPath))
+        return parseManifest(path, each);
+    const Result<UndoManifest> manifest = parseManifest(path, [](const ManifestEntry &) {});
+    if (!manifest)
+        return manifest;
+    // A list without them would be used up and leave the files where nobody finds them.
+    if (const Result<> moved = readMoved(journalPath, each); !moved)
+        return failure(moved.error());
+    return manifest;
+}
+
 Result<UndoManifest> readManifest(const QString &path)
 {
-    const Result<QJsonObject> object = readObject(path);
-    if (!object)
-        return failure(object.error());
-    UndoManifest manifest { (*object)["createdAt"_L1].toString(),
-                            (*object)["mode"_L1].toString(),
-                            (*object)["quarantineRoot"_L1].toString(),
-                            {} };
-    const QString journalPath = UndoJournal::pathFor(path);
-    if (QFileInfo::exists(journalPath)) {
-        Result<QList<ManifestEntry>> moved = movedEntries(journalPath);
-        if (!moved) // a list without them would be used up and leave the files where nobody finds them
-            return failure(moved.error());
-        manifest.entries = *std::move(moved);
-        return manifest;
-    }
-    const QJsonArray entries = (*object)["entries"_L1].toArray();
-    for (const auto &entry : entries)
-        manifest.entries.append(entryFromJson(entry));
+    QList<ManifestEntry> entries;
+    Result<UndoManifest> manifest =
+        readManifest(path, [&entries](const ManifestEntry &entry) { entries.append(entry); });
+    if (manifest)
+        manifest->entries = std::move(entries);
     return manifest;
 }
 

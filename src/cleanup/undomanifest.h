@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "journalfile.h"
 #include "result.h"
 
-#include <QFile>
+#include <functional>
 
 namespace epr {
 
@@ -16,6 +17,9 @@ struct ManifestEntry {
 
     bool operator==(const ManifestEntry &) const = default;
 };
+
+/// Called with one entry after the other. A list may have a million of them: only who needs them all keeps them.
+using ManifestEntryFn = std::function<void(const ManifestEntry &entry)>;
 
 /// What an undo needs to know about one quarantine run.
 struct UndoManifest {
@@ -35,24 +39,22 @@ class UndoJournal final {
 public:
     static QString pathFor(const QString &manifestPath);
 
-    /// The moves that were intended and not given up later, in order. A line cut off by the end of the run is left out:
-    /// nothing that it speaks of was tried. Fails if the file cannot be read to its end.
-    [[nodiscard]] static Result<QList<ManifestEntry>> read(const QString &path);
+    /// Hands over the moves that were intended and not given up later, in order. A line cut off by the end of the run
+    /// is left out: nothing that it speaks of was tried. Fails if the file cannot be read to its end.
+    [[nodiscard]] static Result<> read(const QString &path, const ManifestEntryFn &each);
 
     /// Fails if the file exists.
-    [[nodiscard]] Result<> create(const QString &path);
+    [[nodiscard]] Result<> create(const QString &path) { return m_file.create(path); }
 
     [[nodiscard]] Result<> appendIntended(const QList<ManifestEntry> &moves);
 
     /// In place of a move that found its new name taken.
     [[nodiscard]] Result<> appendReplaced(const QString &givenUpDestination, const ManifestEntry &move);
 
-    void remove();
+    void remove() { m_file.remove(); }
 
 private:
-    [[nodiscard]] Result<> append(const QByteArray &lines);
-
-    QFile m_file;
+    JournalFile m_file;
 };
 
 /// The folder that holds the manifests. Asking for it makes it.
@@ -68,9 +70,13 @@ QString describeManifest(const QString &path);
 /// Replaces the file in one step: whoever reads it sees the old manifest or the new one, never a part.
 [[nodiscard]] Result<> writeManifest(const QString &path, const UndoManifest &manifest);
 
-/// Fails if the file is not a manifest, or if there is a journal that cannot be read. An entry without both paths comes
-/// back with empty ones. For a run that was cut short the entries come from its journal: those that were moved, as far
-/// as can be told from the disk.
+/// Hands over each entry as it is read, so that the memory does not grow with the list; the result has none. Fails,
+/// maybe only after the last entry, if the file is not a manifest or if there is a journal that cannot be read. An
+/// entry without both paths comes with empty ones. For a run that was cut short the entries come from its journal:
+/// those that were moved, as far as can be told from the disk.
+[[nodiscard]] Result<UndoManifest> readManifest(const QString &path, const ManifestEntryFn &each);
+
+/// The same with its entries.
 [[nodiscard]] Result<UndoManifest> readManifest(const QString &path);
 
 /// Deletes the manifest and what a run that was cut short left beside it.

@@ -302,6 +302,9 @@ private Q_SLOTS:
         // -1 for a manifest that cannot be read
         const Rows<QByteArray, int> row("entries", "failed");
         row("cut off", "[", -1);
+        row("two lists", R"([], "entries": [{"from": "L/x", "to": "L/a"}])", -1);
+        row("not UTF-8", "[\"\xff\"]", -1);
+        row("deep", QByteArray(1000000, '[') + QByteArray(1000000, ']'), 0);
         row("entries of a wrong type", R"({"from": "L/x"})", -1);
         row("wrong types inside", R"([1, [], {}, {"from": 1, "to": "L/a"}, {"from": "L/x"}])", 0);
         row("parent parts", R"([{"from": "L/sub/../x", "to": "L/a"}])", 1);
@@ -329,6 +332,23 @@ private Q_SLOTS:
         QVERIFY(failed >= 0 || restored.errors.first().startsWith(u"Cannot read manifest: "_s));
         QCOMPARE(QFileInfo::exists(manifest), failed < 0);
         QCOMPARE(treeOf(box.library()), before);
+    }
+
+    void manifestOfAnotherHandIsRead()
+    {
+        const Sandbox box;
+        const QString path = undoDirectory() + u"/undo-x.json"_s;
+        const QByteArray longText = '"' + QByteArray(200000, 'x') + '"';
+        box.write(path,
+                  R"({"x": [{"entries": [{"from": "/x", "to": "/x"}]}, "entries"], "entries": [{"to": "/q/a", "x": {)"
+                  R"("from": "/x", "size": 1}, "size": 3e2, "from": "/a"}, "from", {"x": )"
+                      + longText
+                      + R"(, "from": "/b", "from": "/\u00fc", "to": "/q/b", "size": "9"}], )"
+                        R"("createdAt": "now", "mode": 1})");
+        const UndoManifest expected {
+            u"now"_s, {}, {}, { { u"/a"_s, u"/q/a"_s, 300 }, {}, { u"/ü"_s, u"/q/b"_s, 0 } }
+        };
+        QVERIFY(readManifest(path) == expected);
     }
 
     void killedRunCanBeUndone_data()
@@ -364,9 +384,11 @@ private Q_SLOTS:
         const QString journal = UndoJournal::pathFor(manifest);
         const QString aside = box.path(u"journal"_s);
         QVERIFY(QFile::rename(journal, aside));
-        for (const bool opens : { false, true }) {
-            if (!opens)
+        for (int fate = 0; fate < 3; ++fate) {
+            if (fate == 0)
                 QVERIFY(QDir().mkdir(journal));
+            else if (fate == 1) // not to be taken for the end of the file
+                box.write(journal, QByteArray(2000000, ' ') + '\n' + readFile(aside));
             else if (!QFileInfo::exists(u"/proc/self/mem"_s))
                 break;
             else // opens, and every read of its start fails
@@ -375,7 +397,7 @@ private Q_SLOTS:
             QCOMPARE(restored, RestoreResult({ 0, 0, restored.errors }));
             QVERIFY(restored.errors.value(0).startsWith("Cannot read manifest: "_L1));
             QVERIFY(QFileInfo::exists(manifest) && describeManifest(manifest).endsWith("- 0 file(s)"_L1));
-            QVERIFY(opens ? QFile::remove(journal) : QDir().rmdir(journal));
+            QVERIFY(fate > 0 ? QFile::remove(journal) : QDir().rmdir(journal));
         }
         QVERIFY(QFile::rename(aside, journal));
         CHECK_UNDO(box, manifest, 3, before);
