@@ -34,12 +34,12 @@ private:
 };
 
 /// A thread with an event loop for one worker, which must have no parent: it is moved there, and deleted there when the
-/// thread has finished. The caller starts the thread, and ends it by quit() and waitOrLeave().
+/// loop has ended. The caller starts the thread, and ends it by quit() and waitOrLeave().
 [[nodiscard]] QThread *createWorkerThread(const QString &name, QObject *worker, QObject *parent);
 
-/// Waits for a thread that has been told to quit. One that does not end in time, stuck in the system on a network drive
-/// that is gone, say, is taken from its parent and left to itself: destroying a running thread would end the program.
-/// False if so.
+/// Waits for a thread of createWorkerThread() that has been told to quit. One that does not end in time, stuck in the
+/// system on a network drive that is gone, say, is taken from its parent and left to itself: destroying a running
+/// thread would end the program. False if so.
 bool waitOrLeave(QThread *thread, std::chrono::milliseconds atMost = std::chrono::seconds(5));
 
 } // namespace epr
