@@ -3,7 +3,6 @@
 #include "decoding.h"
 
 #include "analyser.h"
-#include "externaltool.h"
 #include "fingerprintpool.h"
 #include "mediabackend.h"
 
@@ -21,6 +20,8 @@ namespace {
 constexpr qint64 bytesPerSample = sizeof(float);
 constexpr int maxReservedSeconds = 600; // beyond that the buffer grows with what really comes
 constexpr int maxReservedRate = 48000; // Hz
+constexpr qint64 longestFile = 12 * 60 * 60; // seconds
+constexpr qint64 outputFactor = 4; // timestamps that jump make ffmpeg write more than was asked for
 
 QString toolName()
 {
@@ -40,6 +41,12 @@ qsizetype expectedBytes(const DecodeRequest &request)
 {
     const qint64 seconds = std::clamp(request.seconds, 1, maxReservedSeconds);
     return static_cast<qsizetype>(seconds * std::clamp(request.sampleRate, 0, maxReservedRate) * bytesPerSample);
+}
+
+qint64 maxBytes(const DecodeRequest &request)
+{
+    const qint64 seconds = request.seconds > 0 ? request.seconds * outputFactor : longestFile;
+    return seconds * std::max(request.sampleRate, 0) * bytesPerSample;
 }
 
 QList<float> toSamples(const QByteArray &bytes)
@@ -100,19 +107,20 @@ template <typename Sample> QList<float> mixed(const QAudioBuffer &buffer)
 
 } // namespace
 
-Result<QList<float>> decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request,
-                                          const ToolTimeouts &timeouts)
+tl::expected<QList<float>, ToolFailure> decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request,
+                                                             const ToolTimeouts &timeouts)
 {
-    const Result<QByteArray> bytes = runTool({ .name = toolName(),
-                                               .program = tool,
-                                               .arguments = arguments(request),
-                                               .timeouts = timeouts,
-                                               .writesAllTheTime = true,
-                                               .expectedBytes = expectedBytes(request) });
+    const tl::expected<QByteArray, ToolFailure> bytes = runTool({ .name = toolName(),
+                                                                  .program = tool,
+                                                                  .arguments = arguments(request),
+                                                                  .timeouts = timeouts,
+                                                                  .maxBytes = maxBytes(request),
+                                                                  .writesAllTheTime = true,
+                                                                  .expectedBytes = expectedBytes(request) });
     if (!bytes)
-        return failure(bytes.error());
+        return tl::unexpected(bytes.error());
     if (bytes->size() < bytesPerSample)
-        return failure(u"ffmpeg produced no audio"_s);
+        return tl::unexpected(ToolFailure { u"ffmpeg produced no audio"_s, {}, true });
     return toSamples(*bytes);
 }
 
@@ -133,15 +141,17 @@ bool hasFfmpeg()
 }
 
 bool decodeWithFfmpeg(const QString &path, int sampleRate, int seconds, QList<float> &samples, qint64 &durationMs,
-                      QString &error)
+                      QString &error, bool *hasRefused)
 {
     const QString tool = ffmpegPath();
     if (tool.isEmpty()) {
         error = u"ffmpeg not found"_s;
         return false;
     }
-    const Result<QList<float>> audio = decodeWithFfmpegTool(tool, { path, sampleRate, seconds }, toolTimeouts(seconds));
-    error = audio ? QString() : audio.error();
+    const auto audio = decodeWithFfmpegTool(tool, { path, sampleRate, seconds }, toolTimeouts(seconds));
+    error = audio ? QString() : audio.error().text;
+    if (hasRefused != nullptr)
+        *hasRefused = !audio && audio.error().hasRefused;
     if (!audio)
         return false;
     samples = *audio;

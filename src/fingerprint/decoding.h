@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "result.h"
+#include "externaltool.h"
 
 #include <QList>
 
@@ -12,7 +12,6 @@ namespace epr {
 
 class Analyser;
 class FingerprintWorker;
-struct ToolTimeouts;
 
 /// Looks for the tool anew: EPR_FFMPEG, beside the program, the search path. Empty when there is none.
 QString findFfmpeg();
@@ -22,9 +21,10 @@ QString ffmpegPath();
 bool hasFfmpeg();
 
 /// Decodes the first seconds of a file, all of it when seconds is below 1, to mono samples at sampleRate Hz. True on
-/// success, with error empty and durationMs that of the samples; on failure only error is set. Blocks the thread.
+/// success, with error empty and durationMs that of the samples; on failure only error is set, and hasRefused when it
+/// was ffmpeg itself that found no audio in the file. Blocks the thread.
 [[nodiscard]] bool decodeWithFfmpeg(const QString &path, int sampleRate, int seconds, QList<float> &samples,
-                                    qint64 &durationMs, QString &error);
+                                    qint64 &durationMs, QString &error, bool *hasRefused = nullptr);
 
 struct DecodeRequest {
     QString path;
@@ -33,8 +33,8 @@ struct DecodeRequest {
 };
 
 /// The same with a given tool and given patience; the samples, nominally -1 to 1.
-Result<QList<float>> decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request,
-                                          const ToolTimeouts &timeouts);
+[[nodiscard]] tl::expected<QList<float>, ToolFailure>
+decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request, const ToolTimeouts &timeouts);
 
 /// Decodes a file with Qt's decoder into the analyser, which it resets to the file's rate. Blocks in a local
 /// event loop. durationMs is overwritten when the decoder knows the file's duration, error when something went wrong;

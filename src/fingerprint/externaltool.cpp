@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "externaltool.h"
 
+#include "toolcage.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFileInfo>
@@ -11,6 +13,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 
 namespace epr {
 
@@ -19,7 +22,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int leastSeconds = 30;
-constexpr qint64 sliceMs = 200; // how long a thread may take to notice that it is asked to stop
+constexpr int patienceFactor = 4; // with a tool that keeps writing, but slowly
+constexpr int wholeFileMs = 12 * 60 * 60 * 1000;
+constexpr int sliceMs = 50; // how long a thread may take to notice that it is asked to stop
+constexpr qsizetype maxMessageBytes = 65536;
 
 // Folders are executable too, and one with a tool's name may well lie beside the program.
 bool isTool(const QString &path)
@@ -33,35 +39,118 @@ bool isRunning(const QProcess &process)
     return process.state() != QProcess::NotRunning;
 }
 
-// In slices, so that a pool that is being destroyed does not sit out a tool that hangs.
-bool waitFor(QProcess &process, bool (QProcess::*event)(int), int waitMs)
+/// One tool at work. What it writes is taken as it comes, and no more of it than is allowed, because QProcess by itself
+/// would hold all of it.
+class RunningTool final {
+public:
+    explicit RunningTool(const ToolRun &run);
+    ~RunningTool();
+    Q_DISABLE_COPY_MOVE(RunningTool)
+
+    tl::expected<QByteArray, ToolFailure> waitForOutput();
+
+private:
+    void takeOutput();
+    void takeMessages();
+    bool hasHung() const;
+    void judge();
+    ToolFailure refusal() const;
+
+    const ToolRun &m_run;
+    std::unique_ptr<QProcess> m_process = std::make_unique<QProcess>();
+    ToolCage m_cage { *m_process };
+    QByteArray m_output;
+    QByteArray m_messages;
+    QDeadlineTimer m_pause; ///< how long it may be silent
+    QDeadlineTimer m_end;
+    QString m_verdict; ///< why it was killed; empty = it was not
+};
+
+RunningTool::RunningTool(const ToolRun &run)
+    : m_run(run)
 {
-    const QDeadlineTimer deadline(waitMs);
-    while (isRunning(process)) {
-        const qint64 slice = std::min(deadline.remainingTime(), sliceMs);
-        if ((process.*event)(static_cast<int>(slice)))
-            return true;
-        if (deadline.hasExpired() || QThread::currentThread()->isInterruptionRequested())
-            return false;
-    }
-    return false;
+    m_output.reserve(run.expectedBytes);
+    QObject::connect(m_process.get(), &QProcess::readyReadStandardOutput, [this] { takeOutput(); });
+    QObject::connect(m_process.get(), &QProcess::readyReadStandardError, [this] { takeMessages(); });
 }
 
-/// Adds to output what the tool writes until it ends. False if it hung and had to be killed.
-bool readToEnd(QProcess &process, const ToolRun &run, QByteArray &output)
+// One that cannot be killed, because it waits in the system for a drive that is gone, is left to itself together with
+// its object, whose destructor would wait for it.
+RunningTool::~RunningTool()
 {
-    const auto event = run.writesAllTheTime ? &QProcess::waitForReadyRead : &QProcess::waitForFinished;
-    while (isRunning(process)) {
-        if (waitFor(process, event, run.timeouts.waitMs)) {
-            output += process.readAllStandardOutput();
-        } else if (isRunning(process)) {
-            process.kill();
-            process.waitForFinished(run.timeouts.killMs);
-            return false;
-        }
+    m_process->disconnect();
+    if (!isRunning(*m_process))
+        return;
+    m_cage.kill();
+    m_process->kill();
+    if (!m_process->waitForFinished(0))
+        static_cast<void>(m_process.release());
+}
+
+tl::expected<QByteArray, ToolFailure> RunningTool::waitForOutput()
+{
+    m_process->start(m_run.program, m_run.arguments, QIODevice::ReadOnly);
+    if (!m_process->waitForStarted(m_run.timeouts.startMs))
+        return tl::unexpected(ToolFailure { u"could not start %1"_s.arg(m_run.name), {}, false });
+    m_cage.close(*m_process);
+    m_pause.setRemainingTime(m_run.timeouts.waitMs);
+    m_end.setRemainingTime(m_run.writesAllTheTime ? m_run.timeouts.runMs : m_run.timeouts.waitMs);
+    while (isRunning(*m_process) && m_verdict.isEmpty()) {
+        m_process->waitForFinished(sliceMs);
+        judge();
     }
-    output += process.readAllStandardOutput();
-    return true;
+    if (!m_verdict.isEmpty())
+        m_process->waitForFinished(m_run.timeouts.killMs);
+    takeOutput();
+    takeMessages();
+    const bool isDone = m_process->exitStatus() == QProcess::NormalExit && m_process->exitCode() == 0;
+    if (m_verdict.isEmpty() && isDone)
+        return m_output;
+    return tl::unexpected(refusal());
+}
+
+void RunningTool::takeOutput()
+{
+    m_output += m_process->readAllStandardOutput();
+    m_pause.setRemainingTime(m_run.timeouts.waitMs);
+    judge();
+}
+
+void RunningTool::takeMessages()
+{
+    const QByteArray piece = m_process->readAllStandardError();
+    m_messages += piece.first(std::min(piece.size(), maxMessageBytes - m_messages.size()));
+    judge();
+}
+
+bool RunningTool::hasHung() const
+{
+    return m_end.hasExpired() || (m_run.writesAllTheTime && m_pause.hasExpired())
+        || QThread::currentThread()->isInterruptionRequested();
+}
+
+// Also asked whenever something was written: while a tool writes without end, QProcess never ceases to wait.
+void RunningTool::judge()
+{
+    if (!m_verdict.isEmpty())
+        return;
+    if (m_output.size() > m_run.maxBytes)
+        m_verdict = u"%1 printed too much"_s;
+    else if (isRunning(*m_process) && hasHung())
+        m_verdict = u"%1 timed out"_s;
+    if (!m_verdict.isEmpty()) {
+        m_cage.kill();
+        m_process->kill();
+    }
+}
+ToolFailure RunningTool::refusal() const
+{
+    if (!m_verdict.isEmpty())
+        return { m_verdict.arg(m_run.name), m_output, m_output.size() > m_run.maxBytes };
+    const QByteArray complaint = m_messages.trimmed();
+    return { complaint.isEmpty() ? u"%1 failed (exit %2)"_s.arg(m_run.name).arg(m_process->exitCode())
+                                 : QString::fromLocal8Bit(complaint),
+             m_output, true };
 }
 
 } // namespace
@@ -96,27 +185,19 @@ QString ToolPath::get()
 
 ToolTimeouts toolTimeouts(int seconds)
 {
+    const auto clamped = [](qint64 ms) {
+        return static_cast<int>(std::min<qint64>(ms, std::numeric_limits<int>::max()));
+    };
     const qint64 waitMs = qint64(std::max(seconds, leastSeconds)) * 1000;
     ToolTimeouts timeouts;
-    timeouts.waitMs = static_cast<int>(std::min<qint64>(waitMs, std::numeric_limits<int>::max()));
+    timeouts.waitMs = clamped(waitMs);
+    timeouts.runMs = seconds < 1 ? wholeFileMs : clamped(waitMs * patienceFactor);
     return timeouts;
 }
 
-Result<QByteArray> runTool(const ToolRun &run)
+tl::expected<QByteArray, ToolFailure> runTool(const ToolRun &run)
 {
-    QProcess process;
-    process.start(run.program, run.arguments, QIODevice::ReadOnly);
-    if (!process.waitForStarted(run.timeouts.startMs))
-        return failure(u"could not start %1"_s.arg(run.name));
-    QByteArray output;
-    output.reserve(run.expectedBytes);
-    if (!readToEnd(process, run, output))
-        return failure(u"%1 timed out"_s.arg(run.name));
-    if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
-        return output;
-    const QByteArray complaint = process.readAllStandardError().trimmed();
-    return failure(complaint.isEmpty() ? u"%1 failed (exit %2)"_s.arg(run.name).arg(process.exitCode())
-                                       : QString::fromLocal8Bit(complaint));
+    return RunningTool(run).waitForOutput();
 }
 
 } // namespace epr

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "result.h"
-
+#include <QByteArray>
 #include <QMutex>
 #include <QStringList>
+#include <tl/expected.hpp>
 
 namespace epr {
 
@@ -31,9 +31,11 @@ struct ToolTimeouts {
     int startMs = 5000;
     int waitMs = 30000; ///< for the result, or for the next piece of it
     int killMs = 2000; ///< what a killed tool is given to go
+    int runMs = 120000; ///< for all the pieces
 };
 
-/// The waits for a tool that is asked for so many seconds of audio; fewer than 30 count as 30.
+/// The waits for a tool that is asked for so many seconds of audio; fewer than 30 count as 30. All of a file, which is
+/// what 0 seconds ask for, may take half a day.
 ToolTimeouts toolTimeouts(int seconds);
 
 struct ToolRun {
@@ -41,12 +43,21 @@ struct ToolRun {
     QString program;
     QStringList arguments;
     ToolTimeouts timeouts;
-    bool writesAllTheTime = false; ///< only a pause in its output that is too long counts as a hang then
+    qint64 maxBytes = 0; ///< of output; a tool that writes more is ended
+    bool writesAllTheTime = false; ///< a pause in its output that is too long counts as a hang then
     qsizetype expectedBytes = 0; ///< of output, to make room for
 };
 
+/// Why a tool gave nothing.
+struct ToolFailure {
+    QString text;
+    QByteArray output; ///< what it wrote all the same
+    bool hasRefused = false; ///< it has had its chance with this file, unlike one that did not start or come to an end
+};
+
 /// Runs a tool on the calling thread, which needs no event loop: what it wrote to its standard output, or why there is
-/// nothing to be had. A thread that is asked to interrupt kills its tool as if it had timed out.
-Result<QByteArray> runTool(const ToolRun &run);
+/// nothing to be had. Whatever the tool does, it comes to an end, with all that it has started. A thread that is asked
+/// to interrupt kills its tool as if it had timed out.
+[[nodiscard]] tl::expected<QByteArray, ToolFailure> runTool(const ToolRun &run);
 
 } // namespace epr

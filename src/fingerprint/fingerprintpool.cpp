@@ -6,11 +6,14 @@
 #include "backgroundwork.h"
 #include "decoding.h"
 #include "fpcalc.h"
+#include "mediabackend.h"
 
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QThread>
 
 #include <algorithm>
+#include <chrono>
 
 namespace epr {
 
@@ -20,6 +23,7 @@ namespace {
 
 constexpr int maxThreads = 16; // more only compete for the disk
 constexpr int defaultSeconds = 120;
+constexpr auto patience = std::chrono::milliseconds(800); // with threads that do not answer, all of them together
 
 } // namespace
 
@@ -31,6 +35,8 @@ FingerprintWorker::FingerprintWorker(int seconds, bool preferFpcalc)
 
 void FingerprintWorker::process(int id, const QString &path)
 {
+    if (QThread::currentThread()->isInterruptionRequested())
+        return;
     FingerprintResult result = m_preferFpcalc && hasFpcalc() ? runTool(path) : analyse(path);
     if (result.fingerprint.words.isEmpty() && result.error.isEmpty())
         result.error = tr("No decodable audio found");
@@ -54,9 +60,10 @@ FingerprintResult FingerprintWorker::analyse(const QString &path) const
     Analyser analyser;
     QList<float> samples;
     QString error;
-    if (decodeWithFfmpeg(path, analysisRate, m_seconds, samples, result.durationMs, error))
+    bool hasRefused = false;
+    if (decodeWithFfmpeg(path, analysisRate, m_seconds, samples, result.durationMs, error, &hasRefused))
         analyser.feed(samples.constData(), samples.size());
-    else
+    else if (!hasRefused || !mediaBackendIsFfmpeg()) // which would say the same, or not a word
         decodeWithQt(*this, analyser, path, result.durationMs, error);
     result.fingerprint.words = analyser.main().words();
     result.fingerprint.mask = analyser.main().masks();
@@ -83,25 +90,34 @@ void FingerprintPool::addLane(int index, int seconds, bool preferFpcalc)
     m_lanes.push_back({ thread, worker });
 }
 
-// Threads are told before any is waited for, so that their waits overlap.
+// Threads are told before any is waited for, so that their waits overlap. Their tools are gone within a moment; what
+// remains stuck is in the system, and whoever pressed Stop does not wait for that.
 FingerprintPool::~FingerprintPool()
 {
-    for (const Lane &lane : m_lanes) {
-        lane.thread->requestInterruption();
-        lane.thread->quit();
-    }
+    cancel();
     for (const Lane &lane : m_lanes)
-        waitOrLeave(lane.thread);
+        lane.thread->quit();
+    const QDeadlineTimer deadline(patience);
+    for (const Lane &lane : m_lanes)
+        waitOrLeave(lane.thread, std::chrono::milliseconds(deadline.remainingTime()));
+}
+
+void FingerprintPool::cancel()
+{
+    m_isCancelled = true;
+    for (const Lane &lane : m_lanes)
+        lane.thread->requestInterruption();
+    Q_EMIT cancelled({});
 }
 
 void FingerprintPool::run(const QList<FingerprintJob> &jobs)
 {
-    m_cancelled.store(false, std::memory_order_relaxed);
-    if (jobs.isEmpty())
+    if (jobs.isEmpty() || m_isCancelled)
         return;
     m_jobs = jobs;
     m_next = m_inFlight = m_done = 0;
     QEventLoop loop;
+    connect(this, &FingerprintPool::cancelled, &loop, &QEventLoop::quit);
     QObject batch; // takes the connections with it
     for (const Lane &lane : m_lanes) {
         connect(
@@ -121,7 +137,7 @@ void FingerprintPool::run(const QList<FingerprintJob> &jobs)
 
 void FingerprintPool::dispatch(const Lane &lane)
 {
-    if (m_next >= m_jobs.size() || m_cancelled.load(std::memory_order_relaxed))
+    if (m_next >= m_jobs.size() || m_isCancelled)
         return;
     const FingerprintJob &job = m_jobs.at(m_next++);
     ++m_inFlight;

@@ -4,7 +4,6 @@
 
 #include "records.h"
 
-#include <atomic>
 #include <vector>
 
 class QThread;
@@ -42,7 +41,7 @@ struct FingerprintJob {
 };
 
 /// Fingerprints batches of files on threads of its own, "epr-fingerprint-0" and so on. It is used on the thread that
-/// made it, except for cancel().
+/// made it.
 class FingerprintPool final : public QObject {
     Q_OBJECT
 
@@ -51,18 +50,19 @@ public:
     FingerprintPool(int threads, int seconds, bool preferFpcalc, QObject *parent = nullptr);
     ~FingerprintPool() override;
 
-    /// Blocks in a local event loop until every file of the batch has reported, or, once cancelled, every file that was
-    /// begun. When its thread is told to quit it returns at once, and what is still being worked on is dropped.
+    /// Blocks in a local event loop until every file of the batch has reported. When its thread is told to quit, or the
+    /// pool to cancel, it returns at once, and what is still being worked on is dropped.
     void run(const QList<FingerprintJob> &jobs);
 
-    /// Begins no further file of the running batch. May be called from any thread; the next run() starts afresh.
-    void cancel() { m_cancelled.store(true, std::memory_order_relaxed); }
+    /// Ends the running batch and every one after it: the threads let go of what they are at.
+    void cancel();
 
 Q_SIGNALS:
     /// Once for each file, as they finish.
     void completed(int id, const epr::FingerprintResult &result);
     /// After each completed().
     void progress(int done, int total);
+    void cancelled(QPrivateSignal);
 
 private:
     struct Lane {
@@ -79,7 +79,7 @@ private:
     int m_next = 0; ///< index of the next job to hand out
     int m_inFlight = 0;
     int m_done = 0;
-    std::atomic<bool> m_cancelled = false;
+    bool m_isCancelled = false;
 };
 
 } // namespace epr

@@ -15,6 +15,8 @@ namespace {
 
 constexpr QByteArrayView durationKey = "DURATION=";
 constexpr QByteArrayView fingerprintKey = "FINGERPRINT=";
+constexpr qint64 maxWordBytes = 1024; // of each second; eight words of up to eleven letters are usual
+constexpr qint64 maxOtherBytes = 65536;
 constexpr double maxDurationMs = 9.2e18; // just below what 63 bits hold; catches infinities and, negated, NaN
 
 QString toolName()
@@ -73,10 +75,14 @@ FpcalcResult parseFpcalcOutput(QByteArrayView output)
 FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds, const ToolTimeouts &timeouts)
 {
     const QStringList arguments { u"-raw"_s, u"-length"_s, QString::number(std::max(seconds, 1)), path };
-    const Result<QByteArray> output =
-        runTool({ .name = toolName(), .program = tool, .arguments = arguments, .timeouts = timeouts });
+    const tl::expected<QByteArray, ToolFailure> output =
+        runTool({ .name = toolName(),
+                  .program = tool,
+                  .arguments = arguments,
+                  .timeouts = timeouts,
+                  .maxBytes = std::max(seconds, 1) * maxWordBytes + maxOtherBytes });
     if (!output)
-        return { {}, 0, output.error() };
+        return { {}, 0, output.error().text };
     FpcalcResult result = parseFpcalcOutput(*output);
     if (result.fingerprint.isEmpty())
         result.error = u"fpcalc produced no fingerprint"_s;

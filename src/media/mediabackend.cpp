@@ -3,6 +3,7 @@
 #include "mediabackend.h"
 
 #include <QAudioBuffer>
+#include <QThread>
 #include <QUrl>
 #include <QVersionNumber>
 
@@ -14,6 +15,7 @@ namespace epr {
 namespace {
 
 constexpr QByteArrayView ffmpegBackend = "ffmpeg";
+constexpr int interruptionMs = 50; // how long a decoding may take to notice that its thread is asked to stop
 
 bool usesQtBefore(int major, int minor)
 {
@@ -36,6 +38,13 @@ void preferFfmpegMediaBackend()
 #endif
 }
 
+// It is Qt's choice from 6.5 on.
+bool mediaBackendIsFfmpeg()
+{
+    const QByteArray chosen = qgetenv("QT_MEDIA_BACKEND");
+    return chosen.isEmpty() ? !usesQtBefore(6, 5) : chosen == ffmpegBackend;
+}
+
 // The ffmpeg back-end of Qt 6.4 turns letters outside ASCII into question marks.
 bool mediaBackendMisreadsName(const QString &path)
 {
@@ -55,6 +64,10 @@ FileDecoding::FileDecoding(Take take, int watchdogMs)
     m_watchdog.setSingleShot(true);
     m_watchdog.setInterval(watchdogMs);
     connect(&m_watchdog, &QTimer::timeout, this, [this] { end(End::TimedOut); });
+    connect(&m_interruption, &QTimer::timeout, this, [this] {
+        if (QThread::currentThread()->isInterruptionRequested())
+            end();
+    });
     connect(&m_decoder, &QAudioDecoder::bufferReady, this, &FileDecoding::readBuffers);
     connect(&m_decoder, &QAudioDecoder::finished, this, [this] { end(End::Complete); });
     connect(&m_decoder, qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), this, [this] {
@@ -69,6 +82,7 @@ FileDecoding::End FileDecoding::run(const QString &path)
     if (!openSource(path))
         return m_end;
     m_watchdog.start();
+    m_interruption.start(interruptionMs);
     m_decoder.start();
     // Some back-ends report an error before the loop runs, and then nothing more would end it.
     if (!m_hasEnded)

@@ -21,6 +21,9 @@ void preferFfmpegMediaBackend();
 /// gets by name, because some back-ends go by the suffix.
 bool mediaBackendMisreadsName(const QString &path);
 
+/// Whether the media back-end in use reads files with ffmpeg's libraries.
+bool mediaBackendIsFfmpeg();
+
 /// Whether the media back-end in use takes such a file's audio for something else and makes loud noise of it. It must
 /// not be given the file at all.
 bool mediaBackendGarbles(const QString &path);
@@ -32,7 +35,7 @@ class FileDecoding final : public QObject {
 public:
     enum class End {
         Complete,
-        Enough, ///< said who takes the buffers, or end() was called
+        Enough, ///< said who takes the buffers, or end() was called, or the thread is interrupted
         TimedOut,
         Failed,
         Impossible, ///< there is no decoder, or none that such a file may be given to
@@ -42,7 +45,8 @@ public:
 
     FileDecoding(Take take, int watchdogMs);
 
-    /// Blocks in a local event loop. What was decoded before an error or before the watchdog bites counts.
+    /// Blocks in a local event loop. What was decoded before an error or before the watchdog bites counts. Returns soon
+    /// when the thread is asked to interrupt.
     [[nodiscard]] End run(const QString &path);
 
     /// Makes run() return; to be called on the same thread, from within the event loop.
@@ -64,6 +68,7 @@ private:
     QAudioDecoder m_decoder; // after the file, which it may be reading
     QEventLoop m_loop;
     QTimer m_watchdog;
+    QTimer m_interruption;
 };
 
 } // namespace epr

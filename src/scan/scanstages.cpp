@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QThread>
 #include <QThreadPool>
+#include <QTimer>
 #include <QtConcurrentMap>
 
 #include <algorithm>
@@ -22,7 +23,7 @@ namespace epr {
 namespace {
 
 constexpr int eventBudgetMs = 40; // of one polling round
-constexpr unsigned long pollPauseMs = 50;
+constexpr int pollPauseMs = 50;
 constexpr qsizetype namedFolders = 100; // in the log; a drive that drops out may take thousands with it
 
 void logProblems(const DiscoveryProblems &problems, const StageContext &context)
@@ -84,14 +85,18 @@ int runFingerprintPool(QList<TrackInfo> &tracks, const QList<FingerprintJob> &jo
         Qt::DirectConnection);
     QObject::connect(
         &pool, &FingerprintPool::progress, &pool,
-        [&context, &pool](int done, int total) {
+        [&context](int done, int total) {
             context.progress(
                 done, total,
                 QCoreApplication::translate("epr::ScanController", "Fingerprinted %1 of %2").arg(done).arg(total));
-            if (context.isCancelled())
-                pool.cancel();
         },
         Qt::DirectConnection);
+    QTimer flagWatch; // a file may take a minute to report
+    QObject::connect(&flagWatch, &QTimer::timeout, &pool, [&context, &pool] {
+        if (context.isCancelled())
+            pool.cancel();
+    });
+    flagWatch.start(pollPauseMs);
     pool.run(jobs);
     return failures;
 }

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr ToolTimeouts patient { 5000, 20000, 2000 };
+constexpr ToolTimeouts patient { 5000, 20000, 2000, 60000 };
 
 } // namespace
 
@@ -69,7 +69,7 @@ private Q_SLOTS:
         const QString tool = standIn("printf '|%s' \"$@\" >&2; exit 1");
         for (const QString &path : { u"-\"b\" 'c' \\d/ e .mp3"_s, u"/日本/😀$(id) `id` *;&|>%PATH%\n.mp3"_s }) {
             QCOMPARE(runFpcalcTool(tool, path, 60, patient).error, u"|-raw|-length|60|"_s + path);
-            QCOMPARE(decodeWithFfmpegTool(tool, { path, 11025, 60 }, patient).error(),
+            QCOMPARE(decodeWithFfmpegTool(tool, { path, 11025, 60 }, patient).error().text,
                      u"|-nostdin|-loglevel|error|-i|"_s + path + u"|-t|60|-ac|1|-ar|11025|-f|f32le|-"_s);
         }
         QCOMPARE(runFpcalcTool(tool, u"a"_s, 0, patient).error, u"|-raw|-length|1|a"_s);
@@ -83,22 +83,45 @@ private Q_SLOTS:
         QTest::newRow("its own words") << "echo ' no such codec ' >&2; exit 1"_ba << u"no such codec"_s;
         QTest::newRow("killed") << "kill -9 $$"_ba << u"TOOL failed (exit 9)"_s;
         QTest::newRow("hangs") << "echo FINGERPRINT=1; exec sleep 60"_ba << u"TOOL timed out"_s;
+        QTest::newRow("hangs with a child")
+            << "trap '' TERM; sleep 60 & echo $! >>PIDS; wait"_ba << u"TOOL timed out"_s;
+        QTest::newRow("leaves a child") << "sleep 60 & echo $! >>PIDS; exit 5"_ba << u"TOOL failed (exit 5)"_s;
+        QTest::newRow("drips") << "while :; do printf 1; sleep 0.1; done"_ba << u"TOOL timed out"_s;
+        QTest::newRow("floods") << "yes"_ba << u"TOOL printed too much"_s;
+        QTest::newRow("complains without end") << "yes >&2"_ba << u"TOOL timed out"_s;
     }
 
+    // Each tool notes its number and its children's, none of which may be at work afterwards.
     void failuresAreReported()
     {
-        QFETCH(const QByteArray, script);
+        QFETCH(QByteArray, script);
         QFETCH(const QString, error);
-        const QString tool = script.isEmpty() ? m_dir.filePath(u"gone"_s) : standIn(script);
-        const ToolTimeouts timeouts { 5000, script.contains("sleep") ? 400 : 20000, 30000 };
+        const QString pids = m_dir.filePath(u"pids"_s);
+        QFile::remove(pids);
+        const QString tool = script.isEmpty()
+            ? m_dir.filePath(u"gone"_s)
+            : standIn("echo $$ >>PIDS; " + script.replace("PIDS", QFile::encodeName(pids)));
+        const bool hangs = error.endsWith("timed out"_L1);
+        const ToolTimeouts timeouts { 5000, hangs ? 400 : 20000, 30000, hangs ? 800 : 60000 };
         QElapsedTimer clock;
         clock.start();
         QCOMPARE(runFpcalcTool(tool, u"a"_s, 60, timeouts),
                  (FpcalcResult { {}, 0, QString(error).replace(u"TOOL"_s, u"fpcalc"_s) }));
-        const Result<QList<float>> audio = decodeWithFfmpegTool(tool, { u"a"_s, 11025, 60 }, timeouts);
+        const auto audio = decodeWithFfmpegTool(tool, { u"a"_s, 11025, 60 }, timeouts);
         QVERIFY(!audio);
-        QCOMPARE(audio.error(), QString(error).replace(u"TOOL"_s, u"ffmpeg"_s));
+        QCOMPARE(audio.error().text, QString(error).replace(u"TOOL"_s, u"ffmpeg"_s));
+        QCOMPARE(audio.error().hasRefused, !script.isEmpty() && !hangs);
         QVERIFY(clock.elapsed() < 30000); // or a hanging tool was waited for, not killed
+        for (const QByteArray &pid : test::readFile(pids).split('\n')) {
+            const QString commandLine = u"/proc/%1/cmdline"_s.arg(QString::fromLatin1(pid)); // empty for the dead
+            QTRY_VERIFY2(pid.isEmpty() || test::readFile(commandLine).isEmpty(), pid.constData());
+        }
+    }
+
+    void memoryIsLimited()
+    {
+        const QString limit = runFpcalcTool(standIn("ulimit -d >&2; exit 1"), u"a"_s, 60, patient).error; // in KiB
+        QVERIFY2(limit.toInt() > 512 * 1024, qUtf8Printable(limit));
     }
 
     void usableOutputIsTaken()
@@ -110,13 +133,13 @@ private Q_SLOTS:
             return decodeWithFfmpegTool(standIn(script), { u"a"_s, 11025, 60 }, patient);
         };
         QCOMPARE(ffmpeg("echo hm >&2; printf '\\0\\0\\200\\077abc'").value(), QList<float>({ 1.0F }));
-        QCOMPARE(ffmpeg("printf 123").error(), u"ffmpeg produced no audio"_s);
+        QCOMPARE(ffmpeg("printf 123").error().text, u"ffmpeg produced no audio"_s);
     }
 
     void onlyAPauseIsAHangForFfmpeg()
     {
         const QString tool = standIn("for i in 1 2 3 4 5 6 7 8 9 10; do printf 'FING'; sleep 0.2; done");
-        const ToolTimeouts timeouts { 5000, 1200, 2000 };
+        const ToolTimeouts timeouts { 5000, 1200, 2000, 60000 };
         QCOMPARE(decodeWithFfmpegTool(tool, { u"a"_s, 8000, 60 }, timeouts).value().size(), 10);
         QCOMPARE(runFpcalcTool(tool, u"a"_s, 60, timeouts).error, u"fpcalc timed out"_s);
     }

@@ -10,7 +10,9 @@
 
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <functional>
 
@@ -66,6 +68,15 @@ class TestScanController : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+#ifndef Q_OS_WIN // which starts no scripts; this one hangs
+        writeFile(m_tools.filePath(u"fpcalc"_s), "#!/bin/sh\nexec sleep 50\n");
+        QFile::setPermissions(m_tools.filePath(u"fpcalc"_s), QFile::ReadOwner | QFile::ExeOwner);
+        qputenv("EPR_FPCALC", QFile::encodeName(m_tools.filePath(u"fpcalc"_s)));
+#endif
+    }
+
     void init()
     {
         m_home.emplace();
@@ -178,6 +189,24 @@ private Q_SLOTS:
         QVERIFY2(scan(controller, m_options).groups.size() == 1, "the next scan starts afresh");
     }
 
+#ifndef Q_OS_WIN
+    // A tool that were waited for would have its file fail.
+    void cancellingDoesNotWaitForTools()
+    {
+        m_options.detectAcoustic = true;
+        m_options.decoderThreads = 2;
+        ScanController controller;
+        const Outcome outcome = scan(controller, m_options, [&](const QString &phase) {
+            if (phase == "Fingerprinting audio"_L1)
+                QTimer::singleShot(300, &controller, &ScanController::cancel);
+        });
+        QVERIFY(outcome.cancelled && outcome.tracks.size() == 4);
+        for (const TrackInfo &track : outcome.tracks)
+            QCOMPARE(track.error, QString());
+        QCOMPARE(outcome.log.filter(u"could not be decoded"_s), QStringList());
+    }
+#endif
+
     void cancelledAnalysisIsKept()
     {
         constexpr int files = 16;
@@ -231,6 +260,7 @@ private:
         return m_home->filePath(u"library/"_s + name);
     }
 
+    QTemporaryDir m_tools;
     std::optional<TemporaryHome> m_home;
     ScanOptions m_options;
 };
