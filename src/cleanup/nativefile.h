@@ -57,4 +57,28 @@ struct Identity {
 /// Follows symbolic links. Nothing if there is no file or its file system does not tell files apart.
 std::optional<Identity> identityOf(const QString &path);
 
+/// A moment to the full precision of the file system: seconds since 1970 and what is beyond them.
+struct Time {
+    qint64 seconds = 0;
+    qint64 nanoseconds = 0;
+
+    bool operator==(const Time &) const = default;
+};
+
+struct Status {
+    Identity identity; ///< index 0 if the file system does not tell files apart
+    qint64 size = 0; ///< bytes
+    Time accessed;
+    Time modified;
+    bool isMountPoint = false; ///< the file was put over another one's name; false if the system does not say
+};
+
+/// Asks the file system itself, past what a network drive or another program that serves files left in the system's
+/// memory. Follows symbolic links.
+std::optional<Status> statusOf(const QString &path);
+
+/// Takes both times, because some programs that serve files lose the one when told to leave it. Needs the right of the
+/// file's owner. Follows symbolic links.
+[[nodiscard]] Result<> setTimes(const QString &path, const Time &accessed, const Time &modified);
+
 } // namespace epr::nativefile

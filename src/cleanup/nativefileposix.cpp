@@ -11,6 +11,9 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#ifdef __linux__
+#include <sys/sysmacros.h>
+#endif
 #include <unistd.h>
 
 namespace epr::nativefile {
@@ -191,6 +194,40 @@ std::optional<Identity> identityOf(const QString &path)
     if (stat(QFile::encodeName(path).constData(), &status) != 0)
         return std::nullopt;
     return Identity { status.st_dev, status.st_ino, status.st_nlink };
+}
+
+std::optional<Status> statusOf(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+#ifdef STATX_ATTR_MOUNT_ROOT
+    struct statx status = {};
+    if (statx(AT_FDCWD, name.constData(), AT_STATX_FORCE_SYNC, STATX_BASIC_STATS, &status) != 0)
+        return std::nullopt;
+    return Status { .identity = { makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino,
+                                  status.stx_nlink },
+                    .size = static_cast<qint64>(status.stx_size),
+                    .accessed = { status.stx_atime.tv_sec, status.stx_atime.tv_nsec },
+                    .modified = { status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec },
+                    .isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 };
+#else
+    struct stat status = {};
+    if (stat(name.constData(), &status) != 0)
+        return std::nullopt;
+    const auto [accessed, modified] = timesOf(status);
+    return Status { .identity = { static_cast<quint64>(status.st_dev), status.st_ino, status.st_nlink },
+                    .size = status.st_size,
+                    .accessed = { accessed.tv_sec, accessed.tv_nsec },
+                    .modified = { modified.tv_sec, modified.tv_nsec } };
+#endif
+}
+
+Result<> setTimes(const QString &path, const Time &accessed, const Time &modified)
+{
+    const std::array<timespec, 2> times { timespec { accessed.seconds, accessed.nanoseconds },
+                                          timespec { modified.seconds, modified.nanoseconds } };
+    if (utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times.data(), 0) == 0)
+        return {};
+    return systemFailure();
 }
 
 } // namespace epr::nativefile

@@ -59,6 +59,27 @@ Result<Outcome> outcomeOfError(DWORD error)
     }
 }
 
+quint64 wide(DWORD high, DWORD low)
+{
+    return (static_cast<quint64>(high) << 32) | low;
+}
+
+constexpr qint64 secondsTo1970 = 11644473600; // from 1601, where Windows begins to count
+constexpr qint64 ticksPerSecond = 10000000;
+constexpr qint64 nanosecondsPerTick = 100;
+
+Time timeOf(const FILETIME &time)
+{
+    const auto ticks = static_cast<qint64>(wide(time.dwHighDateTime, time.dwLowDateTime));
+    return { ticks / ticksPerSecond - secondsTo1970, ticks % ticksPerSecond * nanosecondsPerTick };
+}
+
+FILETIME fileTimeOf(const Time &time)
+{
+    const qint64 ticks = (time.seconds + secondsTo1970) * ticksPerSecond + time.nanoseconds / nanosecondsPerTick;
+    return { static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32) };
+}
+
 bool copyTimes(const QString &from, const QString &to)
 {
     const FileHandle source = openFile(from, FILE_READ_ATTRIBUTES);
@@ -151,14 +172,34 @@ Result<LockOutcome> lockFile(QFileDevice &file)
 
 std::optional<Identity> identityOf(const QString &path)
 {
+    const std::optional<Status> status = statusOf(path);
+    if (!status || status->identity.index == 0) // some network file systems number nothing
+        return std::nullopt;
+    return status->identity;
+}
+
+std::optional<Status> statusOf(const QString &path)
+{
     const FileHandle file = openFile(path, FILE_READ_ATTRIBUTES);
     BY_HANDLE_FILE_INFORMATION information = {};
     if (!isOpen(file) || !GetFileInformationByHandle(file.get(), &information))
         return std::nullopt;
-    const quint64 index = (static_cast<quint64>(information.nFileIndexHigh) << 32) | information.nFileIndexLow;
-    if (index == 0) // some network file systems number nothing
-        return std::nullopt;
-    return Identity { information.dwVolumeSerialNumber, index, information.nNumberOfLinks };
+    return Status { .identity = { information.dwVolumeSerialNumber,
+                                  wide(information.nFileIndexHigh, information.nFileIndexLow),
+                                  information.nNumberOfLinks },
+                    .size = static_cast<qint64>(wide(information.nFileSizeHigh, information.nFileSizeLow)),
+                    .accessed = timeOf(information.ftLastAccessTime),
+                    .modified = timeOf(information.ftLastWriteTime) };
+}
+
+Result<> setTimes(const QString &path, const Time &accessed, const Time &modified)
+{
+    const FileHandle file = openFile(path, FILE_WRITE_ATTRIBUTES);
+    const FILETIME access = fileTimeOf(accessed);
+    const FILETIME write = fileTimeOf(modified);
+    if (isOpen(file) && SetFileTime(file.get(), nullptr, &access, &write))
+        return {};
+    return systemFailure(GetLastError());
 }
 
 } // namespace epr::nativefile

@@ -5,7 +5,7 @@
 #include "cleanuplock.h"
 #include "displaytext.h"
 #include "quarantinerun.h"
-#include "removalplan.h"
+#include "removalguard.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -56,7 +56,7 @@ public:
     Removal(const QStringList &paths, RemovalMode mode, const KeptCopies &kept, QuarantineRun &quarantine)
         : m_paths(paths)
         , m_mode(mode)
-        , m_kept(kept)
+        , m_guard(mode, kept)
         , m_quarantine(quarantine)
     {
     }
@@ -89,8 +89,8 @@ private:
             reportFailure(failureMessage(m_mode, path));
             return;
         }
-        if (!copyStays(path)) {
-            reportFailure(copyGone(path));
+        if (const std::optional<QString> objection = m_guard.objection(path)) {
+            reportFailure(*objection);
             return;
         }
         if (const std::optional<QString> left = tryToRemove(index, size)) {
@@ -107,7 +107,7 @@ private:
         bool removed = false;
         switch (m_mode) {
         case RemovalMode::Quarantine:
-            return m_quarantine.move(index, size, [this](const QString &path) { return copyStays(path); });
+            return m_quarantine.move(index, size, [this](const QString &path) { return m_guard.copyStays(path); });
         case RemovalMode::RecycleBin:
             removed = hasRecycleBin() && file.moveToTrash();
             break;
@@ -121,11 +121,6 @@ private:
         return withReason(failureMessage(m_mode, m_paths.at(index)), wasAsked ? file.errorString() : QString());
     }
 
-    [[nodiscard]] bool copyStays(const QString &path) const
-    {
-        return m_kept.isEmpty() || standsWithout(path, m_kept.value(path));
-    }
-
     void reportFailure(const QString &message)
     {
         ++m_result.failed;
@@ -134,7 +129,7 @@ private:
 
     const QStringList m_paths;
     const RemovalMode m_mode;
-    const KeptCopies m_kept;
+    const RemovalGuard m_guard;
     QuarantineRun &m_quarantine;
     RemovalResult m_result;
 };

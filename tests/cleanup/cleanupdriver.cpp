@@ -58,6 +58,16 @@ int quarantineAndDie(const QStringList &arguments)
     return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, die).failed;
 }
 
+/// "remove MODE QUARANTINE FILE COPY": the one file, while the other stays. Says what was in the way.
+int removeOne(const QStringList &arguments)
+{
+    const RemovalResult removed =
+        removeFiles({ arguments.at(2) }, static_cast<RemovalMode>(arguments.at(0).toInt()), arguments.at(1), {}, {},
+                    { { arguments.at(2), { asItIs(arguments.at(3)) } } });
+    std::puts(qPrintable(removed.refusal + removed.errors.join(u' ')));
+    return removed.succeeded == 1 ? 0 : 1;
+}
+
 /// "undo": every list there is, the newest first.
 int undoAll()
 {
@@ -85,5 +95,7 @@ int main(int argc, char **argv)
         return quarantineAndDie(arguments.sliced(2)) > 0 ? 1 : 0;
     if (task == u"pairs"_s)
         return quarantinePairs(arguments.sliced(2));
+    if (task == u"remove"_s)
+        return removeOne(arguments.sliced(2));
     return task == u"undo"_s ? undoAll() : 2;
 }

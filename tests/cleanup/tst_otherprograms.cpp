@@ -13,6 +13,8 @@
 
 #ifdef Q_OS_LINUX
 #include <sys/syscall.h>
+#endif
+#ifdef Q_OS_UNIX
 #include <unistd.h>
 #endif
 
@@ -150,6 +152,84 @@ private Q_SLOTS:
             if (mode == RemovalMode::Quarantine)
                 QCOMPARE(filesBelow(box.quarantine()).size(), 1);
         }
+    }
+
+    // In the library are "real" with the files a and b, of one size, and "elsewhere", a hard link to a; "seen" is where
+    // something is mounted, and "spare" and "work" are empty.
+    void oneFileUnderTwoMountsStays_data()
+    {
+        const Rows<QString, QString, QString, bool> row("mount", "file", "copy", "goes");
+        const QString below = u"mount -t overlay o -o lowerdir=real,upperdir=spare,workdir=work seen"_s;
+        const QString above = u"mount -t overlay o -o lowerdir=spare,upperdir=real,workdir=work seen"_s;
+        const QString bindfs = u"bindfs real seen"_s;
+        row("folder", u"mount --bind real seen"_s, u"real/a"_s, u"seen/a"_s, false);
+        row("file", u"touch seen/a; mount --bind real/a seen/a"_s, u"real/a"_s, u"seen/a"_s, false);
+        row("below an overlay", below, u"real/a"_s, u"seen/a"_s, false);
+        row("an overlay's copy of its own", below, u"seen/a"_s, u"real/a"_s, true);
+        row("an overlay's upper folder", above, u"real/a"_s, u"seen/a"_s, false);
+        row("overlay", above, u"seen/a"_s, u"real/a"_s, false);
+        row("overlay, two files", above, u"seen/a"_s, u"real/b"_s, true);
+        row("bindfs", bindfs, u"real/a"_s, u"seen/a"_s, false);
+        row("bindfs, seen from it", bindfs, u"seen/a"_s, u"real/a"_s, false);
+        row("bindfs, two files", bindfs, u"seen/a"_s, u"real/b"_s, true);
+    }
+
+    void oneFileUnderTwoMountsStays()
+    {
+        QFETCH(QString, mount);
+        if (QProcess::execute(u"unshare"_s, { u"-m"_s, u"true"_s }) != 0)
+            QSKIP("Only the administrator may mount");
+        if (QStandardPaths::findExecutable(mount.section(u' ', 0, 0)).isEmpty())
+            QSKIP("bindfs is not installed");
+        QFETCH(QString, file);
+        QFETCH(QString, copy);
+        QFETCH(bool, goes);
+        for (const RemovalMode mode : { RemovalMode::Quarantine, RemovalMode::Delete }) {
+            Sandbox box;
+            const QString real = box.add(u"real/a"_s);
+            box.add(u"real/b"_s);
+            std::filesystem::create_hard_link(real.toStdString(), box.inLibrary(u"elsewhere"_s).toStdString());
+            for (const QString &folder : words("seen spare work"))
+                QDir().mkpath(box.inLibrary(folder));
+            const QDateTime read = QFileInfo(real).lastRead();
+            QProcess program;
+            program.setWorkingDirectory(box.library());
+            program.start(u"unshare"_s,
+                          { u"-m"_s, u"sh"_s, u"-c"_s,
+                            mount + u" && { \"$@\"; result=$?; umount seen/a || umount seen; exit $result; }"_s,
+                            u"sh"_s, cleanupDriver(), u"remove"_s, QString::number(static_cast<int>(mode)),
+                            box.quarantine(), box.inLibrary(file), box.inLibrary(copy) });
+            QVERIFY(program.waitForFinished());
+            const QByteArray said = program.readAllStandardOutput();
+            QVERIFY2(program.exitCode() == (goes ? 0 : 1), (said + program.readAllStandardError()).constData());
+            QCOMPARE(said.contains(" was left in place: "), !goes);
+            QCOMPARE(QFileInfo(goes ? box.inLibrary(copy) : real).size(), 100);
+            if (!goes)
+                QVERIFY(QFileInfo(real).lastRead() >= read); // the change that it was tried with was taken back
+        }
+    }
+
+    // Nothing tells whether files on two drives are two unless the one may be touched.
+    void strangersFileIsNotDeletedForACopyOnAnotherDrive()
+    {
+#ifdef Q_OS_UNIX
+        if (geteuid() != 0 || !Sandbox::hasTwoFileSystems())
+            QSKIP("Only the administrator can give files away, and it takes two file systems");
+        const auto backToRoot = qScopeGuard([] { QVERIFY(seteuid(0) == 0); });
+        QVERIFY(seteuid(65534) == 0);
+        Sandbox box(true);
+        const QString copy = box.quarantine() + u"/copy"_s;
+        box.write(copy, QByteArray(100, 'c'));
+        const QStringList paths { box.add(u"own"_s), box.add(u"stranger's"_s) };
+        QVERIFY(seteuid(0) == 0);
+        QVERIFY(chown(QFile::encodeName(paths.at(1)).constData(), 0, 0) == 0 && seteuid(65534) == 0);
+        const KeptCopies kept { { paths.at(0), { asItIs(copy) } }, { paths.at(1), { asItIs(copy) } } };
+        const QStringList errors = removeFiles(paths, RemovalMode::Delete, {}, {}, {}, kept).errors;
+        QVERIFY2(errors.value(0).startsWith(paths.at(1) + u" was left in place: it could not be proved"_s),
+                 qPrintable(errors.join(u' ')));
+        QVERIFY(!QFileInfo::exists(paths.at(0)) && QFileInfo::exists(paths.at(1)));
+        QCOMPARE(removeFiles(paths.sliced(1), RemovalMode::Quarantine, box.path(u"q"_s), {}, {}, kept).succeeded, 1);
+#endif
     }
 };
 
