@@ -133,6 +133,9 @@ Result<> QuarantineRun::prepare(qsizetype index)
     if (m_manifestPath.isEmpty()) {
         if (Result<> begun = begin(); !begun)
             return begun;
+    } else if (!QFileInfo(m_runFolder).isDir()) {
+        // Of a drive that goes, an empty folder stays: what is moved there now is hidden when the drive comes back.
+        return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 is gone").arg(m_runFolder));
     }
     if (!m_planned.contains(index)) {
         if (Result<> planned = planFrom(index); !planned)

@@ -40,22 +40,24 @@ int quarantinePairs(const QStringList &arguments)
     return removeFiles(paths, RemovalMode::Quarantine, arguments.at(1), {}, {}, kept).refusal.isEmpty() ? 0 : 1;
 }
 
-/// "quarantine LIBRARY QUARANTINE NUMBER [wait]": moves everything and dies before the file with the number, which may
-/// be greater than all; if it is to wait, not before it is told so or killed.
-int quarantineAndDie(const QStringList &arguments)
+/// "quarantine LIBRARY QUARANTINE NUMBER [wait]": moves everything and, before the file with the number, dies or waits
+/// to be told to go on. There may be fewer files.
+int quarantineAll(const QStringList &arguments)
 {
     const bool waits = arguments.size() > 3;
-    const auto die = [dieBefore = arguments.at(2).toInt(), waits](qsizetype index, qsizetype, const QString &) {
-        if (index == dieBefore && waits)
-            waitToBeTold();
+    const auto stumble = [number = arguments.at(2).toInt(), waits](qsizetype index, qsizetype, const QString &) {
+        if (index != number)
+            return true;
+        if (waits)
+            return waitToBeTold(), true;
 #ifdef Q_OS_UNIX
-        return index != dieBefore || std::raise(SIGKILL) != 0;
+        return std::raise(SIGKILL) != 0;
 #else
-        return index != dieBefore || (std::_Exit(1), true);
+        return std::_Exit(1), true;
 #endif
     };
     const QString library = arguments.at(0);
-    return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, die).failed;
+    return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, stumble).failed;
 }
 
 /// "remove MODE QUARANTINE FILE COPY": the one file, while the other stays. Says what was in the way.
@@ -92,7 +94,7 @@ int main(int argc, char **argv)
     const QStringList arguments = QCoreApplication::arguments();
     const QString task = arguments.value(1);
     if (task == u"quarantine"_s)
-        return quarantineAndDie(arguments.sliced(2)) > 0 ? 1 : 0;
+        return quarantineAll(arguments.sliced(2)) > 0 ? 1 : 0;
     if (task == u"pairs"_s)
         return quarantinePairs(arguments.sliced(2));
     if (task == u"remove"_s)

@@ -208,6 +208,23 @@ private Q_SLOTS:
         QVERIFY(treeOf(box.inRun(u"library"_s)).value(u"1.mp3"_s).endsWith("an intruder"));
     }
 
+    void quarantineThatGoesTakesNothingMore()
+    {
+        Sandbox box(otherFileSystem());
+        const QStringList paths = box.addMany(4, u"%1.mp3"_s);
+        const Tree before = treeOf(box.library());
+        const QString away = box.quarantine() + u" away"_s;
+        const RemovalResult removed = quarantine(box, paths, [&](qsizetype index, qsizetype, const QString &) {
+            // What a drive leaves behind is an empty folder, into which the files would fit as well.
+            return index != 2 || (QDir().rename(box.quarantine(), away) && QDir().mkdir(box.quarantine()));
+        });
+        QCOMPARE(removed.succeeded, 2);
+        QVERIFY2(removed.errors.value(1).endsWith(" is gone"_L1), qPrintable(removed.errors.value(1)));
+        QCOMPARE(treeOf(box.quarantine()), Tree());
+        QVERIFY(QDir().rmdir(box.quarantine()) && QDir().rename(away, box.quarantine()));
+        CHECK_UNDO(box, removed.manifestPath, 2, before);
+    }
+
     void moveNeverReplaces()
     {
         Sandbox box(otherFileSystem());
