@@ -44,6 +44,13 @@
 <context>
     <name>epr::ScanController</name>
     <message numerus="yes">
+        <source>%n file(s) are text and not audio. They are still checked by hash.</source>
+        <translation>
+            <numerusform>%n file is text and not audio. It is still checked by hash.</numerusform>
+            <numerusform>%n files are text and not audio. They are still checked by hash.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>Could not read %n more folder(s).</source>
         <translation>
             <numerusform>Could not read %n more folder.</numerusform>

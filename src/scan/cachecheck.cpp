@@ -3,6 +3,7 @@
 #include "analysiscache.h"
 #include "libraryfiles.h"
 #include "scanstages.h"
+#include "textfile.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -19,6 +20,15 @@ namespace {
 
 constexpr qsizetype sliceSize = 512;
 constexpr qsizetype maxThreads = 4; // more would wait for each other at the disk
+constexpr qint64 largestText = 1 << 20; // bytes; opening every large file of a format without reader would take long
+
+// Earlier versions took down the fingerprint and the duration of the file that a playlist or manifest names. No reader
+// knows a rate of such a file.
+bool isFingerprintOfText(const TrackInfo &track)
+{
+    return !track.fingerprint.words.isEmpty() && track.stream.sampleRate == 0 && track.stream.bitrateKbps == 0
+        && track.size <= largestText && looksLikeText(track.path);
+}
 
 // An analysis that an earlier scan made with fewer methods is not enough: a file without a digest would match nothing.
 // What the cache knows and the analysis does not repeat, above all the fingerprint, stays.
@@ -26,6 +36,10 @@ void takeFromCache(TrackInfo &track, const ScanOptions &options)
 {
     if ((track.flags & TrackFromCache) == 0)
         return;
+    if (isFingerprintOfText(track)) {
+        track.fingerprint = {};
+        track.stream = {};
+    }
     if (hasWantedDigests(track, options)) {
         track.analysed = !options.detectAcoustic || hasCompleteFingerprint(track, options.fingerprintEngine);
         return;

@@ -8,12 +8,14 @@
 #include "fpcalc.h"
 #include "libraryfiles.h"
 #include "matching.h"
+#include "textfile.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QThread>
 #include <QThreadPool>
 #include <QTimer>
+#include <QtConcurrentFilter>
 #include <QtConcurrentMap>
 
 #include <algorithm>
@@ -54,6 +56,28 @@ QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, Fingerprin
             jobs.append({ static_cast<int>(i), tracks.at(i).path });
     }
     return jobs;
+}
+
+// A decoder follows a playlist or manifest to the file that it names. The text would pass for a copy of that, perhaps
+// even for the one to keep, so it is not compared by sound. It is not cached, having an error.
+void leaveOutTexts(QList<TrackInfo> &tracks, QList<FingerprintJob> &jobs, const StageContext &context)
+{
+    QThreadPool pool;
+    const QList<FingerprintJob> texts = QtConcurrent::blockingFiltered(
+        &pool, jobs, [&context](const auto &job) { return !context.isCancelled() && looksLikeText(job.path); });
+    if (texts.isEmpty())
+        return;
+    QSet<int> ids;
+    for (const FingerprintJob &text : texts) {
+        TrackInfo &track = tracks[text.id];
+        track.analysed = false;
+        track.error = QCoreApplication::translate("epr::ScanController", "Text, not audio: not compared by sound");
+        ids.insert(text.id);
+    }
+    jobs.removeIf([&ids](const FingerprintJob &job) { return ids.contains(job.id); });
+    context.log(QCoreApplication::translate("epr::ScanController",
+                                            "%n file(s) are text and not audio. They are still checked by hash.",
+                                            nullptr, static_cast<int>(texts.size())));
 }
 
 // A record whose fingerprint failed is not cached, because it has an error, so the next scan tries again.
@@ -215,10 +239,13 @@ QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &op
 {
     if (context.isCancelled() || !options.detectAcoustic)
         return tracks;
-    const QList<FingerprintJob> jobs = fingerprintJobs(tracks, options.fingerprintEngine);
+    QList<FingerprintJob> jobs = fingerprintJobs(tracks, options.fingerprintEngine);
     if (jobs.isEmpty())
         return tracks;
     context.phase(QCoreApplication::translate("epr::ScanController", "Fingerprinting audio"));
+    leaveOutTexts(tracks, jobs, context);
+    if (jobs.isEmpty() || context.isCancelled())
+        return tracks;
     logFingerprinting(jobs.size(), options, context);
     const int failures = runFingerprintPool(tracks, jobs, options, context);
     if (failures > 0) {

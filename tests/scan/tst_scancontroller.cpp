@@ -93,7 +93,7 @@ private Q_SLOTS:
 
     void findsDuplicates()
     {
-        writeFile(path(u"damaged.wav"_s), QByteArray(50000, 'x'));
+        writeFile(path(u"damaged.wav"_s), QByteArray(50000, '\1'));
         ScanController controller;
         QSignalSpy failures(&controller, &ScanController::failed);
         const Outcome outcome = scan(controller, m_options, [&](const QString &phase) {
@@ -126,7 +126,7 @@ private Q_SLOTS:
         ScanController controller;
         const Outcome cancelled = scan(controller, m_options, cancelAt(controller, u"Fingerprinted 1 of 4"_s));
         QVERIFY(cancelled.cancelled && cancelled.groups.isEmpty());
-        writeFile(path(u"damaged.wav"_s), QByteArray(50000, 'x'));
+        writeFile(path(u"damaged.wav"_s), QByteArray(50000, '\1'));
         m_options.decoderThreads = 4;
         for (const int left : { 4, 1 }) { // one of the four is done; the damaged one fails each time
             const QStringList log = scan(controller, m_options).log;
@@ -135,6 +135,37 @@ private Q_SLOTS:
                 u"Fingerprinting %1 file(s) on 4 thread(s) using built-in analysis, ffmpeg decode."_s.arg(left)));
             QCOMPARE(log.filter(u"1 file(s) could not be decoded for fingerprinting."_s).size(), 1);
         }
+    }
+
+    // Two playlists of one song, with the fingerprint and the duration of the song from an earlier version, and a copy.
+    void textsAreNotComparedBySound()
+    {
+        m_options.detectAcoustic = true;
+        m_options.fingerprintEngine = FingerprintEngine::BuiltIn;
+        m_options.extensions = words("wma");
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        for (const QString &name : words("a.wma b.wma c.wma")) {
+            writeFile(path(name), "#EXTM3U\nsong.mp3\n#" + name.toUtf8().replace('c', 'b'));
+            TrackInfo track = measureFile(path(name));
+            track.fullHash = track.audioHash = QString(64, name.at(0) == u'a' ? u'a' : u'b');
+            track.stream.durationMs = 180000;
+            for (quint32 i = 0; i < 500; ++i)
+                track.fingerprint.words.append(i * 0x9E3779B9);
+            track.fingerprint.mask = QList<quint32>(500, 0xFFFFFFFF);
+            cache.store(track, FingerprintEngine::BuiltIn);
+        }
+        cache.close();
+        ScanController controller;
+        const Outcome outcome = scan(controller, m_options);
+        QVERIFY(outcome.log.contains(u"Reused 3 cached analysis results."_s));
+        QVERIFY(outcome.groups.size() == 1 && outcome.groups.at(0).members.size() == 2);
+        for (const TrackInfo &track : outcome.tracks) {
+            QCOMPARE(track.error, u"Text, not audio: not compared by sound"_s);
+            QCOMPARE(track.stream, StreamFacts());
+        }
+        QCOMPARE(outcome.log.filter(u"3 file(s) are text"_s).size(), 1);
+        QVERIFY(outcome.log.filter(u"Fingerprinting"_s).isEmpty());
     }
 
     // Every file but a touched one gets other content under its size and time: reading it would show.
