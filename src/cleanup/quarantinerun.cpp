@@ -22,6 +22,7 @@ namespace {
 
 constexpr qsizetype movesPerJournalWrite = 256; // one wait for the disk, some milliseconds, for so many files
 constexpr int maxRunsPerSecond = 99;
+constexpr qsizetype maxNameLength = 255; // bytes, on Windows UTF-16 units
 constexpr int maxOccupied = 1000; // in a row, for one file: then it is no coincidence
 
 // Sorts behind the plain name, so that the list of manifests stays in order of time.
@@ -50,13 +51,35 @@ QString relativeDestination(const QString &path, const QStringList &scanRoots)
     return QFileInfo(path).fileName();
 }
 
-/// "folder/name (2).mp3" for "folder/name.mp3".
+/// As file systems count it.
+qsizetype nameLength(const QString &name)
+{
+#ifdef Q_OS_WIN
+    return name.size();
+#else
+    return QFile::encodeName(name).size();
+#endif
+}
+
+/// Without as many of its last characters as it takes; empty if even that is too long.
+QString shortened(QString name, const QString &ending)
+{
+    while (!name.isEmpty() && nameLength(name + ending) > maxNameLength)
+        name.chop(name.back().isLowSurrogate() && name.size() > 1 ? 2 : 1);
+    return name;
+}
+
+/// "folder/name (2).mp3" for "folder/name.mp3". A name that would be too long is cut before the number. What follows
+/// the last full stop is then cut as well, if it is so long that nothing would be left of the rest.
 QString numberedPath(const QString &path, int number)
 {
     const QFileInfo info(path);
     const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
-    const QString name = u"%1 (%2)%3"_s.arg(info.completeBaseName(), QString::number(number), suffix);
-    return info.path() + u'/' + name;
+    const QString count = u" (%1)"_s.arg(number);
+    const QString name = shortened(info.completeBaseName(), count + suffix);
+    if (name.isEmpty() && nameLength(info.fileName() + count) > maxNameLength)
+        return info.path() + u'/' + shortened(info.fileName(), count) + count;
+    return info.path() + u'/' + name + count + suffix;
 }
 
 QString journalMessage(const QString &reason)

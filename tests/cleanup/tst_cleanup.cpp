@@ -54,7 +54,10 @@ private Q_SLOTS:
         QStringList names = u"1/Music/a/song.mp3|2/Music/a/song.mp3|3/Music/a/song.mp3|1/Music/README|2/Music/README|"
                             "out/song.mp3|out/2/song.mp3|1/Music/Бајага/Живи песма.mp3|1/Music/سلام/أغنية \u202e.mp3|"
                             "2/Music/雨/曲 🎵.flac|2/Music/%1 %2.mp3|1/Music/.hidden.mp3"_s.split(u'|');
-        names.append(u"1/Music/"_s + QString(isUnix ? 251 : 100, u'n'));
+        const QString longName(isUnix ? 251 : 100, u'n');
+        const QString notes = u"🎵"_s.repeated(isUnix ? 62 : 20);
+        for (const QString &folder : { u"1/Music/"_s, u"2/Music/"_s })
+            names << folder + longName + u".mp3"_s << folder + notes + u"🎵nnn"_s << folder + u"n."_s + longName;
         if (isUnix)
             names.append(u"1/Music/two\nlines\t\".mp3"_s);
         QStringList paths { box.add(u"1/Music/big.wav"_s, 3000000) };
@@ -72,7 +75,11 @@ private Q_SLOTS:
         QCOMPARE(removed, RemovalResult({ count, 0, 3000000 + 100 * names.size(), {}, removed.manifestPath }));
         QCOMPARE(listUndoManifests(), QStringList { removed.manifestPath });
         QCOMPARE(filesBelow(box.library()), QStringList { box.inLibrary(u"1/Music/kept.mp3"_s) });
-        for (const QString &name : { u"Music/a/song (3).mp3"_s, u"Music/README (2)"_s, u"song (2).mp3"_s })
+        QStringList numbered { u"Music/a/song (3).mp3"_s, u"Music/README (2)"_s, u"song (2).mp3"_s };
+        if (isUnix)
+            numbered << u"Music/%1 (2).mp3"_s.arg(longName.chopped(4)) << u"Music/%1 (2)"_s.arg(notes)
+                     << u"Music/n.%1 (2)"_s.arg(longName.chopped(2));
+        for (const QString &name : numbered)
             QVERIFY2(QFileInfo::exists(box.inRun(name)), qPrintable(name));
         CHECK_UNDO(box, removed.manifestPath, count, before);
         QCOMPARE(filesBelow(box.quarantine()), QStringList());
