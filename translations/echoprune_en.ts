@@ -2,6 +2,16 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
+    <name>epr::Cleanup</name>
+    <message numerus="yes">
+        <source>Removed %n unfinished file(s) that an interrupted clean-up had left in %1.</source>
+        <translation>
+            <numerusform>Removed %n unfinished file that an interrupted clean-up had left in %1.</numerusform>
+            <numerusform>Removed %n unfinished files that an interrupted clean-up had left in %1.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::CleanupCommand</name>
     <message numerus="yes">
         <source>The clean-up was stopped: %n file(s) were not touched.</source>

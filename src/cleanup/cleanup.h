@@ -102,4 +102,12 @@ enum class MissingFolders {
 [[nodiscard]] RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress = {},
                                             MissingFolders missing = MissingFolders::Leave);
 
+/// Removes what a clean-up or an undo that was killed has left anywhere: unfinished copies, empty files that held a
+/// name, half-written lists. Each was noted beforehand or has a name that nobody else gives, and nothing else is
+/// touched. A list that has lost its manifest gets one again. Does nothing while another clean-up runs.
+///
+/// What lies on a drive that is not there is left for the next time. Returns what was done, in sentences for the
+/// operator.
+[[nodiscard]] QStringList clearTraces();
+
 } // namespace epr

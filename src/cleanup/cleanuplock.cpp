@@ -77,8 +77,10 @@ Result<bool> lock(QFile &file)
 Result<> CleanupLock::take(const QString &quarantineRoot)
 {
     m_user.setFileName(QDir(undoDirectory()).filePath(u"cleanup.lock"_s));
-    if (const Result<bool> locked = lock(m_user); !locked)
+    const Result<bool> locked = lock(m_user);
+    if (!locked)
         return failure(locked.error());
+    m_isCertain = *locked;
     return takeQuarantine(quarantineRoot);
 }
 

@@ -25,9 +25,13 @@ public:
     /// The second half alone, for a folder that was only made after take().
     [[nodiscard]] Result<> takeQuarantine(const QString &quarantineRoot);
 
+    /// Whether the user's lock was taken, on a file system that knows locks.
+    bool isCertain() const { return m_isCertain; }
+
 private:
     QFile m_user;
     QFile m_quarantine;
+    bool m_isCertain = false;
 };
 
 } // namespace epr

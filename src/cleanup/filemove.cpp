@@ -5,11 +5,11 @@
 #include "fileproblems.h"
 #include "hashing.h"
 #include "nativefile.h"
+#include "traces.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QRandomGenerator>
 
 namespace epr {
 
@@ -49,14 +49,25 @@ private:
     QStringList m_made; ///< innermost first
 };
 
+Result<Outcome> rename(const QString &from, const QString &to, TraceNotes &notes)
+{
+    bool hasPlaceholder = false;
+    const Result<Outcome> outcome = nativefile::renameWithoutReplacing(from, to, [&] {
+        hasPlaceholder = true;
+        notes.notePlaceholder(from, to);
+    });
+    if (hasPlaceholder && !outcome) // it should have gone again, unless the drive has
+        notes.keep();
+    return outcome;
+}
+
 // A copy under a temporary name. It goes with this object unless it was renamed.
 class TemporaryCopy final {
 public:
-    explicit TemporaryCopy(const QString &folder)
+    TemporaryCopy(const QString &folder, TraceNotes &notes)
+        : m_notes(notes)
+        , m_file(notes.temporaryFile(folder))
     {
-        // Short, because the name that the file will have may already be as long as the file system allows.
-        const QString number = QString::number(QRandomGenerator::global()->generate64(), 36);
-        m_file.setFileName(folder + "/.echoprune-"_L1 + number + ".part"_L1);
     }
     Q_DISABLE_COPY_MOVE(TemporaryCopy)
     ~TemporaryCopy()
@@ -64,7 +75,8 @@ public:
         if (!m_made)
             return;
         m_file.close();
-        static_cast<void>(nativefile::removeFile(path()));
+        if (!nativefile::removeFile(path()))
+            m_notes.keep();
     }
 
     [[nodiscard]] QString path() const { return m_file.fileName(); }
@@ -91,7 +103,7 @@ public:
 
     [[nodiscard]] Result<Outcome> putInPlace(const QString &to)
     {
-        const Result<Outcome> outcome = nativefile::renameWithoutReplacing(path(), to);
+        const Result<Outcome> outcome = rename(path(), to, m_notes);
         if (outcome == Outcome::Done)
             m_made = false;
         return outcome;
@@ -118,6 +130,7 @@ private:
         return QString::fromLatin1(digest.toHex());
     }
 
+    TraceNotes &m_notes;
     QFile m_file;
     bool m_made = false;
 };
@@ -135,9 +148,9 @@ Stamp stampOf(const QString &path)
     return { info.size(), info.lastModified() };
 }
 
-Result<Outcome> copyFile(const QString &from, const QString &to, const Stamp &stamp)
+Result<Outcome> copyFile(const QString &from, const QString &to, const Stamp &stamp, TraceNotes &notes)
 {
-    TemporaryCopy copy(QFileInfo(to).path());
+    TemporaryCopy copy(QFileInfo(to).path(), notes);
     if (const Result<> filled = copy.fillFrom(from); !filled)
         return failure(filled.error());
     // A file that is being written to while it is copied may be whole in neither place.
@@ -146,13 +159,13 @@ Result<Outcome> copyFile(const QString &from, const QString &to, const Stamp &st
     return copy.putInPlace(to);
 }
 
-Result<Outcome> moveByCopying(const QString &from, const QString &to)
+Result<Outcome> moveByCopying(const QString &from, const QString &to, TraceNotes &notes)
 {
     if (entryExists(to)) // before copying a large file for nothing
         return Outcome::Occupied;
     const Stamp stamp = stampOf(from);
     const bool isLink = QFileInfo(from).isSymbolicLink();
-    const Result<Outcome> outcome = isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp);
+    const Result<Outcome> outcome = isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp, notes);
     if (outcome != Outcome::Done)
         return outcome;
     nativefile::flushFolderToDisk(QFileInfo(to).path());
@@ -172,14 +185,14 @@ bool entryExists(const QString &path)
     return info.exists() || info.isSymLink();
 }
 
-Result<MoveOutcome> moveFile(const QString &from, const QString &to)
+Result<MoveOutcome> moveFile(const QString &from, const QString &to, TraceNotes &notes)
 {
     MadeFolders folders;
     if (const Result<> made = folders.make(QFileInfo(to).path()); !made)
         return failure(made.error());
-    Result<Outcome> outcome = nativefile::renameWithoutReplacing(from, to);
+    Result<Outcome> outcome = rename(from, to, notes);
     if (outcome == Outcome::OtherDevice)
-        outcome = moveByCopying(from, to);
+        outcome = moveByCopying(from, to, notes);
     if (!outcome)
         return failure(outcome.error());
     if (outcome == Outcome::OtherDevice) // of two places that a look at the file system took for one

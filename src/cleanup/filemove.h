@@ -6,6 +6,8 @@
 
 namespace epr {
 
+class TraceNotes;
+
 enum class MoveOutcome {
     Moved,
     Occupied, ///< something has the new name; nothing was changed
@@ -20,6 +22,8 @@ bool entryExists(const QString &path);
 /// digest, flushed to the disk and put in place before the original is removed; modification time and permissions are
 /// kept. A move that failed, with the system's reason, leaves the file where it was and no part of it anywhere else;
 /// folders made for it are removed again.
-[[nodiscard]] Result<MoveOutcome> moveFile(const QString &from, const QString &to);
+///
+/// What would be left if the program were killed meanwhile is noted first.
+[[nodiscard]] Result<MoveOutcome> moveFile(const QString &from, const QString &to, TraceNotes &notes);
 
 } // namespace epr

@@ -22,7 +22,7 @@ public:
     /// journal has.
     [[nodiscard]] static Result<> read(const QString &path, const LineFn &each);
 
-    QString path() const { return m_file.fileName(); }
+    bool isOpen() const { return m_file.isOpen(); }
 
     /// Fails if the file exists.
     [[nodiscard]] Result<> create(const QString &path);

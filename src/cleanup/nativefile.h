@@ -4,6 +4,7 @@
 
 #include "result.h"
 
+#include <functional>
 #include <optional>
 
 class QFileDevice;
@@ -19,7 +20,10 @@ enum class Outcome {
 };
 
 /// Gives a file another name in one step. Whatever has that name already stays, also when it appeared a moment ago.
-[[nodiscard]] Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to);
+/// Some file systems leave no way but two steps, the first of which takes the name by an empty file; beforePlaceholder
+/// is called before.
+[[nodiscard]] Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
+                                                     const std::function<void()> &beforePlaceholder);
 
 /// Makes a symbolic link with the very target text and times of an existing one. Never replaces anything.
 [[nodiscard]] Result<Outcome> copySymbolicLink(const QString &from, const QString &to);

@@ -60,11 +60,14 @@ Result<Outcome> renameOverPlaceholder(const char *from, const char *to)
 }
 
 // For file systems that can only rename over what is there.
-Result<Outcome> linkAndUnlink(const char *from, const char *to)
+Result<Outcome> linkAndUnlink(const char *from, const char *to, const std::function<void()> &beforePlaceholder)
 {
     if (linkat(AT_FDCWD, from, AT_FDCWD, to, 0) != 0) {
         const bool noHardLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
-        return noHardLinks ? renameOverPlaceholder(from, to) : outcomeOf(-1);
+        if (!noHardLinks)
+            return outcomeOf(-1);
+        beforePlaceholder();
+        return renameOverPlaceholder(from, to);
     }
     struct stat status = {};
     // Only while the old name is still seen to be there is the new one not the last.
@@ -98,7 +101,8 @@ bool copyTimes(const struct stat &source, const char *to)
 
 } // namespace
 
-Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to)
+Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
+                                       const std::function<void()> &beforePlaceholder)
 {
     const QByteArray source = QFile::encodeName(from);
     const QByteArray target = QFile::encodeName(to);
@@ -107,7 +111,7 @@ Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to)
     if (status == 0 || !isUnsupported(errno))
         return outcomeOf(status);
 #endif
-    return linkAndUnlink(source.constData(), target.constData());
+    return linkAndUnlink(source.constData(), target.constData(), beforePlaceholder);
 }
 
 Result<Outcome> copySymbolicLink(const QString &from, const QString &to)

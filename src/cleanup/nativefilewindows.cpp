@@ -93,7 +93,8 @@ bool copyTimes(const QString &from, const QString &to)
 
 } // namespace
 
-Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to)
+Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
+                                       [[maybe_unused]] const std::function<void()> &beforePlaceholder)
 {
     if (MoveFileExW(longPath(from).c_str(), longPath(to).c_str(), MOVEFILE_WRITE_THROUGH))
         return Outcome::Done;

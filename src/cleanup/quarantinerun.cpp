@@ -139,7 +139,7 @@ std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const M
 // The copy that was to stay went in the very moment: another program took it, or both were one file by two ways.
 std::optional<QString> QuarantineRun::moveBack(const ManifestEntry &entry)
 {
-    const Result<MoveOutcome> back = moveFile(entry.to, entry.from);
+    const Result<MoveOutcome> back = moveFile(entry.to, entry.from, m_notes);
     if (back == MoveOutcome::Moved)
         return copyGone(entry.from);
     m_manifest.entries.append(entry);
@@ -246,7 +246,7 @@ Result<> QuarantineRun::planFrom(qsizetype first)
 Result<> QuarantineRun::moveAsPlanned(ManifestEntry *entry)
 {
     for (int tries = 0; tries < maxOccupied; ++tries) {
-        const Result<MoveOutcome> outcome = moveFile(entry->from, entry->to);
+        const Result<MoveOutcome> outcome = moveFile(entry->from, entry->to, m_notes);
         if (!outcome)
             return failure(outcome.error());
         if (*outcome == MoveOutcome::Moved)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "traces.h"
 #include "undomanifest.h"
 
 #include <QHash>
@@ -57,6 +58,7 @@ private:
     CleanupLock &m_lock;
     UndoManifest m_manifest;
     UndoJournal m_journal;
+    TraceNotes m_notes;
     QString m_manifestPath; ///< empty until the run has begun
     QString m_runFolder;
     QString m_failure; ///< why the run can move nothing more

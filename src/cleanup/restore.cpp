@@ -5,6 +5,7 @@
 #include "cleanuplock.h"
 #include "displaytext.h"
 #include "filemove.h"
+#include "traces.h"
 #include "undomanifest.h"
 
 #include <QCoreApplication>
@@ -64,7 +65,8 @@ EntryOutcome withoutCopy(const ManifestEntry &entry, const QString &quarantineRo
     return { .problem = message, .isKept = !hasRunFolder(entry, quarantineRoot) };
 }
 
-EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineRoot, MissingFolders missing)
+EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineRoot, MissingFolders missing,
+                          TraceNotes &notes)
 {
     const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
     if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
@@ -79,7 +81,7 @@ EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineR
         return { QCoreApplication::translate("epr::Cleanup",
                                              "Could not restore %1: the folder that it came from is not there")
                      .arg(entry.from) };
-    const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from);
+    const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from, notes);
     if (!outcome)
         return { withReason(message, outcome.error()) };
     return { *outcome == MoveOutcome::Occupied ? std::optional(occupied(entry.from)) : std::nullopt };
@@ -127,7 +129,7 @@ public:
 private:
     void restoreOne(const ManifestEntry &entry)
     {
-        const EntryOutcome outcome = restoreEntry(entry, m_manifest.quarantineRoot, m_missing);
+        const EntryOutcome outcome = restoreEntry(entry, m_manifest.quarantineRoot, m_missing, m_notes);
         if (outcome.problem) {
             ++m_result.failed;
             m_result.errors.append(*outcome.problem);
@@ -156,6 +158,7 @@ private:
 
     UndoManifest m_manifest; ///< its entries are those that stay
     const MissingFolders m_missing;
+    TraceNotes m_notes;
     RestoreResult m_result;
 };
 

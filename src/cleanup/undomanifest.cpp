@@ -77,15 +77,6 @@ bool writeJson(QIODevice &file, const UndoManifest &manifest)
     return write(frame.sliced(inside));
 }
 
-// An intended move of which only the original is there was never made.
-Result<> readMoved(const QString &journalPath, const ManifestEntryFn &each)
-{
-    return UndoJournal::read(journalPath, [&each](const ManifestEntry &move) {
-        if (entryExists(move.to) || !entryExists(move.from))
-            each(move);
-    });
-}
-
 } // namespace
 
 QString UndoJournal::pathFor(const QString &manifestPath)
@@ -108,6 +99,14 @@ Result<> UndoJournal::read(const QString &path, const ManifestEntryFn &each)
     return JournalFile::read(path, [&givenUp, &each](const QJsonObject &line) {
         const ManifestEntry move = entryFromJson(line);
         if (!move.to.isEmpty() && !givenUp.contains(move.to))
+            each(move);
+    });
+}
+
+Result<> UndoJournal::readMoved(const QString &path, const ManifestEntryFn &each)
+{
+    return read(path, [&each](const ManifestEntry &move) {
+        if (entryExists(move.to) || !entryExists(move.from))
             each(move);
     });
 }
@@ -177,7 +176,7 @@ Result<UndoManifest> readManifest(const QString &path, const ManifestEntryFn &ea
     if (!manifest)
         return manifest;
     // A list without them would be used up and leave the files where nobody finds them.
-    if (const Result<> moved = readMoved(journalPath, each); !moved)
+    if (const Result<> moved = UndoJournal::readMoved(journalPath, each); !moved)
         return failure(moved.error());
     return manifest;
 }

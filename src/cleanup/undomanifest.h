@@ -43,6 +43,9 @@ public:
     /// is left out: nothing that it speaks of was tried. Fails if the file cannot be read to its end.
     [[nodiscard]] static Result<> read(const QString &path, const ManifestEntryFn &each);
 
+    /// Of these the ones that were made: an intended move of which only the original is there was not.
+    [[nodiscard]] static Result<> readMoved(const QString &path, const ManifestEntryFn &each);
+
     /// Fails if the file exists.
     [[nodiscard]] Result<> create(const QString &path) { return m_file.create(path); }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanupcommand.h"
 
+#include "backgroundwork.h"
 #include "cleanuplock.h"
 #include "displaytext.h"
 #include "notices.h"
@@ -16,6 +17,9 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QThread>
+
+#include <memory>
 
 namespace epr {
 
@@ -81,6 +85,21 @@ CleanupCommand::CleanupCommand(Review &review, QWidget *window)
 {
 }
 
+CleanupCommand::~CleanupCommand()
+{
+    if (m_clearing)
+        waitOrLeave(m_clearing);
+}
+
+void CleanupCommand::clearUpTraces()
+{
+    const auto done = std::make_shared<QStringList>();
+    m_clearing = QThread::create([done] { *done = clearTraces(); });
+    m_clearing->setParent(this);
+    connect(m_clearing, &QThread::finished, this, [this, done] { tellAll(*done); });
+    m_clearing->start();
+}
+
 void CleanupCommand::removeSelected(const Places &places)
 {
     Request request { tickedGroups(m_review), {}, places };
@@ -107,13 +126,16 @@ void CleanupCommand::removeSelected(const Places &places)
 
 void CleanupCommand::undoPreviousCleanup()
 {
+    QStringList cleared;
     QStringList manifests;
     QStringList descriptions;
     const bool listed = run(tr("Undo previous clean-up"), [&](const CleanupProgressFn &progress) {
+        cleared = clearTraces();
         manifests = listUndoManifests();
         for (qsizetype i = 0; i < manifests.size() && progress(i, manifests.size(), manifests.at(i)); ++i)
             descriptions.append(describeManifest(manifests.at(i)));
     });
+    tellAll(cleared);
     if (!listed)
         return;
     if (manifests.isEmpty()) {
@@ -228,8 +250,7 @@ void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result, 
     const QString line =
         tr("%1: %2 succeeded, %3 failed, %4 freed.").arg(removalModeLabel(mode), succeeded, failed, freed);
     report(line);
-    for (const QString &error : result.errors)
-        Q_EMIT logMessage(error);
+    tellAll(result.errors);
 
     QString text = tr("Removed %1 file(s), freeing %2.").arg(succeeded, freed);
     if (!stopped.isEmpty())
@@ -291,6 +312,12 @@ void CleanupCommand::restore(const QString &manifest, MissingFolders missing)
     tellRestore(result, done ? QString() : tr("The undo was stopped: the files that are left can be restored later."));
 }
 
+void CleanupCommand::tellAll(const QStringList &lines)
+{
+    for (const QString &line : lines)
+        Q_EMIT logMessage(line);
+}
+
 void CleanupCommand::tellStop(const QString &stopped)
 {
     if (!stopped.isEmpty())
@@ -310,8 +337,7 @@ void CleanupCommand::tellRestore(const RestoreResult &result, const QString &sto
     tellStop(stopped);
     const QString succeeded = QString::number(result.succeeded);
     const QString failed = QString::number(result.failed);
-    for (const QString &error : result.errors)
-        Q_EMIT logMessage(error);
+    tellAll(result.errors);
     const QString line = tr("Undo: %1 restored, %2 failed.").arg(succeeded, failed);
     report(line);
     QString text = result.errors.isEmpty()

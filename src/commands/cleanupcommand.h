@@ -7,6 +7,8 @@
 #include "removalplan.h"
 #include "runwithprogress.h"
 
+QT_FORWARD_DECLARE_CLASS(QThread)
+
 namespace epr {
 
 struct RestoreResult;
@@ -25,9 +27,13 @@ public:
     };
 
     CleanupCommand(Review &review, QWidget *window);
+    ~CleanupCommand() override;
 
     /// While files are moved, an event loop runs inside the command: the window must neither close nor start a scan.
     bool isRunning() const { return m_isRunning; }
+
+    /// Clears up after a clean-up that was killed, on a thread of its own, and logs what it did.
+    void clearUpTraces();
 
     void removeSelected(const Places &places);
     void undoPreviousCleanup();
@@ -56,6 +62,7 @@ private:
     void remove(const Request &request, RemovalMode mode);
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);
     void tellRefusal(const QString &refusal);
+    void tellAll(const QStringList &lines);
     void tellStop(const QString &stopped); ///< empty = it was not stopped
     std::optional<QString> askManifest(const QStringList &manifests, const QStringList &descriptions);
     bool confirmUndo(const QString &title, const QString &text);
@@ -66,6 +73,7 @@ private:
 
     Review &m_review;
     bool m_isRunning = false;
+    QThread *m_clearing = nullptr;
 };
 
 } // namespace epr

@@ -62,6 +62,7 @@ MainWindow::MainWindow(QWidget *parent)
     m_scanThread->start();
     onLogMessage(tr("%1 %2 ready.").arg(metadata::applicationName(), metadata::version()));
     m_updates->scheduleStartupCheck();
+    m_cleanup->clearUpTraces();
     if (m_folderPanel->folders().isEmpty())
         m_folderPanel->setFocus();
     else

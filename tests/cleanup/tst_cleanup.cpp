@@ -6,6 +6,7 @@
 #include "filemove.h"
 #include "rows.h"
 #include "sandbox.h"
+#include "traces.h"
 #include "undomanifest.h"
 
 #include <QProcess>
@@ -236,24 +237,27 @@ private Q_SLOTS:
     {
         Sandbox box(otherFileSystem());
         const QString from = box.add(u"from"_s);
-        box.write(box.path(u"occupied"_s), "other music");
-        const Tree before = treeOf(box.path(QString()));
-        const Result<MoveOutcome> missing = moveFile(box.inLibrary(u"missing"_s), box.path(u"new/folder/x"_s));
+        const QString occupied = box.inLibrary(u"occupied"_s);
+        box.write(occupied, "other music");
+        const Tree before = treeOf(box.library());
+        TraceNotes notes;
+        const Result<MoveOutcome> missing =
+            moveFile(box.inLibrary(u"missing"_s), box.inLibrary(u"new/folder/x"_s), notes);
         QVERIFY(!missing && (!isUnix || missing.error() == u"No such file or directory"_s));
-        QVERIFY(moveFile(from, box.path(u"occupied"_s)) == MoveOutcome::Occupied);
-        QCOMPARE(treeOf(box.path(QString())), before);
+        QVERIFY(moveFile(from, occupied, notes) == MoveOutcome::Occupied);
+        QCOMPARE(treeOf(box.library()), before);
         if (!otherFileSystem())
             return;
         const QString there = box.quarantine() + u"/there"_s;
         std::filesystem::create_symlink("nowhere", there.toStdString());
-        QVERIFY(moveFile(from, there) == MoveOutcome::Occupied);
-        QVERIFY(moveFile(there, from) == MoveOutcome::Occupied);
+        QVERIFY(moveFile(from, there, notes) == MoveOutcome::Occupied);
+        QVERIFY(moveFile(there, from, notes) == MoveOutcome::Occupied);
         limitFileSize(50); // the copy breaks off half-way
-        const Result<MoveOutcome> broken = moveFile(from, box.quarantine() + u"/new/folder/x"_s);
+        const Result<MoveOutcome> broken = moveFile(from, box.quarantine() + u"/new/folder/x"_s, notes);
         limitFileSize(-1);
         QVERIFY(!broken && broken.error() == u"File too large"_s);
         QCOMPARE(treeOf(box.quarantine()), Tree({ { u"there"_s, "link nowhere" } }));
-        QCOMPARE(treeOf(box.path(QString())), before);
+        QCOMPARE(treeOf(box.library()), before);
     }
 
     void restoreSparesWhatIsThere()

@@ -100,6 +100,16 @@ private Q_SLOTS:
         QCOMPARE(foldersOf(window), QStringList(here + "/B"_L1));
     }
 
+    void startClearsUpAfterACleanUpThatWasKilled()
+    {
+        const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+        const QString halfList = data.filePath(u"undo/undo-20260101-000000.json.AbCdEf"_s);
+        writeFile(halfList, "{");
+        const MainWindow window;
+        QTRY_VERIFY(logs(window, u"Removed 1 unfinished"_s));
+        QVERIFY(!QFileInfo::exists(halfList));
+    }
+
     void scanNeedsAFolderAndAMethod()
     {
         ScanOptions none;
