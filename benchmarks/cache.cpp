@@ -66,7 +66,7 @@ QList<TrackInfo> check(const QStringList &paths)
     const std::atomic<qint32> cancelFlag = 0;
     ScanOptions options;
     options.fingerprintEngine = FingerprintEngine::BuiltIn;
-    return checkCache(paths, options, { cancelFlag });
+    return checkCache(paths, options, { cancelFlag }).tracks;
 }
 
 QStringList walk(const ScanOptions &options)

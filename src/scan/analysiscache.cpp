@@ -3,6 +3,7 @@
 #include "analysiscache.h"
 
 #include "cachetable.h"
+#include "damagedcache.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -25,16 +26,6 @@ constexpr auto connectOptions = "QSQLITE_BUSY_TIMEOUT=2000"_L1;
 
 // The driver describes all columns afresh at every execution, which costs more than finding and reading a row.
 constexpr std::size_t pathsPerQuery = 256;
-
-bool execute(const QSqlDatabase &db, const QString &statement, QString *error)
-{
-    QSqlQuery query(db);
-    if (query.exec(statement))
-        return true;
-    if (error)
-        *error = query.lastError().text();
-    return false;
-}
 
 } // namespace
 
@@ -70,6 +61,7 @@ qint64 AnalysisCache::fileSize() const
 bool AnalysisCache::open(QString *error)
 {
     close();
+    m_isDamaged = false;
     if (openConnection(error) && createSchema(error) && prepareStatements(error))
         return true;
     close();
@@ -84,20 +76,16 @@ bool AnalysisCache::openConnection(QString *error)
     m_db = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_connectionName);
     m_db.setDatabaseName(m_filePath);
     m_db.setConnectOptions(connectOptions);
-    if (m_db.open())
-        return true;
-    if (error)
-        *error = m_db.lastError().text();
-    return false;
+    return m_db.open() || fail(m_db.lastError(), error);
 }
 
 bool AnalysisCache::createSchema(QString *error)
 {
-    execute(m_db, u"PRAGMA journal_mode=WAL"_s, nullptr);
-    execute(m_db, u"PRAGMA synchronous=NORMAL"_s, nullptr);
-    if (!execute(m_db, cachetable::createStatement(), error))
+    execute(u"PRAGMA journal_mode=WAL"_s, nullptr);
+    execute(u"PRAGMA synchronous=NORMAL"_s, nullptr);
+    if (!execute(cachetable::createStatement(), error))
         return false;
-    execute(m_db, cachetable::createIndexStatement(), nullptr);
+    execute(cachetable::createIndexStatement(), nullptr);
     return true;
 }
 
@@ -111,13 +99,24 @@ bool AnalysisCache::prepareStatements(QString *error)
     for (const auto &[query, statement] : { std::pair(&*m_lookup, cachetable::selectStatement()),
                                             std::pair(&*m_lookupMany, cachetable::selectStatement(pathsPerQuery)),
                                             std::pair(&*m_store, cachetable::replaceStatement()) }) {
-        if (query->prepare(statement))
-            continue;
-        if (error)
-            *error = query->lastError().text();
-        return false;
+        if (!query->prepare(statement))
+            return fail(query->lastError(), error);
     }
     return true;
+}
+
+bool AnalysisCache::execute(const QString &statement, QString *error)
+{
+    QSqlQuery query(m_db);
+    return query.exec(statement) || fail(query.lastError(), error);
+}
+
+bool AnalysisCache::fail(const QSqlError &reason, QString *error)
+{
+    m_isDamaged = m_isDamaged || saysDamaged(reason);
+    if (error)
+        *error = reason.text();
+    return false;
 }
 
 // The handle goes before the registry's entry: the registry complains about a connection that is still held.
@@ -140,14 +139,14 @@ bool AnalysisCache::lookup(TrackInfo &track, FingerprintEngine engine)
         return false;
     m_lookup->addBindValue(track.path);
     if (!m_lookup->exec()) {
-        noteError(m_lookup->lastError().text());
+        noteError(m_lookup->lastError());
         return false;
     }
     const bool hit = m_lookup->next() && cachetable::isCurrent(*m_lookup, track, engine);
     if (hit)
         cachetable::read(*m_lookup, track);
     else if (m_lookup->lastError().isValid())
-        noteError(m_lookup->lastError().text());
+        noteError(m_lookup->lastError());
     m_lookup->finish(); // an unfinished read would keep the write-ahead log from being folded back
     return hit;
 }
@@ -181,7 +180,7 @@ void AnalysisCache::lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine e
         }
     }
     if (m_lookupMany->lastError().isValid())
-        noteError(m_lookupMany->lastError().text());
+        noteError(m_lookupMany->lastError());
     m_lookupMany->finish();
 }
 
@@ -191,14 +190,14 @@ void AnalysisCache::store(const TrackInfo &track, FingerprintEngine engine)
         return;
     cachetable::bind(*m_store, track, engine);
     if (!m_store->exec())
-        noteError(m_store->lastError().text());
+        noteError(m_store->lastError());
     m_store->finish();
 }
 
 void AnalysisCache::beginTransaction()
 {
     if (isOpen() && !m_db.transaction())
-        noteError(m_db.lastError().text());
+        noteError(m_db.lastError());
 }
 
 // A transaction that failed half-way is undone: what it holds is no more than work that the next scan repeats.
@@ -208,12 +207,14 @@ void AnalysisCache::commitTransaction()
         return;
     if (m_error.isEmpty() && m_db.commit())
         return;
-    noteError(m_db.lastError().text());
+    noteError(m_db.lastError());
     m_db.rollback();
 }
 
-void AnalysisCache::noteError(const QString &text)
+void AnalysisCache::noteError(const QSqlError &error)
 {
+    QString text;
+    fail(error, &text);
     if (m_error.isEmpty())
         m_error = text;
 }
@@ -225,9 +226,9 @@ QString AnalysisCache::takeError()
 
 bool AnalysisCache::clear(QString *error)
 {
-    if (!isOpen() || !execute(m_db, u"DELETE FROM tracks"_s, error))
+    if (!isOpen() || !execute(u"DELETE FROM tracks"_s, error))
         return false;
-    execute(m_db, u"VACUUM"_s, nullptr);
+    execute(u"VACUUM"_s, nullptr);
     return true;
 }
 

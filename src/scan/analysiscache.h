@@ -34,6 +34,10 @@ public:
     [[nodiscard]] bool open(QString *error = nullptr);
     void close();
 
+    /// Whether opening or any operation since then has met damage in the file. Look-ups and stores that lasted until
+    /// then hold.
+    bool isDamaged() const { return m_isDamaged; }
+
     /// Completes a measured record from the row of its path; false when there is no row or it no longer holds.
     [[nodiscard]] bool lookup(TrackInfo &track, FingerprintEngine engine);
     /// The same for many records at a fraction of the cost. What was found says so by TrackFromCache in its flags.
@@ -54,9 +58,11 @@ private:
     bool openConnection(QString *error);
     bool createSchema(QString *error);
     bool prepareStatements(QString *error);
+    bool execute(const QString &statement, QString *error);
+    bool fail(const QSqlError &reason, QString *error);
     void lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine engine);
     void removeRows(const QStringList &paths);
-    void noteError(const QString &text);
+    void noteError(const QSqlError &error);
 
     QSqlDatabase m_db;
     QString m_filePath;
@@ -65,6 +71,7 @@ private:
     std::optional<QSqlQuery> m_lookupMany;
     std::optional<QSqlQuery> m_store;
     QString m_error;
+    bool m_isDamaged = false;
 };
 
 } // namespace epr

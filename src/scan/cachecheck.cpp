@@ -84,10 +84,12 @@ public:
         return m_error;
     }
 
+    bool isCacheDamaged() const { return m_isCacheDamaged; }
+
 private:
     void lookUp(std::span<TrackInfo> slice);
     AnalysisCache &cacheOfThread();
-    void noteError(const QString &text);
+    void noteError(const AnalysisCache &cache, const QString &text);
 
     const QStringList &m_paths;
     const ScanOptions &m_options;
@@ -96,6 +98,7 @@ private:
     QThreadStorage<AnalysisCache *> m_caches; // a connection belongs to the thread that made it
     mutable std::mutex m_mutex;
     QString m_error;
+    std::atomic<bool> m_isCacheDamaged = false;
 };
 
 // After an error the thread only measures. A database that is locked would cost the time-out again at every slice.
@@ -104,7 +107,7 @@ void SliceCheck::lookUp(std::span<TrackInfo> slice)
     AnalysisCache &cache = cacheOfThread();
     cache.lookupAll(slice, m_options.fingerprintEngine);
     if (const QString error = cache.takeError(); !error.isEmpty()) {
-        noteError(error);
+        noteError(cache, error);
         cache.close();
     }
     for (TrackInfo &track : slice)
@@ -121,14 +124,15 @@ AnalysisCache &SliceCheck::cacheOfThread()
         if (cache->open(&error))
             cache->beginTransaction();
         else
-            noteError(error);
+            noteError(*cache, error);
     }
     return *m_caches.localData();
 }
 
-void SliceCheck::noteError(const QString &text)
+void SliceCheck::noteError(const AnalysisCache &cache, const QString &text)
 {
     const std::lock_guard lock(m_mutex);
+    m_isCacheDamaged = m_isCacheDamaged || cache.isDamaged();
     if (m_error.isEmpty())
         m_error = text;
 }
@@ -150,7 +154,7 @@ void reportCheck(const QList<TrackInfo> &tracks, const QString &error, const Sta
 
 } // namespace
 
-QList<TrackInfo> checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context)
+CheckedFiles checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context)
 {
     context.phase(QCoreApplication::translate("epr::ScanController", "Checking cache"));
     const qsizetype total = paths.size();
@@ -175,7 +179,7 @@ QList<TrackInfo> checkCache(const QStringList &paths, const ScanOptions &options
     running.waitForFinished();
     tracks.resize(std::min(done * sliceSize, total)); // slices are begun in order, so these are complete
     reportCheck(tracks, slices.error(), context);
-    return tracks;
+    return { tracks, slices.isCacheDamaged() };
 }
 
 } // namespace epr

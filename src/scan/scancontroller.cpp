@@ -3,6 +3,7 @@
 #include "scancontroller.h"
 
 #include "analysiscache.h"
+#include "damagedcache.h"
 #include "fpcalc.h"
 #include "scanstages.h"
 
@@ -60,12 +61,14 @@ void ScanController::start(const ScanOptions &wanted)
     const DiscoveredFiles files = discoverFiles(options, context);
     bool cancelled = context.isCancelled();
     if (!files.paths.isEmpty()) {
-        QList<TrackInfo> all = checkCache(files.paths, options, context);
-        all = analyseFiles(std::move(all), options, context);
+        CheckedFiles checked = checkCache(files.paths, options, context);
+        if (checked.isCacheDamaged)
+            replaceDamagedCache();
+        QList<TrackInfo> all = analyseFiles(std::move(checked.tracks), options, context);
         tracks = filterShortFiles(std::move(all), options, context);
         tracks.kept = fingerprintFiles(std::move(tracks.kept), options, context);
         if (options.useCache)
-            writeCache(tracks, options, *m_cache, context);
+            storeTracks(tracks, options, context);
         cancelled = context.isCancelled();
         if (!cancelled)
             groups = groupDuplicates(tracks.kept, options, context);
@@ -89,12 +92,30 @@ bool ScanController::openCache()
     if (!m_cache)
         m_cache = std::make_unique<AnalysisCache>();
     QString error;
-    if (!m_cache->isOpen() && !m_cache->open(&error)) {
+    if (!m_cache->isOpen() && !m_cache->open(&error) && !(m_cache->isDamaged() && replaceDamagedCache())) {
         Q_EMIT logMessage(tr("Analysis cache unavailable (%1) - continuing without it.").arg(error));
         return false;
     }
     Q_EMIT logMessage(tr("Analysis cache: %1 entries at %2").arg(m_cache->count()).arg(m_cache->filePath()));
     return true;
+}
+
+// The results that were read before the damage showed are stored in the new cache with the others.
+bool ScanController::replaceDamagedCache()
+{
+    m_cache->close();
+    const Result<QString> aside = setDamagedCacheAside(m_cache->filePath());
+    Q_EMIT logMessage(
+        aside ? tr("The analysis cache is damaged. It is kept as %1, and a new one is begun.").arg(*aside)
+              : tr("The analysis cache seems to be damaged but was left as it is (%1).").arg(aside.error()));
+    return m_cache->open() && aside;
+}
+
+void ScanController::storeTracks(const FilteredTracks &tracks, const ScanOptions &options, const StageContext &context)
+{
+    writeCache(tracks, options, *m_cache, context);
+    if (m_cache->isDamaged() && replaceDamagedCache())
+        writeCache(tracks, options, *m_cache, context);
 }
 
 } // namespace epr

@@ -10,6 +10,7 @@
 namespace epr {
 
 class AnalysisCache;
+struct FilteredTracks;
 struct StageContext;
 
 /// Runs a scan from folders to duplicate groups on the thread it lives on and reports through signals. The group
@@ -40,6 +41,8 @@ public Q_SLOTS:
 private:
     StageContext stageContext();
     bool openCache();
+    bool replaceDamagedCache();
+    void storeTracks(const FilteredTracks &tracks, const ScanOptions &options, const StageContext &context);
 
     std::unique_ptr<AnalysisCache> m_cache; ///< made by the first scan that wants it, kept open for later ones
     std::atomic<qint32> m_cancelFlag = 0;

@@ -31,7 +31,11 @@ struct DiscoveredFiles {
 DiscoveredFiles discoverFiles(const ScanOptions &options, const StageContext &context);
 
 /// Records of the files, measured and, where the cache knows enough of them, complete, which TrackFromCache says.
-QList<TrackInfo> checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context);
+struct CheckedFiles {
+    QList<TrackInfo> tracks;
+    bool isCacheDamaged = false; ///< so that not all have been looked up
+};
+CheckedFiles checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context);
 
 /// Reads tags and makes digests of what did not come from the cache.
 QList<TrackInfo> analyseFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context);

@@ -148,7 +148,8 @@ private Q_SLOTS:
         context.log = [&](const QString &message) { log.append(message); };
         ScanOptions options;
         options.detectIdentical = options.detectSameAudio = false;
-        const QList<TrackInfo> tracks = checkCache(paths, options, context);
+        const auto [tracks, isDamaged] = checkCache(paths, options, context);
+        QCOMPARE(isDamaged, damaged);
         QCOMPARE(tracks.size(), cancelAt < 0 ? 6000 : cancelAt);
         for (int i = 0; i < tracks.size(); ++i) {
             QCOMPARE(tracks.at(i).path, paths.at(i));

@@ -6,6 +6,7 @@
 #include "decoding.h"
 #include "hole.h"
 #include "libraryfiles.h"
+#include "rows.h"
 #include "temporarylibrary.h"
 
 #include <QRegularExpression>
@@ -272,16 +273,65 @@ private Q_SLOTS:
         QVERIFY(cache.open() && cache.count() == 2);
     }
 
+    // The database is cut at a place, and something else put there, with or without the rest behind it. Its pages have
+    // 4 KiB; the third is the way to the paths, the fourth to the digests, which only a store goes.
+    void damagedCacheIsReplaced_data()
+    {
+        const QByteArray page(4096, '\xFF');
+        const Rows<qint64, QByteArray, bool, bool> row("place", "instead", "rest", "isInUse");
+        row("no database", 0, QByteArray("no database ").repeated(1000), false, false);
+        row("cut off", 100000, {}, false, false);
+        row("a page that look-ups need", 2 * 4096, page, true, false);
+        row("a page that stores need", 3 * 4096, page, true, false);
+        row("damaged, and in use elsewhere", 2 * 4096, page, true, true);
+    }
+
+    void damagedCacheIsReplaced()
+    {
+        QFETCH(const qint64, place);
+        QFETCH(const QByteArray, instead);
+        QFETCH(const bool, rest);
+        QFETCH(const bool, isInUse);
+        const QString file = AnalysisCache::defaultFilePath();
+        AnalysisCache other;
+        QVERIFY(other.open());
+        other.beginTransaction();
+        for (int i = 0; i < 1000; ++i) {
+            TrackInfo track;
+            track.path = u"/m/%1.mp3"_s.arg(i);
+            track.audioHash = QString::number(i).repeated(20);
+            other.store(track, FingerprintEngine::BuiltIn);
+        }
+        other.commitTransaction();
+        other.close();
+        const QByteArray intact = readFile(file);
+        const QByteArray damaged =
+            intact.left(place) + instead + intact.sliced(rest ? place + instead.size() : intact.size());
+        writeFile(file, damaged);
+        const QString earlier = file + ".damaged-20000101-000000"_L1;
+        writeFile(earlier, "x");
+        if (isInUse)
+            QVERIFY(other.open());
+
+        ScanController controller;
+        const QStringList log = scan(controller, m_options).log;
+        QCOMPARE(log.filter(u"The analysis cache is damaged. It is kept as "_s).size(), isInUse ? 0 : 1);
+        QCOMPARE(log.filter(u"was left as it is ("_s).isEmpty(), !isInUse);
+        const QFileInfoList aside = QFileInfo(file).dir().entryInfoList({ u"*.damaged-*"_s });
+        QCOMPARE(aside.size(), 1); // the latest
+        QCOMPARE(aside.first().filePath() == earlier, isInUse);
+        QVERIFY(isInUse || readFile(aside.first().filePath()) == damaged);
+        QCOMPARE(scan(controller, m_options).log.contains(u"Reused 5 cached analysis results."_s), !isInUse);
+    }
+
     void carriesOnWhateverIsSet()
     {
-        const QByteArray damaged = QByteArray("no database ").repeated(1000);
-        writeFile(AnalysisCache::defaultFilePath(), damaged);
+        QVERIFY(QDir().mkpath(AnalysisCache::defaultFilePath()));
         m_options.decoderThreads = -3;
         m_options.keeperPolicy = 99;
         ScanController controller;
         const Outcome outcome = scan(controller, m_options);
         QVERIFY(outcome.log.value(0).startsWith("Analysis cache unavailable ("_L1));
-        QCOMPARE(readFile(AnalysisCache::defaultFilePath()), damaged);
         QVERIFY(outcome.tracks.size() == 4 && outcome.groups.size() == 1);
     }
 
