@@ -79,7 +79,7 @@ void applyComment(QByteArrayView comment, Tags &tags)
     if (equals < 1 || equals > longestKey)
         return;
     const QString key = QString::fromUtf8(comment.first(equals)).toUpper();
-    const QString value = cleanTagText(QString::fromUtf8(comment.sliced(equals + 1)));
+    const QString value = cleanTagText(utf8Text(comment.sliced(equals + 1)));
     if (!value.isEmpty())
         storeTag(commentFields, key, value, tags);
 }

@@ -6,8 +6,8 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <array>
-#include <optional>
 
 namespace epr {
 
@@ -18,6 +18,7 @@ namespace {
 constexpr qint64 id3v1Size = 128; ///< bytes, at the very end of a file
 constexpr qint64 tagHeaderSize = 10;
 constexpr qint64 maxTagSize = qint64(64) * 1024 * 1024;
+constexpr qint64 maxFrameSize = maxTextBytes + 4096; ///< with a comment's language and description
 constexpr quint8 extendedHeaderFlag = 0x40;
 constexpr quint8 footerFlag = 0x10;
 
@@ -162,7 +163,10 @@ QByteArrayView withoutZeros(QByteArrayView bytes)
 QString decodeWide(QStringDecoder::Encoding encoding, QByteArrayView bytes)
 {
     QStringDecoder decoder(encoding);
-    return decoder(withoutWideZeros(bytes));
+    QString text = decoder(withoutWideZeros(bytes.first(std::min(bytes.size(), maxTextBytes))));
+    if (bytes.size() > maxTextBytes && !text.isEmpty() && text.back().isHighSurrogate())
+        text.chop(1); // the cut went through a character
+    return text;
 }
 
 /// Clean text from the bytes of a text field. encoding: 0 Latin-1, 1 UTF-16 with byte-order mark, 2 UTF-16 big-endian,
@@ -171,13 +175,13 @@ QString decodeId3Text(quint8 encoding, QByteArrayView bytes)
 {
     switch (encoding) {
     case 0:
-        return cleanTagText(QString::fromLatin1(withoutZeros(bytes)));
+        return cleanTagText(QString::fromLatin1(withoutZeros(bytes.first(std::min(bytes.size(), maxTextBytes)))));
     case 1:
         return cleanTagText(decodeWide(QStringDecoder::Utf16, bytes));
     case 2:
         return cleanTagText(decodeWide(QStringDecoder::Utf16BE, bytes));
     default:
-        return cleanTagText(QString::fromUtf8(withoutZeros(bytes)));
+        return cleanTagText(utf8Text(withoutZeros(bytes)));
     }
 }
 
@@ -194,15 +198,13 @@ quint32 syncsafe(quint32 raw)
     return (raw & 0x7F) | (raw >> 1 & 0x3F80) | (raw >> 2 & 0x1FC000) | (raw >> 3 & 0xFE00000);
 }
 
-/// Where the frames begin in the body, past an extended header; nothing when that cannot be read.
-std::optional<qint64> firstFrame(QByteArrayView body, quint8 version, quint8 flags)
+/// Where the frames begin in the body, past an extended header.
+qint64 firstFrame(QIODevice &device, quint8 version, quint8 flags)
 {
     if (!(flags & extendedHeaderFlag))
         return 0;
-    ByteCursor cursor(body);
-    const quint32 raw = cursor.u32be();
-    if (!cursor.ok())
-        return std::nullopt;
+    const QByteArray size = readAt(device, tagHeaderSize, 4);
+    const quint32 raw = ByteCursor(size).u32be();
     // From version 4 the extended header's size counts its own four bytes.
     const qint64 start = version < 4 ? qint64(raw) + 4 : qint64(syncsafe(raw));
     return std::max<qint64>(start, 6);
@@ -240,24 +242,25 @@ void applyFrame(const QString &identifier, QByteArrayView frame, Tags &tags)
         applyCommentFrame(frame, tags);
 }
 
-/// Walks the frames of a tag body; version and flags are those of the tag header.
-void walkId3v2Frames(QByteArrayView body, quint8 version, quint8 flags, Tags &tags)
+/// Walks the frames of a tag that ends at end; version and flags are those of its header. Only texts are read, not the
+/// pictures between them.
+void walkId3v2Frames(QIODevice &device, qint64 end, quint8 version, quint8 flags, Tags &tags)
 {
-    const std::optional<qint64> start = firstFrame(body, version, flags);
-    if (!start)
-        return;
     const qsizetype identifierSize = version < 3 ? 3 : 4;
-    const qsizetype headerSize = version < 3 ? 6 : 10;
-    ByteCursor cursor(body);
-    cursor.skip(*start);
-    while (cursor.remaining() >= headerSize) {
-        const QByteArrayView header = cursor.take(headerSize);
-        if (header.front() == 0)
+    const qint64 headerSize = version < 3 ? 6 : 10;
+    qint64 position = tagHeaderSize + firstFrame(device, version, flags);
+    for (int count = 0; count < maxBlocks && end - position >= headerSize; ++count) {
+        const QByteArray header = readAt(device, position, headerSize);
+        if (header.size() < headerSize || header.front() == 0)
             return; // padding
-        const QByteArrayView frame = cursor.take(frameSize(header, version));
-        if (frame.isEmpty())
-            return; // of no size, or it would end past the body
-        applyFrame(QString::fromLatin1(header.first(identifierSize)).toUpper(), frame, tags);
+        const qint64 size = frameSize(header, version);
+        position += headerSize;
+        if (size == 0 || size > end - position)
+            return;
+        const QString identifier = QString::fromLatin1(header.first(identifierSize)).toUpper();
+        if (identifier.startsWith(u'T') || identifier.startsWith("COM"_L1))
+            applyFrame(identifier, readAt(device, position, std::min(size, maxFrameSize)), tags);
+        position += size;
     }
 }
 
@@ -279,7 +282,7 @@ qint64 readId3v2(QIODevice &device, ProbeResult &result)
     const quint8 flags = cursor.at(5).u8();
     const qint64 size = syncsafe(cursor.u32be());
     if (size >= 1 && size <= maxTagSize)
-        walkId3v2Frames(readAt(device, tagHeaderSize, size), version, flags, result.tags);
+        walkId3v2Frames(device, std::min(tagHeaderSize + size, device.size()), version, flags, result.tags);
     return tagHeaderSize + size + (flags & footerFlag ? tagHeaderSize : 0);
 }
 

@@ -37,6 +37,13 @@ namespace epr {
 /// when there is neither a duration nor a payload.
 [[nodiscard]] bool readMp4(QIODevice &device, ProbeResult &result);
 
+/// The most bytes of a tag's text that are read, in the file's encoding. A text is cut there, at a whole character:
+/// what is longer is no name of anything, and a hostile one would fill the memory of every thread that reads.
+inline constexpr qsizetype maxTextBytes = 1 << 20;
+
+/// Text from UTF-8, cut at maxTextBytes.
+QString utf8Text(QByteArrayView bytes);
+
 /// Applies a Vorbis comment, the tags of FLAC and Ogg, from the length of its vendor text on. Keys are
 /// case-insensitive, a later comment of a kind overwrites an earlier one, and reading ends where the bytes do.
 void readVorbisComment(QByteArrayView bytes, Tags &tags);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "readers.h"
 
+#include <QStringDecoder>
+
 #include <algorithm>
 
 namespace epr {
@@ -26,6 +28,15 @@ void storeTag(std::span<const TagField> fields, QStringView identifier, const QS
     const auto named = [identifier](const TagField &field) { return field.identifier == identifier; };
     if (const auto field = std::find_if(fields.begin(), fields.end(), named); field != fields.end())
         field->store(tags, text);
+}
+
+// A decoder keeps a character that is cut off to itself, where fromUtf8() puts a replacement for it.
+QString utf8Text(QByteArrayView bytes)
+{
+    if (bytes.size() <= maxTextBytes)
+        return QString::fromUtf8(bytes);
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    return decoder(bytes.first(maxTextBytes));
 }
 
 QString cleanTagText(const QString &text)

@@ -32,13 +32,13 @@ QString describeAudio(bool ok, const ProbeResult &r)
         + u"%1x%2"_s.arg(r.stream.sampleRate).arg(r.stream.channels) + range;
 }
 
-void row(const char *suffix, const char *name, const QByteArray &bytes, const char *expected, bool isTags = false)
+void row(const char *suffix, const char *name, const QByteArray &bytes, const QByteArray &expected, bool isTags = false)
 {
     QTest::addRow("%s: %s", suffix, name)
         << QString::fromLatin1(suffix) << bytes << QString::fromUtf8(expected) << isTags;
 }
 
-void tags(const char *suffix, const char *name, const QByteArray &bytes, const char *expected)
+void tags(const char *suffix, const char *name, const QByteArray &bytes, const QByteArray &expected)
 {
     row(suffix, name, bytes, expected, true);
 }
@@ -123,6 +123,22 @@ void addId3Rows()
          "Long;A;Album;Rock;1999;5");
 }
 
+// Texts that are cut within their last letter, and what follows them.
+void addLongRows()
+{
+    constexpr qsizetype limit = 1 << 20; // bytes
+    const QByteArray bytes = QByteArray(limit - 1, 'a') + "\xC3\xBC" + QByteArray(100000, 'b');
+    const QByteArray units =
+        "\xFF\xFE" + QByteArray("a\0", 2).repeated(limit / 2 - 2) + QByteArray("\x3D\xD8\x00\xDE", 4);
+    const auto id3 = [](const QByteArray &longFrame) { return id3v2Tag(longFrame + text("TPE1", "A")) + twoFrames; };
+    const QByteArray start(limit - 1, 'a');
+    tags("mp3", "long UTF-8", id3(frame("TIT2", '\3' + bytes)), start + ";A");
+    tags("mp3", "long UTF-16", id3(frame("TIT2", '\1' + units)), start.first(limit / 2 - 2) + ";A");
+    tags("mp3", "long Latin-1", id3(frame("COMM", QByteArray(5, '\0') + bytes)), "A;" + start + "\xC3\x83");
+    const QByteArray comments = vorbisComment({ "TITLE=" + bytes, "ARTIST=A" });
+    tags("flac", "long", "fLaC" + flacBlock(4, comments, true) + "a", start + ";A");
+}
+
 void addTagRows()
 {
     const auto flac = [](const QByteArrayList &comments) {
@@ -181,6 +197,7 @@ private Q_SLOTS:
         addChunkRows();
         addMp4Rows();
         addId3Rows();
+        addLongRows();
         addTagRows();
         row("TXT", "an extension without a reader", "OggS", "0ms 0 0x0");
     }
