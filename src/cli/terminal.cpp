@@ -36,6 +36,14 @@ bool errorIsTerminal()
 #endif
 }
 
+// Joiners, which some scripts need within a word, stay.
+bool isInvisibleMark(QChar c)
+{
+    const char16_t unit = c.unicode();
+    return unit == 0x061C || unit == 0x200E || unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E)
+        || (unit >= 0x2066 && unit <= 0x2069);
+}
+
 QString memberLine(const TrackInfo &track, bool keep)
 {
     const QString action =
@@ -145,6 +153,8 @@ QString printable(const QString &text)
     for (const QChar c : text) {
         if (c.category() == QChar::Other_Control)
             result += u"\\x%1"_s.arg(c.unicode(), 2, 16, QLatin1Char('0'));
+        else if (isInvisibleMark(c))
+            result += u"\\u%1"_s.arg(c.unicode(), 4, 16, QLatin1Char('0'));
         else
             result += c;
     }

@@ -12,8 +12,8 @@ namespace epr::terminal {
 /// Makes the console show UTF-8; needed on Windows only.
 void useUtf8();
 
-/// The text with control characters written as \xNN, so that a file name can neither break a line nor send the
-/// terminal a command.
+/// The text with control characters written as \xNN, marks of direction and separators of lines as \uNNNN, so that a
+/// file name can neither break a line, nor send the terminal a command, nor show as another name.
 QString printable(const QString &text);
 
 /// One line on standard error that rewrites itself. Shows nothing where standard error is not a terminal.

@@ -67,7 +67,9 @@ private Q_SLOTS:
         row("damaged", "x.flac", "library", 0, u"x.flac: Unrecognised or damaged FLAC container"_s);
         row("a copy", "a.mp3 a,копия.mp3 b.mp3", "library", 1, u"a,копия.mp3"_s);
 #ifdef Q_OS_UNIX // which allows these names
-        row("control characters", "a\x1b[2J\n.mp3 a.mp3", "library", 1, u"a\\x1b[2J\\x0a.mp3"_s);
+        row("control characters", "a\x1b[2J\n\xC2\x85.mp3 a.mp3", "library", 1, u"a\\x1b[2J\\x0a\\x85.mp3"_s);
+        row("marks of direction, separators", QByteArray("a\u061C\u200F\u2028\u202E\u2069\u200D.mp3 a.mp3"), "library",
+            1, u"a\\u061c\\u200f\\u2028\\u202e\\u2069\u200D.mp3"_s);
 #endif
     }
 
