@@ -21,7 +21,7 @@ QString inUndoFolder(const QString &name)
 }
 
 /// Runs the driver until it kills itself: in the middle of a copy of more than a megabyte, or of a rename.
-bool isKilled(const QStringList &task, bool duringCopy)
+bool isKilled(const QStringList &task, [[maybe_unused]] bool duringCopy)
 {
     QProcess program;
 #ifdef Q_OS_UNIX
