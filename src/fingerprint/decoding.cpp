@@ -28,9 +28,21 @@ QString toolName()
     return u"ffmpeg"_s;
 }
 
+// A playlist or a stream description under an audio file's name would have ffmpeg open the files and addresses in it,
+// so it reads nothing but files, and of these only containers that hold their audio themselves.
+const QString &containers()
+{
+    static const QString names =
+        u"aac,ac3,aiff,amr,amrnb,amrwb,ape,asf,asf_o,au,avi,caf,dsf,dts,dtshd,eac3,flac,flv,gsm,iff,loas,matroska,mlp,"
+        "mov,mp3,mpc,mpc8,mpeg,mpegts,nut,ogg,oma,qcp,rm,shn,sox,tak,truehd,tta,voc,w64,wav,wv,xwma"_s;
+    return names;
+}
+
 QStringList arguments(const DecodeRequest &request)
 {
-    QStringList list { u"-nostdin"_s, u"-loglevel"_s, u"error"_s, u"-i"_s, request.path };
+    QStringList list { u"-nostdin"_s,  u"-loglevel"_s,         u"error"_s,   u"-protocol_whitelist"_s,
+                       u"file,pipe"_s, u"-format_whitelist"_s, containers(), u"-i"_s,
+                       request.path };
     if (request.seconds > 0)
         list << u"-t"_s << QString::number(request.seconds);
     return list << u"-ac"_s << u"1"_s << u"-ar"_s << QString::number(request.sampleRate) << u"-f"_s << u"f32le"_s

@@ -2,20 +2,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mediabackend.h"
 
+#include "textfile.h"
+
 #include <QAudioBuffer>
+#include <QLoggingCategory>
 #include <QThread>
-#include <QUrl>
 #include <QVersionNumber>
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
+
+#ifdef Q_OS_LINUX
+#include <dlfcn.h>
+#endif
 
 namespace epr {
 
 namespace {
 
 constexpr QByteArrayView ffmpegBackend = "ffmpeg";
-constexpr int interruptionMs = 50; // how long a decoding may take to notice that its thread is asked to stop
+constexpr int oldestAvutil = 56; // of ffmpeg 4
+constexpr int newestAvutil = 64; // for years to come
+constexpr int lookMs = 50; // how long a decoding may take to notice that its thread is asked to stop
+constexpr auto silence = std::chrono::seconds(5); // of a decoder at work; reading may take longer on a slow drive
 
 bool usesQtBefore(int major, int minor)
 {
@@ -32,9 +42,28 @@ bool usesEarlyFfmpegBackend()
 
 void preferFfmpegMediaBackend()
 {
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // the back-end says what it lists
 #ifdef Q_OS_LINUX
     if (usesQtBefore(6, 5) && qEnvironmentVariableIsEmpty("QT_MEDIA_BACKEND"))
         qputenv("QT_MEDIA_BACKEND", ffmpegBackend.toByteArray());
+#endif
+}
+
+// The libraries of ffmpeg complain about every odd frame on the standard error stream. Qt 6.4 has no switch for that,
+// so the library that the back-end has loaded is asked itself.
+void quietMediaBackend()
+{
+#ifdef Q_OS_LINUX
+    constexpr int quiet = -8;
+    for (int version = oldestAvutil; version <= newestAvutil; ++version) {
+        const QByteArray name = "libavutil.so." + QByteArray::number(version);
+        void *const library = dlopen(name.constData(), RTLD_LAZY | RTLD_NOLOAD);
+        if (library == nullptr)
+            continue;
+        if (auto *const setLevel = reinterpret_cast<void (*)(int)>(dlsym(library, "av_log_set_level")))
+            setLevel(quiet);
+        dlclose(library);
+    }
 #endif
 }
 
@@ -45,17 +74,26 @@ bool mediaBackendIsFfmpeg()
     return chosen.isEmpty() ? !usesQtBefore(6, 5) : chosen == ffmpegBackend;
 }
 
-// The ffmpeg back-end of Qt 6.4 turns letters outside ASCII into question marks.
-bool mediaBackendMisreadsName(const QString &path)
-{
-    const bool ascii = std::all_of(path.begin(), path.end(), [](QChar letter) { return letter.unicode() < 128; });
-    return !ascii && usesEarlyFfmpegBackend();
-}
-
 // MPEG layer II is decoded to 16 bits and then read as floating point numbers.
 bool mediaBackendGarbles(const QString &path)
 {
     return path.endsWith(QLatin1StringView(".mp2"), Qt::CaseInsensitive) && usesEarlyFfmpegBackend();
+}
+
+std::chrono::milliseconds WatchedFile::idleFor() const
+{
+    if (m_reads > 0)
+        return {};
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - m_lastRead.load());
+}
+
+qint64 WatchedFile::readData(char *data, qint64 maxSize)
+{
+    ++m_reads;
+    const qint64 count = QFile::readData(data, maxSize);
+    m_lastRead = std::chrono::steady_clock::now();
+    --m_reads;
+    return count;
 }
 
 FileDecoding::FileDecoding(Take take, int watchdogMs)
@@ -64,10 +102,9 @@ FileDecoding::FileDecoding(Take take, int watchdogMs)
     m_watchdog.setSingleShot(true);
     m_watchdog.setInterval(watchdogMs);
     connect(&m_watchdog, &QTimer::timeout, this, [this] { end(End::TimedOut); });
-    connect(&m_interruption, &QTimer::timeout, this, [this] {
-        if (QThread::currentThread()->isInterruptionRequested())
-            end();
-    });
+    static std::once_flag quiet; // by now the decoder has loaded its libraries
+    std::call_once(quiet, quietMediaBackend);
+    connect(&m_look, &QTimer::timeout, this, &FileDecoding::look);
     connect(&m_decoder, &QAudioDecoder::bufferReady, this, &FileDecoding::readBuffers);
     connect(&m_decoder, &QAudioDecoder::finished, this, [this] { end(End::Complete); });
     connect(&m_decoder, qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), this, [this] {
@@ -82,7 +119,8 @@ FileDecoding::End FileDecoding::run(const QString &path)
     if (!openSource(path))
         return m_end;
     m_watchdog.start();
-    m_interruption.start(interruptionMs);
+    m_sinceBuffer.start();
+    m_look.start(lookMs);
     m_decoder.start();
     // Some back-ends report an error before the loop runs, and then nothing more would end it.
     if (!m_hasEnded)
@@ -101,8 +139,7 @@ void FileDecoding::end(End reason)
     m_loop.quit();
 }
 
-// A decoder that cannot start may stay silent until the watchdog bites, as Qt's ffmpeg back-end of Qt 6.4 does
-// for a file that it cannot open, so the file is tried first.
+// The decoder gets the opened file and no name: back-ends misread names, and some names are addresses to them.
 bool FileDecoding::openSource(const QString &path)
 {
     if (!m_decoder.isSupported() || mediaBackendGarbles(path)) {
@@ -110,23 +147,34 @@ bool FileDecoding::openSource(const QString &path)
         m_end = End::Impossible;
         return false;
     }
+    // A back-end would open what the text names, over the network too.
+    if (looksLikeText(path)) {
+        m_error = tr("This file is a text, not audio.");
+        m_end = End::Failed;
+        return false;
+    }
     m_file.setFileName(path);
-    if (!m_file.open(QIODevice::ReadOnly)) {
+    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         m_error = m_file.errorString();
         m_end = End::Failed;
         return false;
     }
-    if (mediaBackendMisreadsName(path)) {
-        m_decoder.setSourceDevice(&m_file);
-        return true;
-    }
-    m_file.close();
-    m_decoder.setSource(QUrl::fromLocalFile(path));
+    m_decoder.setSourceDevice(&m_file);
     return true;
+}
+
+// Qt's ffmpeg back-end of Qt 6.4 says nothing of a file that it does not understand, it only ceases to read it.
+void FileDecoding::look()
+{
+    if (QThread::currentThread()->isInterruptionRequested())
+        end();
+    else if (m_file.idleFor() >= silence && m_sinceBuffer.hasExpired(std::chrono::milliseconds(silence).count()))
+        end(End::TimedOut);
 }
 
 void FileDecoding::readBuffers()
 {
+    m_sinceBuffer.start();
     while (!m_hasEnded && m_decoder.bufferAvailable()) {
         if (!m_take(m_decoder.read()))
             end(End::Enough);

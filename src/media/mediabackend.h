@@ -3,10 +3,13 @@
 #pragma once
 
 #include <QAudioDecoder>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QTimer>
 
+#include <atomic>
+#include <chrono>
 #include <functional>
 
 class QAudioBuffer;
@@ -17,9 +20,8 @@ namespace epr {
 /// fail on common files, picks the better one, unless the operator has chosen in QT_MEDIA_BACKEND.
 void preferFfmpegMediaBackend();
 
-/// Whether the media back-end in use cannot open a file of this name. It is then given the opened file; other files it
-/// gets by name, because some back-ends go by the suffix.
-bool mediaBackendMisreadsName(const QString &path);
+/// Keeps the media back-end's libraries from writing to the terminal. Takes effect once a player or a decoder exists.
+void quietMediaBackend();
 
 /// Whether the media back-end in use reads files with ffmpeg's libraries.
 bool mediaBackendIsFfmpeg();
@@ -27,6 +29,21 @@ bool mediaBackendIsFfmpeg();
 /// Whether the media back-end in use takes such a file's audio for something else and makes loud noise of it. It must
 /// not be given the file at all.
 bool mediaBackendGarbles(const QString &path);
+
+/// A file that knows for how long nobody has been reading it. It is read on whatever thread the back-end likes.
+class WatchedFile final : public QFile {
+    Q_OBJECT
+
+public:
+    [[nodiscard]] std::chrono::milliseconds idleFor() const; ///< 0 during a read, however long that takes
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override;
+
+private:
+    std::atomic<int> m_reads = 0; ///< under way
+    std::atomic<std::chrono::steady_clock::time_point> m_lastRead = std::chrono::steady_clock::now();
+};
 
 /// One decoding of one file with Qt's decoder, from start to end on the thread that runs it.
 class FileDecoding final : public QObject {
@@ -37,7 +54,7 @@ public:
         Complete,
         Enough, ///< said who takes the buffers, or end() was called, or the thread is interrupted
         TimedOut,
-        Failed,
+        Failed, ///< also for a file that is no audio by its looks
         Impossible, ///< there is no decoder, or none that such a file may be given to
     };
 
@@ -58,17 +75,19 @@ public:
 private:
     bool openSource(const QString &path);
     void readBuffers();
+    void look();
 
     Take m_take;
     End m_end = End::Complete;
     bool m_hasEnded = false;
     QString m_error;
     qint64 m_durationMs = 0;
-    QFile m_file;
+    WatchedFile m_file;
     QAudioDecoder m_decoder; // after the file, which it may be reading
     QEventLoop m_loop;
     QTimer m_watchdog;
-    QTimer m_interruption;
+    QTimer m_look;
+    QElapsedTimer m_sinceBuffer;
 };
 
 } // namespace epr

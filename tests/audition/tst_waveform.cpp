@@ -8,6 +8,7 @@
 #include <QAudioBuffer>
 #include <QPointer>
 #include <QSignalSpy>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -122,7 +123,8 @@ private Q_SLOTS:
 
     void loadsFiles()
     {
-        test::writeFile(m_dir.filePath(u"broken.mp3"_s), QByteArray(100000, 'x'));
+        test::writeFile(m_dir.filePath(u"broken.mp3"_s),
+                        QByteArray("x\1y").repeated(30000)); // not understood in silence
         for (const auto &[path, peaks] : { std::pair(wave(u"sound.wav"_s, 1, 64), QList<float>(25, 0.98F)),
                                            { wave(u"\u9759\u304b.wav"_s, 1, 128), QList<float>(25, 0) },
                                            { m_dir.filePath(u"gone.mp3"_s), QList<float>() },
@@ -137,6 +139,23 @@ private Q_SLOTS:
             QVERIFY2(isClose(signal.at(1).value<Envelope>().peak, peaks), qPrintable(path));
             QCOMPARE(signal.at(1).toString().isEmpty(), !peaks.isEmpty()); // a failure has a text
         }
+    }
+
+    void textsAreNotFollowed()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        const QByteArray address = "http://127.0.0.1:" + QByteArray::number(server.serverPort());
+        test::writeFile(m_dir.filePath(u"manifest.m4a"_s),
+                        R"(<MPD profiles="urn:mpeg:dash:profile:isoff-on-demand:2011" type="static"
+                        mediaPresentationDuration="PT10S"><Period><AdaptationSet mimeType="audio/mp4">
+                        <Representation id="1" bandwidth="64000" codecs="mp4a.40.2"><SegmentList duration="10">
+                        <SegmentURL media=")"
+                            + address + R"(/1.m4s"/></SegmentList></Representation></AdaptationSet></Period></MPD>)");
+        Spied spied;
+        spied.loader.request(0, m_dir.filePath(u"manifest.m4a"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(spied.failed.size(), 1, 30000);
+        QVERIFY(!server.hasPendingConnections());
     }
 
     // A report may already wait in this thread's queue when the next request is made; the last one counts even so.

@@ -69,10 +69,23 @@ private Q_SLOTS:
         const QString tool = standIn("printf '|%s' \"$@\" >&2; exit 1");
         for (const QString &path : { u"-\"b\" 'c' \\d/ e .mp3"_s, u"/日本/😀$(id) `id` *;&|>%PATH%\n.mp3"_s }) {
             QCOMPARE(runFpcalcTool(tool, path, 60, patient).error, u"|-raw|-length|60|"_s + path);
-            QCOMPARE(decodeWithFfmpegTool(tool, { path, 11025, 60 }, patient).error().text,
-                     u"|-nostdin|-loglevel|error|-i|"_s + path + u"|-t|60|-ac|1|-ar|11025|-f|f32le|-"_s);
+            const QString all = decodeWithFfmpegTool(tool, { path, 11025, 60 }, patient).error().text;
+            QVERIFY(all.startsWith("|-nostdin|-loglevel|error|-protocol_whitelist|file,pipe|-format_whitelist|"_L1));
+            QVERIFY(all.endsWith(u"|-i|"_s + path + u"|-t|60|-ac|1|-ar|11025|-f|f32le|-"_s));
         }
         QCOMPARE(runFpcalcTool(tool, u"a"_s, 0, patient).error, u"|-raw|-length|1|a"_s);
+    }
+
+    // A text that names another file, which ffmpeg would decode by itself.
+    void filesCannotReferToOthers()
+    {
+        QVERIFY(makeAudioFile(m_dir.filePath(u"other.wav"_s), 2));
+        test::writeFile(m_dir.filePath(u"list.mp3"_s), "ffconcat version 1.0\nfile other.wav\n");
+        const auto decode = [this](const QString &name) {
+            return decodeWithFfmpegTool(u"ffmpeg"_s, { m_dir.filePath(name), 8000, 1 }, patient);
+        };
+        QVERIFY(decode(u"other.wav"_s).has_value());
+        QVERIFY(!decode(u"list.mp3"_s).has_value());
     }
 
     void failuresAreReported_data()

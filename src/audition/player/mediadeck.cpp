@@ -3,6 +3,7 @@
 #include "mediadeck.h"
 
 #include "mediabackend.h"
+#include "textfile.h"
 
 #include <QAudioDevice>
 #include <QAudioOutput>
@@ -15,6 +16,7 @@ namespace epr {
 MediaDeck::MediaDeck(QObject *parent)
     : DeckPlayback(parent)
 {
+    quietMediaBackend();
     connect(&m_devices, &QMediaDevices::audioOutputsChanged, this, &MediaDeck::followDevices);
     connect(&m_player, &QMediaPlayer::positionChanged, this, [this] { Q_EMIT positionChanged(position()); });
     connect(&m_player, &QMediaPlayer::durationChanged, this, [this] { Q_EMIT durationChanged(duration()); });
@@ -92,12 +94,13 @@ void MediaDeck::openSource(const QString &path)
     // Not every back-end reports a file that is not there.
     if (!m_file.open(QIODevice::ReadOnly))
         return fail(m_file.errorString());
+    // The player would play what the text names, over the network too.
+    if (looksLikeText(path))
+        return fail(tr("This file is a text, not audio."));
     if (mediaBackendGarbles(path))
         return fail(tr("MPEG layer II cannot be played here."));
-    if (mediaBackendMisreadsName(path))
-        return m_player.setSourceDevice(&m_file, QUrl::fromLocalFile(path));
-    m_file.close();
-    m_player.setSource(QUrl::fromLocalFile(path));
+    // The name is a hint for back-ends that go by the suffix; what the deck plays is the file that it has opened.
+    m_player.setSourceDevice(&m_file, QUrl::fromLocalFile(path));
 }
 
 void MediaDeck::play()
