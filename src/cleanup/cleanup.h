@@ -11,8 +11,9 @@
 
 namespace epr {
 
-/// Called before each file with its number from 0, the number of files and its path, on the thread that does the work.
-/// False stops before that file. May be empty.
+/// Called before each file with its number from 0, the number of files and its path, on the thread that does the work;
+/// while a file is compared also many times a second, with a text that says so around the path. False stops before that
+/// file. May be empty.
 using CleanupProgressFn = std::function<bool(qsizetype index, qsizetype total, const QString &path)>;
 
 /// A file as the scan saw it.
@@ -20,12 +21,23 @@ struct RemovalCandidate {
     QString path;
     qint64 size = 0; ///< bytes
     QDateTime mtime;
+    QString fullHash = {}; ///< what the scan or its cache recorded, as in TrackInfo; empty = nothing
+    QString audioHash = {};
 
     bool operator==(const RemovalCandidate &) const = default;
 };
 
 /// For each file to be removed the copies of its group that stay.
 using KeptCopies = QHash<QString, QList<RemovalCandidate>>;
+
+/// What is looked at directly before a file goes.
+struct RemovalChecks {
+    KeptCopies kept;
+    QHash<QString, RemovalCandidate> scanned = {}; ///< the files to be removed, by path
+    bool compareAgain = false; ///< read files again also where they could be brought back
+
+    bool operator==(const RemovalChecks &) const = default;
+};
 
 enum class RemovalMode : qint32 {
     Quarantine = 0,
@@ -60,9 +72,12 @@ struct RemovalResult {
 /// copies is as it was scanned and can be read, by a look directly before its turn; a quarantine run looks directly
 /// afterwards too, and moves the file back if the copy has gone. So two programs that do not know of each other, and
 /// each take what the other keeps, cannot both take theirs.
+///
+/// Files that are to be deleted, and others if so wished, are read again before, and so is a kept copy, once for all
+/// files: both must have the digests that were recorded, if any were.
 [[nodiscard]] RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
                                         const QStringList &scanRoots, const CleanupProgressFn &progress = {},
-                                        const KeptCopies &kept = {});
+                                        const RemovalChecks &checks = {});
 
 struct RestoreResult {
     qint32 succeeded = 0;

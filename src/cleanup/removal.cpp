@@ -53,10 +53,10 @@ bool hasRecycleBin()
 
 class Removal final {
 public:
-    Removal(const QStringList &paths, RemovalMode mode, const KeptCopies &kept, QuarantineRun &quarantine)
+    Removal(const QStringList &paths, RemovalMode mode, const RemovalChecks &checks, QuarantineRun &quarantine)
         : m_paths(paths)
         , m_mode(mode)
-        , m_guard(mode, kept)
+        , m_guard(mode, checks)
         , m_quarantine(quarantine)
     {
     }
@@ -64,9 +64,9 @@ public:
     [[nodiscard]] RemovalResult run(const CleanupProgressFn &progress)
     {
         for (qsizetype index = 0; index < m_paths.size(); ++index) {
-            if (progress && !progress(index, m_paths.size(), m_paths.at(index)))
+            const auto goesOn = [&](const QString &path) { return !progress || progress(index, m_paths.size(), path); };
+            if (!goesOn(m_paths.at(index)) || !removeOne(index, goesOn))
                 break;
-            removeOne(index);
         }
         if (const std::optional<QString> incomplete = m_quarantine.finish())
             m_result.errors.append(*incomplete);
@@ -75,30 +75,34 @@ public:
     }
 
 private:
-    void removeOne(qsizetype index)
+    /// False if it was stopped while the file was compared.
+    [[nodiscard]] bool removeOne(qsizetype index, const ReadingFn &goesOn)
     {
         const QString &path = m_paths.at(index);
         const QFileInfo info(path);
         if (!info.exists()) {
             reportFailure(QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(path));
-            return;
+            return true;
         }
-        const qint64 size = info.isSymLink() ? 0 : info.size();
         // What was a file when it was scanned may by now be a folder full of others.
         if (!info.isFile()) {
             reportFailure(failureMessage(m_mode, path));
-            return;
+            return true;
         }
-        if (const std::optional<QString> objection = m_guard.objection(path)) {
-            reportFailure(*objection);
-            return;
-        }
-        if (const std::optional<QString> left = tryToRemove(index, size)) {
+        const Result<bool> mayGo = m_guard.mayGo(path, [&goesOn](const QString &read) {
+            return goesOn(QCoreApplication::translate("epr::Cleanup", "Comparing %1").arg(read));
+        });
+        if (mayGo && !*mayGo)
+            return false;
+        const qint64 size = info.isSymLink() ? 0 : info.size();
+        const std::optional<QString> left = mayGo ? tryToRemove(index, size) : mayGo.error();
+        if (left) {
             reportFailure(*left);
-            return;
+            return true;
         }
         ++m_result.succeeded;
         m_result.bytesFreed += size;
+        return true;
     }
 
     [[nodiscard]] std::optional<QString> tryToRemove(qsizetype index, qint64 size)
@@ -129,7 +133,7 @@ private:
 
     const QStringList m_paths;
     const RemovalMode m_mode;
-    const RemovalGuard m_guard;
+    RemovalGuard m_guard;
     QuarantineRun &m_quarantine;
     RemovalResult m_result;
 };
@@ -150,7 +154,7 @@ QString removalModeLabel(RemovalMode mode)
 }
 
 RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
-                          const QStringList &scanRoots, const CleanupProgressFn &progress, const KeptCopies &kept)
+                          const QStringList &scanRoots, const CleanupProgressFn &progress, const RemovalChecks &checks)
 {
     CleanupLock lock;
     if (const Result<> locked = lock.take(quarantineRoot); !locked) {
@@ -159,7 +163,7 @@ RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QStr
         return refused;
     }
     QuarantineRun quarantine(paths, quarantineRoot, scanRoots, lock);
-    return Removal(paths, mode, kept, quarantine).run(progress);
+    return Removal(paths, mode, checks, quarantine).run(progress);
 }
 
 } // namespace epr

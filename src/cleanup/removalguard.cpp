@@ -28,35 +28,81 @@ QString sameFile(const QString &path, const QString &copy)
         .arg(path, copy);
 }
 
+QString otherContent(const QString &path)
+{
+    return QCoreApplication::translate("epr::Cleanup",
+                                       "%1 was left in place: its content is not what the scan or its cache recorded. "
+                                       "Clear the cache and scan again.")
+        .arg(path);
+}
+
+QString otherCopy(const QString &path, const QString &copy)
+{
+    return QCoreApplication::translate(
+               "epr::Cleanup",
+               "%1 was left in place: the content of the copy to keep, %2, is not what the scan "
+               "or its cache recorded. Clear the cache and scan again.")
+        .arg(path, copy);
+}
+
 } // namespace
 
-RemovalGuard::RemovalGuard(RemovalMode mode, const KeptCopies &kept)
+RemovalGuard::RemovalGuard(RemovalMode mode, const RemovalChecks &checks)
     : m_mode(mode)
-    , m_kept(kept)
+    , m_checks(checks)
 {
 }
 
-std::optional<QString> RemovalGuard::objection(const QString &path) const
+Result<bool> RemovalGuard::mayGo(const QString &path, const ReadingFn &reading)
 {
-    if (m_kept.isEmpty())
-        return std::nullopt;
+    if (m_checks.kept.isEmpty())
+        return true;
     QString objection = copyGone(path);
-    for (const RemovalCandidate &copy : m_kept.value(path)) {
-        if (!standsWithout(path, { copy }))
+    for (const RemovalCandidate &copy : m_checks.kept.value(path)) {
+        if (!standsWithout(path, { copy })) // before a long reading for nothing
             continue;
-        if (QFileInfo(path).isSymLink()) // only the link goes, and the copy does not need it
-            return std::nullopt;
-        const Distinction found = tellApart(path, copy.path);
-        if (found == Distinction::Two || (found == Distinction::Unknown && m_mode == RemovalMode::Quarantine))
-            return std::nullopt;
-        objection = found == Distinction::One ? sameFile(path, copy.path) : notProved(path, copy.path);
+        const Result<bool> compared = areAsRecorded(copy, path, reading);
+        if (compared && !*compared)
+            return false;
+        // The reading may have taken its time: what can change meanwhile is looked at last.
+        const Result<> kept = compared ? isKeptBy(copy, path) : failure(compared.error());
+        if (kept)
+            return true;
+        objection = kept.error();
     }
-    return objection;
+    return failure(objection);
+}
+
+Result<bool> RemovalGuard::areAsRecorded(const RemovalCandidate &copy, const QString &path, const ReadingFn &reading)
+{
+    using Answer = ContentCheck::Answer;
+    // Of a link only the link goes, whatever it leads to.
+    if ((m_mode != RemovalMode::Delete && !m_checks.compareAgain) || QFileInfo(path).isSymLink())
+        return true;
+    const Answer copys = m_content.compare(copy, reading);
+    if (copys == Answer::Changed)
+        return failure(otherCopy(path, copy.path));
+    const Answer own = copys == Answer::GivenUp ? copys : m_content.compare(m_checks.scanned.value(path), reading);
+    if (own == Answer::Changed)
+        return failure(otherContent(path));
+    return own == Answer::AsRecorded;
+}
+
+Result<> RemovalGuard::isKeptBy(const RemovalCandidate &copy, const QString &path) const
+{
+    if (!standsWithout(path, { copy }))
+        return failure(copyGone(path));
+    if (QFileInfo(path).isSymLink()) // only the link goes, and the copy does not need it
+        return {};
+    const Distinction found = tellApart(path, copy.path);
+    if (found == Distinction::Two || (found == Distinction::Unknown && m_mode == RemovalMode::Quarantine))
+        return {};
+    return failure(found == Distinction::One ? sameFile(path, copy.path) : notProved(path, copy.path));
 }
 
 bool RemovalGuard::copyStays(const QString &path) const
 {
-    return m_kept.isEmpty() || standsWithout(path, m_kept.value(path));
+    return m_checks.kept.isEmpty() || standsWithout(path, m_checks.kept.value(path));
 }
 
 } // namespace epr

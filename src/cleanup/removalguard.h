@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cleanup.h"
-
-#include <optional>
+#include "contentcheck.h"
+#include "result.h"
 
 namespace epr {
 
@@ -12,17 +11,22 @@ namespace epr {
 class RemovalGuard final {
 public:
     /// Has no objections at all if nothing is said of kept copies.
-    RemovalGuard(RemovalMode mode, const KeptCopies &kept);
+    RemovalGuard(RemovalMode mode, const RemovalChecks &checks);
 
-    /// Why the file has to stay, for the operator; nothing if it may go.
-    [[nodiscard]] std::optional<QString> objection(const QString &path) const;
+    /// True if the file may go, false if the reading was given up before that was known; else why it has to stay.
+    [[nodiscard]] Result<bool> mayGo(const QString &path, const ReadingFn &reading);
 
     /// Whether one of the kept copies is still there, also when the file itself is not any more.
     [[nodiscard]] bool copyStays(const QString &path) const;
 
 private:
+    [[nodiscard]] Result<bool> areAsRecorded(const RemovalCandidate &copy, const QString &path,
+                                             const ReadingFn &reading);
+    [[nodiscard]] Result<> isKeptBy(const RemovalCandidate &copy, const QString &path) const;
+
     const RemovalMode m_mode;
-    const KeptCopies m_kept;
+    const RemovalChecks m_checks;
+    ContentCheck m_content;
 };
 
 } // namespace epr

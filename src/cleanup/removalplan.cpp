@@ -246,6 +246,10 @@ RemovalPlan planRemoval(const QList<TickedGroup> &groups)
     const QHash<qint32, QString> reasons = refusals(checked);
 
     RemovalPlan plan;
+    for (const TickedGroup &group : groups) {
+        for (const RemovalCandidate &file : group.ticked)
+            plan.checks.scanned.insert(file.path, file);
+    }
     for (const CheckedGroup &group : std::as_const(checked)) {
         plan.refused += static_cast<qint32>(group.ticked.errors.size());
         plan.errors += group.ticked.errors;
@@ -253,7 +257,7 @@ RemovalPlan planRemoval(const QList<TickedGroup> &groups)
         if (reason == reasons.cend()) {
             plan.paths += group.ticked.paths;
             for (const QString &path : group.ticked.paths)
-                plan.kept.insert(path, group.kept);
+                plan.checks.kept.insert(path, group.kept);
             continue;
         }
         plan.refused += static_cast<qint32>(group.ticked.paths.size());

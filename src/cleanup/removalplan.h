@@ -69,7 +69,7 @@ struct RemovalPlan {
     QStringList paths; ///< what may be removed, in the order of the groups
     qint32 refused = 0; ///< ticked files that are left alone
     QStringList errors; ///< why: a message for each file that changed and for each group that would lose its last copy
-    KeptCopies kept; ///< of each of the paths
+    RemovalChecks checks; ///< of each of the paths
 
     bool operator==(const RemovalPlan &) const = default;
 };

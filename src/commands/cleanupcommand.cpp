@@ -8,6 +8,7 @@
 #include "notices.h"
 #include "removaldialog.h"
 #include "review.h"
+#include "settingsstore.h"
 #include "undomanifest.h"
 
 #include <QCoreApplication>
@@ -36,7 +37,7 @@ QList<TickedGroup> tickedGroups(const Review &review)
         for (int m = 0; m < review.groups().at(g).members.size(); ++m) {
             if (const TrackInfo *track = review.track(g, m))
                 (review.isTicked(g, m) ? found.ticked : found.unticked)
-                    .append({ track->path, track->size, track->mtime });
+                    .append({ track->path, track->size, track->mtime, track->fullHash, track->audioHash });
         }
         if (!found.ticked.isEmpty())
             groups.append(found);
@@ -221,8 +222,9 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     QSet<qint32> vanished;
     const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
         plan = planRemoval(request.groups);
-        result =
-            removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress, plan.kept);
+        plan.checks.compareAgain = SettingsStore().value(settings::compareAgain);
+        result = removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress,
+                             plan.checks);
         vanished = m_review.vanishedTracks();
     });
     if (!result.refusal.isEmpty()) {

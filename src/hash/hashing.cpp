@@ -59,15 +59,15 @@ bool openForHashing(QFile &file, QString *error)
     return true;
 }
 
-using StopFlag = const std::atomic<qint32> *; // null when nobody can stop the reading
+using StopFn = std::function<bool()>; // empty when nobody can stop the reading
 
-/// Hands the next limit bytes to consume, block by block. The end of the file ends it early; a read error or a raised
-/// stop flag is false.
-template <typename Consume> bool readBlocks(QFile &file, qint64 limit, StopFlag stop, Consume consume)
+/// Hands the next limit bytes to consume, block by block. The end of the file ends it early; a read error or a stop is
+/// false.
+template <typename Consume> bool readBlocks(QFile &file, qint64 limit, const StopFn &isStopped, Consume consume)
 {
     char *const buffer = blockBuffer();
     for (qint64 remaining = limit; remaining > 0;) {
-        if (stop && stop->load(std::memory_order_relaxed) != 0)
+        if (isStopped && isStopped())
             return false;
         const qint64 got = file.read(buffer, std::min(remaining, blockSize));
         if (got <= 0)
@@ -78,9 +78,9 @@ template <typename Consume> bool readBlocks(QFile &file, qint64 limit, StopFlag 
     return true;
 }
 
-bool addBlocks(QFile &file, qint64 limit, Sha256 &hash, StopFlag stop = nullptr)
+bool addBlocks(QFile &file, qint64 limit, Sha256 &hash, const StopFn &isStopped = {})
 {
-    return readBlocks(file, limit, stop, [&hash](QByteArrayView block) { hash.addData(block); });
+    return readBlocks(file, limit, isStopped, [&hash](QByteArrayView block) { hash.addData(block); });
 }
 
 QString digestText(Sha256 &hash)
@@ -127,13 +127,13 @@ private:
     Sha256 m_hash;
 };
 
-QString hashWhole(const QString &path, StopFlag stop, QString *error)
+QString hashWhole(const QString &path, const StopFn &isStopped, QString *error)
 {
     QFile file(path);
     if (!openForHashing(file, error))
         return {};
     Sha256 hash;
-    const bool read = addBlocks(file, noLimit, hash, stop);
+    const bool read = addBlocks(file, noLimit, hash, isStopped);
     return digestOrError(read, hash, path, error);
 }
 
@@ -149,7 +149,7 @@ QString hashPayload(const QString &path, const HashRequest &request, QString *er
         return {};
     }
     Sha256 hash;
-    const bool read = addBlocks(file, request.payloadLength, hash, request.stop);
+    const bool read = addBlocks(file, request.payloadLength, hash, request.isStopped);
     return digestOrError(read, hash, path, error);
 }
 
@@ -161,7 +161,7 @@ FileDigests hashBoth(const QString &path, const HashRequest &request, QString *e
         return {};
     Sha256 whole;
     RangeDigest payload(request.payloadOffset, request.payloadLength);
-    const bool read = readBlocks(file, noLimit, request.stop, [&](QByteArrayView block) {
+    const bool read = readBlocks(file, noLimit, request.isStopped, [&](QByteArrayView block) {
         whole.addData(block);
         payload.addBlock(block);
     });
@@ -177,7 +177,7 @@ FileDigests hashBoth(const QString &path, const HashRequest &request, QString *e
 
 QString hashWholeFile(const QString &path, QString *error)
 {
-    return hashWhole(path, nullptr, error);
+    return hashWhole(path, {}, error);
 }
 
 QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error)
@@ -192,10 +192,18 @@ FileDigests hashFile(const QString &path, const HashRequest &request, QString *e
         return hashBoth(path, request, error);
     FileDigests digests;
     if (request.whole)
-        digests.whole = hashWhole(path, request.stop, error);
+        digests.whole = hashWhole(path, request.isStopped, error);
     if (request.payload)
         digests.payload = hashPayload(path, request, error);
     return digests;
+}
+
+FileDigests hashContent(const QString &path, const HashRequest &request, QString *error)
+{
+    if (!request.payload || request.payloadLength >= 1)
+        return hashFile(path, request, error);
+    const QString whole = hashWhole(path, request.isStopped, error);
+    return { request.whole ? whole : QString(), whole };
 }
 
 QString quickIdentityHash(const QString &path)

@@ -5,7 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include <atomic>
+#include <functional>
 #include <memory>
 
 namespace epr {
@@ -61,11 +61,15 @@ struct HashRequest {
     bool payload = false;
     qint64 payloadOffset = 0; ///< bytes
     qint64 payloadLength = 0; ///< bytes
-    const std::atomic<qint32> *stop = nullptr; ///< non-zero gives the file up after the current block
+    std::function<bool()> isStopped = {}; ///< asked before each block of a MiB; true gives the file up
 };
 
 /// What hashWholeFile() and then hashAudioPayload() would return and report, as far as requested, for one pass over the
 /// file. A file that is given up gets the read error's message and no digest.
 FileDigests hashFile(const QString &path, const HashRequest &request, QString *error = nullptr);
+
+/// The same, as copies are recognised by it: a payload that is not delimited (of a length below 1) counts as the whole
+/// file, which then matches byte-identical copies only.
+FileDigests hashContent(const QString &path, const HashRequest &request, QString *error = nullptr);
 
 } // namespace epr

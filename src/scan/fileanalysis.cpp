@@ -41,22 +41,21 @@ void measure(TrackInfo &track)
 }
 #endif
 
-// A payload that cannot be delimited counts as the whole file, which then matches byte-identical copies only.
 void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std::atomic<qint32> *stop,
                  TrackInfo &track, QString *error)
 {
-    const bool delimited = probe.audioRangeValid && probe.audioLength >= 1;
-    const FileDigests digests = hashFile(track.path,
-                                         { .whole = options.detectIdentical || (options.detectSameAudio && !delimited),
-                                           .payload = options.detectSameAudio && delimited,
-                                           .payloadOffset = probe.audioOffset,
-                                           .payloadLength = probe.audioLength,
-                                           .stop = stop },
-                                         error);
+    const FileDigests digests =
+        hashContent(track.path,
+                    { .whole = options.detectIdentical,
+                      .payload = options.detectSameAudio,
+                      .payloadOffset = probe.audioOffset,
+                      .payloadLength = probe.audioRangeValid ? probe.audioLength : 0,
+                      .isStopped = [stop] { return stop && stop->load(std::memory_order_relaxed) != 0; } },
+                    error);
     if (options.detectIdentical)
         track.fullHash = digests.whole;
     if (options.detectSameAudio)
-        track.audioHash = delimited ? digests.payload : digests.whole;
+        track.audioHash = digests.payload;
 }
 
 // A file that is written to while it is read may have given tags of one state and digests of another. Nothing may be

@@ -6,6 +6,7 @@
 #include "keeperpolicy.h"
 #include "notices.h"
 #include "settingsdialog.h"
+#include "settingsstore.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -98,6 +99,15 @@ QCheckBox *OptionsTab::checkBox(bool ScanOptions::*option, const QString &text, 
     box->setChecked(m_stored.*option);
     box->setToolTip(toolTip);
     bind([=](ScanOptions &options) { options.*option = box->isChecked(); });
+    return box;
+}
+
+QCheckBox *OptionsTab::checkBox(const Setting<bool> &setting, const QString &text, const QString &toolTip)
+{
+    auto *box = new QCheckBox(text);
+    box->setChecked(SettingsStore().value(setting));
+    box->setToolTip(toolTip);
+    bind([=](ScanOptions &) { SettingsStore().set(setting, box->isChecked()); });
     return box;
 }
 
@@ -251,6 +261,10 @@ PerformanceTab::PerformanceTab(const ScanOptions &options, const SettingsStatus 
     form->addRow(tr("Worker &threads:"), threads);
     form->addRow(tr("&Audio analysed per file:"), seconds);
     form->addRow(checkBox(&ScanOptions::useCache, tr("&Remember analysis results between scans")));
+    form->addRow(checkBox(settings::compareAgain, tr("Read &files again before every clean-up"),
+                          tr("Before a file goes, it and a copy that stays are read and compared with what the scan "
+                             "recorded. Permanent deletion always does so; with this, so do the quarantine and the "
+                             "recycle bin, which then take as long as the reading.")));
     form->addRow(tr("Cache status:"), m_cacheStatus);
     form->addRow(QString(), clear);
 }

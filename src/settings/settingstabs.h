@@ -22,9 +22,10 @@ namespace epr {
 
 struct CacheStatus;
 struct SettingsStatus;
+template <typename Value> struct Setting;
 
-/// A tab of the settings dialog. Each of its controls is made for one scan option: it begins with the option's value,
-/// and applyTo() gives the option what it shows then.
+/// A tab of the settings dialog. Each of its controls is made for one option, of the scan as a rule: it begins with the
+/// option's value, and applyTo() gives the option what it shows then.
 class OptionsTab : public QWidget {
     Q_OBJECT
 
@@ -60,6 +61,7 @@ protected:
     };
 
     QCheckBox *checkBox(bool ScanOptions::*option, const QString &text, const QString &toolTip = {});
+    QCheckBox *checkBox(const Setting<bool> &setting, const QString &text, const QString &toolTip); ///< not of the scan
     QComboBox *comboBox(qint32 ScanOptions::*option, const QList<Choice> &choices);
     QDoubleSpinBox *spinBox(double ScanOptions::*option, const DecimalRange &range);
     QLineEdit *listEdit(QStringList ScanOptions::*option, const Separator &separator, const QString &toolTip);

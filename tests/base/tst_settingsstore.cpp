@@ -43,6 +43,7 @@ private Q_SLOTS:
             store.set(settings::folders, { u"D:/Müsik, all"_s, u"E:/b"_s });
             store.saveScanOptions(options);
             store.set(settings::quarantineRoot, u"D:/Q"_s);
+            store.set(settings::compareAgain, true);
             store.set(settings::showPlayer, false);
             store.set(settings::linkDecks, false);
             store.set(settings::checkForUpdatesOnStartup, false);
@@ -53,7 +54,8 @@ private Q_SLOTS:
                  "detect/durationTolerance detect/identical detect/keeperPolicy detect/metadata "
                  "detect/metadataTolerance detect/sameAudio detect/threshold files/excludes files/extensions "
                  "files/hidden files/minBytes files/minDurationMs files/symlinks perf/decoderThreads "
-                 "perf/fingerprintSeconds perf/useCache safety/quarantineRoot scan/folders updates/checkOnStartup "
+                 "perf/fingerprintSeconds perf/useCache safety/compareAgain safety/quarantineRoot scan/folders "
+                 "updates/checkOnStartup "
                  "window/geometry window/state"_s);
         const SettingsStore store;
         QCOMPARE(store.value(settings::windowGeometry), QByteArray("\0\xff\x01", 3));
@@ -61,8 +63,8 @@ private Q_SLOTS:
         QCOMPARE(store.value(settings::folders), (QStringList { u"D:/Müsik, all"_s, u"E:/b"_s }));
         QCOMPARE(store.loadScanOptions(), options);
         QCOMPARE(store.value(settings::quarantineRoot), u"D:/Q"_s);
-        QVERIFY(!store.value(settings::showPlayer) && !store.value(settings::linkDecks)
-                && !store.value(settings::checkForUpdatesOnStartup));
+        QVERIFY(store.value(settings::compareAgain) && !store.value(settings::showPlayer)
+                && !store.value(settings::linkDecks) && !store.value(settings::checkForUpdatesOnStartup));
     }
 
     void unreadableValuesAreDefaults()

@@ -75,7 +75,7 @@ int quarantinePairs(const QStringList &arguments)
         kept.insert(paths.last(), { asItIs(arguments.at(0) + arguments.at(4).arg(i)) });
     }
     waitToBeTold();
-    return removeFiles(paths, RemovalMode::Quarantine, arguments.at(1), {}, {}, kept).refusal.isEmpty() ? 0 : 1;
+    return removeFiles(paths, RemovalMode::Quarantine, arguments.at(1), {}, {}, { kept }).refusal.isEmpty() ? 0 : 1;
 }
 
 /// "quarantine LIBRARY QUARANTINE NUMBER [wait]": moves everything and, before the file with the number, dies or waits
@@ -103,7 +103,7 @@ int removeOne(const QStringList &arguments)
 {
     const RemovalResult removed =
         removeFiles({ arguments.at(2) }, static_cast<RemovalMode>(arguments.at(0).toInt()), arguments.at(1), {}, {},
-                    { { arguments.at(2), { asItIs(arguments.at(3)) } } });
+                    { { { arguments.at(2), { asItIs(arguments.at(3)) } } } });
     std::puts(qPrintable(removed.refusal + removed.errors.join(u' ')));
     return removed.succeeded == 1 ? 0 : 1;
 }

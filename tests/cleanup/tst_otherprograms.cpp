@@ -126,22 +126,22 @@ private Q_SLOTS:
             if (fate.startsWith("another"_L1))
                 kept[paths.at(1)] = { asItIs(box.addLink(u"."_s, u"alias"_s) + u"/go 1"_s),
                                       asItIs(box.addLink(u"alias/go 1"_s, u"link"_s)) };
-            const RemovalResult removed = removeFiles(
-                paths, mode, box.quarantine(), { box.library() },
-                [&](qsizetype index, qsizetype, const QString &) {
-                    if (index == 0 || fate == u"another path"_s)
-                        return true;
-                    if (fate == u"gone"_s)
-                        QFile::remove(stay.at(1));
+            const RemovalResult removed =
+                removeFiles(paths, mode, box.quarantine(), { box.library() },
+                            [&](qsizetype index, qsizetype, const QString &) {
+                                if (index == 0 || fate == u"another path"_s)
+                                    return true;
+                                if (fate == u"gone"_s)
+                                    QFile::remove(stay.at(1));
 #ifdef Q_OS_LINUX
-                    else if (inTheMove)
-                        vanishesWithMoves = QFile::encodeName(stay.at(1));
+                                else if (inTheMove)
+                                    vanishesWithMoves = QFile::encodeName(stay.at(1));
 #endif
-                    else
-                        box.write(stay.at(1), fate == u"changed"_s ? "other music" : "");
-                    return true;
-                },
-                kept);
+                                else
+                                    box.write(stay.at(1), fate == u"changed"_s ? "other music" : "");
+                                return true;
+                            },
+                            { kept });
 #ifdef Q_OS_LINUX
             vanishesWithMoves.clear();
 #endif
@@ -224,11 +224,12 @@ private Q_SLOTS:
         QVERIFY(seteuid(0) == 0);
         QVERIFY(chown(QFile::encodeName(paths.at(1)).constData(), 0, 0) == 0 && seteuid(65534) == 0);
         const KeptCopies kept { { paths.at(0), { asItIs(copy) } }, { paths.at(1), { asItIs(copy) } } };
-        const QStringList errors = removeFiles(paths, RemovalMode::Delete, {}, {}, {}, kept).errors;
+        const QStringList errors = removeFiles(paths, RemovalMode::Delete, {}, {}, {}, { kept }).errors;
         QVERIFY2(errors.value(0).startsWith(paths.at(1) + u" was left in place: it could not be proved"_s),
                  qPrintable(errors.join(u' ')));
         QVERIFY(!QFileInfo::exists(paths.at(0)) && QFileInfo::exists(paths.at(1)));
-        QCOMPARE(removeFiles(paths.sliced(1), RemovalMode::Quarantine, box.path(u"q"_s), {}, {}, kept).succeeded, 1);
+        QCOMPARE(removeFiles(paths.sliced(1), RemovalMode::Quarantine, box.path(u"q"_s), {}, {}, { kept }).succeeded,
+                 1);
 #endif
     }
 };

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "removalplan.h"
 
+#include "libraryfiles.h"
 #include "quarantinerun.h"
 #include "rows.h"
 #include "sandbox.h"
@@ -11,6 +12,44 @@
 
 using namespace epr;
 using namespace epr::test;
+
+namespace {
+
+RemovalCandidate scanned(const QString &path)
+{
+    const TrackInfo track = analyseFile(measureFile(path), ScanOptions(), nullptr);
+    return { path, track.size, track.mtime, track.fullHash, track.audioHash };
+}
+
+/// Recordings with the same sound and other tags: two to be removed and two to keep, as a scan saw them.
+struct Recordings final : Sandbox {
+    Recordings()
+    {
+        for (const char *name : { "go1", "go2", "stay1", "stay2" }) {
+            const QString path = inLibrary(QString::fromLatin1(name) + u".wav"_s);
+            write(path, waveOf('a', 1, riffChunk("LIST", name)));
+            (paths.size() < 2 ? paths : copies).append(path);
+        }
+        for (const QString &path : std::as_const(paths)) {
+            checks.scanned.insert(path, scanned(path));
+            checks.kept.insert(path, { scanned(copies.at(0)), scanned(copies.at(1)) });
+        }
+    }
+
+    [[nodiscard]] RemovalResult remove(RemovalMode mode, const CleanupProgressFn &progress = {}) const
+    {
+        return removeFiles(paths, mode, quarantine(), { library() }, progress, checks);
+    }
+
+    /// Keeps size and time.
+    void flip(const QString &path) const { write(path, readFile(path).replace("aaaa", "abaa")); }
+
+    QStringList paths;
+    QStringList copies;
+    RemovalChecks checks;
+};
+
+} // namespace
 
 class TestRemovalChecks : public QObject {
     Q_OBJECT
@@ -112,6 +151,70 @@ private Q_SLOTS:
         const QList<RefusedGroup> refused =
             groupsWithoutSurvivor({ { 7, paths(members) } }, { tickedPaths.cbegin(), tickedPaths.cend() });
         QTEST(!refused.isEmpty(), "refused");
+    }
+
+    void contentIsComparedWithTheRecord_data()
+    {
+        const Rows<RemovalMode, bool, QString, QString> row("mode", "compareAgain", "wrong", "message");
+        const auto permanently = RemovalMode::Delete;
+        const QString own = u" was left in place: its content is not"_s;
+        const QString copys = u" was left in place: the content of the copy to keep, "_s;
+        row("as recorded", permanently, false, {}, {});
+        row("record forged in all rows", permanently, false, u"record"_s, copys);
+        row("recorded sound forged", permanently, false, u"sound"_s, copys);
+        row("file changed", permanently, false, u"go1.wav"_s, own);
+        row("one copy changed", permanently, false, u"stay1.wav"_s, {});
+        row("copies changed", permanently, false, u"stay1.wav stay2.wav"_s, copys);
+        row("quarantine", RemovalMode::Quarantine, false, u"record"_s, {});
+        row("quarantine, if wished", RemovalMode::Quarantine, true, u"record"_s, copys);
+        row("bin, if wished", RemovalMode::RecycleBin, true, u"record"_s, copys);
+    }
+
+    void contentIsComparedWithTheRecord()
+    {
+        QFETCH(RemovalMode, mode);
+        QFETCH(bool, compareAgain);
+        QFETCH(QString, wrong);
+        QFETCH(QString, message);
+        Recordings box;
+        box.checks.compareAgain = compareAgain;
+        for (auto file = box.checks.scanned.begin(); file != box.checks.scanned.end(); ++file) {
+            QList<RemovalCandidate *> records { &*file };
+            for (RemovalCandidate &copy : box.checks.kept[file.key()])
+                records.append(&copy);
+            QCOMPARE(file->audioHash, records.last()->audioHash);
+            QVERIFY(file->fullHash != records.last()->fullHash);
+            for (RemovalCandidate *record : std::as_const(records)) {
+                if (wrong == u"record"_s || wrong == u"sound"_s)
+                    (wrong == u"record"_s ? record->fullHash : record->audioHash) = QString(64, u'0');
+                if (wrong.contains(QFileInfo(record->path).fileName()) && file.key() == box.paths.first())
+                    box.flip(record->path);
+            }
+        }
+        const QString error = box.remove(mode).errors.value(0);
+        const bool goes = message.isEmpty();
+        QCOMPARE(QFileInfo::exists(box.paths.first()), !goes);
+        QVERIFY2(goes ? error.isEmpty() : error.startsWith(box.paths.first() + message), qPrintable(error));
+    }
+
+    void comparingShowsCanBeStoppedAndReadsCopiesOnce()
+    {
+        Recordings box;
+        QStringList shown;
+        const auto stopAt = [&shown](const QString &last) {
+            return [&shown, last](qsizetype index, qsizetype, const QString &path) {
+                shown.append(QString::number(index) + u' ' + path);
+                return !path.endsWith(last);
+            };
+        };
+        const Tree before = treeOf(box.library());
+        QCOMPARE(box.remove(RemovalMode::Delete, stopAt(u"Comparing "_s + box.paths.at(0))), RemovalResult());
+        QCOMPARE(treeOf(box.library()), before);
+        shown.clear();
+        QCOMPARE(box.remove(RemovalMode::Delete, stopAt(u"never"_s)).succeeded, 2);
+        QVERIFY(shown.contains(u"0 Comparing "_s + box.copies.at(0)));
+        QVERIFY(shown.contains(u"1 Comparing "_s + box.paths.at(1)));
+        QVERIFY(!shown.contains(u"1 Comparing "_s + box.copies.at(0)));
     }
 };
 

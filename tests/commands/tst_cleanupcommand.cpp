@@ -8,6 +8,7 @@
 #include "sandbox.h"
 #include "windowsupport.h"
 
+#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -75,6 +76,11 @@ private:
     QTimer m_timer;
 };
 
+QString sha256(const QByteArray &content)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex());
+}
+
 /// A window with the results of a scan: groups of files, of which the first is kept and the others are ticked.
 struct Session final : Sandbox {
     Session()
@@ -94,6 +100,7 @@ struct Session final : Sandbox {
                 track.path = add(name);
                 track.size = 100;
                 track.mtime = QFileInfo(track.path).lastModified();
+                track.fullHash = sha256(readFile(track.path));
             }
         }
         window->show();
@@ -214,6 +221,21 @@ private Q_SLOTS:
                session.inLibrary(u"c2"_s) + u" changed since the scan"_s })
             QVERIFY2(logs(*session.window, line), qPrintable(line));
         QCOMPARE(session.groups(), u"2:2 3:2"_s); // only one file of the first group is left
+    }
+
+    void otherContentThanWasScannedStays()
+    {
+        Session session;
+        const QString changed = session.inLibrary(u"a2"_s);
+        const QDateTime time = QFileInfo(changed).lastModified();
+        writeFile(changed, QByteArray(100, 'x'));
+        QFile file(changed);
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFile::FileModificationTime));
+        file.close();
+        SettingsStore().set(settings::compareAgain, true);
+        session.window->onRemoveSelected();
+        QVERIFY(logs(*session.window, changed + u" was left in place: its content is not what"_s));
+        QCOMPARE(treeOf(session.library()).keys(), words("a1 a2 b1 sub sub/c1"));
     }
 
     void undoOfLookAlikesTakesTheNewer()

@@ -132,12 +132,13 @@ private Q_SLOTS:
         QCOMPARE(epr::quickIdentityHash(path), QString());
     }
 
-    void raisedStopFlagGivesTheFileUp()
+    void stopGivesTheFileUp()
     {
-        const std::atomic<qint32> stop = 1;
         QString error;
-        const auto digests = epr::hashFile(write(someBytes(block)), { .whole = true, .stop = &stop }, &error);
-        QVERIFY(digests.whole.isEmpty() && !error.isEmpty());
+        int blocks = 0;
+        const epr::HashRequest request { .whole = true, .isStopped = [&blocks] { return blocks++ == 2; } };
+        QVERIFY(epr::hashFile(write(someBytes(5 * block)), request, &error).whole.isEmpty() && !error.isEmpty());
+        QCOMPARE(blocks, 3);
     }
 
     void quickIdentityTakesBothEnds()

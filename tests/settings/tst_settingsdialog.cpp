@@ -104,7 +104,7 @@ private Q_SLOTS:
         QCOMPARE(dialog.options().metadataTolerance, 0);
     }
 
-    void updateSettingsWaitForAcceptanceButSkipping()
+    void storedSettingsWaitForAcceptanceButSkipping()
     {
         UpdateSettings().setSkippedVersion(u"2.0"_s);
         SettingsDialog dialog(ScanOptions(), {});
@@ -114,11 +114,13 @@ private Q_SLOTS:
         QVERIFY(stopSkipping->isHidden());
         control(dialog, u"Check for updates when Echoprune starts"_s)->setProperty("checked", false);
         control(dialog, u"Update service:"_s)->setProperty("text", u"  https://updates.example/  "_s);
+        control(dialog, u"Read files again before every clean-up"_s)->setProperty("checked", true);
         dialog.reject();
         QVERIFY(QSettings().allKeys().isEmpty());
         QVERIFY(control(SettingsDialog(ScanOptions(), {}), u"Stop skipping version "_s)->isHidden());
         dialog.accept();
         QVERIFY(!SettingsStore().value(settings::checkForUpdatesOnStartup));
+        QVERIFY(SettingsStore().value(settings::compareAgain));
         QCOMPARE(QSettings().value(u"updates/url"_s).toString(), u"https://updates.example/"_s);
     }
 
