@@ -170,11 +170,12 @@ Result<> QuarantineRun::prepare(qsizetype index)
 
 Result<> QuarantineRun::begin()
 {
-    if (m_manifest.quarantineRoot.isEmpty() || !QDir().mkpath(m_manifest.quarantineRoot)) {
-        return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made")
-                          .arg(m_manifest.quarantineRoot));
+    // A list with half a character in its paths could not be read again.
+    const QString &root = m_manifest.quarantineRoot;
+    if (root.isEmpty() || !root.isValidUtf16() || !QDir().mkpath(root)) {
+        return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made").arg(root));
     }
-    if (const Result<> locked = m_lock.takeQuarantine(m_manifest.quarantineRoot); !locked)
+    if (const Result<> locked = m_lock.takeQuarantine(root); !locked)
         return endRun(locked.error());
     const QDateTime now = QDateTime::currentDateTime();
     m_manifest.createdAt = now.toString(Qt::ISODate);

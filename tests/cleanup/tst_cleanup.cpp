@@ -131,6 +131,8 @@ private Q_SLOTS:
         QCOMPARE(removed.succeeded, 0);
         const QString said = removed.refusal.isEmpty() ? removed.errors.value(19) : removed.refusal;
         QVERIFY2(said.contains(reason), qPrintable(said));
+        const QString unwritable = box.quarantine() + QChar(0xd800); // half a character
+        QCOMPARE(removeFiles(paths, RemovalMode::Quarantine, unwritable, {}).succeeded, 0);
         QCOMPARE(treeOf(box.library()), before);
         QVERIFY(listUndoManifests().isEmpty() && box.runs().isEmpty());
     }
