@@ -6,6 +6,8 @@
 #include <QFileDevice>
 #include <QFileInfo>
 
+#include <string>
+
 namespace epr {
 
 #ifdef Q_OS_WIN

@@ -75,7 +75,7 @@ Result<QString> setDamagedCacheAside(const QString &file)
             std::filesystem::rename(QFileInfo(file + suffix).filesystemFilePath(),
                                     QFileInfo(aside + suffix).filesystemFilePath(), error);
         if (error)
-            return failure(QString::fromStdString(error.message()));
+            return failure(QString::fromLocal8Bit(error.message()));
     }
     for (const QString &earlier : before) {
         if (folder.filePath(earlier) != aside)

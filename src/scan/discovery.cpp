@@ -175,6 +175,7 @@ void Walk::walkRoot(const QString &root)
         else if (m_options.followSymlinks || !entry.isSymLink())
             visitFolder(entry.filePath());
     }
+    visitFolder(root); // once more: to the iterator a drive that drops out is the end of its folders
 }
 
 void Walk::visitFolder(const QString &folder)

@@ -113,9 +113,9 @@ private Q_SLOTS:
         if (!folder.isValid())
             QSKIP("needs a folder for temporary files that everybody may write to");
         const QStringList locked = words("m/locked m/listed m/lost+found m/left-out");
-        for (const QString &name : locked + words("m vanishing"))
+        for (const QString &name : locked + words("m dropping gone"))
             writeFile(folder.filePath(name + "/a.mp3"_L1), "a");
-        QVERIFY(QFile::link(folder.filePath(u"gone"_s), folder.filePath(u"m/broken.mp3"_s)));
+        QVERIFY(QFile::link(folder.filePath(u"nowhere"_s), folder.filePath(u"m/broken.mp3"_s)));
         const DeepFolder deep(folder.filePath(u"m/deep"_s));
         for (const QString &name : locked)
             ::chmod(QFile::encodeName(folder.filePath(name)).constData(), name.endsWith("listed"_L1) ? 0400 : 0);
@@ -125,23 +125,26 @@ private Q_SLOTS:
         });
         ScanOptions options;
         options.minBytes = 1;
-        options.roots = words("m m/locked vanishing");
+        options.roots = words("m m/locked dropping gone");
         for (QString &root : options.roots)
             root = folder.filePath(root);
         options.excludes = QStringList { folder.filePath(u"m/left-out/*"_s) };
         DiscoveryProblems problems;
         const QStringList found = discover(
-            options, 0, [&](int, const QString &) { QDir(folder.path()).rename(u"vanishing"_s, u"away"_s); },
+            options, 0,
+            [&](int count, const QString &) { // of the two one is being walked when it goes
+                QDir(folder.path()).rename(count == 1 ? u"gone"_s : u"dropping"_s, u"away%1"_s.arg(count));
+            },
             &problems);
-        QCOMPARE(found, QStringList { folder.filePath(u"m/a.mp3"_s) });
-        QCOMPARE(problems.missingRoots, options.roots.sliced(2));
+        QCOMPARE(found, (QStringList { folder.filePath(u"m/a.mp3"_s), folder.filePath(u"dropping/a.mp3"_s) }));
+        QCOMPARE(problems.missingRoots, options.roots.sliced(3));
         QStringList told;
         for (const auto &[path, reason] : problems.unreadableFolders)
             told.append(path.sliced(folder.path().size() + 1).section(u"/ddd"_s, 0, 0) + u':' + reason);
         told.sort();
         QCOMPARE(told,
-                 (QStringList { u"m/deep:File name too long"_s, u"m/listed:Permission denied"_s,
-                                u"m/locked:Permission denied"_s }));
+                 (QStringList { u"dropping:No such file or directory"_s, u"m/deep:File name too long"_s,
+                                u"m/listed:Permission denied"_s, u"m/locked:Permission denied"_s }));
 #else
         QSKIP("Windows knows neither such rights nor such limits");
 #endif
