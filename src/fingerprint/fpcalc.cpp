@@ -58,6 +58,15 @@ void appendWords(QByteArrayView list, QList<quint32> &words)
     splitAt(',', list, [&words](QByteArrayView piece) { appendWord(piece, words); });
 }
 
+// Some versions (1.5.1, say) fail on every file that ends before the length they were asked for, and say how long it is
+// all the same: in whole seconds, of which the last may be short of some samples. 0 = asking again is no use.
+int lengthToAskAgain(const ToolFailure &why, int asked)
+{
+    const qint64 seconds = parseFpcalcOutput(why.output).durationMs / 1000;
+    const bool isShort = why.hasRefused && seconds > 0 && seconds <= asked && asked > 1;
+    return isShort ? static_cast<int>(std::max<qint64>(seconds - 1, 1)) : 0;
+}
+
 } // namespace
 
 FpcalcResult parseFpcalcOutput(QByteArrayView output)
@@ -74,13 +83,17 @@ FpcalcResult parseFpcalcOutput(QByteArrayView output)
 
 FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds, const ToolTimeouts &timeouts)
 {
-    const QStringList arguments { u"-raw"_s, u"-length"_s, QString::number(std::max(seconds, 1)), path };
-    const tl::expected<QByteArray, ToolFailure> output =
-        runTool({ .name = toolName(),
-                  .program = tool,
-                  .arguments = arguments,
-                  .timeouts = timeouts,
-                  .maxBytes = std::max(seconds, 1) * maxWordBytes + maxOtherBytes });
+    const auto run = [&](int length) {
+        return runTool({ .name = toolName(),
+                         .program = tool,
+                         .arguments = { u"-raw"_s, u"-length"_s, QString::number(length), path },
+                         .timeouts = timeouts,
+                         .maxBytes = length * maxWordBytes + maxOtherBytes });
+    };
+    const int asked = std::max(seconds, 1);
+    tl::expected<QByteArray, ToolFailure> output = run(asked);
+    if (const int length = output ? 0 : lengthToAskAgain(output.error(), asked); length > 0)
+        output = run(length);
     if (!output)
         return { {}, 0, output.error().text };
     FpcalcResult result = parseFpcalcOutput(*output);

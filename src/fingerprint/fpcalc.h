@@ -25,7 +25,8 @@ QString findFpcalc();
 QString fpcalcPath();
 bool hasFpcalc();
 
-/// Fingerprints the first seconds of a file, at least one. Blocks the calling thread.
+/// Fingerprints the first seconds of a file, at least one, or nearly all of a file that is shorter. Blocks the calling
+/// thread.
 FpcalcResult runFpcalc(const QString &path, int seconds);
 
 /// The same with a given tool and given patience.

@@ -92,19 +92,28 @@ void applyFingerprint(const FingerprintResult &result, TrackInfo &track)
         track.error = result.error;
 }
 
-// The pool reports on this thread, so its handlers may write into the tracks. Returns how many files failed.
-int runFingerprintPool(QList<TrackInfo> &tracks, const QList<FingerprintJob> &jobs, const ScanOptions &options,
-                       const StageContext &context)
+struct FingerprintCounts {
+    int failed = 0;
+    int shorter = 0; ///< than the analysed length, by what fpcalc says
+};
+
+// The pool reports on this thread, so its handlers may write into the tracks.
+FingerprintCounts runFingerprintPool(QList<TrackInfo> &tracks, const QList<FingerprintJob> &jobs,
+                                     const ScanOptions &options, const StageContext &context)
 {
     FingerprintPool pool(options.decoderThreads, options.fingerprintSeconds,
                          options.fingerprintEngine == FingerprintEngine::Fpcalc);
-    int failures = 0;
+    FingerprintCounts counts;
     QObject::connect(
         &pool, &FingerprintPool::completed, &pool,
-        [&tracks, &failures](int id, const FingerprintResult &result) {
+        [&tracks, &counts, &options](int id, const FingerprintResult &result) {
             if (id >= 0 && id < tracks.size())
                 applyFingerprint(result, tracks[id]);
-            failures += result.error.isEmpty() ? 0 : 1;
+            if (!result.error.isEmpty())
+                ++counts.failed;
+            else if (options.fingerprintEngine == FingerprintEngine::Fpcalc && result.durationMs > 0
+                     && result.durationMs < options.fingerprintSeconds * qint64 { 1000 })
+                ++counts.shorter;
         },
         Qt::DirectConnection);
     QObject::connect(
@@ -122,7 +131,7 @@ int runFingerprintPool(QList<TrackInfo> &tracks, const QList<FingerprintJob> &jo
     });
     flagWatch.start(pollPauseMs);
     pool.run(jobs);
-    return failures;
+    return counts;
 }
 
 void logFingerprinting(qsizetype files, const ScanOptions &options, const StageContext &context)
@@ -247,12 +256,18 @@ QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &op
     if (jobs.isEmpty() || context.isCancelled())
         return tracks;
     logFingerprinting(jobs.size(), options, context);
-    const int failures = runFingerprintPool(tracks, jobs, options, context);
-    if (failures > 0) {
+    const FingerprintCounts counts = runFingerprintPool(tracks, jobs, options, context);
+    if (counts.shorter > 0) {
+        context.log(QCoreApplication::translate("epr::ScanController",
+                                                "%1 file(s) are shorter than the analysed length and were "
+                                                "fingerprinted as far as they go.")
+                        .arg(counts.shorter));
+    }
+    if (counts.failed > 0) {
         context.log(QCoreApplication::translate("epr::ScanController",
                                                 "%1 file(s) could not be decoded for fingerprinting. They are still "
                                                 "checked by hash and metadata.")
-                        .arg(failures));
+                        .arg(counts.failed));
     }
     return tracks;
 }

@@ -139,8 +139,14 @@ private Q_SLOTS:
 
     void usableOutputIsTaken()
     {
-        const auto fpcalc = [this](const char *script) { return runFpcalcTool(standIn(script), u"a"_s, 60, patient); };
+        const auto fpcalc = [this](const QByteArray &script) {
+            return runFpcalcTool(standIn(script), u"a"_s, 60, patient);
+        };
         QCOMPARE(fpcalc("echo hm >&2; echo FINGERPRINT=5; echo DURATION=1"), (FpcalcResult { { 5 }, 1000, {} }));
+        const QByteArray needsSamples =
+            "[ $3 -ge 45 ]; STATUS=$((3 * (1 - $?))); echo DURATION=45; echo FINGERPRINT=$3; ";
+        QCOMPARE(fpcalc(needsSamples + "exit $STATUS"), (FpcalcResult { { 44 }, 45000, {} }));
+        QCOMPARE(fpcalc(needsSamples + "exit 3"), (FpcalcResult { {}, 0, u"fpcalc failed (exit 3)"_s }));
         QCOMPARE(fpcalc("echo DURATION=4"), (FpcalcResult { {}, 4000, u"fpcalc produced no fingerprint"_s }));
         const auto ffmpeg = [&](const char *script) {
             return decodeWithFfmpegTool(standIn(script), { u"a"_s, 11025, 60 }, patient);

@@ -10,6 +10,7 @@
 #include "temporarylibrary.h"
 
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -71,8 +72,8 @@ class TestScanController : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-#ifndef Q_OS_WIN // which starts no scripts; this one hangs
-        writeFile(m_tools.filePath(u"fpcalc"_s), "#!/bin/sh\nexec sleep 50\n");
+#ifndef Q_OS_WIN // which starts no scripts; this one hangs unless it is told what to say
+        writeFile(m_tools.filePath(u"fpcalc"_s), "#!/bin/sh\necho \"${EPR_TEST_SAYS:-$(sleep 50)}\"\n");
         QFile::setPermissions(m_tools.filePath(u"fpcalc"_s), QFile::ReadOwner | QFile::ExeOwner);
         qputenv("EPR_FPCALC", QFile::encodeName(m_tools.filePath(u"fpcalc"_s)));
 #endif
@@ -222,6 +223,20 @@ private Q_SLOTS:
     }
 
 #ifndef Q_OS_WIN
+    void shortFilesAreToldOfOnce()
+    {
+        m_options.detectAcoustic = true;
+        ScanController controller;
+        const auto forget = qScopeGuard([] { qunsetenv("EPR_TEST_SAYS"); });
+        for (const QByteArray &length : { "59"_ba, "60"_ba }) {
+            qputenv("EPR_TEST_SAYS", "FINGERPRINT=1,2\nDURATION=" + length);
+            m_options.useCache = false;
+            const QStringList told = scan(controller, m_options).log.filter(u"shorter than the analysed length"_s);
+            QCOMPARE(told.size(), length == "59" ? 1 : 0);
+            QVERIFY(told.isEmpty() || told.first().startsWith("4 file(s)"_L1));
+        }
+    }
+
     // A tool that were waited for would have its file fail.
     void cancellingDoesNotWaitForTools()
     {
