@@ -5,6 +5,9 @@
 #include "cleanuplock.h"
 #include "displaytext.h"
 #include "filemove.h"
+#include "hashing.h"
+#include "nativefile.h"
+#include "removalguard.h"
 #include "traces.h"
 #include "undomanifest.h"
 
@@ -65,6 +68,34 @@ EntryOutcome withoutCopy(const ManifestEntry &entry, const QString &quarantineRo
     return { .problem = message, .isKept = !hasRunFolder(entry, quarantineRoot) };
 }
 
+// A move to another drive that was killed before it had removed its original leaves two files that are alike to the
+// time of their last change.
+bool isLeftOfAMove(const ManifestEntry &entry)
+{
+    const auto copy = nativefile::statusOf(entry.to);
+    const auto original = nativefile::statusOf(entry.from);
+    const QFileInfo copyInfo(entry.to);
+    const QFileInfo originalInfo(entry.from);
+    if (!copy || !original || copy->size != original->size || copy->modified != original->modified
+        || copyInfo.isSymLink() || originalInfo.isSymLink() || !copyInfo.isFile() || !originalInfo.isFile()) {
+        return false;
+    }
+    const QString digest = hashWholeFile(entry.from);
+    return !digest.isEmpty() && digest == hashWholeFile(entry.to);
+}
+
+/// Removes the copy in the quarantine if it is what a move left that was killed, and the other is proved to stay.
+bool removeLeftOver(const ManifestEntry &entry)
+{
+    if (!isLeftOfAMove(entry))
+        return false;
+    const QFileInfo original(entry.from);
+    RemovalChecks checks;
+    checks.kept = { { entry.to, { { entry.from, original.size(), original.lastModified() } } } };
+    return RemovalGuard(RemovalMode::Delete, checks).mayGo(entry.to, {}).value_or(false)
+        && nativefile::removeFile(entry.to);
+}
+
 EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineRoot, MissingFolders missing,
                           TraceNotes &notes)
 {
@@ -73,8 +104,11 @@ EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineR
         return { message };
     if (!entryExists(entry.to))
         return withoutCopy(entry, quarantineRoot);
-    if (entryExists(entry.from))
+    if (entryExists(entry.from)) {
+        if (removeLeftOver(entry))
+            return { .problem = {}, .wasDone = true };
         return { occupied(entry.from) };
+    }
     if (!isFileOrLink(entry.to))
         return { message };
     if (missing == MissingFolders::Leave && !QFileInfo(QFileInfo(entry.from).path()).isDir())

@@ -108,9 +108,11 @@ int removeOne(const QStringList &arguments)
     return removed.succeeded == 1 ? 0 : 1;
 }
 
-/// "undo": every list there is, the newest first.
+/// "undo": clears up as the program does before, and undoes every list there is, the newest first.
 int undoAll()
 {
+    for (const QString &message : clearTraces())
+        std::puts(qPrintable(message));
     int failed = 0;
     for (const QString &manifest : listUndoManifests()) {
         const RestoreResult restored = restoreManifest(manifest, {}, MissingFolders::Make);

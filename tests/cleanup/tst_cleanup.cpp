@@ -265,19 +265,29 @@ private Q_SLOTS:
     void restoreSparesWhatIsThere()
     {
         Sandbox box(otherFileSystem());
-        const QStringList paths { box.add(u"occupied"_s), box.add(u"lost"_s), box.add(u"sub/back"_s) };
+        const QStringList paths { box.add(u"occupied"_s), box.add(u"lost"_s), box.add(u"sub/back"_s),
+                                  box.add(u"half back"_s), box.add(u"alike"_s) };
         Tree expected = treeOf(box.library());
         const RemovalResult removed = quarantine(box, paths);
+        // What an undo across file systems leaves if it is killed before it removes the copy, and what only looks so.
+        std::filesystem::copy_file(box.inRun(u"library/half back"_s).toStdString(), paths.at(3).toStdString());
+        box.write(paths.at(4), QByteArray(100, '?'));
+        for (const QString &path : paths.sliced(3)) {
+            const auto time =
+                std::filesystem::last_write_time(box.inRun(u"library/"_s + QFileInfo(path).fileName()).toStdString());
+            std::filesystem::last_write_time(path.toStdString(), time);
+        }
         const QString lost = box.inRun(u"library/lost"_s);
         QVERIFY(QFile::remove(lost) && QDir(box.library()).rmdir(u"sub"_s));
         box.write(paths.at(0), "new music");
         expected.remove(u"lost"_s);
         expected.insert(treeOf(box.library()));
-        const QStringList errors { u"A file already exists at "_s + paths.at(0),
-                                   u"Quarantined copy missing: "_s + lost };
-        QCOMPARE(restoreManifest(removed.manifestPath, {}, MissingFolders::Make), RestoreResult({ 1, 2, errors }));
+        const QStringList errors { u"A file already exists at "_s + paths.at(0), u"Quarantined copy missing: "_s + lost,
+                                   u"A file already exists at "_s + paths.at(4) };
+        QCOMPARE(restoreManifest(removed.manifestPath, {}, MissingFolders::Make), RestoreResult({ 1, 3, errors }));
         QCOMPARE(treeOf(box.library()), expected);
-        QCOMPARE(filesBelow(box.quarantine()), QStringList { box.inRun(u"library/occupied"_s) });
+        QCOMPARE(filesBelow(box.quarantine()),
+                 QStringList({ box.inRun(u"library/alike"_s), box.inRun(u"library/occupied"_s) }));
     }
 
     void undoKeepsWhatItCouldNotRestore_data()
