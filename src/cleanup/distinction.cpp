@@ -44,7 +44,7 @@ nativefile::Time randomTime()
 
 bool shows(const Status &now, const Status &before, const nativefile::Time &mark)
 {
-    constexpr qint64 coarsest = 2 * 86400; // FAT keeps the day, in local time
+    constexpr qint64 coarsest = qint64 { 2 } * 86400; // FAT keeps the day, in local time
     return now.accessed != before.accessed && std::abs(now.accessed.seconds - mark.seconds) <= coarsest;
 }
 
