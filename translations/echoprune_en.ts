@@ -14,10 +14,23 @@
 <context>
     <name>epr::CleanupCommand</name>
     <message numerus="yes">
-        <source>The clean-up was stopped: %n file(s) were not touched.</source>
+        <source>The clean-up was stopped: %Ln file(s) were not touched.</source>
         <translation>
-            <numerusform>The clean-up was stopped: %n file was not touched.</numerusform>
-            <numerusform>The clean-up was stopped: %n files were not touched.</numerusform>
+            <numerusform>The clean-up was stopped: %Ln file was not touched.</numerusform>
+            <numerusform>The clean-up was stopped: %Ln files were not touched.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln folder(s) that files of this clean-up came from are not there, the first of them %1.
+
+If they are on a drive that is not connected, connect it and undo again. Undoing now would make them anew.</source>
+        <translation>
+            <numerusform>%Ln folder that files of this clean-up came from is not there: %1.
+
+If it is on a drive that is not connected, connect it and undo again. Undoing now would make it anew.</numerusform>
+            <numerusform>%Ln folders that files of this clean-up came from are not there, the first of them %1.
+
+If they are on a drive that is not connected, connect it and undo again. Undoing now would make them anew.</numerusform>
         </translation>
     </message>
 </context>
@@ -44,10 +57,27 @@
 <context>
     <name>epr::RemovalDialog</name>
     <message numerus="yes">
-        <source>%n of them are hidden by the filter at the moment.</source>
+        <source>%Ln of them are hidden by the filter at the moment.</source>
         <translation>
-            <numerusform>%n of them is hidden by the filter at the moment.</numerusform>
-            <numerusform>%n of them are hidden by the filter at the moment.</numerusform>
+            <numerusform>%Ln of them is hidden by the filter at the moment.</numerusform>
+            <numerusform>%Ln of them are hidden by the filter at the moment.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>epr::ResultsPanel</name>
+    <message numerus="yes">
+        <source>%Ln file(s) were put back since; the next scan shows them.</source>
+        <translation>
+            <numerusform>%Ln file was put back since; the next scan shows it.</numerusform>
+            <numerusform>%Ln files were put back since; the next scan shows them.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln file(s) were put back since the scan. Press Start Scan to see them.</source>
+        <translation>
+            <numerusform>%Ln file was put back since the scan. Press Start Scan to see it.</numerusform>
+            <numerusform>%Ln files were put back since the scan. Press Start Scan to see them.</numerusform>
         </translation>
     </message>
 </context>
@@ -72,6 +102,20 @@
         <translation>
             <numerusform>Left out %n file or folder whose name is not valid UTF-8.</numerusform>
             <numerusform>Left out %n files or folders whose names are not valid UTF-8.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n file(s) are shorter than the analysed length and were fingerprinted as far as they go.</source>
+        <translation>
+            <numerusform>%n file is shorter than the analysed length and was fingerprinted as far as it goes.</numerusform>
+            <numerusform>%n files are shorter than the analysed length and were fingerprinted as far as they go.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Could not decode %n more file(s).</source>
+        <translation>
+            <numerusform>Could not decode %n more file.</numerusform>
+            <numerusform>Could not decode %n more files.</numerusform>
         </translation>
     </message>
 </context>

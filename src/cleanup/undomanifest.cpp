@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "undomanifest.h"
 
+#include "displaytext.h"
 #include "filemove.h"
 #include "fileproblems.h"
 #include "manifestreader.h"
@@ -151,8 +152,7 @@ QString describeManifest(const QString &path)
     const QString when = created.isValid()
         ? QLocale().toString(created, QCoreApplication::translate("epr::Cleanup", "d MMM yyyy h:mm ap"))
         : QFileInfo(path).fileName();
-    return QCoreApplication::translate("epr::Cleanup", "%1 - %2 file(s)")
-        .arg(when, QString::number(manifest ? files : 0));
+    return QCoreApplication::translate("epr::Cleanup", "%1 - %2 file(s)").arg(when, countText(manifest ? files : 0));
 }
 
 Result<> writeManifest(const QString &path, const UndoManifest &manifest)

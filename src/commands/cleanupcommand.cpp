@@ -208,7 +208,8 @@ bool CleanupCommand::confirmDeletion(qsizetype files)
 {
     return QMessageBox::warning(
                window(), tr("Permanent deletion"),
-               tr("%1 file(s) will be deleted permanently and cannot be recovered.\n\nAre you certain?").arg(files),
+               tr("%1 file(s) will be deleted permanently and cannot be recovered.\n\nAre you certain?")
+                   .arg(countText(files)),
                QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel)
         == QMessageBox::Yes;
 }
@@ -237,7 +238,7 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     result.errors = plan.errors + result.errors;
     const QString stopped = done
         ? QString()
-        : tr("The clean-up was stopped: %n file(s) were not touched.", nullptr, static_cast<int>(untouched));
+        : tr("The clean-up was stopped: %Ln file(s) were not touched.", nullptr, static_cast<int>(untouched));
     tellRemoval(mode, result, stopped);
     m_review.removeMembers(vanished);
     Q_EMIT filesRemoved();
@@ -254,14 +255,23 @@ void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result, 
     report(line);
     tellAll(result.errors);
 
-    QString text = tr("Removed %1 file(s), freeing %2.").arg(succeeded, freed);
+    QString text = tr("Removed %1 file(s), freeing %2.").arg(countText(result.succeeded), freed);
     if (!stopped.isEmpty())
         text += "\n\n"_L1 + stopped;
     if (result.failed > 0)
-        text += tr("\n\n%1 file(s) could not be removed - see the Activity Log.").arg(failed);
+        text += tr("\n\n%1 file(s) could not be removed - see the Activity Log.").arg(countText(result.failed));
     if (!result.manifestPath.isEmpty())
         text += tr("\n\nThis clean-up can be reversed from Tools > Undo Previous Clean-up.");
-    showInformation(window(), tr("Clean-up complete"), text);
+    tellEnd(tr("Clean-up complete"), text, result.errors);
+}
+
+// The box only counts what failed; which files they are stands in the log.
+void CleanupCommand::tellEnd(const QString &title, const QString &text, const QStringList &failures)
+{
+    if (failures.isEmpty())
+        showInformation(window(), title, text);
+    else if (warnAndOffer(window(), title, text, tr("Show in &Log")))
+        Q_EMIT logLineWanted(failures.first());
 }
 
 // Runs of one minute with as many files each look alike in the list; the newest of them is meant.
@@ -270,6 +280,7 @@ std::optional<QString> CleanupCommand::askManifest(const QStringList &manifests,
     QInputDialog dialog(window());
     dialog.setWindowTitle(tr("Undo previous clean-up"));
     dialog.setLabelText(tr("Select the clean-up to reverse:"));
+    dialog.setOkButtonText(tr("&Restore"));
     dialog.setComboBoxItems(descriptions);
     constexpr int charactersOfTitle = 60; // else its frame cuts its own title off
     dialog.resize(charactersOfTitle * dialog.fontMetrics().averageCharWidth(), dialog.sizeHint().height());
@@ -299,10 +310,11 @@ bool CleanupCommand::confirmFolders(const QStringList &missing)
 {
     return missing.isEmpty()
         || confirmUndo(tr("Folders not found"),
-                       tr("%1 folder(s) that files of this clean-up came from are not there, the first of them "
-                          "%2.\n\nIf they are on a drive that is not connected, connect it and undo again. Undoing "
-                          "now would make them anew.")
-                           .arg(QString::number(missing.size()), missing.first()));
+                       tr("%Ln folder(s) that files of this clean-up came from are not there, the first of them "
+                          "%1.\n\nIf they are on a drive that is not connected, connect it and undo again. Undoing "
+                          "now would make them anew.",
+                          nullptr, static_cast<int>(missing.size()))
+                           .arg(missing.first()));
 }
 
 void CleanupCommand::restore(const QString &manifest, MissingFolders missing)
@@ -336,18 +348,17 @@ void CleanupCommand::tellRestore(const RestoreResult &result, const QString &sto
 {
     if (!result.refusal.isEmpty())
         return tellRefusal(result.refusal);
+    Q_EMIT filesRestored(static_cast<int>(result.succeeded));
     tellStop(stopped);
-    const QString succeeded = QString::number(result.succeeded);
-    const QString failed = QString::number(result.failed);
     tellAll(result.errors);
-    const QString line = tr("Undo: %1 restored, %2 failed.").arg(succeeded, failed);
-    report(line);
-    QString text = result.errors.isEmpty()
-        ? tr("Restored %1 file(s) to their original locations.").arg(succeeded)
-        : tr("Restored %1 file(s); %2 could not be restored. See the Activity Log.").arg(succeeded, failed);
+    report(tr("Undo: %1 restored, %2 failed.").arg(result.succeeded).arg(result.failed));
+    const QString succeeded = countText(result.succeeded);
+    QString text = result.errors.isEmpty() ? tr("Restored %1 file(s) to their original locations.").arg(succeeded)
+                                           : tr("Restored %1 file(s); %2 could not be restored. See the Activity Log.")
+                                                 .arg(succeeded, countText(result.failed));
     if (!stopped.isEmpty())
         text += "\n\n"_L1 + stopped;
-    showInformation(window(), tr("Undo complete"), text);
+    tellEnd(tr("Undo complete"), text, result.errors);
 }
 
 } // namespace epr

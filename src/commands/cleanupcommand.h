@@ -46,6 +46,7 @@ Q_SIGNALS:
     void wholeGroupTicked(int group); ///< the group for which a removal was refused
     void quarantineRootChosen(const QString &folder);
     void aboutToRemove(const QStringList &paths); ///< whoever holds one open must let go of it
+    void filesRestored(int files); ///< are back in the library, but not in the review
     void filesRemoved(); ///< the tree is up to date again; whoever holds one of its files should look whether it exists
 
 private:
@@ -62,6 +63,7 @@ private:
     void remove(const Request &request, RemovalMode mode);
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);
     void tellRefusal(const QString &refusal);
+    void tellEnd(const QString &title, const QString &text, const QStringList &failures);
     void tellAll(const QStringList &lines);
     void tellStop(const QString &stopped); ///< empty = it was not stopped
     std::optional<QString> askManifest(const QStringList &manifests, const QStringList &descriptions);

@@ -30,6 +30,7 @@ public:
 Q_SIGNALS:
     void logMessage(const QString &message);
     void statusMessage(const QString &message);
+    void logLineWanted(const QString &message); ///< the operator asks for this log line and those after it
 
 protected:
     QWidget *window() const { return m_window; }

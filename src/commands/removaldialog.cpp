@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "removaldialog.h"
 
+#include "displaytext.h"
 #include "look.h"
 
 #include <QDialogButtonBox>
@@ -21,25 +22,25 @@ RemovalDialog::RemovalDialog(const Selection &selection, const QString &quaranti
     : QDialog(parent)
     , m_quarantineRoot(quarantineRoot)
     , m_hint(new QLabel)
-    , m_quarantine(new QRadioButton(tr("Move to quarantine folder (recommended)")))
-    , m_recycleBin(new QRadioButton(tr("Move to the recycle bin")))
-    , m_delete(new QRadioButton(tr("Delete permanently (cannot be undone)")))
+    , m_quarantine(new QRadioButton(tr("Move to &quarantine folder (recommended)")))
+    , m_recycleBin(new QRadioButton(tr("Move to the &recycle bin")))
+    , m_delete(new QRadioButton(tr("&Delete permanently (cannot be undone)")))
 {
     setWindowTitle(tr("Remove duplicates"));
     constexpr int leastWidth = 460;
     setMinimumWidth(leastWidth);
     explain(tr("Files keep their folder structure under<br>%1<br>and can be restored with Tools &rarr; Undo Previous "
                "Clean-up."));
-    auto *change = new QPushButton(tr("Change quarantine folder..."));
+    auto *change = new QPushButton(tr("&Change quarantine folder..."));
     change->setAutoDefault(false);
     connect(change, &QPushButton::clicked, this, &RemovalDialog::chooseQuarantineRoot);
 
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(
-        tr("<b>%1 file(s) selected, freeing %2.</b>").arg(QString::number(selection.files), selection.total)));
+    layout->addWidget(
+        new QLabel(tr("<b>%1 file(s) selected, freeing %2.</b>").arg(countText(selection.files), selection.total)));
     if (selection.hidden > 0)
         layout->addWidget(new QLabel(
-            tr("%n of them are hidden by the filter at the moment.", nullptr, static_cast<int>(selection.hidden))));
+            tr("%Ln of them are hidden by the filter at the moment.", nullptr, static_cast<int>(selection.hidden))));
     layout->addWidget(createChoices());
     layout->addWidget(change, 0, Qt::AlignLeft);
     layout->addWidget(createButtons());

@@ -3,6 +3,7 @@
 #include "runwithprogress.h"
 
 #include "backgroundwork.h"
+#include "displaytext.h"
 #include "notices.h"
 #include "progress.h"
 
@@ -168,7 +169,7 @@ void ProgressDialog::refresh()
     m_bar->setRange(0, total);
     m_bar->setValue(done);
     m_estimate.add(done, total, m_clock.elapsed());
-    const QString count = tr("File %1 of %2").arg(done + 1).arg(total);
+    const QString count = tr("File %1 of %2").arg(countText(done + 1), countText(total));
     const QString rest = m_estimate.text();
     m_count->setText(rest.isEmpty() ? count : tr("%1 - %2", "the count of a clean-up and its speed").arg(count, rest));
     showInTitles(static_cast<int>(qint64 { 100 } * done / total));

@@ -107,6 +107,11 @@ QString positionText(qint64 positionMs)
     return u"%1:%2:%3"_s.arg(seconds / 3600).arg(twoDigits(seconds / 60 % 60), twoDigits(seconds % 60));
 }
 
+QString countText(qint64 count)
+{
+    return QLocale().toString(count);
+}
+
 QString sizeText(qint64 bytes)
 {
     return QLocale().formattedDataSize(bytes, 2, QLocale::DataSizeTraditionalFormat);

@@ -21,6 +21,9 @@ QString durationText(qint64 durationMs);
 /// "0:03:07", as a player counts; seconds are truncated, below zero counts as zero.
 QString positionText(qint64 positionMs);
 
+/// A count with the locale's separators: "12,345".
+QString countText(qint64 count);
+
 /// Bytes in powers of 1024 with two decimals and the locale's separators: "4.21 MB".
 QString sizeText(qint64 bytes);
 

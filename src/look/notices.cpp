@@ -5,6 +5,7 @@
 #include <QAbstractScrollArea>
 #include <QEvent>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTextDocument>
 
 namespace epr {
@@ -29,6 +30,16 @@ void showInformation(QWidget *parent, const QString &title, const QString &text)
 void showWarning(QWidget *parent, const QString &title, const QString &text)
 {
     show(QMessageBox::Warning, QMessageBox::Ok, parent, title, text);
+}
+
+bool warnAndOffer(QWidget *parent, const QString &title, const QString &text, const QString &offer)
+{
+    QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    const QAbstractButton *offered = box.addButton(offer, QMessageBox::HelpRole);
+    box.setDefaultButton(QMessageBox::Ok);
+    box.exec();
+    return box.clickedButton() == offered;
 }
 
 void showCritical(QWidget *parent, const QString &title, const QString &text)

@@ -12,6 +12,8 @@ namespace epr {
 
 void showInformation(QWidget *parent, const QString &title, const QString &text);
 void showWarning(QWidget *parent, const QString &title, const QString &text);
+/// A warning with a second button, for what helps. True if that was pressed.
+bool warnAndOffer(QWidget *parent, const QString &title, const QString &text, const QString &offer);
 void showCritical(QWidget *parent, const QString &title, const QString &text);
 bool askYesOrNo(QWidget *parent, const QString &title, const QString &question);
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultspanel.h"
 
+#include "displaytext.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
 #include "review.h"
@@ -54,6 +55,7 @@ ResultsPanel::ResultsPanel(Review &review, QWidget *parent)
 void ResultsPanel::setState(State state)
 {
     m_state = state;
+    m_restored = 0;
     if (state == State::Scanning)
         m_unreadableFolders = 0;
     m_foundGroups = !m_review.groups().isEmpty();
@@ -70,6 +72,13 @@ void ResultsPanel::setHasFolders(bool hasFolders)
 void ResultsPanel::setUnreadableFolders(int count)
 {
     m_unreadableFolders = count;
+}
+
+void ResultsPanel::addRestored(int files)
+{
+    m_restored += files;
+    refreshSummary();
+    refreshHint();
 }
 
 void ResultsPanel::goToGroup(int step)
@@ -175,7 +184,7 @@ void ResultsPanel::refreshSummary()
         m_summary->clear();
         break;
     case State::Finished:
-        m_summary->setText(withGaps(summaryText(m_review.totals())));
+        m_summary->setText(withGaps(outcomeText()));
         break;
     }
 }
@@ -200,12 +209,27 @@ QString ResultsPanel::hintText() const
     }
     if (!m_review.groups().isEmpty())
         return tr("No copy matches the filter.");
+    if (m_restored > 0)
+        return tr("%Ln file(s) were put back since the scan. Press Start Scan to see them.", nullptr, m_restored);
     if (m_foundGroups)
-        return tr("No duplicates are left. The next scan shows what was put back since.");
+        return tr("No duplicates are left.");
     return withGaps(m_review.totals().files > 0
                         ? tr("No duplicates in these folders.")
                         : tr("No music files were found. The activity log says whether a folder is missing, and "
                              "Settings choose which files are looked at."));
+}
+
+// "No duplicates found" would be untrue of a scan whose duplicates were removed, and half the truth once files came
+// back.
+QString ResultsPanel::outcomeText() const
+{
+    const ReviewTotals &totals = m_review.totals();
+    QString text = totals.groups == 0 && m_foundGroups
+        ? tr("%1 files scanned - no duplicates are left.").arg(countText(totals.files))
+        : summaryText(totals);
+    if (m_restored > 0)
+        text += u' ' + tr("%Ln file(s) were put back since; the next scan shows them.", nullptr, m_restored);
+    return text;
 }
 
 // Without it "no duplicates" would be said of files that nobody has seen.

@@ -28,6 +28,7 @@ public:
     void setState(State state); ///< after the results have been set
     void setHasFolders(bool hasFolders); ///< whether there is anything to scan
     void setUnreadableFolders(int count); ///< of the scan that is under way
+    void addRestored(int files); ///< put back by an undo; the results do not show them before the next scan
     void goToGroup(int step); ///< -1 or +1
     void focusFilter();
     void focusResults();
@@ -50,6 +51,7 @@ private:
     void refreshSummary();
     void refreshHint();
     QString hintText() const;
+    QString outcomeText() const;
     QString withGaps(const QString &outcome) const;
 
     Review &m_review;
@@ -58,6 +60,7 @@ private:
     bool m_foundGroups = false; ///< by the last scan, whether or not they are there still
     bool m_hasFolders = false;
     int m_unreadableFolders = 0;
+    int m_restored = 0; ///< files that came back since the last scan
     QLineEdit *m_filterEdit = nullptr;
     ResultsView *m_view = nullptr;
     ReviewPlace *m_place = nullptr;

@@ -53,7 +53,8 @@ void ReviewPlace::restore()
         std::find_if(groups.begin(), groups.end(), [this](const MatchGroup &g) { return g.id == m_group; });
     const bool isNowhere = m_group == 0;
     const bool isRemoved = place == groups.end();
-    if (isNowhere ? m_view->hasFocus() : isRemoved)
+    const bool isEntered = m_view->window()->focusWidget() == m_view; // also while the window is not the active one
+    if (isNowhere ? isEntered : isRemoved)
         return enter();
     const QModelIndex shown = isNowhere ? QModelIndex() : rowIn(*place);
     if (shown.isValid())

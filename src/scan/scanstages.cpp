@@ -27,6 +27,7 @@ namespace {
 constexpr int eventBudgetMs = 40; // of one polling round
 constexpr int pollPauseMs = 50;
 constexpr qsizetype namedFolders = 100; // in the log; a drive that drops out may take thousands with it
+constexpr int namedFiles = 100; // that could not be decoded, in the log
 
 void logProblems(const DiscoveryProblems &problems, const StageContext &context)
 {
@@ -94,6 +95,7 @@ void applyFingerprint(const FingerprintResult &result, TrackInfo &track)
 
 struct FingerprintCounts {
     int failed = 0;
+    QStringList failures; ///< which files they were and why; the first hundred
     int shorter = 0; ///< than the analysed length, by what fpcalc says
 };
 
@@ -109,10 +111,13 @@ FingerprintCounts runFingerprintPool(QList<TrackInfo> &tracks, const QList<Finge
         [&tracks, &counts, &options](int id, const FingerprintResult &result) {
             if (id >= 0 && id < tracks.size())
                 applyFingerprint(result, tracks[id]);
-            if (!result.error.isEmpty())
-                ++counts.failed;
-            else if (options.fingerprintEngine == FingerprintEngine::Fpcalc && result.durationMs > 0
-                     && result.durationMs < options.fingerprintSeconds * qint64 { 1000 })
+            if (!result.error.isEmpty()) {
+                if (++counts.failed <= namedFiles && id >= 0 && id < tracks.size())
+                    counts.failures.append(
+                        QCoreApplication::translate("epr::ScanController", "Could not decode %1: %2")
+                            .arg(QDir::toNativeSeparators(tracks.at(id).path), result.error.simplified()));
+            } else if (options.fingerprintEngine == FingerprintEngine::Fpcalc && result.durationMs > 0
+                       && result.durationMs < options.fingerprintSeconds * qint64 { 1000 })
                 ++counts.shorter;
         },
         Qt::DirectConnection);
@@ -259,11 +264,17 @@ QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &op
     const FingerprintCounts counts = runFingerprintPool(tracks, jobs, options, context);
     if (counts.shorter > 0) {
         context.log(QCoreApplication::translate("epr::ScanController",
-                                                "%1 file(s) are shorter than the analysed length and were "
-                                                "fingerprinted as far as they go.")
-                        .arg(counts.shorter));
+                                                "%n file(s) are shorter than the analysed length and were "
+                                                "fingerprinted as far as they go.",
+                                                nullptr, counts.shorter));
     }
     if (counts.failed > 0) {
+        for (const QString &failure : counts.failures)
+            context.log(failure);
+        if (const int unnamed = counts.failed - namedFiles; unnamed > 0) {
+            context.log(QCoreApplication::translate("epr::ScanController", "Could not decode %n more file(s).", nullptr,
+                                                    unnamed));
+        }
         context.log(QCoreApplication::translate("epr::ScanController",
                                                 "%1 file(s) could not be decoded for fingerprinting. They are still "
                                                 "checked by hash and metadata.")

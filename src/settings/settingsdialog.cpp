@@ -36,7 +36,7 @@ SettingsDialog::SettingsDialog(const ScanOptions &options, const SettingsStatus 
     , m_performance(new PerformanceTab(options, status))
     , m_updates(new UpdatesTab)
 {
-    auto *detection = new DetectionTab(options);
+    auto *detection = new DetectionTab(options, status);
     auto *files = new FilesTab(options);
     m_optionsTabs = { detection, files, m_performance };
     setWindowTitle(tr("%1 Settings").arg(metadata::applicationName()));

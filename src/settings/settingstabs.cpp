@@ -14,7 +14,6 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QThread>
@@ -54,6 +53,15 @@ QLabel *createStatusLabel()
     policy.setHeightForWidth(true);
     label->setSizePolicy(policy);
     return label;
+}
+
+// A value that changes nothing is greyed with its label.
+void enableRowWith(const QCheckBox *method, const QFormLayout *form, QWidget *field)
+{
+    for (QWidget *widget : { form->labelForField(field), field }) {
+        widget->setEnabled(method->isChecked());
+        QObject::connect(method, &QCheckBox::toggled, widget, &QWidget::setEnabled);
+    }
 }
 
 constexpr int msPerSecond = 1000;
@@ -159,12 +167,13 @@ int OptionsTab::valueOf(const QSpinBox *box)
     return box->value();
 }
 
-DetectionTab::DetectionTab(const ScanOptions &options, QWidget *parent)
+DetectionTab::DetectionTab(const ScanOptions &options, const SettingsStatus &status, QWidget *parent)
     : OptionsTab(options, parent)
 {
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(createMethods());
-    layout->addWidget(createSensitivity());
+    layout->addWidget(
+        createSensitivity(options.fingerprintEngine == FingerprintEngine::Fpcalc && !status.fpcalcPath.isEmpty()));
     layout->addStretch();
 }
 
@@ -177,43 +186,57 @@ QWidget *DetectionTab::createMethods()
     layout->addWidget(checkBox(&ScanOptions::detectSameAudio, tr("Same &audio, different tags"),
                                tr("Hashes only the audio payload, ignoring ID3 tags and artwork, so a retagged copy is "
                                   "still recognised.")));
-    layout->addWidget(checkBox(&ScanOptions::detectAcoustic, tr("Acoustic &fingerprint (same recording, re-encoded)"),
-                               tr("Decodes and fingerprints each file locally. Slower on the first pass, but catches "
-                                  "the same track ripped at a different bitrate. No online service is used.")));
-    layout->addWidget(checkBox(&ScanOptions::detectMetadata, tr("Matching a&rtist, title and duration"),
-                               tr("Broadest and least certain. Will flag legitimately different versions, so always "
-                                  "review these groups.")));
+    m_acoustic = checkBox(&ScanOptions::detectAcoustic, tr("Acoustic &fingerprint (same recording, re-encoded)"),
+                          tr("Decodes and fingerprints each file locally. Slower on the first pass, but catches the "
+                             "same track ripped at a different bitrate. No online service is used."));
+    layout->addWidget(m_acoustic);
+    m_metadata = checkBox(&ScanOptions::detectMetadata, tr("Matching a&rtist, title and duration"),
+                          tr("Broadest and least certain. Will flag legitimately different versions, so always review "
+                             "these groups."));
+    layout->addWidget(m_metadata);
     return group;
 }
 
-QWidget *DetectionTab::createSensitivity()
+QWidget *DetectionTab::createSensitivity(bool usesFpcalc)
 {
     QDoubleSpinBox *threshold =
         spinBox(&ScanOptions::threshold, { .minimum = 0.02, .maximum = 0.4, .step = 0.01, .decimals = 2 });
     threshold->setToolTip(tr(
         "Maximum fingerprint bit-error-rate accepted as a match. Lower is stricter. The default of 0.25 was chosen to "
         "catch the same\ntrack re-encoded across formats while leaving clear margin\nagainst unrelated music."));
-    const auto policy = [](const QString &text, KeeperPolicy value) {
-        return Choice { text, static_cast<qint32>(value) };
-    };
-    QComboBox *keeper = comboBox(&ScanOptions::keeperPolicy,
-                                 { policy(tr("Highest bitrate"), KeeperPolicy::HighestBitrate),
-                                   policy(tr("Longest duration"), KeeperPolicy::LongestDuration),
-                                   policy(tr("Largest file"), KeeperPolicy::LargestFile),
-                                   policy(tr("Preferred format"), KeeperPolicy::PreferredFormat),
-                                   policy(tr("Shallowest folder"), KeeperPolicy::ShallowestFolder),
-                                   policy(tr("Oldest file"), KeeperPolicy::OldestFile),
-                                   policy(tr("Newest file"), KeeperPolicy::NewestFile),
-                                   policy(tr("Most complete tags"), KeeperPolicy::MostCompleteTags) });
-
     auto *group = new QGroupBox(tr("Sensitivity"));
     QFormLayout *form = createForm(group);
     form->addRow(tr("Acoustic match &threshold:"), threshold);
-    form->addRow(tr("Duration tolerance (acou&stic):"), spinBox(&ScanOptions::durationTolerance, { 1, 25, tr(" %") }));
-    form->addRow(tr("Duration tolerance (&metadata):"),
-                 spinBox(&ScanOptions::metadataTolerance, { 0, 30, tr(" s"), msPerSecond }));
-    form->addRow(tr("Copy to &keep:"), keeper);
+    if (usesFpcalc) {
+        QLabel *note = createStatusLabel();
+        note->setText(tr("The threshold has no effect while fpcalc is used: it is for the built-in analysis."));
+        form->addRow(QString(), note);
+    }
+    QSpinBox *acousticTolerance = spinBox(&ScanOptions::durationTolerance, { 1, 25, tr(" %") });
+    form->addRow(tr("Duration tolerance (acou&stic):"), acousticTolerance);
+    QSpinBox *metadataTolerance = spinBox(&ScanOptions::metadataTolerance, { 0, 30, tr(" s"), msPerSecond });
+    form->addRow(tr("Duration tolerance (&metadata):"), metadataTolerance);
+    form->addRow(tr("Copy to &keep:"), createKeeperBox());
+    enableRowWith(m_acoustic, form, threshold);
+    enableRowWith(m_acoustic, form, acousticTolerance);
+    enableRowWith(m_metadata, form, metadataTolerance);
     return group;
+}
+
+QComboBox *DetectionTab::createKeeperBox()
+{
+    const auto policy = [](const QString &text, KeeperPolicy value) {
+        return Choice { text, static_cast<qint32>(value) };
+    };
+    return comboBox(&ScanOptions::keeperPolicy,
+                    { policy(tr("Highest bitrate"), KeeperPolicy::HighestBitrate),
+                      policy(tr("Longest duration"), KeeperPolicy::LongestDuration),
+                      policy(tr("Largest file"), KeeperPolicy::LargestFile),
+                      policy(tr("Preferred format"), KeeperPolicy::PreferredFormat),
+                      policy(tr("Shallowest folder"), KeeperPolicy::ShallowestFolder),
+                      policy(tr("Oldest file"), KeeperPolicy::OldestFile),
+                      policy(tr("Newest file"), KeeperPolicy::NewestFile),
+                      policy(tr("Most complete tags"), KeeperPolicy::MostCompleteTags) });
 }
 
 FilesTab::FilesTab(const ScanOptions &options, QWidget *parent)
@@ -271,10 +294,9 @@ PerformanceTab::PerformanceTab(const ScanOptions &options, const SettingsStatus 
 
 void PerformanceTab::setCacheStatus(const CacheStatus &status)
 {
-    m_cacheStatus->setText(
-        status.available
-            ? tr("%1 files cached, using %2.").arg(QLocale().toString(status.entries), sizeText(status.bytes))
-            : tr("Cache unavailable."));
+    const QString size = sizeText(status.bytes).replace("kB"_L1, "KB"_L1); // as the sizes of files in this dialog
+    m_cacheStatus->setText(status.available ? tr("%1 files cached, using %2.").arg(countText(status.entries), size)
+                                            : tr("Cache unavailable."));
 }
 
 void PerformanceTab::showCacheCleared()

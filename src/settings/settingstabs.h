@@ -88,11 +88,15 @@ class DetectionTab final : public OptionsTab {
     Q_OBJECT
 
 public:
-    explicit DetectionTab(const ScanOptions &options, QWidget *parent = nullptr);
+    DetectionTab(const ScanOptions &options, const SettingsStatus &status, QWidget *parent = nullptr);
 
 private:
     QWidget *createMethods();
-    QWidget *createSensitivity();
+    QWidget *createSensitivity(bool usesFpcalc);
+    QComboBox *createKeeperBox();
+
+    QCheckBox *m_acoustic = nullptr;
+    QCheckBox *m_metadata = nullptr;
 };
 
 /// Which files a scan looks at.

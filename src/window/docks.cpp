@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTime>
 
 namespace epr {
@@ -56,6 +57,24 @@ ActivityLog::ActivityLog(QWidget *parent)
 void ActivityLog::append(const QString &message)
 {
     m_text->appendPlainText(tr("[%1] %2").arg(QTime::currentTime().toString(u"HH:mm:ss"_s), message));
+}
+
+// Becoming visible scrolls the log to its end, so the lines are marked after that.
+void ActivityLog::showFrom(const QString &message)
+{
+    show();
+    raise();
+    m_text->setFocus(Qt::OtherFocusReason);
+    const auto mark = [this, message] {
+        const QTextDocument *document = m_text->document();
+        QTextCursor cursor(m_text->document());
+        cursor.movePosition(QTextCursor::End);
+        const QTextCursor found = document->find(message.section(u'\n', 0, 0), cursor,
+                                                 QTextDocument::FindBackward | QTextDocument::FindCaseSensitively);
+        cursor.setPosition(found.block().position(), QTextCursor::KeepAnchor); // the first line if it has been dropped
+        m_text->setTextCursor(cursor);
+    };
+    QMetaObject::invokeMethod(this, mark, Qt::QueuedConnection);
 }
 
 // Player and log share one place on a small screen, where the results need the height, and stand side by side where

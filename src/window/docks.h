@@ -24,6 +24,8 @@ public:
     explicit ActivityLog(QWidget *parent);
 
     void append(const QString &message); ///< with the current time before it
+    void
+    showFrom(const QString &message); ///< brings the log to the front, with the last such line and all after it marked
 
 private:
     QPlainTextEdit *m_text;

@@ -360,6 +360,7 @@ void MainWindow::connectCommands()
          std::initializer_list<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates }) {
         connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
         connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);
+        connect(command, &Command::logLineWanted, m_log, &ActivityLog::showFrom);
     }
     connect(m_resultsPanel, &ResultsPanel::currentChanged, m_memberActions, &MemberActions::setMember);
     connect(m_resultsPanel, &ResultsPanel::memberMenuRequested, m_memberActions, &MemberActions::popup);
@@ -367,6 +368,7 @@ void MainWindow::connectCommands()
     connect(m_cleanup, &CleanupCommand::quarantineRootChosen, this,
             [this](const QString &folder) { m_quarantineRoot = folder; });
     connect(m_cleanup, &CleanupCommand::filesRemoved, this, &MainWindow::refreshActions);
+    connect(m_cleanup, &CleanupCommand::filesRestored, m_resultsPanel, &ResultsPanel::addRestored);
     connect(m_cleanup, &CleanupCommand::aboutToRemove, m_playerDock->player(), &ComparePlayer::release);
     connect(m_cleanup, &CleanupCommand::filesRemoved, m_playerDock->player(), &ComparePlayer::clearVanished);
 }

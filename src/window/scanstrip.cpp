@@ -36,7 +36,6 @@ ScanStrip::ScanStrip(QWidget *parent)
     m_status->setTextFormat(Qt::PlainText); // it names files
     m_bar->setObjectName(u"progressBar"_s);
     m_bar->setAccessibleName(tr("Progress of the scan"));
-    m_bar->setFormat(tr("%v of %m"));
     m_bar->setAlignment(Qt::AlignCenter);
     m_bar->setMinimumWidth(14 * fontMetrics().averageCharWidth());
     m_bar->setMaximumWidth(40 * fontMetrics().averageCharWidth());
@@ -117,6 +116,7 @@ void ScanStrip::setRange(int done, int total)
 {
     m_bar->setRange(0, total);
     m_bar->setValue(done);
+    m_bar->setFormat(tr("%1 of %2").arg(countText(done), countText(total)));
     if (const QString now = brief(); std::exchange(m_announced, now) != now)
         Q_EMIT briefChanged();
 }

@@ -37,7 +37,10 @@ public:
     QString newQuarantine; ///< chosen in the removal dialog unless empty
     QString stopAtFile = u"no file"_s; ///< when the progress dialog shows it
 
+    bool wantsLog = false; ///< where a warning offers it
+
     QStringList boxes; ///< "title|text"
+    bool isWarning = false; ///< the latest box
     QStringList offered; ///< clean-ups that could be undone
     QString hint; ///< of the removal dialog when it was left
 
@@ -50,7 +53,11 @@ private:
             return;
         if (auto *box = qobject_cast<QMessageBox *>(dialog)) {
             boxes << box->windowTitle() + u'|' + box->text();
-            box->button(answers.value(box->windowTitle(), QMessageBox::Ok))->click();
+            isWarning = box->icon() == QMessageBox::Warning;
+            if (isWarning && wantsLog && box->buttons().size() == 2)
+                box->buttons().last()->click();
+            else
+                box->button(answers.value(box->windowTitle(), QMessageBox::Ok))->click();
         } else if (auto *question = qobject_cast<RemovalDialog *>(dialog)) {
             answer(question);
         } else if (auto *input = qobject_cast<QInputDialog *>(dialog)) {
@@ -187,8 +194,9 @@ private Q_SLOTS:
         QCOMPARE(person.boxes.value(1),
                  u"Clean-up complete|Removed 4 file(s), freeing 400 bytes.\n\nThis clean-up can be reversed from Tools "
                  "> Undo Previous Clean-up."_s);
-        QVERIFY(!QFileInfo::exists(session.inLibrary(u"sub/c3"_s)));
+        QVERIFY(!person.isWarning && !QFileInfo::exists(session.inLibrary(u"sub/c3"_s)));
         QCOMPARE(session.groups(), QString());
+        QCOMPARE(summaryOf(*session.window), u"7 files scanned - no duplicates are left."_s);
 
         person.answers[u"Quarantine will be scanned"_s] = QMessageBox::Cancel;
         session.window->onStartScan();
@@ -197,6 +205,9 @@ private Q_SLOTS:
         session.window->onUndoPrevious();
         QCOMPARE(person.boxes.last(), u"Undo complete|Restored 4 file(s) to their original locations."_s);
         QVERIFY(logs(*session.window, u"Undo: 4 restored, 0 failed."_s));
+        QCOMPARE(summaryOf(*session.window),
+                 u"7 files scanned - no duplicates are left. 4 file(s) were put back since; the next scan shows "
+                 "them."_s);
         QVERIFY(QDir(session.inLibrary(u"&quarantine;"_s)).removeRecursively());
         QCOMPARE(treeOf(session.library()), session.before);
         session.window->onUndoPrevious();
@@ -211,6 +222,7 @@ private Q_SLOTS:
         session.write(session.inLibrary(u"c2"_s), "other music"); // one to be removed
         Tree expected = treeOf(session.library());
         expected.remove(u"sub/c3"_s);
+        session.person.wantsLog = true;
         session.window->onRemoveSelected();
         QCOMPARE(treeOf(session.library()), expected);
         QVERIFY(
@@ -220,6 +232,11 @@ private Q_SLOTS:
                u"Group 1 was left alone: no copy would remain"_s, u"Group 2 was left alone: the copy to keep changed"_s,
                session.inLibrary(u"c2"_s) + u" changed since the scan"_s })
             QVERIFY2(logs(*session.window, line), qPrintable(line));
+        const auto *log = session.window->findChild<QPlainTextEdit *>(u"activityLog"_s);
+        QVERIFY(session.person.isWarning);
+        QTRY_VERIFY(log->textCursor().selectedText().startsWith(u'['));
+        QCOMPARE(log->textCursor().selectedText().count(QChar::ParagraphSeparator), 2); // between three lines
+        QVERIFY(log->isVisible() && !log->textCursor().selectedText().contains("succeeded"_L1));
         QCOMPARE(session.groups(), u"2:2 3:2"_s); // only one file of the first group is left
     }
 

@@ -136,6 +136,8 @@ private Q_SLOTS:
             QVERIFY(log.contains(
                 u"Fingerprinting %1 file(s) on 4 thread(s) using built-in analysis, ffmpeg decode."_s.arg(left)));
             QCOMPARE(log.filter(u"1 file(s) could not be decoded for fingerprinting."_s).size(), 1);
+            QCOMPARE(
+                log.filter(u"Could not decode %1: "_s.arg(QDir::toNativeSeparators(path(u"damaged.wav"_s)))).size(), 1);
         }
     }
 

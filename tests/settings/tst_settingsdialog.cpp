@@ -104,6 +104,33 @@ private Q_SLOTS:
         QCOMPARE(dialog.options().metadataTolerance, 0);
     }
 
+    void valuesWithoutEffectSaySo()
+    {
+        const auto notes = [](FingerprintEngine engine, const QString &fpcalc) {
+            ScanOptions options;
+            options.fingerprintEngine = engine;
+            const SettingsDialog dialog(options, { fpcalc, { true, 12, 4096 } });
+            QString texts;
+            for (const QLabel *label : dialog.findChildren<QLabel *>())
+                texts += label->text() + u'\n';
+            return texts;
+        };
+        const QString note = u"The threshold has no effect"_s;
+        QVERIFY(notes(FingerprintEngine::Fpcalc, u"/usr/bin/fpcalc"_s).contains(note));
+        QVERIFY(!notes(FingerprintEngine::Fpcalc, {}).contains(note));
+        QVERIFY(!notes(FingerprintEngine::BuiltIn, u"/usr/bin/fpcalc"_s).contains(note));
+        QVERIFY(notes(FingerprintEngine::BuiltIn, {}).contains("12 files cached, using 4.00 KB."_L1));
+
+        const SettingsDialog dialog(ScanOptions(), {});
+        const auto isEnabled = [&](const char *name) { return control(dialog, QLatin1String(name))->isEnabled(); };
+        QVERIFY(isEnabled("Acoustic match threshold:") && isEnabled("Duration tolerance (acoustic):"));
+        QVERIFY(!isEnabled("Duration tolerance (metadata):"));
+        control(dialog, u"Matching artist, title and duration"_s)->setProperty("checked", true);
+        control(dialog, u"Acoustic fingerprint (same recording, re-encoded)"_s)->setProperty("checked", false);
+        QVERIFY(!isEnabled("Acoustic match threshold:") && !isEnabled("Duration tolerance (acoustic):"));
+        QVERIFY(isEnabled("Duration tolerance (metadata):"));
+    }
+
     void storedSettingsWaitForAcceptanceButSkipping()
     {
         UpdateSettings().setSkippedVersion(u"2.0"_s);

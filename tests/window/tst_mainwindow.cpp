@@ -161,6 +161,21 @@ private Q_SLOTS:
         }
     }
 
+    // As at a start with --autostart, when the results may be there before the window is the active one.
+    void scanOfAWindowBehindOthersHasACurrentRow()
+    {
+        for (const QString &name : { u"one.wav"_s, u"two.wav"_s })
+            writeFile(m_folder->filePath(name), waveOf(1));
+        MainWindow window;
+        window.show();
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other) && !window.isActiveWindow());
+        scan(window, m_folder->path());
+        QVERIFY(resultsOf(window)->currentIndex().isValid());
+    }
+
     // Enough to hash that the scan is still at it when the answers come.
     void closingDuringAScanAsks()
     {
