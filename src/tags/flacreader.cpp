@@ -70,15 +70,18 @@ constexpr TagField commentFields[] {
     { "TRACKNUMBER"_L1, storeTrackOfTotal },
 };
 
-constexpr qsizetype longestKey = 11; // bytes
+constexpr qsizetype longestKey = 11;
+constexpr qsizetype longestKeyBytes = 3 * longestKey; // what has a capital in ASCII takes three bytes at most
 
-/// "KEY=value". Keys longer than any known one are passed over unread: their values are cover art more often than not.
+/// "KEY=value". The values of keys longer than any known one are not read: they are cover art more often than not.
 void applyComment(QByteArrayView comment, Tags &tags)
 {
     const qsizetype equals = comment.indexOf('=');
-    if (equals < 1 || equals > longestKey)
+    if (equals < 1 || equals > longestKeyBytes)
         return;
     const QString key = QString::fromUtf8(comment.first(equals)).toUpper();
+    if (key.size() > longestKey)
+        return;
     const QString value = cleanTagText(utf8Text(comment.sliced(equals + 1)));
     if (!value.isEmpty())
         storeTag(commentFields, key, value, tags);

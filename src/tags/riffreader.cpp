@@ -62,16 +62,16 @@ void walkChunks(QIODevice &device, QSysInfo::Endian endian, const std::function<
     }
 }
 
-/// Returns the byte rate, 0 when it cannot be read.
-quint32 readFormat(QIODevice &device, const Chunk &chunk, ProbeResult &result)
+/// Nothing changes when the chunk is cut off: an earlier one may have been whole.
+void readFormat(QIODevice &device, const Chunk &chunk, quint32 &byteRate, ProbeResult &result)
 {
     const QByteArray body = readAt(device, chunk.body, formatSize);
     if (body.size() < qsizetype(formatSize))
-        return 0;
+        return;
     ByteCursor cursor(body);
     result.stream.channels = cursor.at(2).u16le();
     result.stream.sampleRate = int32OrZero(cursor.u32le());
-    return cursor.u32le();
+    byteRate = cursor.u32le();
 }
 
 /// A size beyond the file is what a recorder leaves that was stopped hard, and what a writer into a pipe puts down:
@@ -164,7 +164,7 @@ bool readWave(QIODevice &device, ProbeResult &result)
         else if (chunk.overruns)
             return;
         else if (chunk.id == "fmt " && chunk.size >= formatSize)
-            byteRate = readFormat(device, chunk, result);
+            readFormat(device, chunk, byteRate, result);
         else if (chunk.id == "LIST" && chunk.size >= minListSize && chunk.size <= maxListSize)
             readList(device, chunk, result.tags);
     });

@@ -87,6 +87,9 @@ void addChunkRows()
         riffChunk("RIFF", "WAVE" + waveFormat() + "data\xFF\xFF\xFF\xFF" + QByteArray(17640, 's')),
         "100ms 1411 44100x2 @44+17640");
 
+    row("wav", "second format, a byte too short",
+        riffChunk("RIFF", "WAVE" + waveFormat() + data + waveFormat()).chopped(1), "500ms 1411 44100x2 @44+88200");
+
     const QByteArray common = aiffCommon(2, 441000, 16, 0x400E, 0xAC44ull << 48);
     const QByteArray sound = formChunk("SSND", QByteArray(8, '\0') + QByteArray(1000, 's'));
     row("aiff", "odd chunk", formChunk("FORM", "AIFF" + common + formChunk("odd ", "123") + sound),
@@ -150,6 +153,9 @@ void addTagRows()
          "T=1;A;L;B;17;2004;C;3");
     tags("flac", "no comments",
          flac({ "TITLE=1", "=2", "TITLE", "TITLE= ", "ALBUM ARTIST=x", "TRACKNUMBER=-3", "DESCRIPTION=D" }), "1;D");
+
+    tags("flac", "keys that are as long in upper case only",
+         flac({ "ALBUMART\u0131\u017FT=B", "DE\u017FCR\u0131PT\u0131ON=D" }), "B;D");
 
     // The picture spans pages; a page of another stream stands between them.
     const QByteArray art = "\x03vorbis" + vorbisComment({ "PICTURE=" + QByteArray(140000, 'p'), "TITLE=T" });
