@@ -27,6 +27,15 @@ constexpr auto connectOptions = "QSQLITE_BUSY_TIMEOUT=2000"_L1;
 // The driver describes all columns afresh at every execution, which costs more than finding and reading a row.
 constexpr std::size_t pathsPerQuery = 256;
 
+// A row that is too big, or breaks a rule of the table; the next one may not. The code's lower byte is the primary one.
+bool refusesRowOnly(const QSqlError &error)
+{
+    constexpr int tooBig = 18;
+    constexpr int mismatch = 20;
+    const int code = error.nativeErrorCode().toInt() & 0xFF;
+    return code >= tooBig && code <= mismatch;
+}
+
 } // namespace
 
 AnalysisCache::~AnalysisCache()
@@ -130,7 +139,7 @@ void AnalysisCache::close()
     m_db = QSqlDatabase();
     if (QSqlDatabase::contains(m_connectionName))
         QSqlDatabase::removeDatabase(m_connectionName);
-    m_error.clear();
+    static_cast<void>(takeError());
 }
 
 bool AnalysisCache::lookup(TrackInfo &track, FingerprintEngine engine)
@@ -189,8 +198,12 @@ void AnalysisCache::store(const TrackInfo &track, FingerprintEngine engine)
     if (!isOpen() || !m_error.isEmpty() || track.path.isEmpty())
         return;
     cachetable::bind(*m_store, track, engine);
-    if (!m_store->exec())
-        noteError(m_store->lastError());
+    if (!m_store->exec()) {
+        if (refusesRowOnly(m_store->lastError()))
+            m_refusal = m_store->lastError().text();
+        else
+            noteError(m_store->lastError());
+    }
     m_store->finish();
 }
 
@@ -200,12 +213,12 @@ void AnalysisCache::beginTransaction()
         noteError(m_db.lastError());
 }
 
-// A transaction that failed half-way is undone: what it holds is no more than work that the next scan repeats.
+// What was stored before the database failed is kept if it still can be.
 void AnalysisCache::commitTransaction()
 {
     if (!isOpen())
         return;
-    if (m_error.isEmpty() && m_db.commit())
+    if (!m_isDamaged && m_db.commit())
         return;
     noteError(m_db.lastError());
     m_db.rollback();
@@ -221,7 +234,9 @@ void AnalysisCache::noteError(const QSqlError &error)
 
 QString AnalysisCache::takeError()
 {
-    return std::exchange(m_error, QString());
+    const QString refusal = std::exchange(m_refusal, QString());
+    const QString error = std::exchange(m_error, QString());
+    return error.isEmpty() ? refusal : error;
 }
 
 bool AnalysisCache::clear(QString *error)

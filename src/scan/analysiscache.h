@@ -48,7 +48,7 @@ public:
 
     /// The first error of look-ups, stores and transactions since the last call; empty = none. After an error,
     /// look-ups miss and stores do nothing until it is taken: a database that another program holds locked would
-    /// otherwise cost the time-out again for every file.
+    /// otherwise cost the time-out again for every file. A row that alone was refused keeps no other from being stored.
     [[nodiscard]] QString takeError();
 
     [[nodiscard]] bool clear(QString *error = nullptr);
@@ -71,6 +71,7 @@ private:
     std::optional<QSqlQuery> m_lookupMany;
     std::optional<QSqlQuery> m_store;
     QString m_error;
+    QString m_refusal; ///< of a single row
     bool m_isDamaged = false;
 };
 

@@ -27,6 +27,14 @@ QVariant toValue(const QList<quint32> &words)
     return blob;
 }
 
+// SQLite takes a first U+FEFF for a mark of the byte order and drops it, and swaps the bytes of all that follows
+// U+FFFE. A mark of our own keeps it from looking any further.
+QVariant toValue(const QString &text)
+{
+    constexpr QChar mark(QChar::ByteOrderMark);
+    return text.startsWith(mark) || text.startsWith(QChar(QChar::ByteOrderSwapped)) ? mark + text : text;
+}
+
 template <typename Field> QVariant toValue(const Field &field)
 {
     return field;

@@ -170,6 +170,35 @@ private Q_SLOTS:
         QVERIFY(cache.takeError().isEmpty() && cache.count() == 1);
     }
 
+    void oneRefusedRowCostsNoOther()
+    {
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        otherProgram("CREATE TRIGGER one BEFORE INSERT ON tracks WHEN NEW.path = '/m/2.mp3' "
+                     "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        cache.beginTransaction();
+        for (const QString &path : words("/m/1.mp3 /m/2.mp3 /m/3.mp3"))
+            cache.store(analysed(path), FingerprintEngine::BuiltIn);
+        cache.commitTransaction();
+        QCOMPARE(cache.count(), 2);
+        QVERIFY(cache.takeError().contains("refused"_L1) && cache.takeError().isEmpty());
+    }
+
+    // A text may begin with what the database takes for a mark of the byte order.
+    void textsComeBackAsTheyWere()
+    {
+        TrackInfo track = analysed();
+        track.tags.title = u"\uFEFF\uFEFF"_s;
+        track.tags.artist = u"\uFFFEab"_s;
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        cache.store(track, FingerprintEngine::BuiltIn);
+        TrackInfo found = measured();
+        QVERIFY(cache.lookup(found, FingerprintEngine::BuiltIn));
+        track.tags.artist[0] = QChar::ReplacementCharacter; // what the database makes of that one anywhere
+        QCOMPARE(found.tags, track.tags);
+    }
+
     void prunesClearsAndCloses()
     {
         const QString existing = QCoreApplication::applicationFilePath();
