@@ -10,7 +10,8 @@ namespace epr {
 
 namespace {
 
-constexpr qint32 rowsPerReport = 1024;
+constexpr qint32 rowsPerLook = 1024; // at the cancel flag
+constexpr qint64 keysPerReport = 4096;
 constexpr qint64 candidatesPerReport = 1024;
 
 struct CandidateCount {
@@ -20,16 +21,18 @@ struct CandidateCount {
 
 /// Storing the candidates would take gigabytes in a large library. They are counted here, so that the comparison can
 /// say how far it is, and found once more when they are compared, which takes a fraction of the time of comparing.
-CandidateCount countCandidates(CandidateRows &rows, const Checkpoint &checkpoint)
+CandidateCount countCandidates(CandidateRows &rows, qint64 keyCount, const Checkpoint &checkpoint)
 {
+    Milestones milestones(checkpoint, acousticprogress::finding, keysPerReport, keyCount);
     CandidateCount count { 0, std::vector<bool>(static_cast<std::size_t>(rows.trackCount())) };
     for (qint32 track = 0; track < rows.trackCount(); ++track) {
-        if (track % rowsPerReport == 0 && !checkpoint.pass(acousticprogress::finding, track, rows.trackCount()))
-            break;
+        if (track % rowsPerLook == 0 && !milestones.reach(track, rows.trackCount()))
+            return count;
         const std::size_t found = rows.row(track).size();
         count.total += static_cast<qint64>(found);
         count.inRow[static_cast<std::size_t>(track)] = found > 0;
     }
+    static_cast<void>(milestones.reach(1, 1)); // the comparison looks at the flag again
     return count;
 }
 
@@ -86,10 +89,9 @@ void matchAcoustic(const QList<TrackInfo> &tracks, const ScanOptions &options, c
     const AcousticRules rules = acousticRules(options);
     PostingLists lists = rules.engine == FingerprintEngine::Fpcalc ? wordPostings(tracks, checkpoint)
                                                                    : halfWordPostings(tracks, checkpoint);
-    if (lists.entries.empty())
-        return;
+    const qint64 keyCount = lists.keyCount;
     CandidateRows rows(std::move(lists), tracks.size(), rules.minSharedKeys);
-    const CandidateCount count = countCandidates(rows, checkpoint);
+    const CandidateCount count = countCandidates(rows, keyCount, checkpoint);
     Comparison comparison(tracks, options, unions);
     compareCandidates(rows, count, comparison, checkpoint);
 }

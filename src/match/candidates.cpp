@@ -54,8 +54,10 @@ public:
     PostingLists takeLists()
     {
         std::size_t end = 0;
+        qint64 kept = 0;
         for (std::size_t key = 0; key < keyCount; ++key) {
             const std::size_t length = m_slots[key].length;
+            kept += length > 0 && length <= m_maxLength ? 1 : 0;
             if (length < 2 || length > m_maxLength)
                 continue;
             const auto list = m_entries.begin() + static_cast<std::ptrdiff_t>(key * m_room);
@@ -65,7 +67,7 @@ public:
         }
         m_entries.resize(end);
         m_entries.shrink_to_fit();
-        return { std::move(m_entries) };
+        return { std::move(m_entries), kept };
     }
 
 private:
@@ -118,22 +120,20 @@ public:
     }
 
     /// Sorts bucket by bucket: each fits into the processor's cache, and the sort can be cancelled between them.
-    [[nodiscard]] bool sort(const Checkpoint &checkpoint)
+    [[nodiscard]] bool sort(qsizetype trackCount, const Checkpoint &checkpoint)
     {
+        const auto total = static_cast<qint64>(m_pairs.size());
+        Milestones milestones(checkpoint, sortingWords, tracksPerReport, trackCount);
         std::size_t begin = 0;
-        std::size_t nextReport = 0;
         for (const std::size_t end : m_ends) {
-            if (begin >= nextReport) {
-                nextReport = begin + pairsPerReport;
-                if (!checkpoint.pass(sortingWords, static_cast<qint64>(begin), static_cast<qint64>(m_pairs.size())))
-                    return false;
-            }
+            if (!milestones.reach(static_cast<qint64>(begin), total))
+                return false;
             std::sort(m_pairs.begin() + static_cast<std::ptrdiff_t>(begin),
                       m_pairs.begin() + static_cast<std::ptrdiff_t>(end));
             begin = end;
         }
         m_pairs.erase(std::unique(m_pairs.begin(), m_pairs.end()), m_pairs.end());
-        return true;
+        return milestones.reach(total, total);
     }
 
     /// Visits, for each word, its pairs with the tracks that have it.
@@ -149,7 +149,6 @@ public:
 
 private:
     static constexpr std::size_t bucketCount = 1U << 10;
-    static constexpr std::size_t pairsPerReport = 1U << 20;
 
     static std::size_t bucketOf(quint32 word) { return word >> 22; }
 
@@ -169,6 +168,7 @@ PostingLists sharedWords(const SortedWords &words, std::size_t maxLength)
             return;
         for (const WordAndTrack pair : pairs)
             lists.entries.push_back(static_cast<quint32>(pair));
+        ++lists.keyCount;
         lists.entries.back() |= PostingLists::endFlag;
     });
     return lists;
@@ -193,7 +193,7 @@ PostingLists halfWordPostings(const QList<TrackInfo> &tracks, const Checkpoint &
 PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
 {
     SortedWords words;
-    if (!words.collect(tracks, checkpoint) || !words.sort(checkpoint))
+    if (!words.collect(tracks, checkpoint) || !words.sort(tracks.size(), checkpoint))
         return {};
     return sharedWords(words, static_cast<std::size_t>(maxPostingLength(tracks.size())));
 }

@@ -49,10 +49,12 @@ public:
     {
     }
 
+    bool isCancelled() const { return m_cancelFlag.load(std::memory_order_relaxed) != 0; }
+
     /// False if the pass is to end here; nothing is reported then.
     [[nodiscard]] bool pass(const ProgressSlice &slice, qint64 done, qint64 total) const
     {
-        if (m_cancelFlag.load(std::memory_order_relaxed) != 0)
+        if (isCancelled())
             return false;
         reportSubProgress(m_progress, slice, done, total);
         return true;
@@ -63,6 +65,35 @@ private:
     const ProgressFn &m_progress;
 };
 
+/// Reports a stretch in even steps of one measure while the work goes on in another: in lists, say, while the tracks
+/// are gone through.
+class Milestones final {
+public:
+    Milestones(const Checkpoint &checkpoint, const ProgressSlice &slice, qint64 step, qint64 total)
+        : m_checkpoint(checkpoint)
+        , m_slice(slice)
+        , m_step(step)
+        , m_total(total)
+    {
+    }
+
+    /// Reports each step up to where the work is, in its own measure. False if the pass is to end here.
+    [[nodiscard]] bool reach(qint64 done, qint64 all)
+    {
+        for (; m_next < m_total && m_next * all <= done * m_total; m_next += m_step)
+            if (!m_checkpoint.pass(m_slice, m_next, m_total))
+                return false;
+        return !m_checkpoint.isCancelled();
+    }
+
+private:
+    const Checkpoint &m_checkpoint;
+    ProgressSlice m_slice;
+    qint64 m_step = 1;
+    qint64 m_total = 0;
+    qint64 m_next = 0; ///< to be reported
+};
+
 /// Which tracks share a key of their fingerprints: for each key that two or more tracks have, but no more than
 /// maxPostingLength, the ascending indexes of these tracks. All lists lie in one array, one behind the other, with
 /// endFlag added to the last entry of each.
@@ -70,6 +101,7 @@ struct PostingLists {
     static constexpr quint32 endFlag = 1U << 31;
 
     std::vector<quint32> entries;
+    qint64 keyCount = 0; ///< keys that are not too common, with those of a single track where these have been counted
 };
 
 /// The most tracks that may share a key, by the number of all tracks; a key more common than that says nothing.

@@ -18,6 +18,7 @@
 
 using epr::TrackInfo;
 using List = QList<quint32>;
+using namespace Qt::StringLiterals;
 using Pairs = QList<std::pair<qint32, qint32>>;
 
 namespace {
@@ -80,9 +81,11 @@ bool plainPrefilter(const List &a, const List &b, double threshold, bool chromap
         : plainBer({ a.first(prefix) }, { b }, 2 * step, 32, step) <= threshold + (chromaprint ? 0.12 : 0.18);
 }
 
-Pairs plainCandidates(const QList<TrackInfo> &tracks, bool chromaprint)
+using Index = std::map<quint32, std::set<qint32>>;
+
+Index plainIndex(const QList<TrackInfo> &tracks, bool chromaprint)
 {
-    std::map<quint32, std::set<qint32>> known;
+    Index known;
     for (qint32 track = 0; track < tracks.size(); ++track) {
         const List &words = tracks[track].fingerprint.words;
         const qsizetype step = chromaprint ? 1 : std::max<qsizetype>(1, words.size() / 400);
@@ -91,14 +94,37 @@ Pairs plainCandidates(const QList<TrackInfo> &tracks, bool chromaprint)
                  chromaprint ? List { words[i] } : List { words[i] & 0xFFFF, 0x10000 | words[i] >> 16 })
                 known[key].insert(track);
     }
+    std::erase_if(known, [&](const auto &entry) {
+        return entry.second.size() > 64 // for up to 3,200 tracks
+            || (chromaprint && entry.second.size() < 2);
+    });
+    return known;
+}
+
+Pairs plainCandidates(const Index &known, bool chromaprint)
+{
     std::map<std::pair<qint32, qint32>, int> shared;
     for (const auto &[key, list] : known)
         for (const qint32 a : list)
-            for (auto b = list.upper_bound(a); b != list.end() && list.size() <= 64; ++b) // for up to 3,200 tracks
+            for (auto b = list.upper_bound(a); b != list.end(); ++b)
                 ++shared[{ a, *b }];
     std::erase_if(shared, [&](const auto &pair) { return pair.second < (chromaprint ? 5 : 3); });
     const auto pairs = std::views::keys(shared);
     return Pairs(pairs.begin(), pairs.end());
+}
+
+QStringList plainProgress(qsizetype tracks, std::size_t keys, qsizetype candidates, bool chromaprint)
+{
+    QStringList calls;
+    const auto stretch = [&calls](double base, double span, qsizetype step, qsizetype total, const QString &text) {
+        for (qsizetype done = 0; done < total; done += step)
+            calls << text + QString::number(static_cast<int>((base + span * double(done) / double(total)) * 1000));
+    };
+    stretch(0, chromaprint ? 0.35 : 0.7, 2048, tracks, u"Indexing fingerprints"_s);
+    stretch(0.35, 0.35, 2048, chromaprint ? tracks : 0, u"Indexing fingerprints"_s);
+    stretch(0.7, 0.2, 4096, static_cast<qsizetype>(keys), u"Finding candidate matches"_s);
+    stretch(0.9, 0.1, 1024, candidates, u"Comparing acoustic fingerprints"_s);
+    return calls;
 }
 
 Pairs foundCandidates(const QList<TrackInfo> &tracks, bool chromaprint)
@@ -262,11 +288,13 @@ void TestAcoustic::candidatesAndLinks()
     for (const auto &[trackCount, threshold, tolerance] : rows) {
         for (const bool chromaprint : { false, true }) {
             const epr::ScanOptions options = optionsFor(chromaprint, threshold, tolerance);
-            const QList<TrackInfo> tracks = randomLibrary(random, trackCount);
-            const Pairs candidates = plainCandidates(tracks, chromaprint);
+            // The tracks without a fingerprint are gone through as well.
+            const QList<TrackInfo> tracks = randomLibrary(random, trackCount) + QList<TrackInfo>(3000);
+            const Index index = plainIndex(tracks, chromaprint);
+            const Pairs candidates = plainCandidates(index, chromaprint);
             QVERIFY(trackCount < 64 || candidates.size() > trackCount / 8);
             QCOMPARE(foundCandidates(tracks, chromaprint), candidates);
-            epr::MatchUnion expected(trackCount);
+            epr::MatchUnion expected(tracks.size());
             for (qint32 track = 7; track < trackCount; track += 7)
                 expected.link(track - 5, track, epr::MatchType::IdenticalFile);
             epr::MatchUnion sets = expected;
@@ -275,7 +303,10 @@ void TestAcoustic::candidatesAndLinks()
                     && epr::sameRecording(tracks[a], tracks[b], epr::acousticRules(options))
                     && epr::durationsAgree(tracks[a].stream.durationMs, tracks[b].stream.durationMs, tolerance))
                     expected.link(a, b, epr::MatchType::SameRecording);
-            epr::matchAcoustic(tracks, options, notCancelled, {}, sets);
+            QStringList calls;
+            const auto note = [&calls](int step, int, const QString &text) { calls << text + QString::number(step); };
+            epr::matchAcoustic(tracks, options, notCancelled, note, sets);
+            QCOMPARE(calls, plainProgress(tracks.size(), index.size(), candidates.size(), chromaprint));
             for (qint32 track = 0; track < trackCount; ++track) {
                 QCOMPARE(sets.findRoot(track), expected.findRoot(track));
                 QCOMPARE(sets.method(track), expected.method(track));
