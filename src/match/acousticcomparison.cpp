@@ -177,6 +177,19 @@ bool isLongEnoughToCompare(const Fingerprint &fingerprint)
     return fingerprint.words.size() >= shortestMatched;
 }
 
+// Up to 60 %, silence alone makes no match at the default thresholds. The built-in engine looks at bits that it does
+// not trust only where less than about a sixth of the words are music on both sides. Strangers must then be silent
+// together in half of their words to differ in only a quarter of the bits, and for that each in two thirds. With fpcalc
+// they must be silent together in three quarters.
+bool isMostlySilent(const Fingerprint &fingerprint, FingerprintEngine engine)
+{
+    constexpr quint32 silentWord = 627964279; // fpcalc's; the built-in engine trusts no bit of a silent word
+    constexpr qsizetype percent = 60;
+    const bool fpcalc = engine == FingerprintEngine::Fpcalc;
+    const qsizetype silent = fpcalc ? fingerprint.words.count(silentWord) : fingerprint.mask.count(0);
+    return silent * 100 > fingerprint.words.size() * percent;
+}
+
 // The difference in hundredths may be no more than the longer duration in as many percent. Durations come from files
 // and may be near the end of the 64-bit range, so the longer one is divided before it is multiplied; whole numbers lose
 // nothing by that, since a whole difference exceeds a fraction exactly if it exceeds its whole part.

@@ -51,6 +51,10 @@ AcousticRules acousticRules(const ScanOptions &options);
 /// Whether there is enough of a fingerprint for acoustic matching.
 bool isLongEnoughToCompare(const Fingerprint &fingerprint);
 
+/// Whether over 60 % of the words are what the engine makes of digital silence. Such fingerprints agree wherever both
+/// are silent, whatever they are of, and do not belong into a comparison.
+bool isMostlySilent(const Fingerprint &fingerprint, FingerprintEngine engine);
+
 /// Whether two durations differ by at most so many percent of the longer one. An unknown duration agrees with any.
 bool durationsAgree(qint64 aMs, qint64 bMs, qint32 tolerancePercent);
 

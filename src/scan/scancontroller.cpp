@@ -70,8 +70,10 @@ void ScanController::start(const ScanOptions &wanted)
         if (options.useCache)
             storeTracks(tracks, options, context);
         cancelled = context.isCancelled();
-        if (!cancelled)
+        if (!cancelled) {
+            tracks.kept = leaveOutSilence(std::move(tracks.kept), options, context);
             groups = groupDuplicates(tracks.kept, options, context);
+        }
     }
     const QList<TrackInfo> reported = reportableTracks(std::move(tracks.kept), cancelled);
     m_running.store(0);

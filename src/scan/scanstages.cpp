@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scanstages.h"
 
+#include "acousticcomparison.h"
 #include "analysiscache.h"
 #include "decoding.h"
 #include "fingerprintpool.h"
@@ -298,6 +299,30 @@ void writeCache(const FilteredTracks &tracks, const ScanOptions &options, Analys
         context.log(QCoreApplication::translate("epr::ScanController", "The analysis cache could not be written (%1).")
                         .arg(error));
     }
+}
+
+QList<TrackInfo> leaveOutSilence(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)
+{
+    if (!options.detectAcoustic)
+        return tracks;
+    int silent = 0;
+    for (TrackInfo &track : tracks) {
+        if (!isMostlySilent(track.fingerprint, options.fingerprintEngine))
+            continue;
+        track.fingerprint = {};
+        if (track.error.isEmpty()) {
+            track.error = QCoreApplication::translate("epr::ScanController",
+                                                      "Mostly silence in the analysed part: not compared by sound");
+        }
+        ++silent;
+    }
+    if (silent > 0) {
+        context.log(QCoreApplication::translate("epr::ScanController",
+                                                "%n file(s) are mostly silence in the analysed part. They are still "
+                                                "checked by hash.",
+                                                nullptr, silent));
+    }
+    return tracks;
 }
 
 QList<MatchGroup> groupDuplicates(const QList<TrackInfo> &tracks, const ScanOptions &options,

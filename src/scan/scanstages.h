@@ -53,6 +53,10 @@ QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &op
 void writeCache(const FilteredTracks &tracks, const ScanOptions &options, AnalysisCache &cache,
                 const StageContext &context);
 
+/// Takes the fingerprints of silence away before the files are compared, and says so in their records. After the cache
+/// is written, which keeps them: the files need no other analysis.
+QList<TrackInfo> leaveOutSilence(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context);
+
 QList<MatchGroup> groupDuplicates(const QList<TrackInfo> &tracks, const ScanOptions &options,
                                   const StageContext &context);
 

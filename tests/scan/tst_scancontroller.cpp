@@ -7,8 +7,10 @@
 #include "hole.h"
 #include "libraryfiles.h"
 #include "rows.h"
+#include "scanstages.h"
 #include "temporarylibrary.h"
 
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSignalSpy>
@@ -170,6 +172,60 @@ private Q_SLOTS:
         }
         QCOMPARE(outcome.log.filter(u"3 file(s) are text"_s).size(), 1);
         QVERIFY(outcome.log.filter(u"Fingerprinting"_s).isEmpty());
+    }
+
+    // Six pieces that begin after 50 s of digital silence, and a copy of one.
+    void silenceIsNoAgreement()
+    {
+#ifdef Q_OS_WIN // where the set-up does not bring it
+        if (!hasFfmpeg())
+            QSKIP("ffmpeg is not installed");
+#endif
+        m_options.roots = QStringList { path(u"silent"_s) };
+        m_options.detectAcoustic = true;
+        m_options.fingerprintEngine = FingerprintEngine::BuiltIn;
+        for (quint32 piece = 0; piece < 6; ++piece) {
+            QByteArray file = waveOf('\x80', 50);
+            QRandomGenerator random(piece);
+            while (file.size() < 60 * 8000)
+                file.append(static_cast<char>(random.generate()));
+            writeFile(path(u"silent/%1.wav"_s.arg(piece)), file.replace(40, 4, little<quint32>(60 * 8000 - 44)));
+        }
+        QFile::copy(path(u"silent/0.wav"_s), path(u"silent/copy.wav"_s));
+        ScanController controller;
+        for (const int cached : { 0, 7 }) {
+            const Outcome outcome = scan(controller, m_options);
+            QCOMPARE(outcome.log.filter(u"Reused 7 cached"_s).size(), cached / 7);
+            QCOMPARE(outcome.log.filter(u"Fingerprinting 7 file(s)"_s).size(), 1 - cached / 7);
+            QCOMPARE(outcome.log.filter(u"7 file(s) are mostly silence"_s).size(), 1);
+            for (const TrackInfo &track : outcome.tracks)
+                QVERIFY(track.analysed && track.error.startsWith("Mostly silence in the analysed part"_L1));
+            QVERIFY(outcome.groups.size() == 1 && outcome.groups.at(0).members.size() == 2);
+        }
+    }
+
+    void silenceBeginsAboveSixtyPercent()
+    {
+        const std::atomic<qint32> notCancelled = 0;
+        for (const FingerprintEngine engine : { FingerprintEngine::BuiltIn, FingerprintEngine::Fpcalc }) {
+            QList<TrackInfo> tracks(3);
+            for (const qsizetype silent : { 60, 61 }) {
+                Fingerprint &fingerprint = tracks[silent - 60].fingerprint;
+                fingerprint.words = QList<quint32>(silent, 627964279) + QList<quint32>(100 - silent, 5);
+                if (engine == FingerprintEngine::BuiltIn) {
+                    fingerprint.mask = QList<quint32>(silent, 0) + QList<quint32>(100 - silent, 1);
+                    fingerprint.words.fill(627964279); // a word like any other
+                }
+            }
+            ScanOptions options;
+            options.fingerprintEngine = engine;
+            QList<TrackInfo> expected = tracks;
+            expected[1].fingerprint = {};
+            expected[1].error = u"Mostly silence in the analysed part: not compared by sound"_s;
+            QCOMPARE(leaveOutSilence(tracks, options, { notCancelled }), expected);
+            options.detectAcoustic = false;
+            QCOMPARE(leaveOutSilence(tracks, options, { notCancelled }), tracks);
+        }
     }
 
     // Every file but a touched one gets other content under its size and time: reading it would show.
