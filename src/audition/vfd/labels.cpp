@@ -3,6 +3,7 @@
 #include "labels.h"
 
 #include "accessibility.h"
+#include "panel.h"
 #include "vfdpaint.h"
 
 #include <QHelpEvent>
@@ -94,7 +95,7 @@ void ElidingLabel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     const QRectF box = QRectF(rect()).adjusted(margin, 0, -margin, 0);
     const Qt::Alignment alignment = QStyle::visualAlignment(layoutDirection(), m_alignment);
-    if (m_tone == Tone::Bright) {
+    if (m_tone == Tone::Bright && !isDimmed(*this)) {
         paintGlowingText(painter, box, alignment, shownText(), colour::lit);
         return;
     }
@@ -149,7 +150,7 @@ void Badge::paintEvent(QPaintEvent *)
     painter.setPen(QPen(withAlpha(colour::litSoft, 150), 1));
     painter.setBrush(withAlpha(colour::unlit, 110));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
-    paintGlowingText(painter, rect(), Qt::AlignCenter, m_text, colour::lit);
+    paintGlowingText(painter, rect(), Qt::AlignCenter, m_text, isDimmed(*this) ? colour::litSoft : colour::lit);
 }
 
 } // namespace epr::vfd

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "levelmeter.h"
 
+#include "panel.h"
+
 #include <QEvent>
 #include <QPainter>
 
@@ -95,6 +97,8 @@ void LevelMeter::changeEvent(QEvent *event)
 void LevelMeter::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
+    drawLabels(painter);
+    painter.setOpacity(isDimmed(*this) ? dimmedOpacity : 1);
     painter.drawPixmap(0, 0, m_dark.pictureFor(*this, [this](QPainter &picture) { drawSegments(picture, false); }));
     const QPixmap &lit = m_lit.pictureFor(*this, [this](QPainter &picture) { drawSegments(picture, true); });
     paintBar(painter, 0, lit);
@@ -115,15 +119,19 @@ QRectF LevelMeter::segmentBox(int bar, int segment) const
     return { left, top, right - left, snapped(barHeight) };
 }
 
-void LevelMeter::drawSegments(QPainter &painter, bool isLit) const
+void LevelMeter::drawLabels(QPainter &painter) const
 {
     const QString labels[] = { tr("L"), tr("R") };
-    painter.setFont(font());
+    painter.setPen(colour::litSoft);
     for (int bar = 0; bar < 2; ++bar) {
         const QRectF lane(0, bar * height() / 2.0, segmentBox(bar, 0).left(), height() / 2.0);
-        painter.setPen(colour::litSoft);
-        if (!isLit)
-            painter.drawText(lane, Qt::AlignCenter, labels[bar]);
+        painter.drawText(lane, Qt::AlignCenter, labels[bar]);
+    }
+}
+
+void LevelMeter::drawSegments(QPainter &painter, bool isLit) const
+{
+    for (int bar = 0; bar < 2; ++bar) {
         for (int segment = 0; segment < segments; ++segment) {
             const QColor bright = segmentColour(segment);
             painter.fillRect(segmentBox(bar, segment), isLit ? bright : withAlpha(bright, 34));

@@ -40,6 +40,7 @@ private:
     };
 
     QRectF segmentBox(int bar, int segment) const;
+    void drawLabels(QPainter &painter) const;
     void drawSegments(QPainter &painter, bool isLit) const;
     void paintBar(QPainter &painter, int bar, const QPixmap &lit) const;
 

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "panel.h"
 
-#include <QChildEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -12,56 +11,17 @@ namespace {
 
 constexpr qreal cornerRadius = 7;
 
-class Shade final : public QWidget {
-public:
-    explicit Shade(QWidget *parent)
-        : QWidget(parent)
-    {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        setFocusPolicy(Qt::NoFocus);
-        hide();
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        constexpr int darker = 320;
-        constexpr int alpha = 150;
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(withAlpha(colour::panelTop.darker(darker), alpha));
-        painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
-    }
-};
-
 } // namespace
 
 Panel::Panel(QWidget *parent)
     : QFrame(parent)
 {
-    m_shade = new Shade(this); // joins as a child before it has an address
 }
 
 void Panel::setDimmed(bool isDimmed)
 {
     m_isDimmed = isDimmed;
-    m_shade->raise();
-    m_shade->setVisible(isDimmed);
-}
-
-// A widget that joins later would otherwise lie above the shade.
-void Panel::childEvent(QChildEvent *event)
-{
-    QFrame::childEvent(event);
-    if (!event->removed() && m_shade && event->child() != m_shade)
-        m_shade->raise();
-}
-
-void Panel::resizeEvent(QResizeEvent *event)
-{
-    QFrame::resizeEvent(event);
-    m_shade->setGeometry(rect());
+    update(); // and with it the widgets on the panel
 }
 
 void Panel::mousePressEvent(QMouseEvent *event)
@@ -83,6 +43,13 @@ void Panel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.drawPixmap(0, 0, m_plate.pictureFor(*this, [this](QPainter &picture) { drawPlate(picture); }));
+    if (!m_isDimmed)
+        return;
+    constexpr int darker = 320;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withAlpha(colour::panelTop.darker(darker), dimmingAlpha));
+    painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
 }
 
 void Panel::drawPlate(QPainter &painter) const
@@ -98,6 +65,12 @@ void Panel::drawPlate(QPainter &painter) const
     painter.setPen(QPen(edge, 1));
     painter.setBrush(plate);
     painter.drawRoundedRect(box, cornerRadius, cornerRadius);
+}
+
+bool isDimmed(const QWidget &widget)
+{
+    const auto *panel = qobject_cast<const Panel *>(widget.parentWidget());
+    return panel && panel->isDimmed();
 }
 
 } // namespace epr::vfd

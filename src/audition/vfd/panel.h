@@ -8,8 +8,9 @@
 
 namespace epr::vfd {
 
-/// The plate that the widgets of a deck sit on. Dimming darkens the plate and everything on it; what is on it stays
-/// usable. A click is one with the left button that no child took.
+/// The plate that the widgets of a deck sit on. Dimming darkens the plate, and the widgets on it draw their pictures
+/// fainter and their texts in a softer colour that can still be read. A click is one with the left button that no child
+/// took.
 class Panel : public QFrame {
     Q_OBJECT
 
@@ -24,8 +25,6 @@ Q_SIGNALS:
     void clicked();
 
 protected:
-    void childEvent(QChildEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -33,10 +32,16 @@ protected:
 private:
     void drawPlate(QPainter &painter) const;
 
-    QWidget *m_shade = nullptr; ///< above all other children, and blind to the mouse
     CachedPixmap m_plate;
     bool m_isDimmed = false;
     bool m_isPressed = false;
 };
+
+/// Whether the widget is to draw itself for a dimmed panel below it.
+bool isDimmed(const QWidget &widget);
+
+/// How strongly a picture on a dimmed panel is drawn: as if the panel's dimming lay over it.
+inline constexpr int dimmingAlpha = 150;
+inline constexpr qreal dimmedOpacity = (255 - dimmingAlpha) / 255.0;
 
 } // namespace epr::vfd

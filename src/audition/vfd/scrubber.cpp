@@ -4,6 +4,7 @@
 
 #include "accessibility.h"
 #include "displaytext.h"
+#include "panel.h"
 
 #include <QHoverEvent>
 #include <QKeyEvent>
@@ -264,15 +265,16 @@ void Scrubber::paintEvent(QPaintEvent *)
         paintGlass(picture, rect());
         paintGrid(picture, size());
     };
+    painter.setOpacity(isDimmed(*this) ? dimmedOpacity : 1);
     painter.drawPixmap(0, 0, m_glass.pictureFor(*this, drawGlass));
     if (m_state == State::Ready)
         paintWaves(painter);
-    else
-        paintCaption(painter);
-    if (isSeekable()) {
+    if (isSeekable())
         paintCursor(painter);
+    painter.setOpacity(1);
+    paintCaption(painter);
+    if (isSeekable())
         paintHover(painter);
-    }
     if (hasFocus())
         paintFocusRing(painter, rect());
 }
@@ -293,6 +295,8 @@ void Scrubber::paintWaves(QPainter &painter)
 
 void Scrubber::paintCaption(QPainter &painter) const
 {
+    if (caption().isEmpty())
+        return;
     const bool isBusy = m_state == State::Analysing;
     const QRectF box = QRectF(0, 0, width(), height());
     const QRectF words = painter.boundingRect(box, Qt::AlignCenter, caption()).adjusted(-8, -2, 8, 2);
