@@ -144,6 +144,7 @@ struct Envelope {
     QList<float> right; ///< a copy of left for mono files
     QList<float> peak; ///< the larger of left and right
     qint64 durationMs = 0; ///< 0 = unknown
+    float raisedBy = 1; ///< the values are those of the sound, times this
 
     bool operator==(const Envelope &) const = default;
 };

@@ -10,6 +10,7 @@
 #include <QAbstractItemView>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QPainter>
 #include <QStyle>
 #include <QToolTip>
 
@@ -73,6 +74,12 @@ int sampleWidth(const QHeaderView *header, ResultsModel::Column column)
                     header->sectionSizeHint(column));
 }
 
+QFont deckFont(QFont font)
+{
+    font.setBold(true);
+    return font;
+}
+
 } // namespace
 
 QColor matchColour(MatchType type, const QPalette &palette)
@@ -117,6 +124,29 @@ QSize ResultsDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
     return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
 }
 
+// The decks as a plate of inverse colours, which stands out on a selected row too.
+void ResultsDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::paint(painter, option, index);
+    const QString decks = index.data(ResultsModel::DecksRole).toString();
+    if (decks.isEmpty())
+        return;
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    const QRect plate = cell.widget->style()->subElementRect(QStyle::SE_ItemViewItemDecoration, &cell, cell.widget);
+    const bool isSelected = cell.state.testFlag(QStyle::State_Selected);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(cell.palette.brush(isSelected ? QPalette::HighlightedText : QPalette::Text));
+    constexpr int radius = 3;
+    painter->drawRoundedRect(plate, radius, radius);
+    painter->setPen(cell.palette.color(isSelected ? QPalette::Highlight : QPalette::Base));
+    painter->setFont(deckFont(cell.font));
+    painter->drawText(plate, Qt::AlignCenter, decks);
+    painter->restore();
+}
+
 bool ResultsDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                                 const QModelIndex &index)
 {
@@ -135,6 +165,13 @@ void ResultsDelegate::initStyleOption(QStyleOptionViewItem *option, const QModel
     QStyledItemDelegate::initStyleOption(option, index);
     if (index.column() == ResultsModel::FolderColumn)
         option->textElideMode = Qt::ElideMiddle;
+    const QString decks = index.data(ResultsModel::DecksRole).toString();
+    if (decks.isEmpty())
+        return;
+    constexpr int margin = 5;
+    const QFontMetrics metrics(deckFont(option->font));
+    option->features |= QStyleOptionViewItem::HasDecoration;
+    option->decorationSize = { metrics.horizontalAdvance(decks) + 2 * margin, metrics.height() };
 }
 
 } // namespace epr

@@ -18,8 +18,9 @@ QColor keeperColour(const QPalette &palette);
 /// names and folders share the rest. Below a certain width the rest has a lower limit, and the view scrolls.
 void fitResultsColumns(QHeaderView *header, int width);
 
-/// Draws the cells of the results: folders elided in the middle, where two long paths look most alike, and a tool tip
-/// with the whole text on any cell that is too narrow for it.
+/// Draws the cells of the results: the letters of the decks before the name of a loaded file, folders elided in the
+/// middle, where two long paths look most alike, and a tool tip with the whole text on any cell that is too narrow for
+/// it.
 class ResultsDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -27,6 +28,7 @@ public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
 

@@ -53,6 +53,12 @@ void ResultsModel::setFilter(const QString &text)
     endResetModel();
 }
 
+void ResultsModel::setLoaded(const PerDeck<QString> &paths)
+{
+    m_loaded = paths;
+    emitEverywhereChanged(DecksRole);
+}
+
 QModelIndex ResultsModel::groupIndex(int group) const
 {
     return index(m_rows.rowOf(group), FileColumn);
@@ -172,14 +178,14 @@ void ResultsModel::followReview()
         if (cell.isValid())
             Q_EMIT dataChanged(cell, cell, { Qt::CheckStateRole });
     });
-    connect(&m_review, &Review::ticksChanged, this, &ResultsModel::emitTicksChanged);
+    connect(&m_review, &Review::ticksChanged, this, [this] { emitEverywhereChanged(Qt::CheckStateRole); });
     connect(&m_review, &Review::keeperChanged, this, &ResultsModel::emitGroupChanged);
 }
 
-void ResultsModel::emitTicksChanged()
+void ResultsModel::emitEverywhereChanged(int role)
 {
     if (rowCount() > 0)
-        Q_EMIT dataChanged(index(0, FileColumn), index(rowCount() - 1, FileColumn), { Qt::CheckStateRole });
+        Q_EMIT dataChanged(index(0, FileColumn), index(rowCount() - 1, FileColumn), { role });
 }
 
 void ResultsModel::emitGroupChanged(int group)
@@ -231,6 +237,10 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
         return isKeeper && column == MatchColumn ? keeperColour(QGuiApplication::palette()) : QVariant();
     case Qt::ToolTipRole:
         return info ? memberToolTip(*info, column) : QVariant();
+    case DecksRole:
+        return info && column == FileColumn ? decksOf(*info) : QVariant();
+    case Qt::AccessibleTextRole:
+        return info ? accessibleText(*info, column) : QVariant();
     case TrackRole:
         return m_review.groups().at(group).members.at(member);
     case GroupRole:
@@ -240,6 +250,23 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     default:
         return {};
     }
+}
+
+QString ResultsModel::decksOf(const TrackInfo &track) const
+{
+    QString decks;
+    if (track.path == m_loaded.a)
+        decks += u'A';
+    if (track.path == m_loaded.b)
+        decks += u'B';
+    return decks;
+}
+
+// The other cells are read as they are shown.
+QVariant ResultsModel::accessibleText(const TrackInfo &track, int column) const
+{
+    const QString decks = column == FileColumn ? decksOf(track) : QString();
+    return decks.isEmpty() ? QVariant() : tr("%1, in deck %2").arg(track.fileName, decks);
 }
 
 QString ResultsModel::groupText(const MatchGroup &group) const

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
 #include "reviewfilter.h"
 
 #include <QAbstractItemModel>
@@ -12,8 +13,8 @@ namespace epr {
 /// A review as a tree of two levels: a row per group and below it a row per member, those that match a text alone where
 /// there is one.
 ///
-/// Where a change touches ticks in many groups, one dataChanged() covers the range of their group rows and stands for
-/// everything below them as well.
+/// Where a change touches ticks or decks in many groups, one dataChanged() covers the range of their group rows and
+/// stands for everything below them as well.
 class ResultsModel final : public QAbstractItemModel {
     Q_OBJECT
 
@@ -35,11 +36,13 @@ public:
         TrackRole = Qt::UserRole + 1, ///< member rows: index in the track list
         GroupRole, ///< position in the group list
         KeeperRole, ///< member rows: whether this is the copy to keep
+        DecksRole, ///< file cells: "A", "B" or "AB" for the decks that the copy is loaded into
     };
 
     explicit ResultsModel(Review &review, QObject *parent = nullptr);
 
     void setFilter(const QString &text); ///< as typed
+    void setLoaded(const PerDeck<QString> &paths); ///< empty = nothing in the deck
     qint64 hiddenTicks() const { return m_rows.hiddenTicks(); } ///< ticked copies that do not match the text
 
     QModelIndex groupIndex(int group) const; ///< its row; invalid while it is not shown
@@ -59,10 +62,12 @@ public:
 
 private:
     void followReview();
-    void emitTicksChanged();
+    void emitEverywhereChanged(int role);
     void emitGroupChanged(int group);
+    QString decksOf(const TrackInfo &track) const;
     QVariant groupData(int group, int column, int role) const;
     QVariant memberData(int group, int member, int column, int role) const;
+    QVariant accessibleText(const TrackInfo &track, int column) const;
     QString groupText(const MatchGroup &group) const;
     QString memberText(const TrackInfo &track, int column) const;
     QVariant memberToolTip(const TrackInfo &track, int column) const;
@@ -70,6 +75,7 @@ private:
     Review &m_review;
     ReviewFilter m_rows;
     QFont m_boldFont;
+    PerDeck<QString> m_loaded;
 };
 
 } // namespace epr

@@ -86,6 +86,11 @@ void ResultsPanel::goToGroup(int step)
     m_place->goToGroup(step);
 }
 
+void ResultsPanel::setLoaded(const PerDeck<QString> &paths)
+{
+    m_model->setLoaded(paths);
+}
+
 void ResultsPanel::focusFilter()
 {
     m_filterEdit->setFocus(Qt::ShortcutFocusReason);

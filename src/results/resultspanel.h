@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "deck.h"
+
 #include <QWidget>
 
 class QLabel;
@@ -30,6 +32,7 @@ public:
     void setUnreadableFolders(int count); ///< of the scan that is under way
     void addRestored(int files); ///< put back by an undo; the results do not show them before the next scan
     void goToGroup(int step); ///< -1 or +1
+    void setLoaded(const PerDeck<QString> &paths); ///< marks the rows of what is in the decks
     void focusFilter();
     void focusResults();
     qint64 hiddenTicks() const; ///< ticked copies that the filter hides

@@ -41,12 +41,11 @@ void ResultsView::reset()
     m_hint->setVisible(!model() || model()->rowCount() == 0);
 }
 
-// Ticks in many groups at once change neither heights nor children, which is what the base class would go through row
-// by row; painting what is visible is all there is to do.
+// What changes in many groups at once changes neither heights nor children, which is what the base class would go
+// through row by row, and reaches the rows below those of the range; painting what is visible is all there is to do.
 void ResultsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles)
 {
-    const bool ticksOnly = roles.size() == 1 && roles.first() == Qt::CheckStateRole;
-    if (ticksOnly && topLeft.row() != bottomRight.row())
+    if (roles.size() == 1 && !topLeft.parent().isValid())
         viewport()->update();
     else
         QTreeView::dataChanged(topLeft, bottomRight, roles);

@@ -58,6 +58,14 @@ const TrackInfo *Review::track(int group, int member) const
     return trackAt(m_groups.at(group).members.value(member, -1));
 }
 
+bool Review::keeps(const QString &path) const
+{
+    return std::any_of(m_groups.cbegin(), m_groups.cend(), [&](const MatchGroup &group) {
+        const TrackInfo *kept = trackAt(group.keep);
+        return kept && kept->path == path;
+    });
+}
+
 int Review::firstWhollyTickedGroup() const
 {
     for (std::size_t g = 0; g + 1 < m_firstBit.size(); ++g) {

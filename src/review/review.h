@@ -51,6 +51,7 @@ public:
     {
         return m_groups.at(group).members.at(member) == m_groups.at(group).keep;
     }
+    bool keeps(const QString &path) const; ///< whether it is the copy to keep of some group
     bool isTicked(int group, int member) const { return m_ticked[bitOf(group, member)]; }
 
     int firstWhollyTickedGroup() const; ///< the first group of which no copy would survive, or -1

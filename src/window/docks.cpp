@@ -89,7 +89,7 @@ void placeDocks(QMainWindow *window, QDockWidget *player, ActivityLog *log)
     if (screen.width() < widthForBoth)
         window->tabifyDockWidget(player, log);
     else
-        window->resizeDocks({ player, log }, { 2, 1 }, Qt::Horizontal);
+        window->resizeDocks({ player, log }, { 3, 1 }, Qt::Horizontal);
     player->raise();
     keepFocusOutWhileHidden(player);
     keepFocusOutWhileHidden(log);
@@ -121,6 +121,7 @@ PlayerDock::PlayerDock(QWidget *parent)
     connect(m_link, &QAction::toggled, m_player, &ComparePlayer::setLinked);
     connect(m_player, &ComparePlayer::linkedChanged, m_link, &QAction::setChecked);
     toggleViewAction()->setShortcut(Qt::Key_F8);
+    connect(this, &QDockWidget::visibilityChanged, this, &PlayerDock::pauseOutOfSight);
     connect(toggleViewAction(), &QAction::triggered, this, [this](bool shown) {
         if (shown)
             bringToFront();
@@ -150,6 +151,13 @@ void PlayerDock::compare(const TrackInfo &a, const TrackInfo &b)
 {
     load(Deck::A, a);
     load(Deck::B, b);
+}
+
+// What cannot be seen cannot be silenced: closed, or behind the log. With the window minimised it is heard on purpose.
+void PlayerDock::pauseOutOfSight(bool isVisible)
+{
+    if (!isVisible && !parentWidget()->isMinimized())
+        m_player->pause();
 }
 
 QAction *PlayerDock::make(const QString &text, const QKeySequence &key, void (ComparePlayer::*command)())

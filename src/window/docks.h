@@ -35,7 +35,7 @@ private:
 void placeDocks(QMainWindow *window, QDockWidget *player, ActivityLog *log);
 
 /// The comparison player's place in the main window, with the commands that work it from the menu and by key. Loading a
-/// deck brings the player to the front.
+/// deck brings the player to the front; hidden, it pauses.
 class PlayerDock final : public QDockWidget {
     Q_OBJECT
 
@@ -53,6 +53,7 @@ public:
 private:
     QAction *make(const QString &text, const QKeySequence &key, void (ComparePlayer::*command)());
     void bringToFront();
+    void pauseOutOfSight(bool isVisible);
 
     ComparePlayer *m_player;
     QAction *m_playPause;

@@ -352,6 +352,9 @@ void MainWindow::connectPlayer()
     connect(m_memberActions, &MemberActions::loadRequested, m_playerDock, &PlayerDock::load);
     connect(m_memberActions, &MemberActions::compareRequested, m_playerDock, &PlayerDock::compare);
     connect(m_playerDock->player(), &ComparePlayer::logMessage, this, &MainWindow::onLogMessage);
+    connect(m_playerDock->player(), &ComparePlayer::tracksChanged, this, &MainWindow::markLoadedCopies);
+    connect(m_review, &Review::reset, this, &MainWindow::markLoadedCopies);
+    connect(m_review, &Review::keeperChanged, this, &MainWindow::markLoadedCopies);
 }
 
 void MainWindow::connectCommands()
@@ -403,6 +406,16 @@ void MainWindow::refreshActions()
     m_actions->enableFor({ .isScanning = m_isScanning,
                            .hasFolderSelection = m_folderPanel->hasSelection(),
                            .hasGroups = !m_review->groups().isEmpty() });
+}
+
+void MainWindow::markLoadedCopies()
+{
+    PerDeck<QString> paths;
+    for (const Deck deck : bothDecks) {
+        paths[deck] = m_playerDock->player()->track(deck).path;
+        m_playerDock->player()->setKept(deck, m_review->keeps(paths[deck]));
+    }
+    m_resultsPanel->setLoaded(paths);
 }
 
 // A scan of hours is watched from the task bar.

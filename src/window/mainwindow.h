@@ -80,6 +80,7 @@ private:
     void saveSettings() const;
     void setScanning(bool scanning);
     void refreshActions();
+    void markLoadedCopies(); ///< in the results, and in the decks whether they are kept
     void refreshTitle();
     void report(const QString &message); ///< in the status label and as a log line
     bool confirmClose();

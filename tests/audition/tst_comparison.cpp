@@ -19,7 +19,7 @@ struct FakeDeck final : DeckPlayback {
     bool hasEnded() const override { return at >= length; }
     bool hasFailed() const override { return false; }
     void setSource(const QString &path) override { source = path, at = 0, playing = false; }
-    void play() override { playing = !source.isEmpty(); }
+    void play() override { playing = !source.isEmpty(), at = hasEnded() ? 0 : at; }
     void pause() override { playing = false; }
     void stop() override { at = 0, playing = false; }
     void setPosition(qint64 ms) override { at = std::min(ms, length), playing = playing && at < length; }
@@ -85,8 +85,8 @@ class TestComparison : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    // In the situation, A and B are decks with files, standing at 1000 and 5000, L is linked, s a B of 8000 ms. Then
-    // come the commands and where A and B stand after them, with "+" if they play.
+    // In the situation, A and B are decks with files, standing at 1000 and 5000, L is linked, s a B of 8000 ms, l one
+    // of 90 s. Then come the commands and where A and B stand after them, with "+" if they play.
     void commands_data()
     {
         const test::Rows<QString> row("story");
@@ -94,6 +94,7 @@ private Q_SLOTS:
         row("linked decks start where A is", u"ABL|play|1000+|1000+"_s);
         row("or where the monitored B is", u"ABL|monitorB play|5000+|5000+"_s);
         row("after the end from the beginning", u"ABL|seekA60000 play|0+|0+"_s);
+        row("a longer B goes on where A ended", u"ABLl|seekA60000 play|60000|60000+"_s);
         row("a shorter B stays at its end", u"ABLs|seekA9000 play|9000+|8000"_s);
         row("one that plays is enough to pause", u"AB|play monitorB play|1000|5000"_s);
         row("stopping goes to the beginning", u"ABL|play stop|0|0"_s);
@@ -103,10 +104,13 @@ private Q_SLOTS:
         row("unless both did", u"ABL|play seekA60000 seekA2000|2000|2000"_s);
         row("linking moves B even if monitored", u"AB|monitorB link|1000|1000"_s);
         row("the same file plays on", u"ABL|play loadA|1000+|1000+"_s);
+        row("a playing deck plays what it is given", u"AB|play loadC|0+|5000"_s);
+        row("the next group plays on", u"ABL|play loadC loadB2|0+|0+"_s);
+        row("a linked deck joins the other", u"AL|play loadB|1000+|0+"_s);
         row("clearing one leaves the other", u"ABL|play clearA|0|1000+"_s);
         row("a file goes to the empty deck", u"B|monitorB placeC seekA7|7|5000"_s);
         row("or to the one that is not heard", u"AB|monitorB placeC|0|5000"_s);
-        row("decks whose file is gone are cleared", u"AB|loadC seekA7 monitorB vanish|7|0"_s);
+        row("decks whose file is gone are cleared, and heard still", u"AB|loadC seekA7 monitorB vanish|7|0"_s);
     }
 
     void commands()
@@ -125,10 +129,11 @@ private Q_SLOTS:
         }
         if (situation.contains(u's'))
             seen.decks.b->length = 8000;
+        else if (situation.contains(u'l'))
+            seen.decks.b->length = 90000;
         for (const QString &command : orders.split(u' '))
             seen.run(command);
-        // What is left is heard.
-        const Deck monitor = orders.contains(u"monitorB") && !orders.contains(u"vanish") ? Deck::B : Deck::A;
+        const Deck monitor = orders.contains(u"monitorB") ? Deck::B : Deck::A;
         QString told = situation + u'|' + orders;
         for (const Deck deck : bothDecks) {
             const FakeDeck &fake = *seen.decks[deck];
@@ -180,6 +185,8 @@ private Q_SLOTS:
         QCOMPARE(durationDelta(a, longer) + u' ' + bitrateDelta(a, longer), u"+3601.26 s +128 k"_s);
         QCOMPARE(durationDelta(longer, a) + u' ' + bitrateDelta(longer, a), u"\u22123601.26 s \u2212128 k"_s);
         QCOMPARE(durationDelta({}, a) + durationDelta(a, {}) + bitrateDelta(a, {}), u"\u2014\u2014\u2014"_s);
+        QCOMPARE(levelDelta(1, 0.5F) + levelDelta(0.5F, 1) + levelDelta(1, 0.999F), u"\u22126.0 dB+6.0 dB+0.0 dB"_s);
+        QCOMPARE(levelDelta(0, 1) + levelDelta(1, 0), u"\u2014\u2014"_s);
     }
 };
 

@@ -111,6 +111,29 @@ private Q_SLOTS:
         QCOMPARE(model.rowCount(), 0);
     }
 
+    void loadedCopiesCarryTheirDecks()
+    {
+        Review review;
+        ResultsModel model(review);
+        fill(review, u"a* b / c* d"_s);
+        QSignalSpy changes(&model, &ResultsModel::dataChanged);
+        const auto marks = [&] {
+            QStringList rows;
+            for (const int track : { 0, 1, 2, 3 }) {
+                const QModelIndex file = cell(model, track / 2, track % 2, ResultsModel::FileColumn);
+                rows << file.data(ResultsModel::DecksRole).toString() + file.data(Qt::AccessibleTextRole).toString();
+            }
+            return rows.join(u'|');
+        };
+        model.setLoaded({ review.tracks().at(3).path, review.tracks().at(0).path });
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(marks(), u"Ba.mp3, in deck B|||Ad.mp3, in deck A"_s);
+        model.setLoaded({ review.tracks().at(1).path, review.tracks().at(1).path });
+        QCOMPARE(marks(), u"|ABb.mp3, in deck AB||"_s);
+        model.setLoaded({});
+        QCOMPARE(marks(), u"|||"_s);
+    }
+
     void ticksAreAllThatIsEdited()
     {
         Review review;

@@ -250,9 +250,21 @@ private Q_SLOTS:
         auto *player = window.findChild<ComparePlayer *>();
         press(Qt::CTRL | Qt::Key_1);
         QCOMPARE(player->track(Deck::A).path, u"/music/<two> & more.mp3"_s);
+        const auto isKept = [&](const QString &deck) {
+            return !player->findChild<QWidget *>(deck)->findChild<QWidget *>(u"deckKept"_s)->isHidden();
+        };
+        QVERIFY(isKept(u"deckA"_s));
         press(Qt::Key_Up);
         press(Qt::Key_Return); // the free deck
         QCOMPARE(player->track(Deck::B).path, u"/music/one.mp3"_s);
+        const QModelIndex loaded = resultsOf(window)->currentIndex().siblingAtColumn(0);
+        QVERIFY(loaded.data(Qt::AccessibleTextRole).toString().endsWith("in deck B"_L1));
+        QVERIFY(!isKept(u"deckB"_s));
+        press(Qt::CTRL | Qt::Key_K);
+        QVERIFY(isKept(u"deckB"_s) && !isKept(u"deckA"_s));
+        press(Qt::Key_Down);
+        press(Qt::CTRL | Qt::Key_K);
+        press(Qt::Key_Up);
         press(Qt::Key_B);
         QCOMPARE(player->monitor(), Deck::B);
         press(Qt::Key_X);

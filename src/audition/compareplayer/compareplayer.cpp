@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace epr {
@@ -66,16 +67,16 @@ void ComparePlayer::load(Deck deck, const TrackInfo &track)
     Side &side = m_sides[deck];
     const bool isSame = side.track.path == track.path;
     const qint64 positionMs = side.playback->position();
-    const bool wasPlaying = side.playback->isPlaying();
+    const bool isToPlay = side.playback->isPlaying() || (m_linked && isAnyPlaying());
     side.track = track;
+    side.peak = 0;
     side.awaitsPreview = true;
     side.view->setProblem({});
     side.playback->setSource(track.path);
-    if (isSame) {
-        side.playback->setPosition(positionMs);
-        if (wasPlaying)
-            side.playback->play();
-    }
+    if (isSame)
+        moveTo(*side.playback, positionMs, isToPlay);
+    else if (isToPlay)
+        side.playback->play();
     showTrack(deck);
     if (side.awaitsPreview)
         m_previews.request(static_cast<int>(deck), track.path);
@@ -98,6 +99,7 @@ void ComparePlayer::clear(Deck deck)
     side.playback->stop();
     side.playback->setSource({});
     side.track = {};
+    side.peak = 0;
     side.awaitsPreview = false;
     side.view->setProblem({});
     m_previews.cancel(static_cast<int>(deck));
@@ -120,24 +122,31 @@ void ComparePlayer::clearWhere(const std::function<bool(const QString &path)> &i
         if (m_sides[deck].hasFile() && isUnwanted(m_sides[deck].track.path))
             clear(deck);
     }
-    // What plays on should be heard.
-    if (!m_sides[m_monitor].hasFile() && m_sides[otherDeck(m_monitor)].hasFile())
-        swapMonitor();
 }
 
 void ComparePlayer::playPause()
 {
     DeckPlayback &monitored = *m_sides[m_monitor].playback;
     if (isAnyPlaying()) {
-        for (const Deck deck : bothDecks)
-            m_sides[deck].playback->pause();
+        pause();
     } else if (m_linked && m_sides.b.hasFile()) {
-        const qint64 startMs = monitored.hasEnded() ? 0 : monitored.position();
+        const qint64 startMs = monitored.position();
         for (const Deck deck : bothDecks)
             moveTo(*m_sides[deck].playback, startMs, true);
+        const bool hasRest = isAnyPlaying();
+        for (const Deck deck : bothDecks) {
+            if (!hasRest && m_sides[deck].playback->hasEnded())
+                m_sides[deck].playback->play(); // nothing is left of either, so both begin anew
+        }
     } else {
         monitored.play();
     }
+}
+
+void ComparePlayer::pause()
+{
+    for (const Deck deck : bothDecks)
+        m_sides[deck].playback->pause();
 }
 
 void ComparePlayer::stop()
@@ -157,6 +166,11 @@ void ComparePlayer::seek(Deck deck, qint64 positionMs)
         if (each == Deck::A || m_sides.b.hasFile())
             moveTo(playback, positionMs, isPlaying && playback.hasEnded());
     }
+}
+
+void ComparePlayer::setKept(Deck deck, bool kept)
+{
+    m_sides[deck].view->setKept(kept);
 }
 
 void ComparePlayer::setLinked(bool linked)
@@ -225,6 +239,8 @@ void ComparePlayer::connectPreviews()
         Side &side = m_sides[static_cast<Deck>(deck)];
         side.awaitsPreview = false;
         side.view->setEnvelope(envelope);
+        side.peak = *std::max_element(envelope.peak.begin(), envelope.peak.end()) / envelope.raisedBy;
+        showDeltas();
     });
     connect(&m_previews, &WaveformLoader::failed, this,
             [this](int deck, const QString &error) { giveUpPreview(static_cast<Deck>(deck), error); });
@@ -258,8 +274,15 @@ void ComparePlayer::showTrack(Deck deck)
     if (side.playback->duration() > 0)
         side.view->setDurationMs(side.playback->duration());
     side.view->setPositionMs(side.playback->position());
-    m_transport->setDeltas(comparisontext::durationDelta(m_sides.a.track, m_sides.b.track),
-                           comparisontext::bitrateDelta(m_sides.a.track, m_sides.b.track));
+    showDeltas();
+    Q_EMIT tracksChanged();
+}
+
+void ComparePlayer::showDeltas()
+{
+    const auto &[a, b] = m_sides;
+    m_transport->setDeltas(comparisontext::durationDelta(a.track, b.track),
+                           comparisontext::bitrateDelta(a.track, b.track), comparisontext::levelDelta(a.peak, b.peak));
 }
 
 void ComparePlayer::showLevels()

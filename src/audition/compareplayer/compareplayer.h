@@ -36,7 +36,8 @@ public:
     const TrackInfo &track(Deck deck) const { return m_sides[deck].track; } ///< the empty record = none
     const DeckPlayback &playback(Deck deck) const { return *m_sides[deck].playback; }
 
-    /// The path that the deck already holds keeps its position, and plays on if it was playing.
+    /// A deck that plays goes on with the new file, as does a linked one while the other plays. The path that the deck
+    /// already holds keeps its position.
     void load(Deck deck, const TrackInfo &track);
     void loadIntoFreeDeck(const TrackInfo &track); ///< an empty one first, else the one that is not monitored
     void clear(Deck deck);
@@ -44,9 +45,11 @@ public:
     void release(const QStringList &paths);
     void clearVanished(); ///< the decks whose file is no longer there
     void seek(Deck deck, qint64 positionMs);
+    void setKept(Deck deck, bool kept); ///< whether its file is shown as the copy to keep
 
 public Q_SLOTS:
     void playPause();
+    void pause();
     void stop();
     void monitorDeckA() { setMonitor(Deck::A); }
     void monitorDeckB() { setMonitor(Deck::B); }
@@ -59,6 +62,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     void logMessage(const QString &message);
     void linkedChanged(bool linked);
+    void tracksChanged(); ///< a deck was loaded or cleared
 
 private:
     struct Side {
@@ -66,6 +70,7 @@ private:
         DeckView *view = nullptr;
         TrackInfo track; ///< the empty record = no file
         bool awaitsPreview = false;
+        float peak = 0; ///< of full scale, 0 = unknown
 
         bool hasFile() const { return !track.path.isEmpty(); }
     };
@@ -78,6 +83,7 @@ private:
     void setMonitor(Deck deck);
     void showMonitor();
     void showTrack(Deck deck);
+    void showDeltas();
     void showLevels();
     void onPlayingChanged(Deck deck);
     void onProblem(Deck deck, const QString &problem);

@@ -32,6 +32,8 @@ void DeckView::setTrack(const TrackInfo &track)
     m_hasFile = !track.path.isEmpty();
     m_envelope = {};
     m_title->setText(comparisontext::title(track));
+    m_file->setText(comparisontext::fileName(track));
+    m_folder->setText(comparisontext::folder(track));
     m_formatText = comparisontext::format(track);
     refreshFormat();
     m_scrubber->clear();
@@ -41,6 +43,11 @@ void DeckView::setTrack(const TrackInfo &track)
     setPositionMs(0);
     resetLevels();
     refreshDimming();
+}
+
+void DeckView::setKept(bool kept)
+{
+    m_kept->setVisible(kept);
 }
 
 void DeckView::setEnvelope(const Envelope &envelope)
@@ -81,7 +88,10 @@ void DeckView::setMonitored(bool monitored)
 void DeckView::showLevelsAt(qint64 positionMs)
 {
     const qint64 bucket = positionMs / Envelope::bucketMs;
-    m_levels->setLevels(m_envelope.left.value(bucket), m_envelope.right.value(bucket)); // 0 beyond the envelope
+    // 0 beyond the envelope. What is drawn is raised; a meter that were too would show a quiet copy as loud as a full
+    // one.
+    m_levels->setLevels(m_envelope.left.value(bucket) / m_envelope.raisedBy,
+                        m_envelope.right.value(bucket) / m_envelope.raisedBy);
 }
 
 void DeckView::resetLevels()
@@ -97,11 +107,18 @@ void DeckView::createWidgets()
     m_heading->setTone(vfd::ElidingLabel::Tone::Soft);
     m_title = new vfd::ElidingLabel(this);
     m_title->setObjectName(u"deckTitle"_s);
-    m_format = new vfd::ElidingLabel(this);
-    m_format->setObjectName(u"deckFormat"_s);
-    QFont small = vfd::letteringFont(8); // it has much to say
-    small.setLetterSpacing(QFont::PercentageSpacing, 100);
-    m_format->setFont(small);
+    m_kept = new vfd::Badge(this);
+    m_kept->setObjectName(u"deckKept"_s);
+    m_kept->setText(tr("KEEP"));
+    m_kept->hide();
+    m_file = createSmallLabel(u"deckFile"_s);
+    m_file->setElideMode(Qt::ElideMiddle);
+    m_folder = createSmallLabel(u"deckFolder"_s);
+    m_folder->setElideMode(Qt::ElideMiddle);
+    m_folder->setMinimumWidth(20 * m_folder->fontMetrics().averageCharWidth());
+    m_folder->setTone(vfd::ElidingLabel::Tone::Soft);
+    m_folder->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+    m_format = createSmallLabel(u"deckFormat"_s);
     m_format->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     m_scrubber = new vfd::Scrubber(this);
     m_scrubber->setAccessibleName(tr("Position of deck %1").arg(m_name));
@@ -109,8 +126,7 @@ void DeckView::createWidgets()
     m_position = new vfd::SevenSegment(this);
     m_position->setDigitHeight(18);
     m_position->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    m_duration = new vfd::ElidingLabel(this);
-    m_duration->setObjectName(u"deckDuration"_s);
+    m_duration = createSmallLabel(u"deckDuration"_s);
     m_duration->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     m_duration->setTone(vfd::ElidingLabel::Tone::Soft);
     m_levels = new vfd::LevelMeter(this);
@@ -119,23 +135,40 @@ void DeckView::createWidgets()
     m_levels->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
+// For what has much to say.
+vfd::ElidingLabel *DeckView::createSmallLabel(const QString &name)
+{
+    auto *label = new vfd::ElidingLabel(this);
+    label->setObjectName(name);
+    QFont small = vfd::letteringFont(8);
+    small.setLetterSpacing(QFont::PercentageSpacing, 100);
+    label->setFont(small);
+    return label;
+}
+
+// The folder makes way for the file's name.
 void DeckView::layOutWidgets()
 {
     auto *texts = new QHBoxLayout;
     texts->addWidget(m_heading);
+    texts->addWidget(m_kept);
     texts->addWidget(m_title, 3);
     texts->addWidget(m_levels, 1);
+    auto *place = new QHBoxLayout;
+    place->addWidget(m_file);
+    place->addWidget(m_folder, 1);
     auto *time = new QHBoxLayout;
     time->addWidget(m_position);
     time->addWidget(m_duration);
     time->addWidget(m_format, 1);
-    for (QHBoxLayout *row : { texts, time })
+    for (QHBoxLayout *row : { texts, place, time })
         row->setSpacing(10);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(10, 6, 10, 6);
-    layout->setSpacing(4);
+    layout->setContentsMargins(10, 5, 10, 5);
+    layout->setSpacing(2);
     layout->addLayout(texts);
+    layout->addLayout(place);
     layout->addWidget(m_scrubber, 1);
     layout->addLayout(time);
 }

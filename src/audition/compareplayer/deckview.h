@@ -9,6 +9,7 @@
 namespace epr {
 
 namespace vfd {
+class Badge;
 class ElidingLabel;
 class LevelMeter;
 class Scrubber;
@@ -24,6 +25,7 @@ public:
     DeckView(Deck deck, QWidget *parent);
 
     void setTrack(const TrackInfo &track); ///< the empty record = no file
+    void setKept(bool kept); ///< marks the file as the copy to keep
     void setEnvelope(const Envelope &envelope);
     void setPreviewUnavailable();
     void setProblem(const QString &message); ///< shown in place of the format until an empty one comes
@@ -38,6 +40,7 @@ Q_SIGNALS:
 
 private:
     void createWidgets();
+    vfd::ElidingLabel *createSmallLabel(const QString &name);
     void layOutWidgets();
     void refreshFormat();
     void refreshDimming();
@@ -49,7 +52,10 @@ private:
     QString m_problem;
     Envelope m_envelope;
     vfd::ElidingLabel *m_heading = nullptr;
+    vfd::Badge *m_kept = nullptr;
     vfd::ElidingLabel *m_title = nullptr;
+    vfd::ElidingLabel *m_file = nullptr;
+    vfd::ElidingLabel *m_folder = nullptr;
     vfd::ElidingLabel *m_format = nullptr;
     vfd::Scrubber *m_scrubber = nullptr;
     vfd::SevenSegment *m_position = nullptr;

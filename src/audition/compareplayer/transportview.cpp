@@ -7,6 +7,7 @@
 #include "lamp.h"
 
 #include <QGridLayout>
+#include <QHBoxLayout>
 
 namespace epr {
 
@@ -16,6 +17,7 @@ TransportView::TransportView(QWidget *parent)
     : Panel(parent)
 {
     createLamps();
+    createDeltas();
     layOutWidgets();
     setPlaying(false);
     setMonitor(Deck::A);
@@ -38,10 +40,11 @@ void TransportView::setMonitor(Deck deck)
         m_monitorLamps[each]->setLit(each == deck);
 }
 
-void TransportView::setDeltas(const QString &duration, const QString &bitrate)
+void TransportView::setDeltas(const QString &duration, const QString &bitrate, const QString &level)
 {
     m_durationDelta->setText(duration);
     m_bitrateDelta->setText(bitrate);
+    m_levelDelta->setText(level);
 }
 
 void TransportView::createLamps()
@@ -68,12 +71,19 @@ void TransportView::createLamps()
         connect(lamp, &vfd::Lamp::clicked, this, [this, deck] { Q_EMIT monitorRequested(deck); });
         m_monitorLamps[deck] = lamp;
     }
-    m_durationDelta = new vfd::Badge(this);
-    m_durationDelta->setObjectName(u"durationDelta"_s);
-    m_durationDelta->setToolTip(tr("Duration of deck B relative to deck A."));
-    m_bitrateDelta = new vfd::Badge(this);
-    m_bitrateDelta->setObjectName(u"bitrateDelta"_s);
-    m_bitrateDelta->setToolTip(tr("Bit rate of deck B relative to deck A."));
+}
+
+void TransportView::createDeltas()
+{
+    const auto create = [this](const QString &name, const QString &toolTip) {
+        auto *badge = new vfd::Badge(this);
+        badge->setObjectName(name);
+        badge->setToolTip(toolTip);
+        return badge;
+    };
+    m_durationDelta = create(u"durationDelta"_s, tr("Duration of deck B relative to deck A."));
+    m_bitrateDelta = create(u"bitrateDelta"_s, tr("Bit rate of deck B relative to deck A."));
+    m_levelDelta = create(u"levelDelta"_s, tr("Peak level of deck B relative to deck A."));
 }
 
 void TransportView::layOutWidgets()
@@ -82,6 +92,16 @@ void TransportView::layOutWidgets()
     caption->setText(tr("MONITOR"));
     caption->setTone(vfd::ElidingLabel::Tone::Soft);
     caption->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
+    auto *deltas = new QHBoxLayout; // a row of their own: below a lamp they would seem to belong to its deck
+    deltas->setSpacing(4);
+    auto *deltaCaption = new vfd::ElidingLabel(this);
+    deltaCaption->setFont(vfd::letteringFont(8));
+    deltaCaption->setText(tr("B \u2212 A"));
+    deltaCaption->setTone(vfd::ElidingLabel::Tone::Soft);
+    deltaCaption->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    deltas->addWidget(deltaCaption);
+    for (vfd::Badge *badge : { m_durationDelta, m_bitrateDelta, m_levelDelta })
+        deltas->addWidget(badge, 1);
     auto *layout = new QGridLayout(this);
     layout->setContentsMargins(8, 6, 8, 6);
     layout->setHorizontalSpacing(6);
@@ -93,8 +113,7 @@ void TransportView::layOutWidgets()
     layout->addWidget(caption, 1, 0, 1, columns);
     layout->addWidget(m_monitorLamps.a, 2, 0, 1, 3);
     layout->addWidget(m_monitorLamps.b, 2, 3, 1, 3);
-    layout->addWidget(m_durationDelta, 3, 0, 1, 3);
-    layout->addWidget(m_bitrateDelta, 3, 3, 1, 3);
+    layout->addLayout(deltas, 3, 0, 1, columns);
     for (int column = 0; column < columns; ++column)
         layout->setColumnStretch(column, 1);
     layout->setRowStretch(1, 1);

@@ -22,7 +22,7 @@ public:
     void setPlaying(bool playing);
     void setLinked(bool linked);
     void setMonitor(Deck deck);
-    void setDeltas(const QString &duration, const QString &bitrate);
+    void setDeltas(const QString &duration, const QString &bitrate, const QString &level);
 
 Q_SIGNALS:
     void playPauseRequested();
@@ -32,6 +32,7 @@ Q_SIGNALS:
 
 private:
     void createLamps();
+    void createDeltas();
     void layOutWidgets();
 
     vfd::Lamp *m_play = nullptr;
@@ -40,6 +41,7 @@ private:
     PerDeck<vfd::Lamp *> m_monitorLamps;
     vfd::Badge *m_durationDelta = nullptr;
     vfd::Badge *m_bitrateDelta = nullptr;
+    vfd::Badge *m_levelDelta = nullptr;
 };
 
 } // namespace epr

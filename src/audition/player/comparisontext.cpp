@@ -5,8 +5,10 @@
 #include "displaytext.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
+#include <cmath>
 #include <cstdlib>
 
 namespace epr::comparisontext {
@@ -34,8 +36,17 @@ QString title(const TrackInfo &track)
 {
     if (track.path.isEmpty())
         return QCoreApplication::translate("epr::ComparePlayer", "\u2014 no file loaded \u2014");
-    const QString name = track.fileName.isEmpty() ? QFileInfo(track.path).fileName() : track.fileName;
-    return (track.tags.title.isEmpty() ? name : track.tags.title).toUpper();
+    return (track.tags.title.isEmpty() ? fileName(track) : track.tags.title).toUpper();
+}
+
+QString fileName(const TrackInfo &track)
+{
+    return track.fileName.isEmpty() ? QFileInfo(track.path).fileName() : track.fileName;
+}
+
+QString folder(const TrackInfo &track)
+{
+    return track.path.isEmpty() ? QString() : QDir::toNativeSeparators(folderOf(track));
 }
 
 QString format(const TrackInfo &track)
@@ -69,6 +80,16 @@ QString bitrateDelta(const TrackInfo &a, const TrackInfo &b)
     return QCoreApplication::translate("epr::ComparePlayer", "%1%2 k")
         .arg(signOf(difference))
         .arg(std::abs(difference));
+}
+
+QString levelDelta(float peakOfA, float peakOfB)
+{
+    if (peakOfA <= 0 || peakOfB <= 0)
+        return emDash;
+    const qint64 tenths = std::llround(200 * std::log10(double { peakOfB } / double { peakOfA }));
+    return QCoreApplication::translate("epr::ComparePlayer", "%1%2 dB")
+        .arg(signOf(tenths))
+        .arg(static_cast<double>(std::abs(tenths)) / 10.0, 0, 'f', 1);
 }
 
 QString deckProblem(Deck deck, const QString &problem)

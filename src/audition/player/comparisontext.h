@@ -14,6 +14,12 @@ QString deckName(Deck deck);
 /// In capitals: the title, or the file name; for an empty path that there is no file.
 QString title(const TrackInfo &track);
 
+/// As the file system has it; nothing for an empty path.
+QString fileName(const TrackInfo &track);
+
+/// Of the file, without its name; nothing for an empty path.
+QString folder(const TrackInfo &track);
+
 /// "4.21 MB, 320 kbps, 44.1 kHz, stereo"; nothing for an empty path.
 QString format(const TrackInfo &track);
 
@@ -25,6 +31,10 @@ QString durationDelta(const TrackInfo &a, const TrackInfo &b);
 
 /// How much more bit rate B has than A, in kbit/s: "+64 k", likewise.
 QString bitrateDelta(const TrackInfo &a, const TrackInfo &b);
+
+/// How much higher the peak of B is than that of A, in decibels: "+1.5 dB", likewise. The peaks are of full scale; a
+/// dash when one of them is 0, which stands for silence as well as for unknown.
+QString levelDelta(float peakOfA, float peakOfB);
 
 /// For the log: why a deck stays silent, and why it has no waveform.
 QString deckProblem(Deck deck, const QString &problem);

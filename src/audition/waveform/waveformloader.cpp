@@ -55,10 +55,10 @@ void raise(Envelope &envelope)
     const auto highest = std::max_element(envelope.peak.cbegin(), envelope.peak.cend());
     if (highest == envelope.peak.cend() || *highest <= 0.0F || *highest >= fullHeight)
         return;
-    const float factor = fullHeight / *highest;
+    envelope.raisedBy = fullHeight / *highest;
     for (QList<float> *list : { &envelope.left, &envelope.right, &envelope.peak }) {
         for (float &value : *list)
-            value *= factor;
+            value *= envelope.raisedBy;
     }
 }
 

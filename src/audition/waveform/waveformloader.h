@@ -29,7 +29,8 @@ public:
     void add(const QAudioBuffer &buffer);
 
     /// The envelope with its last, perhaps only partly filled bucket. A quiet one is raised to nearly full height, a
-    /// loud one is never lowered. The duration is left to the caller. The builder is as new afterwards.
+    /// loud one is never lowered; raisedBy says how much. The duration is left to the caller. The builder is as new
+    /// afterwards.
     Envelope take();
 
 private:
