@@ -164,8 +164,10 @@ Result<Outcome> moveByCopying(const QString &from, const QString &to, TraceNotes
     if (entryExists(to)) // before copying a large file for nothing
         return Outcome::Occupied;
     const Stamp stamp = stampOf(from);
-    const bool isLink = QFileInfo(from).isSymbolicLink();
-    const Result<Outcome> outcome = isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp, notes);
+    const Result<bool> isLink = nativefile::isSymbolicLink(from);
+    if (!isLink)
+        return failure(isLink.error());
+    const Result<Outcome> outcome = *isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp, notes);
     if (outcome != Outcome::Done)
         return outcome;
     nativefile::flushFolderToDisk(QFileInfo(to).path());

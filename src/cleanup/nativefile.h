@@ -25,6 +25,9 @@ enum class Outcome {
 [[nodiscard]] Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
                                                      const std::function<void()> &beforePlaceholder);
 
+/// Fails if the system does not say, where a link that is taken for its target would be moved with what it leads to.
+[[nodiscard]] Result<bool> isSymbolicLink(const QString &path);
+
 /// Makes a symbolic link with the very target text and times of an existing one. Never replaces anything.
 [[nodiscard]] Result<Outcome> copySymbolicLink(const QString &from, const QString &to);
 

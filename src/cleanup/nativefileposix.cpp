@@ -114,6 +114,14 @@ Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
     return linkAndUnlink(source.constData(), target.constData(), beforePlaceholder);
 }
 
+Result<bool> isSymbolicLink(const QString &path)
+{
+    struct stat status = {};
+    if (lstat(QFile::encodeName(path).constData(), &status) != 0)
+        return systemFailure();
+    return S_ISLNK(status.st_mode);
+}
+
 Result<Outcome> copySymbolicLink(const QString &from, const QString &to)
 {
     const QByteArray source = QFile::encodeName(from);

@@ -101,6 +101,17 @@ Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
     return outcomeOfError(GetLastError());
 }
 
+// Other reparse points are files to whoever reads them: those of a cloud drive, say.
+Result<bool> isSymbolicLink(const QString &path)
+{
+    WIN32_FIND_DATAW data = {};
+    const HANDLE search = FindFirstFileW(longPath(path).c_str(), &data);
+    if (search == INVALID_HANDLE_VALUE)
+        return systemFailure(GetLastError());
+    FindClose(search);
+    return (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && data.dwReserved0 == IO_REPARSE_TAG_SYMLINK;
+}
+
 // Making a symbolic link takes a privilege that few accounts have, so a link does not leave its volume.
 Result<Outcome> copySymbolicLink([[maybe_unused]] const QString &from, [[maybe_unused]] const QString &to)
 {

@@ -15,9 +15,35 @@
 #ifdef Q_OS_UNIX
 #include <unistd.h>
 #endif
+#ifdef Q_OS_LINUX
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#endif
+
+#include <cerrno>
 
 using namespace epr;
 using namespace epr::test;
+
+#ifdef Q_OS_LINUX
+// The disk gives no answer to what kind of file this is, neither to us nor to Qt.
+static QByteArray unreadableKind;
+
+extern "C" int lstat(const char *path, struct stat *status) noexcept
+{
+    errno = EIO;
+    return unreadableKind == path ? -1 : fstatat(AT_FDCWD, path, status, AT_SYMLINK_NOFOLLOW);
+}
+
+extern "C" int statx(int folder, const char *path, int flags, unsigned mask, struct statx *status) noexcept
+{
+    errno = EIO;
+    return (flags & AT_SYMLINK_NOFOLLOW) != 0 && unreadableKind == path
+        ? -1
+        : static_cast<int>(syscall(SYS_statx, folder, path, flags, mask, status));
+}
+#endif
 
 namespace {
 
@@ -254,6 +280,16 @@ private Q_SLOTS:
         std::filesystem::create_symlink("nowhere", there.toStdString());
         QVERIFY(moveFile(from, there, notes) == MoveOutcome::Occupied);
         QVERIFY(moveFile(there, from, notes) == MoveOutcome::Occupied);
+#ifdef Q_OS_LINUX
+        unreadableKind = QFile::encodeName(there); // what leads to music would be taken for the music itself
+        std::filesystem::remove(there.toStdString());
+        std::filesystem::create_symlink(from.toStdString(), there.toStdString());
+        const Result<MoveOutcome> unread = moveFile(there, box.inLibrary(u"new"_s), notes);
+        unreadableKind.clear();
+        QVERIFY(!unread && unread.error() == u"Input/output error"_s);
+        std::filesystem::remove(there.toStdString());
+        std::filesystem::create_symlink("nowhere", there.toStdString());
+#endif
         limitFileSize(50); // the copy breaks off half-way
         const Result<MoveOutcome> broken = moveFile(from, box.quarantine() + u"/new/folder/x"_s, notes);
         limitFileSize(-1);
