@@ -12,6 +12,7 @@
 
 int main(int argc, char *argv[])
 {
+    epr::startup::answerQuestions(argc, argv);
     epr::preferFfmpegMediaBackend();
     const QApplication application(argc, argv);
     epr::metadata::applyToApplication();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "startup.h"
 
+#include "application.h"
 #include "mainwindow.h"
 
 #include <QCommandLineParser>
@@ -9,6 +10,10 @@
 #include <QDir>
 #include <QIcon>
 #include <QStandardPaths>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
 
 // The resources are part of a static library, from which the linker takes nothing that nobody asks for. The macro must
 // be used outside of any namespace.
@@ -20,27 +25,53 @@ static void initialiseResources()
 namespace epr::startup {
 
 using namespace Qt::StringLiterals;
+using namespace std::string_view_literals;
+
+namespace {
+
+void addOptions(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(
+        QCoreApplication::translate("epr::Startup", "Echoprune - find duplicate music in a station library."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOption({ { u"s"_s, u"scan"_s },
+                       QCoreApplication::translate("epr::Startup", "Add <folder> to the scan list on startup."),
+                       u"folder"_s });
+    parser.addOption(
+        { { u"a"_s, u"autostart"_s }, QCoreApplication::translate("epr::Startup", "Begin scanning immediately.") });
+}
+
+} // namespace
 
 void loadResources()
 {
     initialiseResources();
 }
 
+void answerQuestions(int &argc, char **argv)
+{
+    constexpr std::array questions { "-h"sv, "--help"sv, "-v"sv, "--version"sv };
+    if (std::find_first_of(argv, argv + argc, questions.begin(), questions.end()) == argv + argc)
+        return;
+    const QCoreApplication application(argc, argv);
+    metadata::applyToApplication();
+    translation::install();
+    QCommandLineParser parser;
+    addOptions(parser);
+    parser.parse(QCoreApplication::arguments()); // which may have options of Qt's that only a graphical one knows
+    if (parser.isSet(u"version"_s))
+        parser.showVersion();
+    if (parser.isSet(u"help"_s))
+        parser.showHelp();
+}
+
 Arguments processArguments(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QCoreApplication::translate("epr::Startup", "Echoprune - find duplicate music in a station library."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption scan(
-        { u"s"_s, u"scan"_s }, QCoreApplication::translate("epr::Startup", "Add <folder> to the scan list on startup."),
-        u"folder"_s);
-    const QCommandLineOption autostart({ u"a"_s, u"autostart"_s },
-                                       QCoreApplication::translate("epr::Startup", "Begin scanning immediately."));
-    parser.addOptions({ scan, autostart });
+    addOptions(parser);
     parser.process(arguments);
-    return { parser.values(scan), parser.isSet(autostart) };
+    return { parser.values(u"scan"_s), parser.isSet(u"autostart"_s) };
 }
 
 void open(MainWindow &window, const Arguments &arguments)

@@ -21,6 +21,10 @@ struct Arguments {
 /// Makes the icons and the style sheet available under ":/icons" and ":/style".
 void loadResources();
 
+/// Ends the process if it is asked for help or the version, which needs no display. Call it before there is any
+/// application object.
+void answerQuestions(int &argc, char **argv);
+
 /// Parses the command line, program name first. Asked for help or the version, or given an unknown option, it ends the
 /// process.
 Arguments processArguments(const QStringList &arguments);
