@@ -309,9 +309,9 @@ private Q_SLOTS:
         std::filesystem::copy_file(box.inRun(u"library/half back"_s).toStdString(), paths.at(3).toStdString());
         box.write(paths.at(4), QByteArray(100, '?'));
         for (const QString &path : paths.sliced(3)) {
-            const auto time =
-                std::filesystem::last_write_time(box.inRun(u"library/"_s + QFileInfo(path).fileName()).toStdString());
-            std::filesystem::last_write_time(path.toStdString(), time);
+            QFile file(path);
+            const QFileInfo moved(box.inRun(u"library/"_s + QFileInfo(path).fileName()));
+            QVERIFY(file.open(QFile::ReadWrite) && file.setFileTime(moved.lastModified(), QFile::FileModificationTime));
         }
         const QString lost = box.inRun(u"library/lost"_s);
         QVERIFY(QFile::remove(lost) && QDir(box.library()).rmdir(u"sub"_s));
@@ -465,7 +465,7 @@ private Q_SLOTS:
                 QVERIFY(QDir().mkdir(journal));
             else if (fate == 1) // not to be taken for the end of the file
                 box.write(journal, QByteArray(2000000, ' ') + '\n' + readFile(aside));
-            else if (!QFileInfo::exists(u"/proc/self/mem"_s))
+            else if (!isUnix || !QFileInfo::exists(u"/proc/self/mem"_s))
                 break;
             else // opens, and every read of its start fails
                 std::filesystem::create_symlink("/proc/self/mem", journal.toStdString());
