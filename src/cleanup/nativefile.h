@@ -50,9 +50,14 @@ enum class LockOutcome {
     Unsupported, ///< the file system knows no locks
 };
 
+enum class LockKind {
+    Exclusive,
+    Shared, ///< any number of them at a time
+};
+
 /// Takes the system's own lock on an open file without waiting for it. It lasts until the file is closed or the process
 /// ends, however it ends. What the file holds can be read by everybody meanwhile.
-[[nodiscard]] Result<LockOutcome> lockFile(QFileDevice &file);
+[[nodiscard]] Result<LockOutcome> lockFile(QFileDevice &file, LockKind kind = LockKind::Exclusive);
 
 /// The file behind a path, whatever path leads to it.
 struct Identity {

@@ -185,11 +185,11 @@ void flushFolderToDisk(const QString &folder)
     close(descriptor);
 }
 
-Result<LockOutcome> lockFile(QFileDevice &file)
+Result<LockOutcome> lockFile(QFileDevice &file, LockKind kind)
 {
     int status = 0;
     do {
-        status = flock(file.handle(), LOCK_EX | LOCK_NB);
+        status = flock(file.handle(), (kind == LockKind::Shared ? LOCK_SH : LOCK_EX) | LOCK_NB);
     } while (status != 0 && errno == EINTR);
     if (status == 0)
         return LockOutcome::Locked;

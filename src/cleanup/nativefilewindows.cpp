@@ -163,12 +163,13 @@ void flushFolderToDisk([[maybe_unused]] const QString &folder)
 }
 
 // A locked range cannot be read by others, so it lies where no text ever reaches.
-Result<LockOutcome> lockFile(QFileDevice &file)
+Result<LockOutcome> lockFile(QFileDevice &file, LockKind kind)
 {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
     OVERLAPPED range = {};
     range.OffsetHigh = 0x40000000;
-    if (LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &range))
+    const DWORD exclusive = kind == LockKind::Exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0;
+    if (LockFileEx(handle, exclusive | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &range))
         return LockOutcome::Locked;
     switch (const DWORD error = GetLastError()) {
     case ERROR_LOCK_VIOLATION:

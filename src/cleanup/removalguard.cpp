@@ -3,6 +3,7 @@
 #include "removalguard.h"
 
 #include "distinction.h"
+#include "nativefile.h"
 #include "quarantinerun.h"
 #include "removalplan.h"
 
@@ -25,6 +26,13 @@ QString notProved(const QString &path, const QString &copy)
 QString sameFile(const QString &path, const QString &copy)
 {
     return QCoreApplication::translate("epr::Cleanup", "%1 was left in place: it is the same file as %2")
+        .arg(path, copy);
+}
+
+QString atWork(const QString &path, const QString &copy)
+{
+    return QCoreApplication::translate("epr::Cleanup",
+                                       "%1 was left in place: another clean-up is at work on it or on %2")
         .arg(path, copy);
 }
 
@@ -55,6 +63,7 @@ RemovalGuard::RemovalGuard(RemovalMode mode, const RemovalChecks &checks)
 
 Result<bool> RemovalGuard::mayGo(const QString &path, const ReadingFn &reading)
 {
+    m_held.close();
     if (m_checks.kept.isEmpty())
         return true;
     QString objection = copyGone(path);
@@ -88,8 +97,29 @@ Result<bool> RemovalGuard::areAsRecorded(const RemovalCandidate &copy, const QSt
     return own == Answer::AsRecorded;
 }
 
-Result<> RemovalGuard::isKeptBy(const RemovalCandidate &copy, const QString &path) const
+// Another user's clean-up, with a quarantine of its own, may keep what goes here and take what is kept. Each holds what
+// it keeps first and then asks whether what it takes is held: of the two, one at least finds that it is.
+bool RemovalGuard::holds(const QString &copy, const QString &path)
 {
+    using nativefile::LockKind;
+    using nativefile::LockOutcome;
+    m_held.close();
+    m_held.setFileName(copy);
+    QFile taken(path);
+    // What cannot be locked, by who asks or where it lies, leaves the look directly before.
+    if (!m_held.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
+        || nativefile::lockFile(m_held, LockKind::Shared) == LockOutcome::Held) {
+        return false;
+    }
+    return !taken.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
+        || nativefile::lockFile(taken, LockKind::Exclusive) != LockOutcome::Held;
+}
+
+Result<> RemovalGuard::isKeptBy(const RemovalCandidate &copy, const QString &path)
+{
+    // A link holds no more than its name, and after a move into the quarantine there is another look.
+    if (m_mode != RemovalMode::Quarantine && !QFileInfo(path).isSymLink() && !holds(copy.path, path))
+        return failure(atWork(path, copy.path));
     if (!standsWithout(path, { copy }))
         return failure(copyGone(path));
     if (QFileInfo(path).isSymLink()) // only the link goes, and the copy does not need it

@@ -5,6 +5,8 @@
 #include "contentcheck.h"
 #include "result.h"
 
+#include <QFile>
+
 namespace epr {
 
 /// Looks at a file and its kept copies directly before the file goes.
@@ -13,7 +15,8 @@ public:
     /// Has no objections at all if nothing is said of kept copies.
     RemovalGuard(RemovalMode mode, const RemovalChecks &checks);
 
-    /// True if the file may go, false if the reading was given up before that was known; else why it has to stay.
+    /// True if the file may go, false if the reading was given up before that was known; else why it has to stay. The
+    /// copy for which it may go is held until the next question.
     [[nodiscard]] Result<bool> mayGo(const QString &path, const ReadingFn &reading);
 
     /// Whether one of the kept copies is still there, also when the file itself is not any more.
@@ -22,11 +25,13 @@ public:
 private:
     [[nodiscard]] Result<bool> areAsRecorded(const RemovalCandidate &copy, const QString &path,
                                              const ReadingFn &reading);
-    [[nodiscard]] Result<> isKeptBy(const RemovalCandidate &copy, const QString &path) const;
+    [[nodiscard]] Result<> isKeptBy(const RemovalCandidate &copy, const QString &path);
+    [[nodiscard]] bool holds(const QString &copy, const QString &path);
 
     const RemovalMode m_mode;
     const RemovalChecks m_checks;
     ContentCheck m_content;
+    QFile m_held; ///< the copy that stays
 };
 
 } // namespace epr

@@ -64,9 +64,9 @@ void waitToBeTold()
     std::getchar();
 }
 
-/// "pairs LIBRARY QUARANTINE COUNT OWN OTHER": takes its own copy of each pair, once told so, and keeps the other. The
-/// names are patterns with the number of the pair.
-int quarantinePairs(const QStringList &arguments)
+/// "pairs LIBRARY QUARANTINE COUNT OWN OTHER MODE": takes its own copy of each pair, once told so, and keeps the other.
+/// The names are patterns with the number of the pair, the mode is that of the removal.
+int takeOneOfPairs(const QStringList &arguments)
 {
     KeptCopies kept;
     QStringList paths;
@@ -75,7 +75,8 @@ int quarantinePairs(const QStringList &arguments)
         kept.insert(paths.last(), { asItIs(arguments.at(0) + arguments.at(4).arg(i)) });
     }
     waitToBeTold();
-    return removeFiles(paths, RemovalMode::Quarantine, arguments.at(1), {}, {}, { kept }).refusal.isEmpty() ? 0 : 1;
+    const auto mode = static_cast<RemovalMode>(arguments.at(5).toInt());
+    return removeFiles(paths, mode, arguments.at(1), {}, {}, { kept }).refusal.isEmpty() ? 0 : 1;
 }
 
 /// "quarantine LIBRARY QUARANTINE NUMBER [wait]": moves everything and, before the file with the number, dies or waits
@@ -136,7 +137,7 @@ int main(int argc, char **argv)
     if (task == u"quarantine"_s)
         return quarantineAll(arguments.sliced(2)) > 0 ? 1 : 0;
     if (task == u"pairs"_s)
-        return quarantinePairs(arguments.sliced(2));
+        return takeOneOfPairs(arguments.sliced(2));
     if (task == u"remove"_s)
         return removeOne(arguments.sliced(2));
     return task == u"undo"_s ? undoAll() : 2;

@@ -72,8 +72,16 @@ private Q_SLOTS:
         CHECK_UNDO(box, manifest, 260, before);
     }
 
+    void twoProgramsNeverTakeBothCopies_data()
+    {
+        const Rows<RemovalMode> row("mode");
+        row("quarantine", RemovalMode::Quarantine);
+        row("deletion", RemovalMode::Delete);
+    }
+
     void twoProgramsNeverTakeBothCopies()
     {
+        QFETCH(RemovalMode, mode);
         Sandbox box(Sandbox::hasTwoFileSystems());
         box.addMany(pairs, u"%1 a"_s);
         box.addMany(pairs, u"%1 b"_s);
@@ -85,7 +93,7 @@ private Q_SLOTS:
             programs[i].setProcessEnvironment(environment);
             programs[i].start(cleanupDriver(),
                               { u"pairs"_s, box.library(), box.quarantine() + name, QString::number(pairs), name,
-                                i == 0 ? u"/%1 b"_s : u"/%1 a"_s });
+                                i == 0 ? u"/%1 b"_s : u"/%1 a"_s, QString::number(static_cast<int>(mode)) });
         }
         for (QProcess &program : programs)
             QVERIFY(program.waitForReadyRead(30000));
