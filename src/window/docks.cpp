@@ -121,7 +121,9 @@ PlayerDock::PlayerDock(QWidget *parent)
     connect(m_link, &QAction::toggled, m_player, &ComparePlayer::setLinked);
     connect(m_player, &ComparePlayer::linkedChanged, m_link, &QAction::setChecked);
     toggleViewAction()->setShortcut(Qt::Key_F8);
-    connect(this, &QDockWidget::visibilityChanged, this, &PlayerDock::pauseOutOfSight);
+    connect(this, &QDockWidget::visibilityChanged, this, [this](bool isVisible) { m_isInSight = isVisible; });
+    // Later, because a dock that becomes a window of its own is hidden for a moment.
+    connect(this, &QDockWidget::visibilityChanged, this, &PlayerDock::pauseOutOfSight, Qt::QueuedConnection);
     connect(toggleViewAction(), &QAction::triggered, this, [this](bool shown) {
         if (shown)
             bringToFront();
@@ -154,9 +156,9 @@ void PlayerDock::compare(const TrackInfo &a, const TrackInfo &b)
 }
 
 // What cannot be seen cannot be silenced: closed, or behind the log. With the window minimised it is heard on purpose.
-void PlayerDock::pauseOutOfSight(bool isVisible)
+void PlayerDock::pauseOutOfSight()
 {
-    if (!isVisible && !parentWidget()->isMinimized())
+    if (!m_isInSight && !parentWidget()->isMinimized())
         m_player->pause();
 }
 

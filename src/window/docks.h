@@ -53,9 +53,10 @@ public:
 private:
     QAction *make(const QString &text, const QKeySequence &key, void (ComparePlayer::*command)());
     void bringToFront();
-    void pauseOutOfSight(bool isVisible);
+    void pauseOutOfSight();
 
     ComparePlayer *m_player;
+    bool m_isInSight = false;
     QAction *m_playPause;
     QAction *m_listenToA;
     QAction *m_listenToB;
