@@ -91,6 +91,13 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
         </translation>
     </message>
     <message numerus="yes">
+        <source>%n file(s) are mostly silence in the analysed part. They are still checked by hash.</source>
+        <translation>
+            <numerusform>%n file is mostly silence in the analysed part. It is still checked by hash.</numerusform>
+            <numerusform>%n files are mostly silence in the analysed part. They are still checked by hash.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>Could not read %n more folder(s).</source>
         <translation>
             <numerusform>Could not read %n more folder.</numerusform>
