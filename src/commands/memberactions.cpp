@@ -60,21 +60,24 @@ void showFileDetails(const TrackInfo &track, QWidget *parent)
 
 MemberActions::MemberActions(Review &review, QWidget *window)
     : Command(window)
-    , loadIntoDeckA(make(tr("Load into Deck A"), Qt::CTRL | Qt::Key_1,
+    , loadIntoDeckA(make(tr("Load into Deck A"), Qt::CTRL | Qt::Key_1, tr("Put this copy on deck A of the player."),
                          [this](const TrackInfo &track) { Q_EMIT loadRequested(Deck::A, track); }))
-    , loadIntoDeckB(make(tr("Load into Deck B"), Qt::CTRL | Qt::Key_2,
+    , loadIntoDeckB(make(tr("Load into Deck B"), Qt::CTRL | Qt::Key_2, tr("Put this copy on deck B of the player."),
                          [this](const TrackInfo &track) { Q_EMIT loadRequested(Deck::B, track); }))
     , compareGroup(new QAction(tr("Compare Group in Player"), this))
-    , play(make(tr("Play in system player"), {}, [this](const TrackInfo &track) { openMember(track.path); }))
-    , openFolder(
-          make(tr("Open containing folder"), {}, [this](const TrackInfo &track) { openMember(folderOf(track)); }))
+    , play(make(tr("Play in system player"), {}, tr("Open this copy with the system's program for it."),
+                [this](const TrackInfo &track) { openMember(track.path); }))
+    , openFolder(make(tr("Open containing folder"), {}, tr("Show the folder that holds this copy."),
+                      [this](const TrackInfo &track) { openMember(folderOf(track)); }))
     , copyPath(make(tr("Copy full path"), Qt::CTRL | Qt::SHIFT | Qt::Key_C,
+                    tr("Put the path of this copy on the clipboard."),
                     [this](const TrackInfo &track) {
                         QGuiApplication::clipboard()->setText(QDir::toNativeSeparators(track.path));
                         Q_EMIT statusMessage(tr("Path copied to clipboard."));
                     }))
-    , keep(make(tr("Keep this copy instead"), Qt::CTRL | Qt::Key_K, [this](const TrackInfo &) { keepMember(); }))
-    , showDetails(make(tr("File details..."), Qt::ALT | Qt::Key_Return,
+    , keep(make(tr("Keep this copy instead"), Qt::CTRL | Qt::Key_K,
+                tr("Make this copy the one of its group that stays."), [this](const TrackInfo &) { keepMember(); }))
+    , showDetails(make(tr("File details..."), Qt::ALT | Qt::Key_Return, tr("Show all that is known of this copy."),
                        [this](const TrackInfo &track) { showFileDetails(track, this->window()); }))
     , m_review(review)
     , m_menu(new QMenu(window))
@@ -92,6 +95,7 @@ MemberActions::MemberActions(Review &review, QWidget *window)
     connect(&review, &Review::aboutToBeReset, this, [this] { setMember(-1, -1); }); // maybe while the menu is open
     connect(&review, &Review::totalsChanged, this, &MemberActions::refresh);
     compareGroup->setShortcut(Qt::CTRL | Qt::Key_Return);
+    compareGroup->setStatusTip(tr("Put the copy to keep on deck A and another one of its group on deck B."));
     connect(compareGroup, &QAction::triggered, this, &MemberActions::compareMember);
     refresh();
 }
@@ -112,10 +116,12 @@ void MemberActions::popup(const QPoint &globalPos)
 }
 
 // The handler gets a copy of the track: it may run an event loop in which the results go.
-template <typename Handler> QAction *MemberActions::make(const QString &text, const QKeySequence &key, Handler handler)
+template <typename Handler>
+QAction *MemberActions::make(const QString &text, const QKeySequence &key, const QString &tip, Handler handler)
 {
     auto *action = new QAction(text, this);
     action->setShortcut(key);
+    action->setStatusTip(tip);
     connect(action, &QAction::triggered, this, [this, handler] {
         if (const TrackInfo *current = track())
             handler(TrackInfo(*current));

@@ -40,7 +40,8 @@ Q_SIGNALS:
     void compareRequested(const epr::TrackInfo &kept, const epr::TrackInfo &other);
 
 private:
-    template <typename Handler> QAction *make(const QString &text, const QKeySequence &key, Handler handler);
+    template <typename Handler>
+    QAction *make(const QString &text, const QKeySequence &key, const QString &tip, Handler handler);
     const TrackInfo *track() const;
     void refresh();
     void compareMember();

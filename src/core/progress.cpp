@@ -31,6 +31,24 @@ QString remainingText(qint64 remainingMs)
 
 } // namespace
 
+QString ScanStep::text() const
+{
+    if (number < 1)
+        return {};
+    return QCoreApplication::translate("epr::ProgressEstimate", "step %1 of %2").arg(number).arg(count);
+}
+
+// Comparing has no pace before it begins, but it is short beside decoding: the allowance for it is generous. Where it
+// would be the larger part of the figure there is none.
+std::optional<qint64> ScanStep::timeLeftMs(std::optional<qint64> ownMs) const
+{
+    constexpr qint64 allowanceMs = 1; // for each file
+    const qint64 comparingMs = toCompare * allowanceMs;
+    if (!ownMs || hasUnknownPace || comparingMs > *ownMs)
+        return std::nullopt;
+    return *ownMs + comparingMs;
+}
+
 void ProgressEstimate::add(int done, int total, qint64 nowMs)
 {
     if (total != m_total || done < m_latest.done) // another piece of work
@@ -66,14 +84,16 @@ std::optional<qint64> ProgressEstimate::remainingMs() const
     return std::llround(std::max(0, m_total - m_latest.done) * 1000.0 / *rate);
 }
 
-QString ProgressEstimate::text() const
+QString ProgressEstimate::text(std::optional<qint64> leftMs) const
 {
-    const std::optional<qint64> remaining = remainingMs();
-    if (!remaining)
-        return {};
     const double rate = perSecond().value_or(0);
+    if (rate <= 0)
+        return {};
+    const QString number = QLocale().toString(rate, 'f', rate < 10 ? 1 : 0);
+    if (!leftMs)
+        return QCoreApplication::translate("epr::ProgressEstimate", "%1 per second").arg(number);
     return QCoreApplication::translate("epr::ProgressEstimate", "%1 per second, %2")
-        .arg(QLocale().toString(rate, 'f', rate < 10 ? 1 : 0), remainingText(*remaining));
+        .arg(number, remainingText(*leftMs));
 }
 
 } // namespace epr

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace epr {
 
@@ -110,6 +111,16 @@ void FingerprintPool::cancel()
     Q_EMIT cancelled({});
 }
 
+void FingerprintPool::setPaused(bool paused)
+{
+    if (std::exchange(m_isPaused, paused) == paused || paused)
+        return;
+    for (Lane &lane : m_lanes) {
+        if (!lane.isBusy)
+            dispatch(lane);
+    }
+}
+
 void FingerprintPool::run(const QList<FingerprintJob> &jobs)
 {
     if (jobs.isEmpty() || m_isCancelled)
@@ -119,34 +130,42 @@ void FingerprintPool::run(const QList<FingerprintJob> &jobs)
     QEventLoop loop;
     connect(this, &FingerprintPool::cancelled, &loop, &QEventLoop::quit);
     QObject batch; // takes the connections with it
-    for (const Lane &lane : m_lanes) {
+    for (Lane &lane : m_lanes) {
+        lane.isBusy = false;
         connect(
             lane.worker, &FingerprintWorker::completed, &batch,
             [this, &lane, &loop](int id, const FingerprintResult &result) {
                 finishJob(lane, id, result);
-                if (m_inFlight == 0)
+                if (!hasWork())
                     loop.quit();
             },
             Qt::QueuedConnection);
         dispatch(lane);
     }
-    if (m_inFlight > 0)
+    if (hasWork())
         loop.exec();
     m_jobs.clear();
 }
 
-void FingerprintPool::dispatch(const Lane &lane)
+bool FingerprintPool::hasWork() const
 {
-    if (m_next >= m_jobs.size() || m_isCancelled)
+    return m_inFlight > 0 || (m_next < m_jobs.size() && !m_isCancelled);
+}
+
+void FingerprintPool::dispatch(Lane &lane)
+{
+    if (m_next >= m_jobs.size() || m_isCancelled || m_isPaused)
         return;
+    lane.isBusy = true;
     const FingerprintJob &job = m_jobs.at(m_next++);
     ++m_inFlight;
     QMetaObject::invokeMethod(lane.worker, "process", Qt::QueuedConnection, Q_ARG(int, job.id),
                               Q_ARG(QString, job.path));
 }
 
-void FingerprintPool::finishJob(const Lane &lane, int id, const FingerprintResult &result)
+void FingerprintPool::finishJob(Lane &lane, int id, const FingerprintResult &result)
 {
+    lane.isBusy = false;
     --m_inFlight;
     ++m_done;
     Q_EMIT completed(id, result);

@@ -57,6 +57,9 @@ public:
     /// Ends the running batch and every one after it: the threads let go of what they are at.
     void cancel();
 
+    /// A paused pool hands out no further file; what the threads are at they finish.
+    void setPaused(bool paused);
+
 Q_SIGNALS:
     /// Once for each file, as they finish.
     void completed(int id, const epr::FingerprintResult &result);
@@ -68,11 +71,13 @@ private:
     struct Lane {
         QThread *thread = nullptr;
         FingerprintWorker *worker = nullptr;
+        bool isBusy = false;
     };
 
     void addLane(int index, int seconds, bool preferFpcalc);
-    void dispatch(const Lane &lane);
-    void finishJob(const Lane &lane, int id, const FingerprintResult &result);
+    bool hasWork() const;
+    void dispatch(Lane &lane);
+    void finishJob(Lane &lane, int id, const FingerprintResult &result);
 
     std::vector<Lane> m_lanes;
     QList<FingerprintJob> m_jobs;
@@ -80,6 +85,7 @@ private:
     int m_inFlight = 0;
     int m_done = 0;
     bool m_isCancelled = false;
+    bool m_isPaused = false;
 };
 
 } // namespace epr

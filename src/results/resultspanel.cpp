@@ -69,6 +69,11 @@ void ResultsPanel::setHasFolders(bool hasFolders)
     refreshHint();
 }
 
+void ResultsPanel::setKeepsAnalyses(bool keeps)
+{
+    m_keepsAnalyses = keeps;
+}
+
 void ResultsPanel::setUnreadableFolders(int count)
 {
     m_unreadableFolders = count;
@@ -208,7 +213,11 @@ QString ResultsPanel::hintText() const
     case State::Scanning:
         return tr("Scanning. Duplicate groups appear here as soon as the scan is complete.");
     case State::Cancelled:
-        return tr("The scan was cancelled before its files were compared. Press Start Scan to begin again.");
+        return m_keepsAnalyses
+            ? tr(
+                "The scan was cancelled before its files were compared. What was analysed is kept: press Start Scan to "
+                "go on from there.")
+            : tr("The scan was cancelled before its files were compared. Press Start Scan to begin again.");
     case State::Finished:
         break;
     }

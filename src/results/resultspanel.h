@@ -29,6 +29,7 @@ public:
 
     void setState(State state); ///< after the results have been set
     void setHasFolders(bool hasFolders); ///< whether there is anything to scan
+    void setKeepsAnalyses(bool keeps); ///< whether a scan that is cancelled leaves what it has analysed to the next one
     void setUnreadableFolders(int count); ///< of the scan that is under way
     void addRestored(int files); ///< put back by an undo; the results do not show them before the next scan
     void goToGroup(int step); ///< -1 or +1
@@ -62,6 +63,7 @@ private:
     State m_state = State::NotScanned;
     bool m_foundGroups = false; ///< by the last scan, whether or not they are there still
     bool m_hasFolders = false;
+    bool m_keepsAnalyses = false;
     int m_unreadableFolders = 0;
     int m_restored = 0; ///< files that came back since the last scan
     QLineEdit *m_filterEdit = nullptr;

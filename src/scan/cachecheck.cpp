@@ -156,6 +156,7 @@ void reportCheck(const QList<TrackInfo> &tracks, const QString &error, const Sta
 
 CheckedFiles checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context)
 {
+    context.step({ .number = 2, .count = stepCount(options) });
     context.phase(QCoreApplication::translate("epr::ScanController", "Checking cache"));
     const qsizetype total = paths.size();
     QList<TrackInfo> tracks(total);
@@ -166,7 +167,10 @@ CheckedFiles checkCache(const QStringList &paths, const ScanOptions &options, co
     QThreadPool pool; // its threads end here, and with them their connections
     pool.setMaxThreadCount(static_cast<int>(
         std::clamp<qsizetype>(firsts.size(), 1, std::min<qsizetype>(maxThreads, QThread::idealThreadCount()))));
-    QFuture<void> running = QtConcurrent::map(&pool, firsts, [&slices](qsizetype first) { slices.check(first); });
+    QFuture<void> running = QtConcurrent::map(&pool, firsts, [&](qsizetype first) {
+        context.waitWhilePaused();
+        slices.check(first);
+    });
     int done = 0;
     for (; done < firsts.size(); slices.waitFor(++done)) {
         const qsizetype first = firsts.at(done);

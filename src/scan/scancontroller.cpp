@@ -40,6 +40,11 @@ void ScanController::cancel()
     m_cancelFlag.store(1);
 }
 
+void ScanController::setPaused(bool paused)
+{
+    m_pauseFlag.store(paused ? 1 : 0);
+}
+
 // A cancel is noticed before grouping or not at all: the groups that have been found by then are worth showing.
 void ScanController::start(const ScanOptions &wanted)
 {
@@ -84,9 +89,12 @@ void ScanController::start(const ScanOptions &wanted)
 
 StageContext ScanController::stageContext()
 {
-    return { m_cancelFlag, [this](const QString &title) { Q_EMIT phaseChanged(title); },
+    return { m_cancelFlag,
+             [this](const QString &title) { Q_EMIT phaseChanged(title); },
              [this](int done, int total, const QString &detail) { Q_EMIT progress(done, total, detail); },
-             [this](const QString &message) { Q_EMIT logMessage(message); } };
+             [this](const QString &message) { Q_EMIT logMessage(message); },
+             [this](const ScanStep &step) { Q_EMIT stepChanged(step); },
+             &m_pauseFlag };
 }
 
 bool ScanController::openCache()

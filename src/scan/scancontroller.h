@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "progress.h"
 #include "records.h"
 
 #include <atomic>
@@ -32,11 +33,13 @@ Q_SIGNALS:
     void finished(const QList<epr::TrackInfo> &tracks, const QList<epr::MatchGroup> &groups, bool cancelled,
                   qint64 elapsedMs);
     void failed(const QString &error); ///< a scan could not run at all
+    void stepChanged(const epr::ScanStep &step); ///< before the step's phaseChanged()
     void foldersUnreadable(int count); ///< just before finished(), when files may be missing from the tracks
 
 public Q_SLOTS:
     void start(const epr::ScanOptions &options);
     void cancel(); ///< may be called from any thread
+    void setPaused(bool paused); ///< from any thread; outlasts a scan. What is being read is read to its end
 
 private:
     StageContext stageContext();
@@ -46,6 +49,7 @@ private:
 
     std::unique_ptr<AnalysisCache> m_cache; ///< made by the first scan that wants it, kept open for later ones
     std::atomic<qint32> m_cancelFlag = 0;
+    std::atomic<qint32> m_pauseFlag = 0;
     std::atomic<qint32> m_running = 0;
 };
 

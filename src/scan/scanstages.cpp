@@ -65,8 +65,10 @@ QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, Fingerprin
 void leaveOutTexts(QList<TrackInfo> &tracks, QList<FingerprintJob> &jobs, const StageContext &context)
 {
     QThreadPool pool;
-    const QList<FingerprintJob> texts = QtConcurrent::blockingFiltered(
-        &pool, jobs, [&context](const auto &job) { return !context.isCancelled() && looksLikeText(job.path); });
+    const QList<FingerprintJob> texts = QtConcurrent::blockingFiltered(&pool, jobs, [&context](const auto &job) {
+        context.waitWhilePaused();
+        return !context.isCancelled() && looksLikeText(job.path);
+    });
     if (texts.isEmpty())
         return;
     QSet<int> ids;
@@ -124,7 +126,8 @@ FingerprintCounts runFingerprintPool(QList<TrackInfo> &tracks, const QList<Finge
         Qt::DirectConnection);
     QObject::connect(
         &pool, &FingerprintPool::progress, &pool,
-        [&context](int done, int total) {
+        [&context, &pool](int done, int total) {
+            pool.setPaused(context.isPaused()); // before it hands out the next file
             context.progress(
                 done, total,
                 QCoreApplication::translate("epr::ScanController", "Fingerprinted %1 of %2").arg(done).arg(total));
@@ -134,7 +137,9 @@ FingerprintCounts runFingerprintPool(QList<TrackInfo> &tracks, const QList<Finge
     QObject::connect(&flagWatch, &QTimer::timeout, &pool, [&context, &pool] {
         if (context.isCancelled())
             pool.cancel();
+        pool.setPaused(context.isPaused());
     });
+    pool.setPaused(context.isPaused());
     flagWatch.start(pollPauseMs);
     pool.run(jobs);
     return counts;
@@ -174,6 +179,12 @@ QString megabytes(qint64 bytes)
 
 } // namespace
 
+void StageContext::waitWhilePaused() const
+{
+    while (isPaused() && !isCancelled())
+        QThread::msleep(pollPauseMs);
+}
+
 bool hasCompleteFingerprint(const TrackInfo &track, FingerprintEngine engine)
 {
     return !track.fingerprint.words.isEmpty()
@@ -182,11 +193,13 @@ bool hasCompleteFingerprint(const TrackInfo &track, FingerprintEngine engine)
 
 DiscoveredFiles discoverFiles(const ScanOptions &options, const StageContext &context)
 {
+    context.step({ .number = 1, .count = stepCount(options) });
     context.phase(QCoreApplication::translate("epr::ScanController", "Scanning folders"));
     DiscoveryProblems problems;
     const QStringList paths = discover(
         options, context.cancelFlag,
         [&context](int count, const QString &) {
+            context.waitWhilePaused();
             context.progress(count, 0, QCoreApplication::translate("epr::ScanController", "%1 files found").arg(count));
         },
         &problems);
@@ -207,6 +220,11 @@ QList<TrackInfo> analyseFiles(QList<TrackInfo> tracks, const ScanOptions &option
 {
     if (context.isCancelled())
         return tracks;
+    const bool willDecode = options.detectAcoustic
+        && std::any_of(tracks.cbegin(), tracks.cend(),
+                       [&](const auto &track) { return !hasCompleteFingerprint(track, options.fingerprintEngine); });
+    context.step(
+        { .number = 3, .count = stepCount(options), .hasUnknownPace = willDecode, .toCompare = tracks.size() });
     context.phase(QCoreApplication::translate("epr::ScanController", "Reading tags and hashing"));
     QList<TrackInfo *> work;
     for (TrackInfo &track : tracks) {
@@ -218,6 +236,7 @@ QList<TrackInfo> analyseFiles(QList<TrackInfo> tracks, const ScanOptions &option
     std::atomic<int> done = 0;
     QThreadPool pool;
     QFuture<void> running = QtConcurrent::map(&pool, work, [&](TrackInfo *track) {
+        context.waitWhilePaused();
         *track = analyseFile(std::move(*track), options, &context.cancelFlag);
         ++done;
     });
@@ -257,6 +276,7 @@ QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &op
     QList<FingerprintJob> jobs = fingerprintJobs(tracks, options.fingerprintEngine);
     if (jobs.isEmpty())
         return tracks;
+    context.step({ .number = 4, .count = stepCount(options), .hasUnknownPace = false, .toCompare = tracks.size() });
     context.phase(QCoreApplication::translate("epr::ScanController", "Fingerprinting audio"));
     leaveOutTexts(tracks, jobs, context);
     if (jobs.isEmpty() || context.isCancelled())
@@ -328,10 +348,12 @@ QList<TrackInfo> leaveOutSilence(QList<TrackInfo> tracks, const ScanOptions &opt
 QList<MatchGroup> groupDuplicates(const QList<TrackInfo> &tracks, const ScanOptions &options,
                                   const StageContext &context)
 {
+    context.step({ .number = stepCount(options), .count = stepCount(options) });
     context.phase(QCoreApplication::translate("epr::ScanController", "Grouping duplicates"));
     QString phase;
     const QList<MatchGroup> groups =
         buildMatchGroups(tracks, options, context.cancelFlag, [&](int step, int total, const QString &text) {
+            context.waitWhilePaused();
             if (text != std::exchange(phase, text))
                 context.phase(text);
             context.progress(step, total, text);

@@ -17,12 +17,22 @@ struct StageContext {
     std::function<void(const QString &title)> phase = [](const QString &) {};
     ProgressFn progress = [](int, int, const QString &) {};
     std::function<void(const QString &message)> log = [](const QString &) {};
+    std::function<void(const ScanStep &step)> step = [](const ScanStep &) {};
+    const std::atomic<qint32> *pauseFlag = nullptr; ///< other than zero: begin no further file for the time being
 
     bool isCancelled() const { return cancelFlag.load() != 0; }
+    bool isPaused() const { return pauseFlag && pauseFlag->load() != 0; }
+    void waitWhilePaused() const; ///< on any thread; a cancel ends it
 };
 
 // The stages of a scan, in their order. The options name the fingerprint engine that is really there, and use the cache
 // only when it can be opened. A stage that finds the flag raised hands on what it has; tracks stay in discovery order.
+
+/// Without the acoustic method nothing is fingerprinted.
+inline int stepCount(const ScanOptions &options)
+{
+    return options.detectAcoustic ? 5 : 4;
+}
 
 struct DiscoveredFiles {
     QStringList paths; ///< none when cancelled

@@ -207,11 +207,8 @@ QWidget *DetectionTab::createSensitivity(bool usesFpcalc)
     auto *group = new QGroupBox(tr("Sensitivity"));
     QFormLayout *form = createForm(group);
     form->addRow(tr("Acoustic match &threshold:"), threshold);
-    if (usesFpcalc) {
-        QLabel *note = createStatusLabel();
-        note->setText(tr("The threshold has no effect while fpcalc is used: it is for the built-in analysis."));
-        form->addRow(QString(), note);
-    }
+    if (usesFpcalc)
+        form->addRow(QString(), plainLabel(tr("The threshold has no effect while fpcalc is used.")));
     QSpinBox *acousticTolerance = spinBox(&ScanOptions::durationTolerance, { 1, 25, tr(" %") });
     form->addRow(tr("Duration tolerance (acou&stic):"), acousticTolerance);
     QSpinBox *metadataTolerance = spinBox(&ScanOptions::metadataTolerance, { 0, 30, tr(" s"), msPerSecond });
@@ -228,15 +225,17 @@ QComboBox *DetectionTab::createKeeperBox()
     const auto policy = [](const QString &text, KeeperPolicy value) {
         return Choice { text, static_cast<qint32>(value) };
     };
-    return comboBox(&ScanOptions::keeperPolicy,
-                    { policy(tr("Highest bitrate"), KeeperPolicy::HighestBitrate),
-                      policy(tr("Longest duration"), KeeperPolicy::LongestDuration),
-                      policy(tr("Largest file"), KeeperPolicy::LargestFile),
-                      policy(tr("Preferred format"), KeeperPolicy::PreferredFormat),
-                      policy(tr("Shallowest folder"), KeeperPolicy::ShallowestFolder),
-                      policy(tr("Oldest file"), KeeperPolicy::OldestFile),
-                      policy(tr("Newest file"), KeeperPolicy::NewestFile),
-                      policy(tr("Most complete tags"), KeeperPolicy::MostCompleteTags) });
+    QComboBox *box = comboBox(&ScanOptions::keeperPolicy,
+                              { policy(tr("Highest bitrate"), KeeperPolicy::HighestBitrate),
+                                policy(tr("Longest duration"), KeeperPolicy::LongestDuration),
+                                policy(tr("Largest file"), KeeperPolicy::LargestFile),
+                                policy(tr("Preferred format"), KeeperPolicy::PreferredFormat),
+                                policy(tr("Shallowest folder"), KeeperPolicy::ShallowestFolder),
+                                policy(tr("Oldest file"), KeeperPolicy::OldestFile),
+                                policy(tr("Newest file"), KeeperPolicy::NewestFile),
+                                policy(tr("Most complete tags"), KeeperPolicy::MostCompleteTags) });
+    box->setAccessibleName(tr("Copy to keep")); // a combo box is else called what it shows
+    return box;
 }
 
 FilesTab::FilesTab(const ScanOptions &options, QWidget *parent)

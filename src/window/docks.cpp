@@ -106,16 +106,19 @@ void placeDocks(QMainWindow *window, QDockWidget *player, ActivityLog *log)
 PlayerDock::PlayerDock(QWidget *parent)
     : QDockWidget(tr("Comparison Player"), parent)
     , m_player(new ComparePlayer(this))
-    , m_playPause(make(tr("Play / Pause"), Qt::CTRL | Qt::Key_Space, &ComparePlayer::playPause))
-    , m_listenToA(make(tr("Listen to Deck A"), Qt::Key_A, &ComparePlayer::monitorDeckA))
-    , m_listenToB(make(tr("Listen to Deck B"), Qt::Key_B, &ComparePlayer::monitorDeckB))
-    , m_switch(make(tr("Switch A / B"), Qt::Key_X, &ComparePlayer::swapMonitor))
+    , m_playPause(make(tr("Play / Pause"), Qt::CTRL | Qt::Key_Space, tr("Play both decks, or pause them."),
+                       &ComparePlayer::playPause))
+    , m_listenToA(make(tr("Listen to Deck A"), Qt::Key_A, tr("Hear deck A. Deck B plays on without sound."),
+                       &ComparePlayer::monitorDeckA))
+    , m_listenToB(make(tr("Listen to Deck B"), Qt::Key_B, tr("Hear deck B. Deck A plays on without sound."),
+                       &ComparePlayer::monitorDeckB))
+    , m_switch(make(tr("Switch A / B"), Qt::Key_X, tr("Cut between the two decks without losing your place."),
+                    &ComparePlayer::swapMonitor))
     , m_link(new QAction(tr("Keep Decks in Sync"), this))
 {
     setObjectName(u"playerDock"_s);
     setWidget(m_player);
-    m_switch->setToolTip(tr("Cut between the two decks without losing your place."));
-    m_switch->setStatusTip(m_switch->toolTip());
+    m_link->setStatusTip(tr("Start, stop and move both decks together."));
     m_link->setCheckable(true);
     m_link->setShortcut(Qt::CTRL | Qt::Key_L);
     connect(m_link, &QAction::toggled, m_player, &ComparePlayer::setLinked);
@@ -162,10 +165,13 @@ void PlayerDock::pauseOutOfSight()
         m_player->pause();
 }
 
-QAction *PlayerDock::make(const QString &text, const QKeySequence &key, void (ComparePlayer::*command)())
+QAction *PlayerDock::make(const QString &text, const QKeySequence &key, const QString &tip,
+                          void (ComparePlayer::*command)())
 {
     auto *action = new QAction(text, this);
     action->setShortcut(key);
+    action->setToolTip(tip);
+    action->setStatusTip(tip);
     connect(action, &QAction::triggered, m_player, command);
     return action;
 }

@@ -51,7 +51,7 @@ public:
     void compare(const TrackInfo &a, const TrackInfo &b);
 
 private:
-    QAction *make(const QString &text, const QKeySequence &key, void (ComparePlayer::*command)());
+    QAction *make(const QString &text, const QKeySequence &key, const QString &tip, void (ComparePlayer::*command)());
     void bringToFront();
     void pauseOutOfSight();
 

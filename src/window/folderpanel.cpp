@@ -80,6 +80,12 @@ void FolderPanel::removeSelected()
     m_hint->setVisible(m_list->count() == 0);
 }
 
+// Not as the focus proxy of the panel, with which Tab would pass over the list.
+void FolderPanel::focusAddButton()
+{
+    m_addButton->setFocus(Qt::OtherFocusReason);
+}
+
 QSize FolderPanel::sizeHint() const
 {
     return { QGroupBox::sizeHint().width(), minimumSizeHint().height() };
@@ -122,9 +128,8 @@ void FolderPanel::createList(QAction *remove)
 void FolderPanel::layOutWidgets(QAction *add, QAction *remove)
 {
     auto *buttons = new QVBoxLayout;
-    QPushButton *addButton = buttonFor(add, tr("Add..."), this);
-    buttons->addWidget(addButton);
-    setFocusProxy(addButton);
+    m_addButton = buttonFor(add, tr("Add..."), this);
+    buttons->addWidget(m_addButton);
     buttons->addWidget(buttonFor(remove, tr("Remove"), this));
     buttons->addStretch();
     auto *layout = new QHBoxLayout(this);

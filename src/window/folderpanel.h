@@ -6,6 +6,7 @@
 
 class QAction;
 class QListWidget;
+class QPushButton;
 
 namespace epr {
 
@@ -26,6 +27,7 @@ public:
     /// letter for letter.
     bool addFolder(const QString &path);
     void removeSelected();
+    void focusAddButton();
 
     QSize sizeHint() const override; ///< as low as it may be: the results need the room
 
@@ -43,6 +45,7 @@ private:
 
     QListWidget *m_list = nullptr;
     EmptyHint *m_hint = nullptr;
+    QPushButton *m_addButton = nullptr;
 };
 
 } // namespace epr

@@ -36,6 +36,8 @@ MainActions::MainActions(QWidget *window)
                         tr("Write the duplicate groups to a table, a web page, a JSON file or a playlist.")))
     , exit(make(tr("Exit"), Qt::CTRL | Qt::Key_Q, tr("Close the program.")))
     , startScan(make(tr("Start Scan"), Qt::Key_F5, tr("Look for duplicates in the listed folders.")))
+    , pauseScan(make(tr("Pause"), Qt::Key_Pause,
+                     tr("Hold the running scan when it is done with the files that it is at, or let it go on.")))
     , stopScan(make(tr("Stop"), Qt::SHIFT | Qt::Key_F5, tr("Stop the running scan.")))
     , selectDuplicates(
           make(tr("Select All Duplicates"), Qt::CTRL | Qt::Key_D, tr("Tick every copy except the one chosen to keep.")))
@@ -68,6 +70,8 @@ void MainActions::enableFor(const Situation &situation)
     addFolder->setEnabled(!situation.isScanning);
     removeFolder->setEnabled(!situation.isScanning && situation.hasFolderSelection);
     startScan->setEnabled(!situation.isScanning);
+    pauseScan->setEnabled(situation.isScanning && !situation.isStopping);
+    pauseScan->setText(situation.isPaused ? tr("Resume") : tr("Pause"));
     stopScan->setEnabled(situation.isScanning);
     exportReport->setEnabled(!situation.isScanning); // without results it says what to do first
     settings->setEnabled(!situation.isScanning);
@@ -84,11 +88,13 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     const auto addMenu = [bar](const QString &title, const QList<QList<QAction *>> &actions) {
         fill(bar->addMenu(title), actions);
     };
+    for (QAction *view : parts.views)
+        view->setStatusTip(QCoreApplication::translate("epr::MainMenus", "Show this part of the window, or hide it."));
     const MemberActions &member = *parts.member;
     addMenu(QCoreApplication::translate("epr::MainMenus", "&File"),
             { { addFolder, removeFolder }, { exportReport }, { exit } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views });
-    addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, stopScan } });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),
             { { selectDuplicates, clearSelection, invertSelection },
               { member.keep, member.showDetails, member.copyPath },
@@ -107,7 +113,7 @@ void MainActions::fillToolBar(QToolBar *bar) const
     bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
     bar->addAction(addFolder);
     bar->addSeparator();
-    bar->addActions({ startScan, stopScan });
+    bar->addActions({ startScan, pauseScan, stopScan });
     bar->addSeparator();
     bar->addActions({ selectDuplicates, clearSelection, invertSelection });
     bar->addSeparator();
@@ -120,6 +126,7 @@ QAction *MainActions::make(const QString &text, const QKeySequence &key, const Q
     auto *action = new QAction(text, this);
     action->setShortcut(key);
     action->setToolTip(tip);
+    action->setStatusTip(tip);
     return action;
 }
 

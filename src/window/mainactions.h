@@ -21,6 +21,8 @@ public:
     /// What decides which commands make sense at the moment.
     struct Situation {
         bool isScanning = false;
+        bool isPaused = false;
+        bool isStopping = false;
         bool hasFolderSelection = false;
         bool hasGroups = false;
     };
@@ -43,6 +45,7 @@ public:
     QAction *const exportReport;
     QAction *const exit;
     QAction *const startScan;
+    QAction *const pauseScan;
     QAction *const stopScan;
     QAction *const selectDuplicates;
     QAction *const clearSelection;

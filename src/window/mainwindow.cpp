@@ -64,7 +64,7 @@ MainWindow::MainWindow(QWidget *parent)
     m_updates->scheduleStartupCheck();
     m_cleanup->clearUpTraces();
     if (m_folderPanel->folders().isEmpty())
-        m_folderPanel->setFocus();
+        m_folderPanel->focusAddButton();
     else
         m_resultsPanel->focusResults();
 }
@@ -117,15 +117,26 @@ void MainWindow::onStartScan()
     m_review->clear();
     m_scanRoots = options.roots;
     m_playerDock->player()->stop();
+    m_resultsPanel->setKeepsAnalyses(options.useCache);
     setScanning(true);
     onLogMessage(tr("--- Scan started %1 ---").arg(QDateTime::currentDateTime().toString()));
     Q_EMIT scanRequested(options);
+}
+
+void MainWindow::onPauseScan()
+{
+    m_isPaused = !m_isPaused;
+    m_controller->setPaused(m_isPaused);
+    m_strip->setPaused(m_isPaused);
+    refreshActions();
+    onLogMessage(m_isPaused ? tr("Scan paused.") : tr("Scan resumed."));
 }
 
 void MainWindow::onStopScan()
 {
     m_controller->cancel();
     m_isStopping = true;
+    refreshActions();
     m_strip->showStatus(tr("Stopping..."));
 }
 
@@ -272,6 +283,7 @@ void MainWindow::connectActions()
         { m_actions->removeFolder, &MainWindow::onRemoveFolder },
         { m_actions->exportReport, &MainWindow::onExportReport },
         { m_actions->startScan, &MainWindow::onStartScan },
+        { m_actions->pauseScan, &MainWindow::onPauseScan },
         { m_actions->stopScan, &MainWindow::onStopScan },
         { m_actions->selectDuplicates, &MainWindow::onSelectDuplicates },
         { m_actions->clearSelection, &MainWindow::onClearSelection },
@@ -340,6 +352,7 @@ void MainWindow::connectScan()
     connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
     connect(m_controller, &ScanController::foldersUnreadable, m_resultsPanel, &ResultsPanel::setUnreadableFolders);
     connect(m_controller, &ScanController::finished, this, &MainWindow::onScanFinished);
+    connect(m_controller, &ScanController::stepChanged, m_strip, &ScanStrip::setStep);
     connect(m_controller, &ScanController::phaseChanged, this, &MainWindow::onPhaseChanged);
     connect(m_controller, &ScanController::progress, this, &MainWindow::onProgress);
     connect(m_controller, &ScanController::logMessage, this, &MainWindow::onLogMessage);
@@ -392,6 +405,8 @@ void MainWindow::setScanning(bool scanning)
 {
     m_isScanning = scanning;
     m_isStopping = false;
+    m_isPaused = false;
+    m_controller->setPaused(false);
     if (scanning && m_folderPanel->isAncestorOf(focusWidget()))
         m_resultsPanel->focusResults(); // the folders are disabled, and the results are what comes next
     m_strip->setBusy(scanning);
@@ -404,6 +419,8 @@ void MainWindow::setScanning(bool scanning)
 void MainWindow::refreshActions()
 {
     m_actions->enableFor({ .isScanning = m_isScanning,
+                           .isPaused = m_isPaused,
+                           .isStopping = m_isStopping,
                            .hasFolderSelection = m_folderPanel->hasSelection(),
                            .hasGroups = !m_review->groups().isEmpty() });
 }

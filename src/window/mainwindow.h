@@ -46,6 +46,7 @@ public Q_SLOTS:
     void onAddFolder();
     void onRemoveFolder();
     void onStartScan();
+    void onPauseScan(); ///< and goes on when it is paused
     void onStopScan();
     void onScanStarted();
     void onScanFinished(const QList<epr::TrackInfo> &tracks, const QList<epr::MatchGroup> &groups, bool cancelled,
@@ -89,6 +90,7 @@ private:
     QString m_quarantineRoot;
     QStringList m_scanRoots; ///< the folders that the results come from, whatever the folder list says now
     bool m_isScanning = false; ///< from the start command to the scan's last signal
+    bool m_isPaused = false;
     bool m_isStopping = false; ///< reports that were on their way must not hide that Stop was heard
 
     MainActions *m_actions;

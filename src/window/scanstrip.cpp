@@ -58,9 +58,9 @@ QString ScanStrip::status() const
 QString ScanStrip::brief() const
 {
     if (!m_isBusy || m_bar->maximum() <= 0)
-        return m_isBusy ? m_phase : QString();
+        return m_isBusy ? phaseText() : QString();
     const qint64 percent = qint64 { 100 } * m_bar->value() / m_bar->maximum();
-    return tr("%1 %2 %").arg(m_phase).arg(percent);
+    return tr("%1 %2 %").arg(phaseText()).arg(percent);
 }
 
 void ScanStrip::showStatus(const QString &text)
@@ -72,28 +72,43 @@ void ScanStrip::showStatus(const QString &text)
 void ScanStrip::setBusy(bool busy)
 {
     m_isBusy = busy;
+    m_isPaused = false;
+    m_step = {};
     m_phase.clear();
     m_clock.start();
     m_bar->setVisible(busy);
     setRange(0, 0);
 }
 
+void ScanStrip::setStep(const ScanStep &step)
+{
+    m_step = step;
+}
+
+void ScanStrip::setPaused(bool paused)
+{
+    m_isPaused = paused;
+    m_estimate.restart();
+    setProgress(m_bar->value(), m_bar->maximum(), {});
+}
+
 void ScanStrip::setPhase(const QString &phase)
 {
     m_phase = phase;
     m_estimate.restart();
-    setRange(0, 0);
-    showStatus(phase);
+    setProgress(0, 0, {});
 }
 
 void ScanStrip::setProgress(int done, int total, const QString &detail)
 {
     setRange(done, std::max(total, 0));
-    m_estimate.add(done, total, m_clock.elapsed());
-    QStringList parts { m_phase };
+    QStringList parts { phaseText(), m_step.text() };
     if (detail != m_phase)
         parts << detail;
-    parts << m_estimate.text();
+    if (!m_isPaused && m_step.number < m_step.count) { // the last step counts in parts of no certain length
+        m_estimate.add(done, total, m_clock.elapsed());
+        parts << m_estimate.text(m_step.timeLeftMs(m_estimate.remainingMs()));
+    }
     parts.removeAll(QString());
     showStatus(parts.join(tr(" - ", "between the phase of a scan, its count and its speed")));
 }
@@ -102,6 +117,11 @@ void ScanStrip::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     fitStatus();
+}
+
+QString ScanStrip::phaseText() const
+{
+    return m_isPaused ? tr("Paused: %1").arg(m_phase) : m_phase;
 }
 
 void ScanStrip::fitStatus()

@@ -27,6 +27,8 @@ public:
 
     void showStatus(const QString &text);
     void setBusy(bool busy);
+    void setStep(const ScanStep &step);
+    void setPaused(bool paused); ///< the time of a pause does not count when the rest is estimated
     void setPhase(const QString &phase);
     void setProgress(int done, int total, const QString &detail); ///< a total below 1 = unknown
 
@@ -37,13 +39,16 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    QString phaseText() const;
     void fitStatus();
     void setRange(int done, int total);
 
     QString m_text; ///< the status, whether or not there is room for all of it
     QString m_phase;
     QString m_announced; ///< what it was when the signal was last sent
+    ScanStep m_step;
     bool m_isBusy = false;
+    bool m_isPaused = false;
     QElapsedTimer m_clock;
     ProgressEstimate m_estimate;
     QLabel *m_status;

@@ -34,6 +34,19 @@ private Q_SLOTS:
         QCOMPARE(epr::qualityText(track), u"320 kbps, mono"_s);
     }
 
+    void timeLeftOfAScanIsToldOnlyWhenKnown()
+    {
+        const auto left = [](bool hasUnknownPace, qint64 toCompare, std::optional<qint64> ownMs) {
+            const epr::ScanStep step { 4, 5, hasUnknownPace, toCompare };
+            return step.timeLeftMs(ownMs).value_or(-1);
+        };
+        QCOMPARE(left(false, 20000, 600000), 620000);
+        QCOMPARE(left(true, 20000, 600000), -1); // decoding is still to come
+        QCOMPARE(left(false, 20000, 19999), -1); // most of it would be a guess
+        QCOMPARE(left(false, 20000, std::nullopt), -1);
+        QCOMPARE(epr::ScanStep({ 4, 5 }).text(), u"step 4 of 5"_s);
+    }
+
     void remainingTimeFollowsTheLastHalfMinute()
     {
         epr::ProgressEstimate estimate;

@@ -16,9 +16,12 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
+#include <atomic>
 #include <functional>
+#include <memory>
 
 using namespace epr;
 using namespace epr::test;
@@ -116,6 +119,50 @@ private Q_SLOTS:
         QCOMPARE(tagged.audioHash, outcome.byName.value(u"copy.wav"_s).audioHash);
         QVERIFY(outcome.log.contains(u"Skipped 1 file(s) shorter than 5 seconds."_s));
         QCOMPARE(outcome.log.last(), u"Found 1 duplicate group(s); 0.1 MB could be reclaimed."_s);
+    }
+
+    void pauseHoldsEveryStage_data()
+    {
+        const Rows<QString> row("next");
+        row("Scanning folders", u"Checking cache"_s);
+        row("Checking cache", u"Reading tags and hashing"_s);
+        row("Reading tags and hashing", u"Fingerprinting audio"_s);
+        row("Fingerprinting audio", u"Fingerprinted 1 of 4"_s);
+        row("Fingerprinted 1 of 4", u"Fingerprinted 2 of 4"_s);
+        row("Grouping duplicates", u"Matching identical files"_s);
+    }
+
+    void pauseHoldsEveryStage()
+    {
+        QFETCH(const QString, next);
+        const QString at = QString::fromLatin1(QTest::currentDataTag());
+        m_options.detectAcoustic = true;
+        m_options.fingerprintEngine = FingerprintEngine::BuiltIn;
+        m_options.decoderThreads = 1;
+        m_options.useCache = false;
+        for (const bool stops : { false, true }) {
+            ScanController controller;
+            std::atomic<bool> released = false;
+            QStringList heldUntil;
+            const std::unique_ptr<QThread> releaser(QThread::create([&] {
+                QThread::msleep(200);
+                released = true;
+                stops ? controller.cancel() : controller.setPaused(false);
+            }));
+            const Outcome outcome = scan(controller, m_options, [&](const QString &now) {
+                if (now == at && !releaser->isRunning()) {
+                    controller.setPaused(true);
+                    releaser->start();
+                } else if (now == next) {
+                    heldUntil << (released ? u"release"_s : u"too early"_s);
+                }
+            });
+            QVERIFY(releaser->wait());
+            QCOMPARE(outcome.cancelled,
+                     stops && at != "Grouping duplicates"_L1); // which is noticed before or not at all
+            QVERIFY2(!heldUntil.contains(u"too early"_s), qPrintable(next));
+            QVERIFY(stops || !heldUntil.isEmpty());
+        }
     }
 
     void fingerprintsAreKeptAndFailuresTriedAgain()

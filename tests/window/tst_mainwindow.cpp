@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "compareplayer.h"
 #include "folderpanel.h"
+#include "mainactions.h"
 #include "memberactions.h"
 
 #include "hole.h"
@@ -9,6 +10,8 @@
 #include "windowsupport.h"
 
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
 #include <QThread>
 
 using namespace epr;
@@ -185,6 +188,12 @@ private Q_SLOTS:
         window.show();
         window.addFolder(m_folder->path());
         window.onStartScan();
+        auto *pause = window.findChild<MainActions *>()->pauseScan;
+        for (const QString &word : { u"Resume"_s, u"Pause"_s, u"Resume"_s }) {
+            pause->trigger();
+            QCOMPARE(pause->text(), word);
+            QCOMPARE(window.windowTitle().startsWith("Paused: "_L1), word == "Resume"_L1);
+        }
         SeenBox box;
         answerNextBox(QMessageBox::No, &box);
         QVERIFY(!window.close() && window.isVisible() && window.isScanning());
@@ -194,7 +203,8 @@ private Q_SLOTS:
         QVERIFY(window.close() && !window.isVisible());
         QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
         QVERIFY(logs(window, u"--- Scan cancelled after "_s));
-        QVERIFY(hintOf(window).contains("cancelled"_L1));
+        QVERIFY(hintOf(window).contains("What was analysed is kept"_L1));
+        QVERIFY(!pause->isEnabled() && pause->text() == "Pause"_L1);
         QCOMPARE(SettingsStore().value(settings::folders), QStringList { m_folder->path() });
     }
 
@@ -226,6 +236,30 @@ private Q_SLOTS:
         QCOMPARE(foldersOf(window), folders.last(1));
         window.close();
         QCOMPARE(SettingsStore().value(settings::folders), folders.last(1));
+    }
+
+    void everyCommandExplainsItself()
+    {
+        const MainWindow window;
+        for (const QMenu *menu : window.menuBar()->findChildren<QMenu *>()) {
+            for (const QAction *action : menu->actions())
+                QVERIFY2(action->isSeparator() || !action->statusTip().isEmpty(), qPrintable(action->text()));
+        }
+    }
+
+    void tabGoesAroundTheWindow()
+    {
+        MainWindow window;
+        window.addFolder(m_folder->path());
+        showTwoCopies(window);
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QStringList visited;
+        for (int i = 0; i < 60; ++i) {
+            press(Qt::Key_Tab);
+            visited << QApplication::focusWidget()->objectName();
+        }
+        for (const QString &name : { u"folderList"_s, u"filterEdit"_s, u"resultsView"_s })
+            QVERIFY2(visited.contains(name), qPrintable(name + ": "_L1 + visited.join(u' ')));
     }
 
     void reviewNeedsNoMouse()
