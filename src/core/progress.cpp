@@ -38,7 +38,7 @@ QString ScanStep::text() const
     return QCoreApplication::translate("epr::ProgressEstimate", "step %1 of %2").arg(number).arg(count);
 }
 
-// Comparing has no pace before it begins, but it is short beside decoding: the allowance for it is generous. Where it
+// Comparing has no pace before it begins, but it is short beside decoding, for which an allowance will do. Where it
 // would be the larger part of the figure there is none.
 std::optional<qint64> ScanStep::timeLeftMs(std::optional<qint64> ownMs) const
 {

@@ -13,6 +13,7 @@
 
 #include "temporarylibrary.h"
 
+#include <QAccessible>
 #include <QDir>
 #include <QTest>
 
@@ -121,6 +122,23 @@ private Q_SLOTS:
             ++texts;
         }
         QCOMPARE(texts, 9);
+    }
+
+    void assistiveTechnologyHearsWhatIsWhat()
+    {
+        const auto role = [](QWidget *widget) { return QAccessible::queryAccessibleInterface(widget)->role(); };
+        QCOMPARE(role(lamp(u"stopLamp"_s)), QAccessible::Button);
+        for (const QString &deck : { u"A"_s, u"B"_s }) {
+            QCOMPARE(role(lamp(u"monitorLamp"_s + deck)), QAccessible::RadioButton);
+            auto *panel = m_player->findChild<vfd::Panel *>(u"deck"_s + deck);
+            QCOMPARE(role(panel), QAccessible::Grouping);
+            QCOMPARE(panel->accessibleName(), u"Deck "_s + deck);
+        }
+        QVERIFY(QTest::qWaitForWindowActive(&*m_player));
+        lamp(u"monitorLampA"_s)->setFocus();
+        QTest::keyClick(lamp(u"monitorLampA"_s), Qt::Key_Right);
+        QVERIFY(m_player->monitor() == Deck::B && !lamp(u"monitorLampA"_s)->isLit()
+                && lamp(u"monitorLampB"_s)->isLit());
     }
 
     // Some decoders say nothing about such a file until the watchdog bites, after a minute.

@@ -21,6 +21,7 @@ DeckView::DeckView(Deck deck, QWidget *parent)
     , m_name(comparisontext::deckName(deck))
 {
     setObjectName(u"deck"_s + m_name);
+    setAccessibleName(tr("Deck %1").arg(m_name));
     setToolTip(tr("Listen to deck %1 (shortcut: click, or press A / B)").arg(m_name));
     createWidgets();
     layOutWidgets();

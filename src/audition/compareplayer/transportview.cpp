@@ -55,6 +55,8 @@ void TransportView::createLamps()
     m_play->setToolTip(tr("Play or pause both decks"));
     connect(m_play, &vfd::Lamp::clicked, this, &TransportView::playPauseRequested);
     m_stop = new vfd::Lamp(tr("STOP"), this);
+    m_stop->setObjectName(u"stopLamp"_s);
+    m_stop->setCheckable(false); // it is never lit, and would be read out as a check box
     m_stop->setToolTip(tr("Stop both decks"));
     connect(m_stop, &vfd::Lamp::clicked, this, &TransportView::stopRequested);
     m_link = new vfd::Lamp(tr("LINK"), this);
@@ -68,6 +70,7 @@ void TransportView::createLamps()
         lamp->setObjectName(u"monitorLamp"_s + name);
         lamp->setToolTip(tr("Listen to deck %1 (shortcut: click, or press A / B)").arg(name));
         lamp->setAccessibleName(tr("Listen to deck %1").arg(name));
+        lamp->setAutoExclusive(true); // one of two, as radio buttons are
         connect(lamp, &vfd::Lamp::clicked, this, [this, deck] { Q_EMIT monitorRequested(deck); });
         m_monitorLamps[deck] = lamp;
     }

@@ -3,6 +3,7 @@
 #include "accessibility.h"
 
 #include "labels.h"
+#include "panel.h"
 #include "scrubber.h"
 #include "sevensegment.h"
 
@@ -61,6 +62,8 @@ QAccessibleInterface *interfaceFor(const QString &, QObject *object)
 {
     if (auto *scrubber = qobject_cast<Scrubber *>(object))
         return new ScrubberInterface(scrubber);
+    if (auto *panel = qobject_cast<Panel *>(object))
+        return new QAccessibleWidget(panel, QAccessible::Grouping);
     const bool hasText =
         qobject_cast<ElidingLabel *>(object) || qobject_cast<Badge *>(object) || qobject_cast<SevenSegment *>(object);
     return hasText ? new TextInterface(static_cast<QWidget *>(object)) : nullptr;
