@@ -410,6 +410,24 @@ private Q_SLOTS:
         QCOMPARE(treeOf(box.library()), before);
     }
 
+    // What is read at once would have to have a limit somewhere, and a list beyond it could not be undone.
+    void listOfAnyLengthIsRead()
+    {
+        if (otherFileSystem())
+            return; // lists are always in the undo folder
+        const Sandbox box;
+        const QString path = undoDirectory() + u"/undo-x.json"_s;
+        box.write(path, R"({"entries": [)");
+        QFile file(path);
+        QVERIFY(file.open(QFile::Append));
+        const QByteArray blanks(1 << 20, ' ');
+        for (int mebibyte = 0; mebibyte < 260; ++mebibyte)
+            QVERIFY(file.write(blanks) == blanks.size());
+        QVERIFY(file.write(R"({"from": "/a", "to": "/q/a", "size": 1}]})") > 0);
+        file.close();
+        QVERIFY(describeManifest(path).endsWith(" - 1 file(s)"_L1));
+    }
+
     void manifestOfAnotherHandIsRead()
     {
         const Sandbox box;
