@@ -63,6 +63,9 @@ struct Spied {
 class TestWaveform : public QObject {
     Q_OBJECT
 
+public:
+    static void initMain() { preferFfmpegMediaBackend(); }
+
 private Q_SLOTS:
     void peaks_data()
     {
@@ -214,11 +217,5 @@ private:
     QTemporaryDir m_dir;
 };
 
-int main(int argc, char **argv)
-{
-    preferFfmpegMediaBackend();
-    const QCoreApplication application(argc, argv);
-    TestWaveform test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(TestWaveform)
 #include "tst_waveform.moc"

@@ -35,4 +35,16 @@ inline void checkUndo(const Sandbox &box, const QString &manifest, qsizetype cou
     if (QTest::currentTestFailed())                                                                                    \
     return
 
+/// The undo folder is that of an application with this name, as in the driver.
+#define CLEANUP_MAIN(Test)                                                                                             \
+    int main(int argc, char **argv)                                                                                    \
+    {                                                                                                                  \
+        QCoreApplication application(argc, argv);                                                                      \
+        QCoreApplication::setApplicationName(u"epr-test"_s);                                                           \
+        if (!isUnix)                                                                                                   \
+            QStandardPaths::setTestModeEnabled(true);                                                                  \
+        Test test;                                                                                                     \
+        return QTest::qExec(&test, argc, argv);                                                                        \
+    }
+
 } // namespace epr::test

@@ -514,14 +514,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"epr-test"_s);
-    if (!isUnix)
-        QStandardPaths::setTestModeEnabled(true);
-    TestCleanup test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+CLEANUP_MAIN(TestCleanup)
 #include "tst_cleanup.moc"

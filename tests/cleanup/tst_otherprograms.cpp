@@ -242,14 +242,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"epr-test"_s);
-    if (!isUnix)
-        QStandardPaths::setTestModeEnabled(true);
-    TestOtherPrograms test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+CLEANUP_MAIN(TestOtherPrograms)
 #include "tst_otherprograms.moc"

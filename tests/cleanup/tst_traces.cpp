@@ -131,14 +131,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"epr-test"_s);
-    if (!isUnix)
-        QStandardPaths::setTestModeEnabled(true);
-    TestTraces test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+CLEANUP_MAIN(TestTraces)
 #include "tst_traces.moc"

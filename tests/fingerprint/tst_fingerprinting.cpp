@@ -43,6 +43,9 @@ Results run(FingerprintPool &pool, const QList<FingerprintJob> &jobs)
 class TestFingerprinting : public QObject {
     Q_OBJECT
 
+public:
+    static void initMain() { preferFfmpegMediaBackend(); }
+
 private Q_SLOTS:
     // The stand-in for fpcalc runs its audio file as a script, so that each job says how it ends. The one for ffmpeg
     // fails on files that say so in their name and is the real tool otherwise.
@@ -206,11 +209,5 @@ private:
     QTemporaryDir m_dir;
 };
 
-int main(int argc, char **argv)
-{
-    preferFfmpegMediaBackend();
-    const QCoreApplication application(argc, argv);
-    TestFingerprinting test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(TestFingerprinting)
 #include "tst_fingerprinting.moc"
