@@ -10,7 +10,6 @@
 #include <QAudioDevice>
 #include <QMediaDevices>
 #include <QProcess>
-#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -94,25 +93,6 @@ private Q_SLOTS:
         std::sort(drifts.begin(), drifts.end());
         QVERIFY2(drifts.at(200) <= ComparePlayer::maxDriftMs, qPrintable(QDebug::toString(drifts)));
         QVERIFY(a().isPlaying() && b().isPlaying() && a().position() > 1000);
-    }
-
-    // The same file again while it plays, then one that cannot be played: the other deck goes on.
-    void aReplacedFileLeavesTheOtherDeckAlone()
-    {
-        const QSignalSpy messages(&*m_player, &ComparePlayer::logMessage);
-        m_player->setLinked(true);
-        m_player->seek(Deck::A, 20000);
-        m_player->playPause();
-        m_player->load(Deck::A, m_tracks.a);
-        QVERIFY(a().isPlaying() && a().position() >= 20000);
-        QTRY_VERIFY_WITH_TIMEOUT(a().position() > 20200 && b().position() > 20200, 10000);
-        TrackInfo gone;
-        gone.path = m_dir.filePath(u"gone.mp3"_s);
-        m_player->load(Deck::A, gone);
-        QTRY_COMPARE_WITH_TIMEOUT(messages.size(), 2, 10000);
-        QCOMPARE(messages.at(0).at(0).toString(), u"Deck A: No such file or directory"_s);
-        QCOMPARE(messages.at(1).at(0).toString(), u"Preview: No such file or directory"_s);
-        QVERIFY(!a().isPlaying() && b().isPlaying());
     }
 
 private:

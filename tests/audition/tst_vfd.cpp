@@ -13,13 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The widget on black, in device pixels.
-QImage imageOf(QWidget &widget)
-{
-    widget.setPalette(QPalette(Qt::black));
-    return widget.grab().toImage();
-}
-
 // A minute on 601 pixels, which are 100 ms each, and the positions that were
 // asked for.
 struct MinuteScrubber {
@@ -107,23 +100,6 @@ private Q_SLOTS:
                 const qreal shift = 1.0 * static_cast<int>(peaks.indexOf(1)) / columns - 1.0 * bucket / buckets;
                 QVERIFY(qAbs(shift) <= 1.0 / columns);
             }
-        }
-    }
-
-    // One bucket per device pixel, and one of them loud: it takes one pixel at
-    // every ratio, left up and right down.
-    void waveformHasDevicePixels()
-    {
-        Scrubber scrubber;
-        scrubber.resize(200, 60);
-        const int width = imageOf(scrubber).width();
-        QCOMPARE(width, qRound(200 * scrubber.devicePixelRatioF()));
-        const int loud = width / 4 + 3;
-        scrubber.setEnvelope({ silenceWithPeakAt(loud, width), silenceWithPeakAt(loud + 9, width), {}, 0 });
-        const QImage image = imageOf(scrubber);
-        for (int x = loud - 5; x < loud + 15; ++x) {
-            QCOMPARE(image.pixelColor(x, image.height() / 4).green() > 50, x == loud);
-            QCOMPARE(image.pixelColor(x, image.height() * 3 / 4).green() > 50, x == loud + 9);
         }
     }
 };

@@ -2,12 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultsmodel.h"
 
-#include "displaytext.h"
 #include "reviewsketch.h"
 
 #include <QAbstractItemModelTester>
-#include <QDir>
-#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -45,40 +42,6 @@ class TestResults : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void rowsShowGroupsAndTracks()
-    {
-        Lists lists = listsOf(u"a* b"_s);
-        lists.groups[0].id = 17;
-        lists.groups[0].matchType = MatchType::SameAudio;
-        TrackInfo &track = lists.tracks[1];
-        track.path = u"/music/new/b.mp3"_s;
-        track.tags.artist.clear();
-        track.tags.title.clear();
-        track.stream.durationMs = 3723000;
-        track.stream.bitrateKbps = 320;
-        track.stream.channels = 2;
-        track.mtime = QDateTime(QDate(2026, 3, 7), QTime(15, 4));
-        track.error = u"cut short"_s;
-        Review review;
-        const ResultsModel model(review);
-        review.setResults(lists.tracks, lists.groups);
-        QStringList row;
-        for (int column = 0; column < model.columnCount(); ++column)
-            row << cell(model, 0, 1, column).data().toString();
-        QCOMPARE(row.join(u'|'),
-                 u"b.mp3|duplicate|(unknown artist)|b|1:02:03|320 kbps, stereo|2.00 MB|7 Mar 2026 3:04 pm|"_s
-                     + QDir::toNativeSeparators(QFileInfo(track.path).absolutePath())); // with a drive on Windows
-
-        QCOMPARE(cell(model, 0, 1, 0).data(Qt::ToolTipRole), u"/music/new/b.mp3\n\nNote: cut short"_s);
-        QCOMPARE(cell(model, 0, 1, 0).data(ResultsModel::TrackRole), 1);
-        QCOMPARE(cell(model, 0, 0, ResultsModel::MatchColumn).data(), u"KEEP"_s);
-
-        const QModelIndex group = model.index(0, 0);
-        QCOMPARE(group.data(), u"Group 17 - 2 copies - 2.00 MB reclaimable"_s);
-        QVERIFY(!group.flags().testAnyFlags(Qt::ItemIsEditable | Qt::ItemIsUserCheckable));
-        QCOMPARE(group.siblingAtColumn(ResultsModel::MatchColumn).data(), matchTypeLabel(MatchType::SameAudio));
-    }
-
     void rowsFollowTheReviewUnderAFilter()
     {
         Review review;
@@ -109,42 +72,6 @@ private Q_SLOTS:
         QCOMPARE(rowsOf(model), sketchOf(review));
         review.clear();
         QCOMPARE(model.rowCount(), 0);
-    }
-
-    void loadedCopiesCarryTheirDecks()
-    {
-        Review review;
-        ResultsModel model(review);
-        fill(review, u"a* b / c* d"_s);
-        QSignalSpy changes(&model, &ResultsModel::dataChanged);
-        const auto marks = [&] {
-            QStringList rows;
-            for (const int track : { 0, 1, 2, 3 }) {
-                const QModelIndex file = cell(model, track / 2, track % 2, ResultsModel::FileColumn);
-                rows << file.data(ResultsModel::DecksRole).toString() + file.data(Qt::AccessibleTextRole).toString();
-            }
-            return rows.join(u'|');
-        };
-        model.setLoaded({ review.tracks().at(3).path, review.tracks().at(0).path });
-        QCOMPARE(changes.size(), 1);
-        QCOMPARE(marks(), u"Ba.mp3, in deck B|||Ad.mp3, in deck A"_s);
-        model.setLoaded({ review.tracks().at(1).path, review.tracks().at(1).path });
-        QCOMPARE(marks(), u"|ABb.mp3, in deck AB||"_s);
-        model.setLoaded({});
-        QCOMPARE(marks(), u"|||"_s);
-    }
-
-    void ticksAreAllThatIsEdited()
-    {
-        Review review;
-        ResultsModel model(review);
-        fill(review, u"a* b / cx* d"_s);
-        model.setFilter(u"cx"_s);
-        QVERIFY(model.setData(cell(model, 0, 0, 0), Qt::Checked, Qt::CheckStateRole));
-        QCOMPARE(sketchOf(review), u"a* b! / cx*! d!"_s);
-        QVERIFY(!model.setData(cell(model, 0, 0, 0), u"x"_s, Qt::EditRole));
-        QVERIFY(!model.setData(cell(model, 0, 0, 1), Qt::Checked, Qt::CheckStateRole));
-        QVERIFY(!model.setData(model.index(0, 0), Qt::Checked, Qt::CheckStateRole));
     }
 };
 

@@ -6,7 +6,6 @@
 #include "rows.h"
 
 #include <QRandomGenerator>
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace epr;
@@ -105,31 +104,6 @@ private Q_SLOTS:
         change(review);
         const qint64 reclaimable = review.groups().isEmpty() ? 0 : review.groups().at(0).reclaimableBytes;
         QTEST(sketchOf(review) + u" %1 MB"_s.arg(reclaimable / mebibyte), "after");
-    }
-
-    void eachCommandIsToldOnce()
-    {
-        Review review;
-        fill(review, u"a* b c / d e*"_s);
-        const QSignalSpy many(&review, &Review::ticksChanged);
-        const QSignalSpy one(&review, &Review::tickChanged);
-        const QSignalSpy totals(&review, &Review::totalsChanged);
-        review.invertTicks();
-        QVERIFY(many.size() == 1 && one.isEmpty() && totals.size() == 1);
-        for (int time = 0; time < 2; ++time)
-            review.setTicked(1, 0, true);
-        QVERIFY(many.size() == 1 && one.size() == 1 && totals.size() == 2);
-    }
-
-    void firstWhollyTickedGroupIsFound()
-    {
-        Review review;
-        fill(review, u"a* b / c d* / e* f"_s);
-        QCOMPARE(review.firstWhollyTickedGroup(), -1);
-        review.setTicked(2, 0, true);
-        QCOMPARE(review.firstWhollyTickedGroup(), 2);
-        review.setTicked(1, 1, true);
-        QCOMPARE(review.firstWhollyTickedGroup(), 1);
     }
 
     void keptCopyIsComparedWithTheBestOther()

@@ -14,7 +14,6 @@
 #include <QTest>
 
 #include <functional>
-#include <limits>
 
 using namespace epr;
 using namespace epr::test;
@@ -88,47 +87,6 @@ private Q_SLOTS:
         dialog.accept();
         change(options);
         QVERIFY(dialog.options() == options);
-    }
-
-    // Finer than a control shows, or out of its range.
-    void untouchedControlsWriteWhatTheyShow()
-    {
-        ScanOptions options;
-        options.minBytes = std::numeric_limits<qint64>::max();
-        options.minDurationMs = 2500;
-        options.metadataTolerance = std::numeric_limits<qint32>::min();
-        SettingsDialog dialog(options, {});
-        dialog.accept();
-        QCOMPARE(dialog.options().minBytes, 1 << 30);
-        QCOMPARE(dialog.options().minDurationMs, 2000);
-        QCOMPARE(dialog.options().metadataTolerance, 0);
-    }
-
-    void valuesWithoutEffectSaySo()
-    {
-        const auto notes = [](FingerprintEngine engine, const QString &fpcalc) {
-            ScanOptions options;
-            options.fingerprintEngine = engine;
-            const SettingsDialog dialog(options, { fpcalc, { true, 12, 4096 } });
-            QString texts;
-            for (const QLabel *label : dialog.findChildren<QLabel *>())
-                texts += label->text() + u'\n';
-            return texts;
-        };
-        const QString note = u"The threshold has no effect"_s;
-        QVERIFY(notes(FingerprintEngine::Fpcalc, u"/usr/bin/fpcalc"_s).contains(note));
-        QVERIFY(!notes(FingerprintEngine::Fpcalc, {}).contains(note));
-        QVERIFY(!notes(FingerprintEngine::BuiltIn, u"/usr/bin/fpcalc"_s).contains(note));
-        QVERIFY(notes(FingerprintEngine::BuiltIn, {}).contains("12 files cached, using 4.00 KB."_L1));
-
-        const SettingsDialog dialog(ScanOptions(), {});
-        const auto isEnabled = [&](const char *name) { return control(dialog, QLatin1String(name))->isEnabled(); };
-        QVERIFY(isEnabled("Acoustic match threshold:") && isEnabled("Duration tolerance (acoustic):"));
-        QVERIFY(!isEnabled("Duration tolerance (metadata):"));
-        control(dialog, u"Matching artist, title and duration"_s)->setProperty("checked", true);
-        control(dialog, u"Acoustic fingerprint (same recording, re-encoded)"_s)->setProperty("checked", false);
-        QVERIFY(!isEnabled("Acoustic match threshold:") && !isEnabled("Duration tolerance (acoustic):"));
-        QVERIFY(isEnabled("Duration tolerance (metadata):"));
     }
 
     void storedSettingsWaitForAcceptanceButSkipping()

@@ -113,25 +113,6 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(halfList));
     }
 
-    void scanNeedsAFolderAndAMethod()
-    {
-        ScanOptions none;
-        none.detectIdentical = none.detectSameAudio = none.detectAcoustic = none.detectMetadata = false;
-        SettingsStore().saveScanOptions(none);
-        MainWindow window;
-        showTwoCopies(window);
-        for (const QString &reason : { u"Add at least one folder containing music before starting a scan."_s,
-                                       u"Enable at least one detection method in Settings before scanning."_s }) {
-            SeenBox box;
-            answerNextBox(QMessageBox::Ok, &box);
-            window.onStartScan();
-            QCOMPARE(box.text, reason);
-            QVERIFY(!window.isScanning());
-            QCOMPARE(resultsOf(window)->model()->rowCount(), 1); // the results are still there
-            window.addFolder(m_folder->path());
-        }
-    }
-
     void scansFillTheTree()
     {
         writeFile(m_folder->filePath(u"one.wav"_s), waveOf(1));
@@ -162,21 +143,6 @@ private Q_SLOTS:
             QCOMPARE(summaryOf(window).endsWith(" (incomplete: 1 folder(s) could not be read)"_L1), gone);
             QVERIFY(!gone || QDir(m_folder->path()).rename(u"away"_s, u"gone"_s));
         }
-    }
-
-    // As at a start with --autostart, when the results may be there before the window is the active one.
-    void scanOfAWindowBehindOthersHasACurrentRow()
-    {
-        for (const QString &name : { u"one.wav"_s, u"two.wav"_s })
-            writeFile(m_folder->filePath(name), waveOf(1));
-        MainWindow window;
-        window.show();
-        QWidget other;
-        other.show();
-        other.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&other) && !window.isActiveWindow());
-        scan(window, m_folder->path());
-        QVERIFY(resultsOf(window)->currentIndex().isValid());
     }
 
     // Enough to hash that the scan is still at it when the answers come.
@@ -236,30 +202,6 @@ private Q_SLOTS:
         QCOMPARE(foldersOf(window), folders.last(1));
         window.close();
         QCOMPARE(SettingsStore().value(settings::folders), folders.last(1));
-    }
-
-    void everyCommandExplainsItself()
-    {
-        const MainWindow window;
-        for (const QMenu *menu : window.menuBar()->findChildren<QMenu *>()) {
-            for (const QAction *action : menu->actions())
-                QVERIFY2(action->isSeparator() || !action->statusTip().isEmpty(), qPrintable(action->text()));
-        }
-    }
-
-    void tabGoesAroundTheWindow()
-    {
-        MainWindow window;
-        window.addFolder(m_folder->path());
-        showTwoCopies(window);
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        QStringList visited;
-        for (int i = 0; i < 60; ++i) {
-            press(Qt::Key_Tab);
-            visited << QApplication::focusWidget()->objectName();
-        }
-        for (const QString &name : { u"folderList"_s, u"filterEdit"_s, u"resultsView"_s })
-            QVERIFY2(visited.contains(name), qPrintable(name + ": "_L1 + visited.join(u' ')));
     }
 
     void reviewNeedsNoMouse()

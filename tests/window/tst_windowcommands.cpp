@@ -1,11 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "analysiscache.h"
 #include "commands.h"
-#include "mainactions.h"
 
 #include "loopbackserver.h"
-#include "rows.h"
 #include "windowsupport.h"
 
 #include <QDesktopServices>
@@ -20,11 +17,6 @@ using namespace epr::test;
 namespace {
 
 enum Filter { Html, Csv, Json, Playlist }; // in the order of the file dialog
-
-MainActions *actionsOf(const MainWindow &window)
-{
-    return window.findChild<MainActions *>();
-}
 
 } // namespace
 
@@ -63,27 +55,6 @@ private Q_SLOTS:
         QVERIFY(server.requests.size() == 1 && !QApplication::activeModalWidget());
     }
 
-    void cacheIsClearedFromMenuAndDialog()
-    {
-        MainWindow window;
-        withNext<QDialog>([](QDialog *dialog) {
-            QMetaObject::invokeMethod(dialog, "clearCacheRequested");
-            dialog->reject();
-        });
-        TrackInfo track;
-        track.path = u"/music/one.mp3"_s;
-        int cleared = 0;
-        for (QAction *command : { actionsOf(window)->clearCache, actionsOf(window)->settings }) {
-            AnalysisCache cache;
-            QVERIFY(cache.open());
-            cache.store(track, FingerprintEngine::BuiltIn);
-            QCOMPARE(cache.count(), 1);
-            command->trigger();
-            QCOMPARE(cache.count(), 0);
-            QCOMPARE(logOf(window).count(u"Analysis cache cleared."_s), ++cleared);
-        }
-    }
-
     void reportShowsTheResultsAsTheyStand()
     {
         for (const QString &name : { u"1"_s, u"2"_s, u"3"_s })
@@ -110,21 +81,6 @@ private Q_SLOTS:
         const QJsonArray files = json["duplicateGroups"_L1][0]["files"_L1].toArray();
         QCOMPARE(files.size(), 2);
         QVERIFY(!files.at(0)["keep"_L1].toBool() && files.at(1)["path"_L1] == pathOf(u"scanned/3.wav"_s));
-    }
-
-    void nothingIsWrittenWithoutResultsOrAName()
-    {
-        MainWindow window;
-        SeenBox box;
-        answerNextBox(QMessageBox::Ok, &box);
-        window.onExportReport();
-        QCOMPARE(box.title + box.text, u"Nothing to exportRun a scan first - there are no results to report on."_s);
-        window.onScanFinished({ TrackInfo(), TrackInfo() }, { { .members = { 0, 1 }, .keep = 0 } }, false, 1);
-        answerFileDialog({}, Html);
-        window.onExportReport(); // a box would never close
-        box = exportTo(window, pathOf(u"none/report.html"_s), Html, QMessageBox::Ok);
-        QVERIFY((box.title + box.text).startsWith("Export failedCould not write the report:\n\n"_L1));
-        QVERIFY2(box.text.size() > 35, "there is a reason");
     }
 
 private:
