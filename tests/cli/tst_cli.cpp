@@ -4,7 +4,6 @@
 
 #include "hole.h"
 #include "rows.h"
-#include "sandbox.h"
 #include "temporarylibrary.h"
 
 #include <QJsonArray>
@@ -62,7 +61,6 @@ private Q_SLOTS:
             u"switched off"_s);
         row("report of no kind", "", "--verbose --report out.txt library", 2, u"Not a kind of report: \"out.txt\""_s);
         row("report nowhere", "", "--verbose --report no/out.csv library", 2, u"Could not write the report"_s);
-        row("empty folder", "", "library", 0, u"no duplicates found"_s);
         row("all different", "a.mp3 b.mp3", "library", 0, u"no duplicates found"_s);
         row("damaged", "x.flac", "library", 0, u"x.flac: Unrecognised or damaged FLAC container"_s);
         row("a copy", "a.mp3 a,копия.mp3 b.mp3", "library", 1, u"a,копия.mp3"_s);
@@ -132,17 +130,6 @@ private Q_SLOTS:
         QCOMPARE(program.readAllStandardOutput(),
                  "Scanned 1 files - no duplicates found. (incomplete: 1 folder could not be read)\n");
         QVERIFY(program.readAllStandardError().endsWith("echoprune-scan: incomplete: 1 folder could not be read\n"));
-    }
-
-    void fullDiskIsNotSuccess()
-    {
-        const QString report = m_home->filePath(u"report.csv"_s);
-        QProcess program;
-        program.setChildProcessModifier([] { limitFileSize(50); });
-        program.start(QStringLiteral(EPR_SCAN_PROGRAM), words("--no-cache --report") << report << library());
-        QVERIFY(program.waitForFinished());
-        QCOMPARE(program.exitCode(), 2);
-        QVERIFY(program.readAllStandardError().contains("Could not write the report") && !QFile::exists(report));
     }
 #endif
 

@@ -5,9 +5,7 @@
 #include "externaltool.h"
 #include "fpcalc.h"
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -42,25 +40,6 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, output);
         QTEST(parseFpcalcOutput(output), "result");
-    }
-
-    void discoveryTakesTheFirstExecutableFile()
-    {
-        const QDir beside(QCoreApplication::applicationDirPath());
-        QStringList candidates;
-        for (const auto &name : { u"."_s, u"data"_s, u"a"_s })
-            candidates << beside.relativeFilePath(m_dir.filePath(name));
-        test::writeFile(m_dir.filePath(u"data"_s), {});
-        for (const auto &name : { u"a"_s, u"chosen"_s })
-            makeStandIn(m_dir.filePath(name), "exit 0");
-        const auto found = [&](const QString &variable, const QStringList &places) {
-            qputenv("EPR_TEST_TOOL", QFile::encodeName(m_dir.filePath(variable)));
-            return QFileInfo(findTool("EPR_TEST_TOOL", places, u"sh"_s));
-        };
-        QCOMPARE(found(u"chosen"_s, candidates), QFileInfo(m_dir.filePath(u"chosen"_s)));
-        for (const auto &useless : { u"gone"_s, u"data"_s, u"."_s })
-            QCOMPARE(found(useless, candidates), QFileInfo(m_dir.filePath(u"a"_s)));
-        QCOMPARE(found(u"gone"_s, {}), QFileInfo(QStandardPaths::findExecutable(u"sh"_s)));
     }
 
     void argumentsArriveUnchanged()

@@ -39,34 +39,6 @@ class TestHash final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void publishedVectors_data()
-    {
-        QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QByteArray>("digest");
-        const auto row = [](const QByteArray &message, const QByteArray &digest) {
-            QTest::addRow("%d bytes", int(message.size())) << message << digest;
-        };
-        row({}, "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
-        row("abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
-        row("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", // the padding fills a second block
-            "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
-        row(QByteArray(1000000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
-    }
-
-    void publishedVectors()
-    {
-        QFETCH(QByteArray, message);
-        epr::Sha256 hash;
-        for (const qsizetype piece : { 63, 1000000 }) {
-            hash.addData("left over from an abandoned file");
-            hash.reset();
-            for (qsizetype at = 0; at < message.size(); at += piece)
-                hash.addData(QByteArrayView(message).sliced(at, std::min(piece, message.size() - at)));
-            QTEST(hash.result().toHex(), "digest");
-            hash.reset();
-        }
-    }
-
     void oneReadingEqualsTwo_data()
     {
         QTest::addColumn<qint64>("offset");

@@ -114,16 +114,13 @@ private Q_SLOTS:
     // one path comes twice.
     void checksOnSeveralThreads_data()
     {
-        QTest::addColumn<qint64>("intactBytes");
         QTest::addColumn<int>("cancelAt");
-        QTest::newRow("all rows") << std::numeric_limits<qint64>::max() << -1;
-        QTest::newRow("nothing but the schema's page is left") << qint64(4096) << -1;
-        QTest::newRow("complete as far as reported when cancelled") << std::numeric_limits<qint64>::max() << 1024;
+        QTest::newRow("all rows") << -1;
+        QTest::newRow("complete as far as reported when cancelled") << 1024;
     }
 
     void checksOnSeveralThreads()
     {
-        QFETCH(const qint64, intactBytes);
         QFETCH(const int, cancelAt);
         AnalysisCache cache;
         QVERIFY(cache.open());
@@ -138,24 +135,18 @@ private Q_SLOTS:
         }
         cache.commitTransaction();
         cache.close();
-        const QByteArray intact = readFile(AnalysisCache::defaultFilePath());
-        const bool damaged = intactBytes < intact.size();
-        writeFile(AnalysisCache::defaultFilePath(), intact.left(intactBytes).leftJustified(intact.size(), 'x'));
         std::atomic<qint32> cancelFlag = 0;
-        QStringList log;
         StageContext context { cancelFlag };
         context.progress = [&](int done, int, const QString &) { cancelFlag = done == cancelAt; };
-        context.log = [&](const QString &message) { log.append(message); };
         ScanOptions options;
         options.detectIdentical = options.detectSameAudio = false;
         const auto [tracks, isDamaged] = checkCache(paths, options, context);
-        QCOMPARE(isDamaged, damaged);
+        QVERIFY(!isDamaged);
         QCOMPARE(tracks.size(), cancelAt < 0 ? 6000 : cancelAt);
         for (int i = 0; i < tracks.size(); ++i) {
             QCOMPARE(tracks.at(i).path, paths.at(i));
-            QCOMPARE(tracks.at(i).stream.durationMs, damaged || i % 3 == 0 ? 0 : i == 7 ? 8 : i);
+            QCOMPARE(tracks.at(i).stream.durationMs, i % 3 == 0 ? 0 : i == 7 ? 8 : i);
         }
-        QCOMPARE(log.filter(u"The analysis cache could not be read ("_s).size(), damaged ? 1 : 0);
     }
 
     void sharesItsFile()
@@ -182,21 +173,6 @@ private Q_SLOTS:
         cache.commitTransaction();
         QCOMPARE(cache.count(), 2);
         QVERIFY(cache.takeError().contains("refused"_L1) && cache.takeError().isEmpty());
-    }
-
-    // A text may begin with what the database takes for a mark of the byte order.
-    void textsComeBackAsTheyWere()
-    {
-        TrackInfo track = analysed();
-        track.tags.title = u"\uFEFF\uFEFF"_s;
-        track.tags.artist = u"\uFFFEab"_s;
-        AnalysisCache cache;
-        QVERIFY(cache.open());
-        cache.store(track, FingerprintEngine::BuiltIn);
-        TrackInfo found = measured();
-        QVERIFY(cache.lookup(found, FingerprintEngine::BuiltIn));
-        track.tags.artist[0] = QChar::ReplacementCharacter; // what the database makes of that one anywhere
-        QCOMPARE(found.tags, track.tags);
     }
 
     void prunesClearsAndCloses()

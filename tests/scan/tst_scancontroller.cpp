@@ -12,12 +12,9 @@
 
 #include <QRandomGenerator>
 #include <QRegularExpression>
-#include <QScopeGuard>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
-#include <QTimer>
 
 #include <atomic>
 #include <functional>
@@ -75,15 +72,6 @@ class TestScanController : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-#ifndef Q_OS_WIN // which starts no scripts; this one hangs unless it is told what to say
-        writeFile(m_tools.filePath(u"fpcalc"_s), "#!/bin/sh\necho \"${EPR_TEST_SAYS:-$(sleep 50)}\"\n");
-        QFile::setPermissions(m_tools.filePath(u"fpcalc"_s), QFile::ReadOwner | QFile::ExeOwner);
-        qputenv("EPR_FPCALC", QFile::encodeName(m_tools.filePath(u"fpcalc"_s)));
-#endif
-    }
-
     void init()
     {
         m_home.emplace();
@@ -327,38 +315,6 @@ private Q_SLOTS:
         QVERIFY2(scan(controller, m_options).groups.size() == 1, "the next scan starts afresh");
     }
 
-#ifndef Q_OS_WIN
-    void shortFilesAreToldOfOnce()
-    {
-        m_options.detectAcoustic = true;
-        ScanController controller;
-        const auto forget = qScopeGuard([] { qunsetenv("EPR_TEST_SAYS"); });
-        for (const QByteArray &length : { "59"_ba, "60"_ba }) {
-            qputenv("EPR_TEST_SAYS", "FINGERPRINT=1,2\nDURATION=" + length);
-            m_options.useCache = false;
-            const QStringList told = scan(controller, m_options).log.filter(u"shorter than the analysed length"_s);
-            QCOMPARE(told.size(), length == "59" ? 1 : 0);
-            QVERIFY(told.isEmpty() || told.first().startsWith("4 file(s)"_L1));
-        }
-    }
-
-    // A tool that were waited for would have its file fail.
-    void cancellingDoesNotWaitForTools()
-    {
-        m_options.detectAcoustic = true;
-        m_options.decoderThreads = 2;
-        ScanController controller;
-        const Outcome outcome = scan(controller, m_options, [&](const QString &phase) {
-            if (phase == "Fingerprinting audio"_L1)
-                QTimer::singleShot(300, &controller, &ScanController::cancel);
-        });
-        QVERIFY(outcome.cancelled && outcome.tracks.size() == 4);
-        for (const TrackInfo &track : outcome.tracks)
-            QCOMPARE(track.error, QString());
-        QCOMPARE(outcome.log.filter(u"could not be decoded"_s), QStringList());
-    }
-#endif
-
     void cancelledAnalysisIsKept()
     {
         constexpr int files = 16;
@@ -461,7 +417,6 @@ private:
         return m_home->filePath(u"library/"_s + name);
     }
 
-    QTemporaryDir m_tools;
     std::optional<TemporaryHome> m_home;
     ScanOptions m_options;
 };

@@ -5,35 +5,32 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-#include <memory>
-
 namespace epr::test {
 
 /// One HTTP answer with its length.
-inline QByteArray http(const QByteArray &status, const QByteArray &body, const QByteArray &header = "Connection: close")
+inline QByteArray http(const QByteArray &status, const QByteArray &body)
 {
-    const QByteArray length = "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n";
-    return "HTTP/1.1 " + status + length + header + "\r\n\r\n" + body;
+    const QByteArray length = "\r\nContent-Length: " + QByteArray::number(body.size());
+    return "HTTP/1.1 " + status + length + "\r\nConnection: close\r\n\r\n" + body;
 }
 
 /// A web server on the loopback interface that gives every request the same answer, word for word, and never hangs up.
 struct LoopbackServer final {
-    explicit LoopbackServer(const QByteArray &answer, std::unique_ptr<QTcpServer> server = nullptr)
-        : m_server(server ? std::move(server) : std::make_unique<QTcpServer>())
-        , m_answer(answer)
+    explicit LoopbackServer(const QByteArray &answer)
+        : m_answer(answer)
     {
-        QObject::connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, m_server.get(), [this] {
-            QTcpSocket *socket = m_server->nextPendingConnection();
-            QObject::connect(socket, &QTcpSocket::readyRead, m_server.get(), [this, socket] { serve(socket); });
+        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
+            QTcpSocket *socket = m_server.nextPendingConnection();
+            QObject::connect(socket, &QTcpSocket::readyRead, &m_server, [this, socket] { serve(socket); });
             serve(socket); // a request may have come before anyone listened
         });
-        if (!m_server->listen(QHostAddress::LocalHost))
-            qFatal("Cannot listen: %ls", qUtf16Printable(m_server->errorString()));
+        if (!m_server.listen(QHostAddress::LocalHost))
+            qFatal("Cannot listen: %ls", qUtf16Printable(m_server.errorString()));
     }
 
-    [[nodiscard]] QString address(const QString &scheme = QStringLiteral("http")) const
+    [[nodiscard]] QString address() const
     {
-        return QStringLiteral("%1://127.0.0.1:%2/latest").arg(scheme).arg(m_server->serverPort());
+        return QStringLiteral("http://127.0.0.1:%1/latest").arg(m_server.serverPort());
     }
 
     void serve(QTcpSocket *socket)
@@ -44,7 +41,7 @@ struct LoopbackServer final {
         socket->write(m_answer);
     }
 
-    std::unique_ptr<QTcpServer> m_server;
+    QTcpServer m_server;
     QByteArray m_answer;
     QList<QByteArray> requests;
 };

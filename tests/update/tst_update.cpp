@@ -10,10 +10,6 @@
 
 #include <QDesktopServices>
 #include <QNetworkReply>
-#include <QProcess>
-#include <QSslConfiguration>
-#include <QSslKey>
-#include <QSslServer>
 #include <QTest>
 
 using namespace epr;
@@ -131,57 +127,6 @@ private Q_SLOTS:
                  u"/latest?"_s + items + QSysInfo::currentCpuArchitecture());
     }
 
-    void redirectsNeverDowngrade_data()
-    {
-#ifdef Q_OS_WIN // where the set-up does not bring it
-        if (QStandardPaths::findExecutable(u"openssl"_s).isEmpty())
-            QSKIP("openssl is not installed");
-#endif
-        // For the loopback address, and trusted by this process alone.
-        const QString options = u"req -x509 -nodes -newkey rsa:2048 -keyout key.pem -out certificate.pem"_s;
-        QProcess openssl;
-        openssl.setWorkingDirectory(m_dir.path());
-        openssl.start(u"openssl"_s,
-                      (options + u" -subj /CN=loopback -addext subjectAltName=IP:127.0.0.1"_s).split(u' '));
-        QVERIFY(openssl.waitForFinished() && openssl.exitCode() == 0);
-        const QList<QSslCertificate> certificates = QSslCertificate::fromPath(m_dir.filePath(u"certificate.pem"_s));
-        m_tls.setLocalCertificateChain(certificates);
-        m_tls.setPrivateKey(QSslKey(readFile(m_dir.filePath(u"key.pem"_s)), QSsl::Rsa));
-        QSslConfiguration clients = QSslConfiguration::defaultConfiguration();
-        clients.addCaCertificates(certificates);
-        QSslConfiguration::setDefaultConfiguration(clients);
-
-        const Rows<QString, QString, bool> row("from", "to", "followed");
-        row("plain", u"http"_s, u"http"_s, true);
-        row("encrypted", u"https"_s, u"https"_s, true);
-        row("downgrade", u"https"_s, u"http"_s, false);
-    }
-
-    void redirectsNeverDowngrade()
-    {
-        QFETCH(QString, from);
-        QFETCH(QString, to);
-        QFETCH(bool, followed);
-        LoopbackServer second(http("200 OK", R"({"latest_version":"2.0"})"), serverFor(to));
-        LoopbackServer first(http("302 Found", {}, "Location: " + second.address(to).toLatin1()), serverFor(from));
-        Checker watched(first.address(from));
-        watched.checker.check(false);
-        QTRY_COMPARE(watched.said.size(), 1);
-        QCOMPARE(watched.said.first() == u"2.0"_s, followed);
-        QCOMPARE(first.requests.size(), 1);
-        QCOMPARE(second.requests.size(), followed ? 1 : 0);
-    }
-
-    void automaticCheckIsDueAfterTwentyHours()
-    {
-        const UpdateChecker checker;
-        const QDateTime now = QDateTime::currentDateTimeUtc();
-        QSettings().setValue(u"updates/lastChecked"_s, now.addSecs(-(20 * 3600 - 60)).toOffsetFromUtc(9 * 3600));
-        QVERIFY(!checker.isDue());
-        QSettings().setValue(u"updates/lastChecked"_s, now.addSecs(-20 * 3600));
-        QVERIFY(checker.isDue());
-    }
-
     void buttonsDoWhatTheySay_data()
     {
         const QString web = u"https://d.example/get?a=1&b=2"_s;
@@ -212,17 +157,7 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<QTcpServer> serverFor(const QString &scheme)
-    {
-        if (scheme == u"http"_s)
-            return nullptr;
-        auto server = std::make_unique<QSslServer>();
-        server->setSslConfiguration(m_tls);
-        return server;
-    }
-
     TemporaryHome m_dir;
-    QSslConfiguration m_tls;
     QStringList m_opened;
 };
 
