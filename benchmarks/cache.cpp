@@ -72,9 +72,9 @@ QList<TrackInfo> check(const QStringList &paths)
 QStringList walk(const ScanOptions &options)
 {
     const std::atomic<qint32> cancelFlag = 0;
-    int undecodable = 0;
+    DiscoveryProblems problems;
     return discover(
-        options, cancelFlag, [](int, const QString &) {}, &undecodable);
+        options, cancelFlag, [](int, const QString &) {}, &problems);
 }
 
 // In seconds; processor time is that of all threads together.
