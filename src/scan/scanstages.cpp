@@ -127,10 +127,10 @@ FingerprintCounts runFingerprintPool(QList<TrackInfo> &tracks, const QList<Finge
     QObject::connect(
         &pool, &FingerprintPool::progress, &pool,
         [&context, &pool](int done, int total) {
-            pool.setPaused(context.isPaused()); // before it hands out the next file
             context.progress(
                 done, total,
                 QCoreApplication::translate("epr::ScanController", "Fingerprinted %1 of %2").arg(done).arg(total));
+            pool.setPaused(context.isPaused()); // before it hands out the next file
         },
         Qt::DirectConnection);
     QTimer flagWatch; // a file may take a minute to report
