@@ -20,7 +20,7 @@ namespace {
 constexpr qint64 bytesPerSample = sizeof(float);
 constexpr int maxReservedSeconds = 600; // beyond that the buffer grows with what really comes
 constexpr int maxReservedRate = 48000; // Hz
-constexpr qint64 longestFile = 12 * 60 * 60; // seconds
+constexpr qint64 longestFile = 43200; // seconds: 12 hours
 constexpr qint64 outputFactor = 4; // timestamps that jump make ffmpeg write more than was asked for
 
 QString toolName()
