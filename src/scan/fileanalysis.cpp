@@ -41,17 +41,16 @@ void measure(TrackInfo &track)
 }
 #endif
 
-void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std::atomic<qint32> *stop,
+void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std::function<bool()> &isStopped,
                  TrackInfo &track, QString *error)
 {
-    const FileDigests digests =
-        hashContent(track.path,
-                    { .whole = options.detectIdentical,
-                      .payload = options.detectSameAudio,
-                      .payloadOffset = probe.audioOffset,
-                      .payloadLength = probe.audioRangeValid ? probe.audioLength : 0,
-                      .isStopped = [stop] { return stop && stop->load(std::memory_order_relaxed) != 0; } },
-                    error);
+    const FileDigests digests = hashContent(track.path,
+                                            { .whole = options.detectIdentical,
+                                              .payload = options.detectSameAudio,
+                                              .payloadOffset = probe.audioOffset,
+                                              .payloadLength = probe.audioRangeValid ? probe.audioLength : 0,
+                                              .isStopped = isStopped },
+                                            error);
     if (options.detectIdentical)
         track.fullHash = digests.whole;
     if (options.detectSameAudio)
@@ -89,15 +88,18 @@ TrackInfo measureFile(const QString &path)
 TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::atomic<qint32> *stop)
 {
     const TrackInfo measured = track;
+    const auto isStopped = [stop] { return stop && stop->load(std::memory_order_relaxed) != 0; };
     ProbeResult probe;
     QString error;
-    if (probeFile(track.path, probe, &error)) {
+    if (probeFile(track.path, probe, &error, stop)) {
         track.tags = probe.tags;
         track.stream = probe.stream;
     }
+    if (isStopped())
+        return measured;
     QString hashError;
-    takeDigests(probe, options, stop, track, &hashError);
-    if (stop && stop->load() != 0 && !hashError.isEmpty())
+    takeDigests(probe, options, isStopped, track, &hashError);
+    if (isStopped() && !hashError.isEmpty())
         return measured; // given up, not failed
     track.error = error.isEmpty() ? hashError : error;
     checkUnchanged(track);

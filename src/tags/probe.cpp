@@ -8,6 +8,9 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
 
 namespace epr {
 
@@ -25,6 +28,36 @@ const Format *formatOf(const QString &suffix)
     return nullptr;
 }
 
+/// A file that gives nothing more once the scan is stopped: a tag of a hundred megabytes on a slow share must not hold
+/// Stop up until it is read. To a reader it looks like a file that is cut off there.
+class StoppableFile final : public QFile {
+public:
+    StoppableFile(const QString &path, const std::atomic<qint32> *stop)
+        : QFile(path)
+        , m_stop(stop)
+    {
+    }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override
+    {
+        constexpr qint64 slice = 1 << 20; // bytes between two looks
+        qint64 count = 0;
+        while (count < maxSize) {
+            if (m_stop && m_stop->load(std::memory_order_relaxed) != 0)
+                return -1;
+            const qint64 read = QFile::readData(data + count, std::min(maxSize - count, slice));
+            if (read <= 0)
+                return count > 0 ? count : read;
+            count += read;
+        }
+        return count;
+    }
+
+private:
+    const std::atomic<qint32> *m_stop;
+};
+
 Result<> openRegular(QFile &file)
 {
     if (isSpecialFile(file.fileName()))
@@ -34,9 +67,9 @@ Result<> openRegular(QFile &file)
     return {};
 }
 
-Result<> probe(const QString &path, ProbeResult &result)
+Result<> probe(const QString &path, ProbeResult &result, const std::atomic<qint32> *stop)
 {
-    QFile file(path);
+    StoppableFile file(path, stop);
     if (const Result<> opened = openRegular(file); !opened)
         return failure(QCoreApplication::translate("epr::ProbeResult", "Cannot open file: %1").arg(opened.error()));
 
@@ -56,9 +89,9 @@ bool isReadableExtension(const QString &suffix)
     return formatOf(suffix) != nullptr;
 }
 
-bool probeFile(const QString &path, ProbeResult &result, QString *error)
+bool probeFile(const QString &path, ProbeResult &result, QString *error, const std::atomic<qint32> *stop)
 {
-    const Result<> outcome = probe(path, result);
+    const Result<> outcome = probe(path, result, stop);
     if (!outcome && error && error->isEmpty())
         *error = outcome.error();
     return outcome.has_value();
