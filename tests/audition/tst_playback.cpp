@@ -3,14 +3,18 @@
 #include "audiobuilder.h"
 #include "compareplayer.h"
 #include "comparisontext.h"
+#include "docks.h"
 #include "mediabackend.h"
 #include "temporarylibrary.h"
 
 #include <QApplication>
 #include <QAudioDevice>
+#include <QMainWindow>
 #include <QMediaDevices>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QStandardPaths>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -93,6 +97,47 @@ private Q_SLOTS:
         std::sort(drifts.begin(), drifts.end());
         QVERIFY2(drifts.at(200) <= ComparePlayer::maxDriftMs, qPrintable(QDebug::toString(drifts)));
         QVERIFY(a().isPlaying() && b().isPlaying() && a().position() > 1000);
+    }
+
+    // Qt's player would follow what it names, over the network too.
+    void aManifestIsNotPlayed()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        const QByteArray address = "http://127.0.0.1:" + QByteArray::number(server.serverPort());
+        TrackInfo manifest;
+        manifest.path = m_dir.filePath(u"manifest.mp3"_s);
+        test::writeFile(manifest.path,
+                        "<MPD type='static' mediaPresentationDuration='PT10S'><Period>"
+                        "<AdaptationSet mimeType='audio/mp4'><Representation id='1' bandwidth='64000'>"
+                        "<SegmentList duration='10'><SegmentURL media='"
+                            + address + "/1.m4s'/></SegmentList></Representation></AdaptationSet></Period></MPD>");
+        const QSignalSpy problems(&b(), &DeckPlayback::problem);
+        m_player->load(Deck::B, manifest);
+        m_player->playPause();
+        QVERIFY(!server.waitForNewConnection(1000));
+        QTRY_VERIFY(b().hasFailed() && a().isPlaying());
+        QCOMPARE(problems.value(0).value(0).toString(), u"This file is a text, not audio."_s);
+    }
+
+    // A player that cannot be seen cannot be silenced; one in a window of its own can.
+    void hiddenItPausesAndFloatingItPlaysOn()
+    {
+        QMainWindow window;
+        PlayerDock dock(&window);
+        window.addDockWidget(Qt::BottomDockWidgetArea, &dock);
+        window.show();
+        dock.load(Deck::A, m_tracks[Deck::A]);
+        const DeckPlayback &deck = dock.player()->playback(Deck::A);
+        QTRY_COMPARE(deck.duration(), 60000);
+        dock.player()->playPause();
+        QTRY_VERIFY_WITH_TIMEOUT(deck.position() > 0, 10000);
+        dock.setFloating(true);
+        const qint64 here = deck.position();
+        QTRY_VERIFY_WITH_TIMEOUT(deck.position() > here + 500, 10000);
+        QVERIFY(deck.isPlaying());
+        dock.hide();
+        QTRY_VERIFY(!deck.isPlaying());
     }
 
 private:
