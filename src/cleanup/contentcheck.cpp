@@ -11,7 +11,7 @@ namespace epr {
 
 namespace {
 
-bool isAsRecorded(const RemovalCandidate &candidate, const std::function<bool()> &isStopped)
+bool isAsRecorded(const RemovalCandidate &candidate, const std::function<bool()> &isStopped, QString *error)
 {
     HashRequest request { .whole = !candidate.fullHash.isEmpty(),
                           .payload = !candidate.audioHash.isEmpty(),
@@ -22,13 +22,13 @@ bool isAsRecorded(const RemovalCandidate &candidate, const std::function<bool()>
         request.payloadOffset = probe.audioOffset;
         request.payloadLength = probe.audioRangeValid ? probe.audioLength : 0;
     }
-    const FileDigests digests = hashContent(candidate.path, request);
+    const FileDigests digests = hashContent(candidate.path, request, error);
     return digests.whole == candidate.fullHash && digests.payload == candidate.audioHash;
 }
 
 } // namespace
 
-ContentCheck::Answer ContentCheck::compare(const RemovalCandidate &candidate, const ReadingFn &reading)
+Result<ContentCheck::Answer> ContentCheck::compare(const RemovalCandidate &candidate, const ReadingFn &reading)
 {
     if (candidate.fullHash.isEmpty() && candidate.audioHash.isEmpty())
         return Answer::AsRecorded;
@@ -37,9 +37,13 @@ ContentCheck::Answer ContentCheck::compare(const RemovalCandidate &candidate, co
     if (seen.answer != Answer::GivenUp && seen.size == now.size() && seen.mtime == now.lastModified())
         return seen.answer;
     bool isStopped = false;
-    const bool isSame = isAsRecorded(candidate, [&] { return isStopped = isStopped || !reading(candidate.path); });
+    QString error;
+    const bool isSame = isAsRecorded(
+        candidate, [&] { return isStopped = isStopped || !reading(candidate.path); }, &error);
     if (isStopped)
         return Answer::GivenUp;
+    if (!isSame && !error.isEmpty())
+        return failure(error);
     const Answer answer = isSame ? Answer::AsRecorded : Answer::Changed;
     m_seen.insert(candidate.path, { now.size(), now.lastModified(), answer });
     return answer;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cleanup.h"
+#include "result.h"
 
 namespace epr {
 
@@ -14,11 +15,12 @@ class ContentCheck final {
 public:
     enum class Answer {
         AsRecorded, ///< also if nothing was recorded
-        Changed, ///< or it cannot be read
+        Changed,
         GivenUp,
     };
 
-    Answer compare(const RemovalCandidate &candidate, const ReadingFn &reading);
+    /// Fails with the reason if the file cannot be read.
+    [[nodiscard]] Result<Answer> compare(const RemovalCandidate &candidate, const ReadingFn &reading);
 
 private:
     struct Seen {

@@ -5,8 +5,10 @@
 #include "fileproblems.h"
 #include "hashing.h"
 #include "nativefile.h"
+#include "patience.h"
 #include "traces.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -33,14 +35,19 @@ public:
 
     [[nodiscard]] Result<> make(const QString &folder)
     {
-        for (QString missing = folder; !entryExists(missing); missing = QFileInfo(missing).path()) {
-            if (!m_made.isEmpty() && m_made.last() == missing) // the top of a drive that is not there
-                return failure({});
-            m_made.append(missing);
+        QStringList missing; // innermost first
+        for (QString path = folder; !QFileInfo(path).isDir(); path = QFileInfo(path).path()) {
+            if (!missing.isEmpty() && missing.last() == path) // the top of a drive that is not there
+                break;
+            missing.append(path);
         }
-        if (m_made.isEmpty() ? QFileInfo(folder).isDir() : QDir().mkpath(folder))
-            return {};
-        return failure(m_made.isEmpty() ? QString() : qt_error_string());
+        for (auto path = missing.crbegin(); path != missing.crend(); ++path) {
+            if (const Result<> made = nativefile::makeFolder(*path); made)
+                m_made.prepend(*path);
+            else if (!QFileInfo(*path).isDir()) // somebody else may just have made it
+                return made;
+        }
+        return {};
     }
 
     void keep() { m_made.clear(); }
@@ -49,8 +56,10 @@ private:
     QStringList m_made; ///< innermost first
 };
 
-Result<Outcome> rename(const QString &from, const QString &to, TraceNotes &notes)
+Result<Outcome> rename(const QString &from, const QString &to, TraceNotes &notes, Patience &patience)
 {
+    if (const Result<> free = patience.awaitFree(from); !free)
+        return failure(free.error());
     bool hasPlaceholder = false;
     const Result<Outcome> outcome = nativefile::renameWithoutReplacing(from, to, [&] {
         hasPlaceholder = true;
@@ -59,6 +68,11 @@ Result<Outcome> rename(const QString &from, const QString &to, TraceNotes &notes
     if (hasPlaceholder && !outcome) // it should have gone again, unless the drive has
         notes.keep();
     return outcome;
+}
+
+QString notAlike()
+{
+    return QCoreApplication::translate("epr::Cleanup", "the copy that was made is not like the original");
 }
 
 // A copy under a temporary name. It goes with this object unless it was renamed.
@@ -87,23 +101,22 @@ public:
         m_made = m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
         if (!m_made)
             return failure(m_file.errorString());
+        nativefile::hideFile(path());
         const Result<QString> digest = copyContent(original);
         if (!digest)
             return failure(digest.error());
         if (const Result<> flushed = nativefile::flushToDisk(m_file); !flushed)
             return flushed;
         m_file.close();
-        if (const Result<> copied = nativefile::copyTimesAndPermissions(original, path()); !copied)
-            return copied;
         QString error;
         if (hashWholeFile(path(), &error) != *digest)
-            return failure(error);
-        return {};
+            return failure(error.isEmpty() ? notAlike() : error);
+        return nativefile::copyTimesAndPermissions(original, path()); // last, because then it is in sight
     }
 
-    [[nodiscard]] Result<Outcome> putInPlace(const QString &to)
+    [[nodiscard]] Result<Outcome> putInPlace(const QString &to, Patience &patience)
     {
-        const Result<Outcome> outcome = rename(path(), to, m_notes);
+        const Result<Outcome> outcome = rename(path(), to, m_notes, patience);
         if (outcome == Outcome::Done)
             m_made = false;
         return outcome;
@@ -148,18 +161,19 @@ Stamp stampOf(const QString &path)
     return { info.size(), info.lastModified() };
 }
 
-Result<Outcome> copyFile(const QString &from, const QString &to, const Stamp &stamp, TraceNotes &notes)
+Result<Outcome> copyFile(const QString &from, const QString &to, TraceNotes &notes, Patience &patience)
 {
+    const Stamp stamp = stampOf(from);
     TemporaryCopy copy(QFileInfo(to).path(), notes);
     if (const Result<> filled = copy.fillFrom(from); !filled)
         return failure(filled.error());
     // A file that is being written to while it is copied may be whole in neither place.
     if (stampOf(from) != stamp || QFileInfo(copy.path()).size() != stamp.size)
-        return failure({});
-    return copy.putInPlace(to);
+        return failure(QCoreApplication::translate("epr::Cleanup", "it was written to while it was copied"));
+    return copy.putInPlace(to, patience);
 }
 
-Result<Outcome> moveByCopying(const QString &from, const QString &to, TraceNotes &notes)
+Result<Outcome> moveByCopying(const QString &from, const QString &to, TraceNotes &notes, Patience &patience)
 {
     if (entryExists(to)) // before copying a large file for nothing
         return Outcome::Occupied;
@@ -167,11 +181,14 @@ Result<Outcome> moveByCopying(const QString &from, const QString &to, TraceNotes
     const Result<bool> isLink = nativefile::isSymbolicLink(from);
     if (!isLink)
         return failure(isLink.error());
-    const Result<Outcome> outcome = *isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, stamp, notes);
+    const Result<Outcome> outcome =
+        *isLink ? nativefile::copySymbolicLink(from, to) : copyFile(from, to, notes, patience);
     if (outcome != Outcome::Done)
         return outcome;
     nativefile::flushFolderToDisk(QFileInfo(to).path());
-    const Result<> removed = nativefile::removeFile(from);
+    Result<> removed = patience.awaitFree(from);
+    if (removed)
+        removed = nativefile::removeFile(from);
     // Only while the original is still seen to be there is the copy not the last: a network drive may just have gone.
     if (removed || !entryExists(from) || stampOf(from) != stamp)
         return Outcome::Done;
@@ -187,17 +204,26 @@ bool entryExists(const QString &path)
     return info.exists() || info.isSymLink();
 }
 
-Result<MoveOutcome> moveFile(const QString &from, const QString &to, TraceNotes &notes)
+Result<> makeFolders(const QString &folder)
+{
+    MadeFolders folders;
+    const Result<> made = folders.make(folder);
+    if (made)
+        folders.keep();
+    return made;
+}
+
+Result<MoveOutcome> moveFile(const QString &from, const QString &to, TraceNotes &notes, Patience &patience)
 {
     MadeFolders folders;
     if (const Result<> made = folders.make(QFileInfo(to).path()); !made)
         return failure(made.error());
-    Result<Outcome> outcome = rename(from, to, notes);
+    Result<Outcome> outcome = rename(from, to, notes, patience);
     if (outcome == Outcome::OtherDevice)
-        outcome = moveByCopying(from, to, notes);
+        outcome = moveByCopying(from, to, notes, patience);
     if (!outcome)
         return failure(outcome.error());
-    if (outcome == Outcome::OtherDevice) // of two places that a look at the file system took for one
+    if (outcome == Outcome::OtherDevice) // even within a folder, says the file system
         return failure({});
     if (outcome == Outcome::Occupied)
         return MoveOutcome::Occupied;

@@ -6,6 +6,7 @@
 
 namespace epr {
 
+class Patience;
 class TraceNotes;
 
 enum class MoveOutcome {
@@ -16,6 +17,9 @@ enum class MoveOutcome {
 /// Whether anything has that name, a symbolic link that leads nowhere included.
 bool entryExists(const QString &path);
 
+/// Makes a folder with all that are missing above it, and those that it made go again if one cannot be made.
+[[nodiscard]] Result<> makeFolders(const QString &folder);
+
 /// Moves one file, or a symbolic link as such, to another absolute path and makes the folders that are missing there.
 ///
 /// Nothing is ever replaced. On another file system the file is copied beside its new name, read back and compared by
@@ -23,7 +27,8 @@ bool entryExists(const QString &path);
 /// kept. A move that failed, with the system's reason, leaves the file where it was and no part of it anywhere else;
 /// folders made for it are removed again.
 ///
-/// What would be left if the program were killed meanwhile is noted first.
-[[nodiscard]] Result<MoveOutcome> moveFile(const QString &from, const QString &to, TraceNotes &notes);
+/// What would be left if the program were killed meanwhile is noted first. A file that is in use gets some patience.
+[[nodiscard]] Result<MoveOutcome> moveFile(const QString &from, const QString &to, TraceNotes &notes,
+                                           Patience &patience);
 
 } // namespace epr

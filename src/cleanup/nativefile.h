@@ -25,6 +25,9 @@ enum class Outcome {
 [[nodiscard]] Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
                                                      const std::function<void()> &beforePlaceholder);
 
+/// Fails also if something has that name already.
+[[nodiscard]] Result<> makeFolder(const QString &path);
+
 /// Fails if the system does not say, where a link that is taken for its target would be moved with what it leads to.
 [[nodiscard]] Result<bool> isSymbolicLink(const QString &path);
 
@@ -34,6 +37,10 @@ enum class Outcome {
 /// Gives the file at to the modification time of the one at from, to the full precision of the file system, and as far
 /// as possible its permissions. Fails if the time could not be set.
 [[nodiscard]] Result<> copyTimesAndPermissions(const QString &from, const QString &to);
+
+/// Takes a file out of sight where a leading full stop in its name does not do that, until
+/// copyTimesAndPermissions() gives it the look of another one.
+void hideFile(const QString &path);
 
 /// Removes one file, also a write-protected one where the system makes a difference.
 [[nodiscard]] Result<> removeFile(const QString &path);

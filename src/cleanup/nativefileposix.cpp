@@ -114,6 +114,13 @@ Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
     return linkAndUnlink(source.constData(), target.constData(), beforePlaceholder);
 }
 
+Result<> makeFolder(const QString &path)
+{
+    if (mkdir(QFile::encodeName(path).constData(), 0777) == 0)
+        return {};
+    return systemFailure();
+}
+
 Result<bool> isSymbolicLink(const QString &path)
 {
     struct stat status = {};
@@ -154,6 +161,10 @@ Result<> copyTimesAndPermissions(const QString &from, const QString &to)
     if (copyTimes(status, copy.constData()))
         return {};
     return systemFailure();
+}
+
+void hideFile([[maybe_unused]] const QString &path)
+{
 }
 
 Result<> removeFile(const QString &path)

@@ -80,15 +80,19 @@ FILETIME fileTimeOf(const Time &time)
     return { static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32) };
 }
 
-bool copyTimes(const QString &from, const QString &to)
+// The reason is asked for before a handle is closed, which may have an outcome of its own.
+Result<> copyTimes(const QString &from, const QString &to)
 {
-    const FileHandle source = openFile(from, FILE_READ_ATTRIBUTES);
-    const FileHandle copy = openFile(to, FILE_WRITE_ATTRIBUTES);
     FILETIME created = {};
     FILETIME accessed = {};
     FILETIME modified = {};
-    return isOpen(source) && isOpen(copy) && GetFileTime(source.get(), &created, &accessed, &modified)
-        && SetFileTime(copy.get(), &created, &accessed, &modified);
+    const FileHandle source = openFile(from, FILE_READ_ATTRIBUTES);
+    if (!isOpen(source) || !GetFileTime(source.get(), &created, &accessed, &modified))
+        return systemFailure(GetLastError());
+    const FileHandle copy = openFile(to, FILE_WRITE_ATTRIBUTES);
+    if (!isOpen(copy) || !SetFileTime(copy.get(), &created, &accessed, &modified))
+        return systemFailure(GetLastError());
+    return {};
 }
 
 } // namespace
@@ -99,6 +103,13 @@ Result<Outcome> renameWithoutReplacing(const QString &from, const QString &to,
     if (MoveFileExW(longPath(from).c_str(), longPath(to).c_str(), MOVEFILE_WRITE_THROUGH))
         return Outcome::Done;
     return outcomeOfError(GetLastError());
+}
+
+Result<> makeFolder(const QString &path)
+{
+    if (CreateDirectoryW(longPath(path).c_str(), nullptr))
+        return {};
+    return systemFailure(GetLastError());
 }
 
 // Other reparse points are files to whoever reads them: those of a cloud drive, say.
@@ -120,13 +131,18 @@ Result<Outcome> copySymbolicLink([[maybe_unused]] const QString &from, [[maybe_u
 
 Result<> copyTimesAndPermissions(const QString &from, const QString &to)
 {
-    if (!copyTimes(from, to))
-        return systemFailure(GetLastError());
+    if (const Result<> copied = copyTimes(from, to); !copied)
+        return copied;
     constexpr DWORD kept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE;
     const DWORD attributes = GetFileAttributesW(longPath(from).c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kept) != 0)
-        SetFileAttributesW(longPath(to).c_str(), attributes & kept);
+    const DWORD wanted = attributes == INVALID_FILE_ATTRIBUTES ? 0 : attributes & kept;
+    SetFileAttributesW(longPath(to).c_str(), wanted == 0 ? FILE_ATTRIBUTE_NORMAL : wanted); // hidden no longer
     return {};
+}
+
+void hideFile(const QString &path)
+{
+    SetFileAttributesW(longPath(path).c_str(), FILE_ATTRIBUTE_HIDDEN);
 }
 
 // Windows refuses to delete a write-protected file, although it lets it be moved.
@@ -152,9 +168,12 @@ Result<> flushToDisk(QFileDevice &file)
     if (!file.flush())
         return failure(file.errorString());
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
-    if (FlushFileBuffers(handle) || GetLastError() == ERROR_INVALID_FUNCTION)
+    if (FlushFileBuffers(handle))
         return {};
-    return systemFailure(GetLastError());
+    const DWORD error = GetLastError();
+    if (error == ERROR_INVALID_FUNCTION || error == ERROR_NOT_SUPPORTED) // of a network drive, say
+        return {};
+    return systemFailure(error);
 }
 
 // NTFS journals names by itself and offers no call for one folder.

@@ -6,6 +6,8 @@
 #include "cleanuplock.h"
 #include "displaytext.h"
 #include "filemove.h"
+#include "nativefile.h"
+#include "patience.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -115,7 +117,7 @@ QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantine
     m_manifest.quarantineRoot = quarantineRoot;
 }
 
-std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const MayGoFn &mayGo)
+std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const MayGoFn &mayGo, Patience &patience)
 {
     const QString &path = m_paths.at(index);
     if (!path.isValidUtf16()) {
@@ -126,7 +128,7 @@ std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const M
     if (moved) {
         ManifestEntry entry = m_planned.take(index);
         entry.size = size;
-        moved = moveAsPlanned(&entry);
+        moved = moveAsPlanned(&entry, patience);
         if (moved && !mayGo(path))
             return moveBack(entry);
         if (moved) {
@@ -140,7 +142,8 @@ std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const M
 // The copy that was to stay went in the very moment: another program took it, or both were one file by two ways.
 std::optional<QString> QuarantineRun::moveBack(const ManifestEntry &entry)
 {
-    const Result<MoveOutcome> back = moveFile(entry.to, entry.from, m_notes);
+    Patience patience; // that nobody ends
+    const Result<MoveOutcome> back = moveFile(entry.to, entry.from, m_notes, patience);
     if (back == MoveOutcome::Moved)
         return copyGone(entry.from);
     m_manifest.entries.append(entry);
@@ -172,8 +175,10 @@ Result<> QuarantineRun::begin()
 {
     // A list with half a character in its paths could not be read again.
     const QString &root = m_manifest.quarantineRoot;
-    if (root.isEmpty() || !root.isValidUtf16() || !QDir().mkpath(root)) {
-        return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made").arg(root));
+    const Result<> made = root.isEmpty() || !root.isValidUtf16() ? failure({}) : makeFolders(QDir(root).absolutePath());
+    if (!made) {
+        const QString message = QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made");
+        return endRun(withReason(message.arg(root), made.error()));
     }
     if (const Result<> locked = m_lock.takeQuarantine(root); !locked)
         return endRun(locked.error());
@@ -207,11 +212,13 @@ Result<bool> QuarantineRun::claim(const QString &runName)
         return failure(cannotWrite.arg(created.error()));
     }
     // Another run may have come and gone since the look at the names.
-    if (entryExists(manifestPath) || !QDir().mkdir(runFolder)) {
+    const Result<> made = entryExists(manifestPath) ? failure({}) : nativefile::makeFolder(runFolder);
+    if (!made) {
         m_journal.remove();
         if (entryExists(manifestPath) || entryExists(runFolder))
             return false;
-        return failure(QCoreApplication::translate("epr::Cleanup", "the folder %1 cannot be made").arg(runFolder));
+        const QString message = QCoreApplication::translate("epr::Cleanup", "the folder %1 cannot be made");
+        return failure(withReason(message.arg(runFolder), made.error()));
     }
     if (const Result<> written = writeManifest(manifestPath, m_manifest); !written) {
         m_journal.remove();
@@ -245,10 +252,10 @@ Result<> QuarantineRun::planFrom(qsizetype first)
     return noted ? noted : endRun(journalMessage(noted.error()));
 }
 
-Result<> QuarantineRun::moveAsPlanned(ManifestEntry *entry)
+Result<> QuarantineRun::moveAsPlanned(ManifestEntry *entry, Patience &patience)
 {
     for (int tries = 0; tries < maxOccupied; ++tries) {
-        const Result<MoveOutcome> outcome = moveFile(entry->from, entry->to, m_notes);
+        const Result<MoveOutcome> outcome = moveFile(entry->from, entry->to, m_notes, patience);
         if (!outcome)
             return failure(outcome.error());
         if (*outcome == MoveOutcome::Moved)

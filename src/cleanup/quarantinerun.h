@@ -14,6 +14,7 @@
 namespace epr {
 
 class CleanupLock;
+class Patience;
 
 /// Whether a file may go, asked with its path.
 using MayGoFn = std::function<bool(const QString &path)>;
@@ -33,7 +34,7 @@ public:
                   CleanupLock &lock);
 
     /// Nothing, or why the file is where it was: it could not be moved, or must not go by a look after its move.
-    [[nodiscard]] std::optional<QString> move(qsizetype index, qint64 size, const MayGoFn &mayGo);
+    [[nodiscard]] std::optional<QString> move(qsizetype index, qint64 size, const MayGoFn &mayGo, Patience &patience);
 
     /// Ends the run: completes the manifest, or leaves nothing if nothing was moved. The run can be undone also if its
     /// manifest could not be completed, which is then said.
@@ -47,7 +48,7 @@ private:
     [[nodiscard]] Result<> begin();
     [[nodiscard]] Result<bool> claim(const QString &runName);
     [[nodiscard]] Result<> planFrom(qsizetype first);
-    [[nodiscard]] Result<> moveAsPlanned(ManifestEntry *entry);
+    [[nodiscard]] Result<> moveAsPlanned(ManifestEntry *entry, Patience &patience);
     [[nodiscard]] std::optional<QString> moveBack(const ManifestEntry &entry);
     [[nodiscard]] Result<> replan(ManifestEntry *entry);
     QString freeDestination(const QString &wanted);

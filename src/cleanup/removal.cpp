@@ -4,6 +4,9 @@
 
 #include "cleanuplock.h"
 #include "displaytext.h"
+#include "filemove.h"
+#include "nativefile.h"
+#include "patience.h"
 #include "quarantinerun.h"
 #include "removalguard.h"
 
@@ -51,6 +54,32 @@ bool hasRecycleBin()
 #endif
 }
 
+// Qt says that a file is in the bin also of one that stayed where it was: on a network drive, which has no bin, say.
+Result<> moveToBin(const QString &path)
+{
+    QFile file(path);
+    if (!hasRecycleBin())
+        return failure({});
+    if (!file.moveToTrash())
+        return failure(file.errorString());
+    if (entryExists(path))
+        return failure(QCoreApplication::translate("epr::Cleanup", "the file is still in its place"));
+    return {};
+}
+
+Result<> removeWithoutUndo(RemovalMode mode, const QString &path)
+{
+    switch (mode) {
+    case RemovalMode::RecycleBin:
+        return moveToBin(path);
+    case RemovalMode::Delete:
+        return nativefile::removeFile(path);
+    case RemovalMode::Quarantine:
+        break;
+    }
+    return failure({});
+}
+
 class Removal final {
 public:
     Removal(const QStringList &paths, RemovalMode mode, const RemovalChecks &checks, QuarantineRun &quarantine)
@@ -63,11 +92,11 @@ public:
 
     [[nodiscard]] RemovalResult run(const CleanupProgressFn &progress)
     {
-        for (qsizetype index = 0; index < m_paths.size(); ++index) {
-            const auto goesOn = [&](const QString &path) { return !progress || progress(index, m_paths.size(), path); };
-            if (!goesOn(m_paths.at(index)) || !removeOne(index, goesOn))
-                break;
-        }
+        qsizetype index = 0;
+        const auto goesOn = [&](const QString &text) { return !progress || progress(index, m_paths.size(), text); };
+        m_patience = Patience(goesOn);
+        while (index < m_paths.size() && goesOn(m_paths.at(index)) && removeOne(index, goesOn))
+            ++index;
         if (const std::optional<QString> incomplete = m_quarantine.finish())
             m_result.errors.append(*incomplete);
         m_result.manifestPath = m_quarantine.manifestPath();
@@ -75,7 +104,7 @@ public:
     }
 
 private:
-    /// False if it was stopped while the file was compared.
+    /// False if it was stopped while the file was compared or in use.
     [[nodiscard]] bool removeOne(qsizetype index, const ReadingFn &goesOn)
     {
         const QString &path = m_paths.at(index);
@@ -96,6 +125,8 @@ private:
             return false;
         const qint64 size = info.isSymLink() ? 0 : info.size();
         const std::optional<QString> left = mayGo ? tryToRemove(index, size) : mayGo.error();
+        if (left && m_patience.hasStopped())
+            return false;
         if (left) {
             reportFailure(*left);
             return true;
@@ -107,22 +138,17 @@ private:
 
     [[nodiscard]] std::optional<QString> tryToRemove(qsizetype index, qint64 size)
     {
-        QFile file(m_paths.at(index));
-        bool removed = false;
-        switch (m_mode) {
-        case RemovalMode::Quarantine:
-            return m_quarantine.move(index, size, [this](const QString &path) { return m_guard.copyStays(path); });
-        case RemovalMode::RecycleBin:
-            removed = hasRecycleBin() && file.moveToTrash();
-            break;
-        case RemovalMode::Delete:
-            removed = file.remove();
-            break;
+        if (m_mode == RemovalMode::Quarantine) {
+            const auto mayGo = [this](const QString &path) { return m_guard.copyStays(path); };
+            return m_quarantine.move(index, size, mayGo, m_patience);
         }
+        const QString path = QFileInfo(m_paths.at(index)).absoluteFilePath();
+        Result<> removed = m_patience.awaitFree(path);
+        if (removed)
+            removed = removeWithoutUndo(m_mode, path);
         if (removed)
             return std::nullopt;
-        const bool wasAsked = file.error() != QFileDevice::NoError;
-        return withReason(failureMessage(m_mode, m_paths.at(index)), wasAsked ? file.errorString() : QString());
+        return withReason(failureMessage(m_mode, m_paths.at(index)), removed.error());
     }
 
     void reportFailure(const QString &message)
@@ -135,6 +161,7 @@ private:
     const RemovalMode m_mode;
     RemovalGuard m_guard;
     QuarantineRun &m_quarantine;
+    Patience m_patience;
     RemovalResult m_result;
 };
 

@@ -53,6 +53,11 @@ QString otherCopy(const QString &path, const QString &copy)
         .arg(path, copy);
 }
 
+QString unreadable(const QString &path, const QString &reason)
+{
+    return QCoreApplication::translate("epr::Cleanup", "%1 was left in place: %2").arg(path, reason);
+}
+
 } // namespace
 
 RemovalGuard::RemovalGuard(RemovalMode mode, const RemovalChecks &checks)
@@ -88,10 +93,13 @@ Result<bool> RemovalGuard::areAsRecorded(const RemovalCandidate &copy, const QSt
     // Of a link only the link goes, whatever it leads to.
     if ((m_mode != RemovalMode::Delete && !m_checks.compareAgain) || QFileInfo(path).isSymLink())
         return true;
-    const Answer copys = m_content.compare(copy, reading);
+    const Result<Answer> copys = m_content.compare(copy, reading);
     if (copys == Answer::Changed)
         return failure(otherCopy(path, copy.path));
-    const Answer own = copys == Answer::GivenUp ? copys : m_content.compare(m_checks.scanned.value(path), reading);
+    const Result<Answer> own =
+        copys == Answer::AsRecorded ? m_content.compare(m_checks.scanned.value(path), reading) : copys;
+    if (!own)
+        return failure(unreadable(path, own.error()));
     if (own == Answer::Changed)
         return failure(otherContent(path));
     return own == Answer::AsRecorded;

@@ -7,6 +7,7 @@
 #include "filemove.h"
 #include "hashing.h"
 #include "nativefile.h"
+#include "patience.h"
 #include "removalguard.h"
 #include "traces.h"
 #include "undomanifest.h"
@@ -96,31 +97,6 @@ bool removeLeftOver(const ManifestEntry &entry)
         && nativefile::removeFile(entry.to);
 }
 
-EntryOutcome restoreEntry(const ManifestEntry &entry, const QString &quarantineRoot, MissingFolders missing,
-                          TraceNotes &notes)
-{
-    const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
-    if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
-        return { message };
-    if (!entryExists(entry.to))
-        return withoutCopy(entry, quarantineRoot);
-    if (entryExists(entry.from)) {
-        if (removeLeftOver(entry))
-            return { .problem = {}, .wasDone = true };
-        return { occupied(entry.from) };
-    }
-    if (!isFileOrLink(entry.to))
-        return { message };
-    if (missing == MissingFolders::Leave && !QFileInfo(QFileInfo(entry.from).path()).isDir())
-        return { QCoreApplication::translate("epr::Cleanup",
-                                             "Could not restore %1: the folder that it came from is not there")
-                     .arg(entry.from) };
-    const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from, notes);
-    if (!outcome)
-        return { withReason(message, outcome.error()) };
-    return { *outcome == MoveOutcome::Occupied ? std::optional(occupied(entry.from)) : std::nullopt };
-}
-
 // "undo-1_02.json" for "undo-1.json", "undo-1_03.json" for that: a name of its own beside the one in the list.
 QString restPath(const QString &path)
 {
@@ -149,11 +125,12 @@ public:
     {
         const QList<ManifestEntry> entries = std::exchange(m_manifest.entries, {});
         qsizetype done = 0;
+        const auto goesOn = [&](const QString &text) { return !progress || progress(done, entries.size(), text); };
+        m_patience = Patience(goesOn);
         for (; done < entries.size(); ++done) {
-            if (progress && !progress(done, entries.size(), entries.at(done).from))
+            const ManifestEntry &entry = entries.at(done);
+            if (!goesOn(entry.from) || (!entry.from.isEmpty() && !restoreOne(entry)))
                 break;
-            if (!entries.at(done).from.isEmpty())
-                restoreOne(entries.at(done));
         }
         m_manifest.entries += entries.sliced(done);
         keepRest(path, done < entries.size() ? path : restPath(path));
@@ -161,9 +138,36 @@ public:
     }
 
 private:
-    void restoreOne(const ManifestEntry &entry)
+    [[nodiscard]] EntryOutcome restoreEntry(const ManifestEntry &entry)
     {
-        const EntryOutcome outcome = restoreEntry(entry, m_manifest.quarantineRoot, m_missing, m_notes);
+        const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
+        if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
+            return { message };
+        if (!entryExists(entry.to))
+            return withoutCopy(entry, m_manifest.quarantineRoot);
+        if (entryExists(entry.from)) {
+            if (removeLeftOver(entry))
+                return { .problem = {}, .wasDone = true };
+            return { occupied(entry.from) };
+        }
+        if (!isFileOrLink(entry.to))
+            return { message };
+        if (m_missing == MissingFolders::Leave && !QFileInfo(QFileInfo(entry.from).path()).isDir())
+            return { QCoreApplication::translate("epr::Cleanup",
+                                                 "Could not restore %1: the folder that it came from is not there")
+                         .arg(entry.from) };
+        const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from, m_notes, m_patience);
+        if (!outcome)
+            return { withReason(message, outcome.error()) };
+        return { *outcome == MoveOutcome::Occupied ? std::optional(occupied(entry.from)) : std::nullopt };
+    }
+
+    /// False if it was stopped while the file was in use.
+    [[nodiscard]] bool restoreOne(const ManifestEntry &entry)
+    {
+        const EntryOutcome outcome = restoreEntry(entry);
+        if (outcome.problem && m_patience.hasStopped())
+            return false;
         if (outcome.problem) {
             ++m_result.failed;
             m_result.errors.append(*outcome.problem);
@@ -172,6 +176,7 @@ private:
         } else if (!outcome.wasDone) {
             ++m_result.succeeded;
         }
+        return true;
     }
 
     // The whole manifest, should the shorter one not be written, still names every file that is left.
@@ -193,6 +198,7 @@ private:
     UndoManifest m_manifest; ///< its entries are those that stay
     const MissingFolders m_missing;
     TraceNotes m_notes;
+    Patience m_patience;
     RestoreResult m_result;
 };
 

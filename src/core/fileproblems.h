@@ -31,6 +31,10 @@ inline bool isSpecialFile(const QString &path)
     return info.exists() && !info.isFile();
 }
 
+/// Why the file cannot be moved, deleted or replaced at the moment: another program has it open. Empty if none does,
+/// and on systems that let a file go while it is open. The path is absolute.
+QString inUse(const QString &path);
+
 /// Why a file could not be written, asked right after the failure. A write that was cut short is an "Unknown error";
 /// the system says why when one more is tried.
 inline QString writeErrorOf(QFileDevice &file)

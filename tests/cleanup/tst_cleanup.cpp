@@ -4,6 +4,7 @@
 #include "cleanupchecks.h"
 #include "cleanuplock.h"
 #include "filemove.h"
+#include "patience.h"
 #include "rows.h"
 #include "sandbox.h"
 #include "traces.h"
@@ -214,6 +215,14 @@ private Q_SLOTS:
         QCOMPARE(restoreManifest(removed.manifestPath), RestoreResult({ 0, 1, errors }));
         QCOMPARE(removeFiles({ paths.at(0) }, RemovalMode::Delete, {}, {}).errors,
                  QStringList { u"Could not delete "_s + paths.at(0) + u": Permission denied"_s });
+        RemovalCandidate recorded = asItIs(paths.at(0));
+        recorded.fullHash = u"0"_s;
+        QVERIFY(QFile::setPermissions(paths.at(0), {}));
+        const RemovalChecks checks { { { paths.at(0), { asItIs(box.add(u"copy"_s)) } } },
+                                     { { paths.at(0), recorded } } };
+        QCOMPARE(removeFiles({ paths.at(0) }, RemovalMode::Delete, {}, {}, {}, checks).errors,
+                 QStringList { u"%1 was left in place: Cannot read %1: Permission denied"_s.arg(paths.at(0)) });
+        QVERIFY(QFile::remove(box.inLibrary(u"copy"_s)) && QFile::setPermissions(paths.at(0), QFile::ReadOwner));
         QCOMPARE(filesBelow(box.quarantine()), QStringList { box.inRun(u"library/free/moved"_s) });
         QCOMPARE(treeOf(box.library()), expected);
         const QFile::Permissions writable = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
@@ -269,29 +278,30 @@ private Q_SLOTS:
         box.write(occupied, "other music");
         const Tree before = treeOf(box.library());
         TraceNotes notes;
+        Patience patience;
         const Result<MoveOutcome> missing =
-            moveFile(box.inLibrary(u"missing"_s), box.inLibrary(u"new/folder/x"_s), notes);
+            moveFile(box.inLibrary(u"missing"_s), box.inLibrary(u"new/folder/x"_s), notes, patience);
         QVERIFY(!missing && (!isUnix || missing.error() == u"No such file or directory"_s));
-        QVERIFY(moveFile(from, occupied, notes) == MoveOutcome::Occupied);
+        QVERIFY(moveFile(from, occupied, notes, patience) == MoveOutcome::Occupied);
         QCOMPARE(treeOf(box.library()), before);
         if (!otherFileSystem())
             return;
         const QString there = box.quarantine() + u"/there"_s;
         std::filesystem::create_symlink("nowhere", there.toStdString());
-        QVERIFY(moveFile(from, there, notes) == MoveOutcome::Occupied);
-        QVERIFY(moveFile(there, from, notes) == MoveOutcome::Occupied);
+        QVERIFY(moveFile(from, there, notes, patience) == MoveOutcome::Occupied);
+        QVERIFY(moveFile(there, from, notes, patience) == MoveOutcome::Occupied);
 #ifdef Q_OS_LINUX
         unreadableKind = QFile::encodeName(there); // what leads to music would be taken for the music itself
         std::filesystem::remove(there.toStdString());
         std::filesystem::create_symlink(from.toStdString(), there.toStdString());
-        const Result<MoveOutcome> unread = moveFile(there, box.inLibrary(u"new"_s), notes);
+        const Result<MoveOutcome> unread = moveFile(there, box.inLibrary(u"new"_s), notes, patience);
         unreadableKind.clear();
         QVERIFY(!unread && unread.error() == u"Input/output error"_s);
         std::filesystem::remove(there.toStdString());
         std::filesystem::create_symlink("nowhere", there.toStdString());
 #endif
         limitFileSize(50); // the copy breaks off half-way
-        const Result<MoveOutcome> broken = moveFile(from, box.quarantine() + u"/new/folder/x"_s, notes);
+        const Result<MoveOutcome> broken = moveFile(from, box.quarantine() + u"/new/folder/x"_s, notes, patience);
         limitFileSize(-1);
         QVERIFY(!broken && broken.error() == u"File too large"_s);
         QCOMPARE(treeOf(box.quarantine()), Tree({ { u"there"_s, "link nowhere" } }));

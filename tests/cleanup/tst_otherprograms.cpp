@@ -10,6 +10,8 @@
 #include <QTest>
 
 #include <array>
+#include <memory>
+#include <vector>
 
 #ifdef Q_OS_LINUX
 #include <sys/syscall.h>
@@ -23,10 +25,12 @@ using namespace epr::test;
 
 #ifdef Q_OS_LINUX
 static QByteArray vanishesWithMoves; // the file that another program takes in the very moment
+static bool movesNothing = false; // and says that it did
 
 extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) noexcept
 {
-    const auto status = static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+    const auto status =
+        movesNothing ? 0 : static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
     if (status == 0 && !vanishesWithMoves.isEmpty())
         unlink(vanishesWithMoves.constData());
     return status;
@@ -36,6 +40,23 @@ extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const c
 namespace {
 
 constexpr int pairs = 400;
+
+/// Files that this program holds as another might. Where the system knows such a thing, nobody moves or deletes what a
+/// QFile has open.
+using Held = std::vector<std::unique_ptr<QFile>>;
+
+Held hold(const QStringList &paths)
+{
+    Held held;
+    for (const QString &path : paths) {
+        held.push_back(std::make_unique<QFile>(path));
+        if (!held.back()->open(QIODevice::ReadOnly))
+            qFatal("Cannot hold %ls", qUtf16Printable(path));
+    }
+    return held;
+}
+
+const QString inUseReason = u": Sharing violation: the file is in use by another program"_s;
 
 } // namespace
 
@@ -159,6 +180,90 @@ private Q_SLOTS:
             QVERIFY(!QFileInfo::exists(paths.at(0)) && QFileInfo::exists(paths.at(1)));
             if (mode == RemovalMode::Quarantine)
                 QCOMPARE(filesBelow(box.quarantine()).size(), 1);
+        }
+    }
+
+    void filesInUseGetSomePatience_data()
+    {
+        const Rows<RemovalMode, QString> row("mode", "message");
+        row("quarantine", RemovalMode::Quarantine, u"Could not move "_s);
+        row("deletion", RemovalMode::Delete, u"Could not delete "_s);
+    }
+
+    void filesInUseGetSomePatience()
+    {
+        if (isUnix)
+            QSKIP("This system lets files go while they are open");
+        QFETCH(RemovalMode, mode);
+        QFETCH(QString, message);
+        Sandbox box;
+        const QStringList paths = box.addMany(30, u"%1"_s);
+        Held held = hold(paths);
+        const Tree before = treeOf(box.library());
+        const auto stop = [](qsizetype, qsizetype, const QString &text) { return !text.startsWith("Waiting"_L1); };
+        const RemovalResult stopped = removeFiles(paths, mode, box.quarantine(), {}, stop);
+        QCOMPARE(stopped, RemovalResult());
+        QCOMPARE(treeOf(box.library()), before);
+
+        std::array<int, 30> waits {};
+        const auto letGoOfTheSecond = [&](qsizetype index, qsizetype, const QString &text) {
+            waits[index] += text == u"Waiting for "_s + paths.at(index) ? 1 : 0;
+            if (waits[1] == 3)
+                held[1]->close();
+            return true;
+        };
+        const RemovalResult removed = removeFiles(paths, mode, box.quarantine(), {}, letGoOfTheSecond);
+        QCOMPARE(removed.succeeded, 1);
+        QCOMPARE(removed.errors.last(), message + paths.at(29) + inUseReason);
+        QVERIFY2(waits[0] > 10 && waits[1] == 3 && waits[2] == waits[0], qPrintable(QString::number(waits[0])));
+        QCOMPARE(waits[29], 0);
+    }
+
+    void undoOfFilesInUseKeepsThem()
+    {
+        if (isUnix)
+            QSKIP("This system lets files go while they are open");
+        Sandbox box;
+        const QStringList paths = box.addMany(3, u"%1"_s);
+        const Tree before = treeOf(box.library());
+        const QString manifest = removeFiles(paths, RemovalMode::Quarantine, box.quarantine(), {}).manifestPath;
+        Held held = hold({ box.inRun(u"1"_s) });
+        const auto stop = [](qsizetype, qsizetype, const QString &text) { return !text.startsWith("Waiting"_L1); };
+        QCOMPARE(restoreManifest(manifest, stop), RestoreResult({ 1, 0, {} }));
+        const QString error = u"Could not restore "_s + paths.at(1) + inUseReason;
+        QCOMPARE(restoreManifest(manifest), RestoreResult({ 1, 1, { error } }));
+        held.clear();
+        CHECK_UNDO(box, listUndoManifests().value(0), 1, before);
+    }
+
+    void binIsBelievedOnlyAfterALook()
+    {
+#ifdef Q_OS_LINUX
+        Sandbox box;
+        const QString path = box.add(u"a"_s);
+        movesNothing = true;
+        const RemovalResult removed = removeFiles({ path }, RemovalMode::RecycleBin, {}, {});
+        movesNothing = false;
+        QVERIFY(QFileInfo::exists(path));
+        QCOMPARE(removed.errors,
+                 QStringList { u"Recycle bin unavailable for %1: the file is still in its place"_s.arg(path) });
+#endif
+    }
+
+    void writeProtectedFilesGo()
+    {
+        for (const RemovalMode mode : { RemovalMode::Quarantine, RemovalMode::Delete }) {
+            Sandbox box;
+            const QString path = box.add(u"protected"_s);
+            QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
+            const RemovalResult removed = removeFiles({ path }, mode, box.quarantine(), {});
+            QCOMPARE(removed, RemovalResult({ 1, 0, 100, {}, removed.manifestPath }));
+            QVERIFY(!QFileInfo::exists(path));
+            if (mode == RemovalMode::Delete)
+                continue;
+            QCOMPARE(restoreManifest(removed.manifestPath), RestoreResult({ 1, 0, {} }));
+            QVERIFY(!QFile::permissions(path).testFlag(QFile::WriteOwner));
+            QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
         }
     }
 
