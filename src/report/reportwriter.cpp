@@ -6,6 +6,7 @@
 #include "reportcontent.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QTextStream>
 
@@ -55,6 +56,9 @@ bool openReport(QSaveFile &file, QString *error)
         *error = QCoreApplication::translate("epr::Report", "Not a regular file");
         return false;
     }
+    *error = inUse(QFileInfo(file).absoluteFilePath()); // which the system would call denied access, at the very end
+    if (!error->isEmpty())
+        return false;
     if (file.open(QIODevice::WriteOnly | QIODevice::Text))
         return true;
     *error = file.errorString();
@@ -110,6 +114,8 @@ bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo
     if (out.status() == QTextStream::Ok && file.commit())
         return true;
     *error = writeErrorOf(file);
+    if (const QString reason = inUse(QFileInfo(file).absoluteFilePath()); !reason.isEmpty()) // by now
+        *error = reason;
     return false;
 }
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "fileproblems.h"
 #include "mediabackend.h"
 #include "rows.h"
 #include "temporarylibrary.h"
@@ -57,6 +58,16 @@ struct Spied {
     QSignalSpy loaded { &loader, &WaveformLoader::loaded };
     QSignalSpy failed { &loader, &WaveformLoader::failed };
 };
+
+bool isOpen(const QString &path)
+{
+#ifdef Q_OS_LINUX
+    const QFileInfoList open = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::Files);
+    return std::any_of(open.begin(), open.end(), [&](const QFileInfo &file) { return file.symLinkTarget() == path; });
+#else
+    return !inUse(path).isEmpty();
+#endif
+}
 
 } // namespace
 
@@ -179,6 +190,21 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(spied.reports(), 2, 30000);
         for (const int deck : { 0, 1 })
             QCOMPARE(spied.loaded.value(deck).value(1).value<Envelope>().peak.size(), 75);
+    }
+
+    void whoeverWaitsFindsTheFileClosed()
+    {
+        const QString path = wave(u"hour.wav"_s, 3600, 0);
+        for (int row = 0; row < 20; ++row) {
+            Spied spied;
+            spied.loader.request(0, path);
+            if (row > 0)
+                QTRY_VERIFY(isOpen(path));
+            QTest::qSleep(row);
+            row % 2 == 0 ? spied.loader.cancel(0) : spied.loader.request(0, m_dir.path());
+            QVERIFY(spied.loader.awaitClosed({ path }));
+            QVERIFY(!isOpen(path));
+        }
     }
 
     // A thread that was joined is gone with its loader; one that was not would have been left behind.

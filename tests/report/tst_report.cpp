@@ -163,6 +163,20 @@ private Q_SLOTS:
         }
     }
 
+    void reportThatIsOpenElsewhereSaysSo()
+    {
+        if (isUnix)
+            QSKIP("This system replaces files that are open");
+        const QString old = write(ReportFormat::Csv, {});
+        QFile holder(path());
+        QVERIFY(holder.open(QIODevice::ReadOnly));
+        QString error;
+        QVERIFY(!canWriteReport(path(), &error));
+        QCOMPARE(error, u"Sharing violation: the file is in use by another program"_s);
+        QCOMPARE(write(ReportFormat::Csv, someGroups(1)), error);
+        QCOMPARE(contentOf(path()), old);
+    }
+
 private:
     QString path() const { return m_dir.filePath(u"report"_s); }
     QString write(ReportFormat format, const QList<MatchGroup> &groups) const

@@ -109,6 +109,7 @@ void ComparePlayer::clear(Deck deck)
 void ComparePlayer::release(const QStringList &paths)
 {
     clearWhere([&paths](const QString &path) { return paths.contains(path); });
+    m_previews.awaitClosed(paths);
 }
 
 void ComparePlayer::clearVanished()

@@ -41,7 +41,8 @@ public:
     void load(Deck deck, const TrackInfo &track);
     void loadIntoFreeDeck(const TrackInfo &track); ///< an empty one first, else the one that is not monitored
     void clear(Deck deck);
-    /// Takes these files out of the decks: one that plays cannot be moved on every system.
+    /// Takes these files out of the decks and returns when they are closed: one that is open cannot be moved on every
+    /// system.
     void release(const QStringList &paths);
     void clearVanished(); ///< the decks whose file is no longer there
     void seek(Deck deck, qint64 positionMs);

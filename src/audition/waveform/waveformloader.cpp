@@ -6,10 +6,14 @@
 #include "mediabackend.h"
 
 #include <QAudioBuffer>
+#include <QScopeGuard>
 #include <QThread>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <condition_variable>
+#include <mutex>
 #include <optional>
 
 namespace epr {
@@ -128,15 +132,39 @@ Envelope EnvelopeBuilder::take()
     return envelope;
 }
 
+/// The one file that the loader's thread has open, for whoever has to wait until it is closed.
+class OpenPreview final {
+public:
+    void set(const QString &path) // empty = none
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_path = path;
+        m_changed.notify_all();
+    }
+
+    bool awaitOther(const QStringList &paths, std::chrono::milliseconds atMost)
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, atMost, [&] { return !paths.contains(m_path); });
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    QString m_path;
+};
+
 /// Lives on the loader's thread and decodes there, one file at a time. Requests that arrive meanwhile, in the event
 /// loop of the decoding, wait; of each deck only the newest is kept, and it ends the decoding that it makes pointless.
 class WaveformWorker final : public QObject {
     Q_OBJECT
 
 public:
-    /// The generations are shared, because a thread that cannot be joined outlives its loader.
-    WaveformWorker(std::shared_ptr<const WaveformGenerations> generations, int watchdogMs)
+    /// What is shared is so because a thread that cannot be joined outlives its loader.
+    WaveformWorker(std::shared_ptr<const WaveformGenerations> generations, std::shared_ptr<OpenPreview> open,
+                   int watchdogMs)
         : m_generations(std::move(generations))
+        , m_open(std::move(open))
         , m_watchdogMs(watchdogMs)
     {
     }
@@ -170,6 +198,9 @@ private:
 
     void decode(const WaveformRequest &request)
     {
+        // Before the question, so that whoever has cancelled the request and then waits never comes in between.
+        m_open->set(request.path);
+        const auto closed = qScopeGuard([this] { m_open->set({}); });
         if (!isWanted(request))
             return;
         EnvelopeBuilder builder;
@@ -193,6 +224,7 @@ private:
     }
 
     std::shared_ptr<const WaveformGenerations> m_generations;
+    std::shared_ptr<OpenPreview> m_open;
     int m_watchdogMs;
     PerDeck<std::optional<WaveformRequest>> m_waiting;
     WaveformRequest m_current; ///< what m_decoding decodes
@@ -201,7 +233,8 @@ private:
 
 WaveformLoader::WaveformLoader(QObject *parent, int watchdogMs)
     : QObject(parent)
-    , m_worker(new WaveformWorker(m_generations, watchdogMs))
+    , m_open(std::make_shared<OpenPreview>())
+    , m_worker(new WaveformWorker(m_generations, m_open, watchdogMs))
     , m_thread(createWorkerThread(u"epr-waveform"_s, m_worker, this))
 {
     connect(this, &WaveformLoader::requested, m_worker, &WaveformWorker::analyse, Qt::QueuedConnection);
@@ -242,6 +275,11 @@ void WaveformLoader::cancel(int deck)
         return;
     ++(*m_generations)[*cancelled];
     QMetaObject::invokeMethod(m_worker, &WaveformWorker::dropOutdated);
+}
+
+bool WaveformLoader::awaitClosed(const QStringList &paths)
+{
+    return m_open->awaitOther(paths, std::chrono::seconds(1));
 }
 
 } // namespace epr

@@ -6,6 +6,7 @@
 #include "records.h"
 
 #include <QObject>
+#include <QStringList>
 
 #include <atomic>
 #include <memory>
@@ -15,6 +16,7 @@ class QThread;
 
 namespace epr {
 
+class OpenPreview;
 class WaveformWorker;
 
 /// Reduces decoded audio to one peak for each 40 ms. Only the first two channels count; the first buffer decides the
@@ -75,6 +77,10 @@ public:
     /// The deck's request, if there is one, reports nothing.
     void cancel(int deck);
 
+    /// Blocks until none of the files is open, which takes some milliseconds when their requests are cancelled or
+    /// replaced. False after a second: the thread is stuck on a drive that is gone, say.
+    bool awaitClosed(const QStringList &paths);
+
 Q_SIGNALS:
     void loaded(int deck, const epr::Envelope &envelope);
     void failed(int deck, const QString &error);
@@ -83,6 +89,7 @@ Q_SIGNALS:
 
 private:
     std::shared_ptr<WaveformGenerations> m_generations = std::make_shared<WaveformGenerations>();
+    std::shared_ptr<OpenPreview> m_open;
     WaveformWorker *m_worker; ///< deletes itself on its thread
     QThread *m_thread;
 };
