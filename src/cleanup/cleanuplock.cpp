@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanuplock.h"
 
+#include "displaytext.h"
 #include "nativefile.h"
 #include "undomanifest.h"
 
@@ -56,7 +57,7 @@ Result<bool> lock(QFile &file)
 {
     if (!open(file)) {
         return failure(QCoreApplication::translate("epr::Cleanup", "The lock %1 cannot be opened (%2)")
-                           .arg(file.fileName(), file.errorString()));
+                           .arg(nativePath(file.fileName()), file.errorString()));
     }
     const Result<LockOutcome> outcome = nativefile::lockFile(file);
     if (outcome == LockOutcome::Locked)
@@ -67,7 +68,7 @@ Result<bool> lock(QFile &file)
                            .arg(holder.isEmpty() ? u"?"_s : holder));
     } else if (!outcome) {
         return failure(QCoreApplication::translate("epr::Cleanup", "The lock %1 cannot be taken (%2)")
-                           .arg(file.fileName(), outcome.error()));
+                           .arg(nativePath(file.fileName()), outcome.error()));
     }
     return outcome == LockOutcome::Locked;
 }

@@ -104,7 +104,7 @@ QString copyGone(const QString &path)
     return QCoreApplication::translate("epr::Cleanup",
                                        "%1 was left in place: no other copy of it is as it was scanned and can be "
                                        "read any more")
-        .arg(path);
+        .arg(nativePath(path));
 }
 
 QuarantineRun::QuarantineRun(const QStringList &paths, const QString &quarantineRoot, const QStringList &scanRoots,
@@ -122,7 +122,7 @@ std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const M
     const QString &path = m_paths.at(index);
     if (!path.isValidUtf16()) {
         return QCoreApplication::translate("epr::Cleanup", "Could not move %1: an undo could not find it by its name")
-            .arg(path);
+            .arg(nativePath(path));
     }
     Result<> moved = prepare(index);
     if (moved) {
@@ -136,7 +136,8 @@ std::optional<QString> QuarantineRun::move(qsizetype index, qint64 size, const M
             return std::nullopt;
         }
     }
-    return withReason(QCoreApplication::translate("epr::Cleanup", "Could not move %1").arg(path), moved.error());
+    return withReason(QCoreApplication::translate("epr::Cleanup", "Could not move %1").arg(nativePath(path)),
+                      moved.error());
 }
 
 // The copy that was to stay went in the very moment: another program took it, or both were one file by two ways.
@@ -149,7 +150,7 @@ std::optional<QString> QuarantineRun::moveBack(const ManifestEntry &entry)
     m_manifest.entries.append(entry);
     return withReason(
         QCoreApplication::translate("epr::Cleanup", "The last copy of %1 is now %2 and could not be moved back")
-            .arg(entry.from, entry.to),
+            .arg(nativePath(entry.from), nativePath(entry.to)),
         back ? QString() : back.error());
 }
 
@@ -162,7 +163,8 @@ Result<> QuarantineRun::prepare(qsizetype index)
             return begun;
     } else if (!QFileInfo(m_runFolder).isDir()) {
         // Of a drive that goes, an empty folder stays: what is moved there now is hidden when the drive comes back.
-        return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 is gone").arg(m_runFolder));
+        return endRun(QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 is gone")
+                          .arg(nativePath(m_runFolder)));
     }
     if (!m_planned.contains(index)) {
         if (Result<> planned = planFrom(index); !planned)
@@ -178,7 +180,7 @@ Result<> QuarantineRun::begin()
     const Result<> made = root.isEmpty() || !root.isValidUtf16() ? failure({}) : makeFolders(QDir(root).absolutePath());
     if (!made) {
         const QString message = QCoreApplication::translate("epr::Cleanup", "the quarantine folder %1 cannot be made");
-        return endRun(withReason(message.arg(root), made.error()));
+        return endRun(withReason(message.arg(nativePath(root)), made.error()));
     }
     if (const Result<> locked = m_lock.takeQuarantine(root); !locked)
         return endRun(locked.error());
@@ -218,7 +220,7 @@ Result<bool> QuarantineRun::claim(const QString &runName)
         if (entryExists(manifestPath) || entryExists(runFolder))
             return false;
         const QString message = QCoreApplication::translate("epr::Cleanup", "the folder %1 cannot be made");
-        return failure(withReason(message.arg(runFolder), made.error()));
+        return failure(withReason(message.arg(nativePath(runFolder)), made.error()));
     }
     if (const Result<> written = writeManifest(manifestPath, m_manifest); !written) {
         m_journal.remove();
@@ -307,7 +309,7 @@ std::optional<QString> QuarantineRun::finish()
     if (const Result<> written = writeManifest(m_manifestPath, m_manifest); !written) {
         return QCoreApplication::translate(
                    "epr::Cleanup", "The undo manifest %1 could not be completed (%2); its journal serves instead")
-            .arg(m_manifestPath, written.error());
+            .arg(nativePath(m_manifestPath), written.error());
     }
     m_journal.remove();
     return std::nullopt;

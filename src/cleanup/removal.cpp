@@ -36,7 +36,7 @@ const char *failureText(RemovalMode mode)
 
 QString failureMessage(RemovalMode mode, const QString &path)
 {
-    return QCoreApplication::translate("epr::Cleanup", failureText(mode)).arg(path);
+    return QCoreApplication::translate("epr::Cleanup", failureText(mode)).arg(nativePath(path));
 }
 
 // Where there is no place for a bin Qt, on other systems than Windows, takes the working folder for one and reports
@@ -110,7 +110,7 @@ private:
         const QString &path = m_paths.at(index);
         const QFileInfo info(path);
         if (!info.exists()) {
-            reportFailure(QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(path));
+            reportFailure(QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(nativePath(path)));
             return true;
         }
         // What was a file when it was scanned may by now be a folder full of others.
@@ -119,7 +119,7 @@ private:
             return true;
         }
         const Result<bool> mayGo = m_guard.mayGo(path, [&goesOn](const QString &read) {
-            return goesOn(QCoreApplication::translate("epr::Cleanup", "Comparing %1").arg(read));
+            return goesOn(QCoreApplication::translate("epr::Cleanup", "Comparing %1").arg(nativePath(read)));
         });
         if (mayGo && !*mayGo)
             return false;

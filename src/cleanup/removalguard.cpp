@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "removalguard.h"
 
+#include "displaytext.h"
 #include "distinction.h"
 #include "nativefile.h"
 #include "quarantinerun.h"
@@ -20,20 +21,20 @@ QString notProved(const QString &path, const QString &copy)
                "epr::Cleanup",
                "%1 was left in place: it could not be proved to be another file than %2. It can "
                "still be moved to the quarantine, which looks again after the move.")
-        .arg(path, copy);
+        .arg(nativePath(path), nativePath(copy));
 }
 
 QString sameFile(const QString &path, const QString &copy)
 {
     return QCoreApplication::translate("epr::Cleanup", "%1 was left in place: it is the same file as %2")
-        .arg(path, copy);
+        .arg(nativePath(path), nativePath(copy));
 }
 
 QString atWork(const QString &path, const QString &copy)
 {
     return QCoreApplication::translate("epr::Cleanup",
                                        "%1 was left in place: another clean-up is at work on it or on %2")
-        .arg(path, copy);
+        .arg(nativePath(path), nativePath(copy));
 }
 
 QString otherContent(const QString &path)
@@ -41,7 +42,7 @@ QString otherContent(const QString &path)
     return QCoreApplication::translate("epr::Cleanup",
                                        "%1 was left in place: its content is not what the scan or its cache recorded. "
                                        "Clear the cache and scan again.")
-        .arg(path);
+        .arg(nativePath(path));
 }
 
 QString otherCopy(const QString &path, const QString &copy)
@@ -50,12 +51,12 @@ QString otherCopy(const QString &path, const QString &copy)
                "epr::Cleanup",
                "%1 was left in place: the content of the copy to keep, %2, is not what the scan "
                "or its cache recorded. Clear the cache and scan again.")
-        .arg(path, copy);
+        .arg(nativePath(path), nativePath(copy));
 }
 
 QString unreadable(const QString &path, const QString &reason)
 {
-    return QCoreApplication::translate("epr::Cleanup", "%1 was left in place: %2").arg(path, reason);
+    return QCoreApplication::translate("epr::Cleanup", "%1 was left in place: %2").arg(nativePath(path), reason);
 }
 
 } // namespace

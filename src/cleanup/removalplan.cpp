@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "removalplan.h"
 
+#include "displaytext.h"
 #include "nativefile.h"
 
 #include <QCoreApplication>
@@ -197,7 +198,8 @@ bool standsWithout(const QString &path, const QList<RemovalCandidate> &copies)
 
 QString changedMessage(const QString &path)
 {
-    return QCoreApplication::translate("epr::Cleanup", "%1 changed since the scan and was left in place").arg(path);
+    return QCoreApplication::translate("epr::Cleanup", "%1 changed since the scan and was left in place")
+        .arg(nativePath(path));
 }
 
 CheckedCandidates checkCandidates(const QList<RemovalCandidate> &candidates)

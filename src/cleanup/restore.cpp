@@ -41,7 +41,7 @@ bool isFileOrLink(const QString &path)
 
 QString occupied(const QString &path)
 {
-    return QCoreApplication::translate("epr::Cleanup", "A file already exists at %1").arg(path);
+    return QCoreApplication::translate("epr::Cleanup", "A file already exists at %1").arg(nativePath(path));
 }
 
 /// What became of one entry.
@@ -65,7 +65,8 @@ EntryOutcome withoutCopy(const ManifestEntry &entry, const QString &quarantineRo
     const QFileInfo original(entry.from);
     if (isFileOrLink(entry.from) && (original.isSymLink() ? 0 : original.size()) == entry.size)
         return { .problem = {}, .isKept = false, .wasDone = true };
-    const QString message = QCoreApplication::translate("epr::Cleanup", "Quarantined copy missing: %1").arg(entry.to);
+    const QString message =
+        QCoreApplication::translate("epr::Cleanup", "Quarantined copy missing: %1").arg(nativePath(entry.to));
     return { .problem = message, .isKept = !hasRunFolder(entry, quarantineRoot) };
 }
 
@@ -140,7 +141,7 @@ public:
 private:
     [[nodiscard]] EntryOutcome restoreEntry(const ManifestEntry &entry)
     {
-        const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(entry.from);
+        const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(nativePath(entry.from));
         if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
             return { message };
         if (!entryExists(entry.to))
@@ -155,7 +156,7 @@ private:
         if (m_missing == MissingFolders::Leave && !QFileInfo(QFileInfo(entry.from).path()).isDir())
             return { QCoreApplication::translate("epr::Cleanup",
                                                  "Could not restore %1: the folder that it came from is not there")
-                         .arg(entry.from) };
+                         .arg(nativePath(entry.from)) };
         const Result<MoveOutcome> outcome = moveFile(entry.to, entry.from, m_notes, m_patience);
         if (!outcome)
             return { withReason(message, outcome.error()) };
@@ -187,7 +188,7 @@ private:
         if (!written) {
             m_result.errors.append(
                 QCoreApplication::translate("epr::Cleanup", "The undo manifest %1 cannot be written (%2)")
-                    .arg(newPath, written.error()));
+                    .arg(nativePath(newPath), written.error()));
         } else if (isLeft && newPath == path) {
             removeJournal(path);
         } else {

@@ -4,6 +4,7 @@
 
 #include "cleanup.h"
 #include "cleanuplock.h"
+#include "displaytext.h"
 #include "filemove.h"
 #include "nativefile.h"
 #include "undomanifest.h"
@@ -128,7 +129,7 @@ public:
                                                        "Removed %n unfinished file(s) that an interrupted clean-up "
                                                        "had left in %1.",
                                                        nullptr, files.value())
-                               .arg(files.key()));
+                               .arg(nativePath(files.key())));
         }
         return removed + m_found;
     }

@@ -3,6 +3,7 @@
 #include "clirequest.h"
 
 #include "application.h"
+#include "displaytext.h"
 #include "result.h"
 
 #include <QCommandLineParser>
@@ -96,8 +97,7 @@ Result<QStringList> rootsOf(const QStringList &folders)
     for (const QString &folder : folders) {
         const QFileInfo info(folder);
         if (!info.isDir())
-            return failure(
-                QCoreApplication::translate("epr::Cli", "Not a folder: %1").arg(QDir::toNativeSeparators(folder)));
+            return failure(QCoreApplication::translate("epr::Cli", "Not a folder: %1").arg(nativePath(folder)));
         const QString path = QDir::cleanPath(info.absoluteFilePath());
         if (!roots.contains(path))
             roots.append(path);
@@ -117,7 +117,7 @@ Result<QList<ReportFile>> reportFilesOf(const QStringList &names)
             return failure(
                 QCoreApplication::translate(
                     "epr::Cli", "Not a kind of report: \"%1\". The name must end in .csv, .html, .json or .m3u8.")
-                    .arg(QDir::toNativeSeparators(name)));
+                    .arg(nativePath(name)));
         }
         const ReportFile report { QDir::cleanPath(info.absoluteFilePath()), *format };
         QString error;
@@ -154,8 +154,7 @@ Result<CliRequest> scanRequest(const QCommandLineParser &parser, const ScanOptio
 
 QString cannotWriteReport(const QString &path, const QString &error)
 {
-    return QCoreApplication::translate("epr::Cli", "Could not write the report %1: %2")
-        .arg(QDir::toNativeSeparators(path), error);
+    return QCoreApplication::translate("epr::Cli", "Could not write the report %1: %2").arg(nativePath(path), error);
 }
 
 CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "application.h"
 #include "clirequest.h"
+#include "displaytext.h"
 #include "mediabackend.h"
 #include "records.h"
 #include "reportwriter.h"
@@ -28,7 +29,7 @@ void reportProblems(const QList<TrackInfo> &tracks)
     QTextStream err(stderr);
     for (const TrackInfo &track : tracks) {
         if (!track.error.isEmpty())
-            err << terminal::printable(track.path) << ": " << terminal::printable(track.error) << '\n';
+            err << terminal::printable(nativePath(track.path)) << ": " << terminal::printable(track.error) << '\n';
     }
 }
 

@@ -7,7 +7,6 @@
 #include "scancontroller.h"
 
 #include <QCoreApplication>
-#include <QDir>
 
 #include <csignal>
 
@@ -50,8 +49,7 @@ QString memberLine(const TrackInfo &track, bool keep)
         keep ? QCoreApplication::translate("epr::Cli", "KEEP") : QCoreApplication::translate("epr::Cli", "duplicate");
     QStringList facts { durationText(track.stream.durationMs), qualityText(track), sizeText(track.size) };
     facts.removeAll(QString());
-    return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(QDir::toNativeSeparators(track.path)),
-                                     facts.join("; "_L1));
+    return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(nativePath(track.path)), facts.join("; "_L1));
 }
 
 void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGroup &group)

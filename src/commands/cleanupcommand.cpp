@@ -75,7 +75,7 @@ void warnIfScanned(const QString &quarantineRoot, const QStringList &folders, QW
         QCoreApplication::translate("epr::QuarantineWarning",
                                     "%1 is inside a folder to scan. The next scan would find the quarantined copies "
                                     "there and offer them again.\n\nBetter choose a folder outside.")
-            .arg(quarantineRoot));
+            .arg(nativePath(quarantineRoot)));
 }
 
 } // namespace
@@ -161,13 +161,13 @@ bool CleanupCommand::confirmScan(const QString &quarantineRoot, const QStringLis
     if (!isInside(quarantineRoot, folders) || !holdsFiles(quarantineRoot))
         return true;
     report(QCoreApplication::translate("epr::QuarantineWarning", "The quarantine folder %1 is inside a folder to scan.")
-               .arg(quarantineRoot));
+               .arg(nativePath(quarantineRoot)));
     QMessageBox box(
         QMessageBox::Warning, QCoreApplication::translate("epr::QuarantineWarning", "Quarantine will be scanned"),
         QCoreApplication::translate("epr::QuarantineWarning",
                                     "The quarantine folder %1 is inside a folder to scan. Copies that were moved "
                                     "there will be found and offered again.\n\nStart the scan all the same?")
-            .arg(quarantineRoot),
+            .arg(nativePath(quarantineRoot)),
         QMessageBox::Ok | QMessageBox::Cancel, window());
     box.setTextFormat(Qt::PlainText);
     box.button(QMessageBox::Ok)->setText(QCoreApplication::translate("epr::QuarantineWarning", "Continue"));
@@ -314,7 +314,7 @@ bool CleanupCommand::confirmFolders(const QStringList &missing)
                           "%1.\n\nIf they are on a drive that is not connected, connect it and undo again. Undoing "
                           "now would make them anew.",
                           nullptr, static_cast<int>(missing.size()))
-                           .arg(missing.first()));
+                           .arg(nativePath(missing.first())));
 }
 
 void CleanupCommand::restore(const QString &manifest, MissingFolders missing)

@@ -4,6 +4,7 @@
 
 #include "analysiscache.h"
 #include "application.h"
+#include "displaytext.h"
 #include "fpcalc.h"
 #include "notices.h"
 #include "reportwriter.h"
@@ -87,8 +88,8 @@ void ExportCommand::exportReport(const QStringList &roots)
         showCritical(window(), tr("Export failed"), tr("Could not write the report:\n\n%1").arg(error));
         return;
     }
-    report(tr("Report written to %1").arg(path));
-    if (askYesOrNo(window(), tr("Report saved"), tr("Report saved to:\n%1\n\nOpen it now?").arg(path)))
+    report(tr("Report written to %1").arg(nativePath(path)));
+    if (askYesOrNo(window(), tr("Report saved"), tr("Report saved to:\n%1\n\nOpen it now?").arg(nativePath(path))))
         QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 

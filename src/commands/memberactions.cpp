@@ -8,7 +8,6 @@
 #include <QClipboard>
 #include <QCoreApplication>
 #include <QDesktopServices>
-#include <QDir>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMessageBox>
@@ -72,7 +71,7 @@ MemberActions::MemberActions(Review &review, QWidget *window)
     , copyPath(make(tr("Copy full path"), Qt::CTRL | Qt::SHIFT | Qt::Key_C,
                     tr("Put the path of this copy on the clipboard."),
                     [this](const TrackInfo &track) {
-                        QGuiApplication::clipboard()->setText(QDir::toNativeSeparators(track.path));
+                        QGuiApplication::clipboard()->setText(nativePath(track.path));
                         Q_EMIT statusMessage(tr("Path copied to clipboard."));
                     }))
     , keep(make(tr("Keep this copy instead"), Qt::CTRL | Qt::Key_K,
@@ -160,13 +159,13 @@ void MemberActions::keepMember()
 void MemberActions::openMember(const QString &path)
 {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        Q_EMIT statusMessage(tr("Could not open %1.").arg(QDir::toNativeSeparators(path)));
+        Q_EMIT statusMessage(tr("Could not open %1.").arg(nativePath(path)));
 }
 
 QString fileDetailsHtml(const TrackInfo &track)
 {
     QString lines = line(QCoreApplication::translate("epr::FileDetails", "File"), track.fileName);
-    lines += line(QCoreApplication::translate("epr::FileDetails", "Folder"), QDir::toNativeSeparators(folderOf(track)));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Folder"), nativePath(folderOf(track)));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Artist"), displayArtist(track));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Title"), displayTitle(track));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Album"), track.tags.album);

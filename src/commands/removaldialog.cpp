@@ -96,7 +96,7 @@ void RemovalDialog::explain(const QString &html)
 {
     constexpr QRgb grey = qRgb(0x5b, 0x6b, 0x80);
     m_hint->setText(u"<span style='color:%1'>%2</span>"_s.arg(readableTone(grey, palette()).name(),
-                                                              html.arg(m_quarantineRoot.toHtmlEscaped())));
+                                                              html.arg(nativePath(m_quarantineRoot).toHtmlEscaped())));
 }
 
 } // namespace epr

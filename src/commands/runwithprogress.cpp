@@ -173,8 +173,9 @@ void ProgressDialog::refresh()
     const QString rest = m_estimate.text();
     m_count->setText(rest.isEmpty() ? count : tr("%1 - %2", "the count of a clean-up and its speed").arg(count, rest));
     showInTitles(static_cast<int>(qint64 { 100 } * done / total));
-    m_file->setText(m_file->fontMetrics().elidedText(state.path, Qt::ElideMiddle, m_file->width()));
-    m_file->setToolTip("<span>"_L1 + state.path.toHtmlEscaped() + "</span>"_L1); // escapes show without a tag
+    const QString path = nativePath(state.path);
+    m_file->setText(m_file->fontMetrics().elidedText(path, Qt::ElideMiddle, m_file->width()));
+    m_file->setToolTip("<span>"_L1 + path.toHtmlEscaped() + "</span>"_L1); // escapes show without a tag
 }
 
 // Also in the title of the window behind, which is what a task bar shows.

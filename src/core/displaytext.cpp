@@ -3,6 +3,7 @@
 #include "displaytext.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 
@@ -126,6 +127,11 @@ QString dateTimeText(const QDateTime &time)
 QString folderOf(const TrackInfo &track)
 {
     return QFileInfo(track.path).absolutePath();
+}
+
+QString nativePath(const QString &path)
+{
+    return QDir::toNativeSeparators(path);
 }
 
 QString withReason(const QString &message, const QString &reason)

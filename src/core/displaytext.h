@@ -33,6 +33,10 @@ QString dateTimeText(const QDateTime &time);
 /// Absolute path of the folder that holds the file.
 QString folderOf(const TrackInfo &track);
 
+/// A path as the operator's system writes it. Every path that is shown or reported goes through here; those that are
+/// stored have forward slashes.
+QString nativePath(const QString &path);
+
 /// "message: reason", or the message alone while no reason is known.
 QString withReason(const QString &message, const QString &reason);
 

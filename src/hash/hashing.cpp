@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "hashing.h"
 
+#include "displaytext.h"
 #include "fileproblems.h"
 
 #include <QCoreApplication>
@@ -37,12 +38,12 @@ void setError(QString *error, const QString &message)
 
 void setReadError(QString *error, const QString &path)
 {
-    setError(error, QCoreApplication::translate("QObject", "Read error while hashing %1").arg(path));
+    setError(error, QCoreApplication::translate("QObject", "Read error while hashing %1").arg(nativePath(path)));
 }
 
 void setOpenError(QString *error, const QString &path, const QString &reason)
 {
-    setError(error, QCoreApplication::translate("QObject", "Cannot read %1: %2").arg(path, reason));
+    setError(error, QCoreApplication::translate("QObject", "Cannot read %1: %2").arg(nativePath(path), reason));
 }
 
 bool openForHashing(QFile &file, QString *error)
@@ -145,7 +146,7 @@ QString hashPayload(const QString &path, const HashRequest &request, QString *er
     if (!openForHashing(file, error))
         return {};
     if (!file.seek(request.payloadOffset)) {
-        setError(error, QCoreApplication::translate("QObject", "Cannot seek within %1").arg(path));
+        setError(error, QCoreApplication::translate("QObject", "Cannot seek within %1").arg(nativePath(path)));
         return {};
     }
     Sha256 hash;

@@ -51,7 +51,7 @@ void writeSummary(QTextStream &out, const ReportContent &content)
 {
     out << "<h1>Echo<span>prune</span> duplicate report</h1>\n"_L1
         << "<div class=\"meta\">Generated "_L1 << generatedText(content).toHtmlEscaped() << " &middot; scanned "_L1
-        << content.roots.join(", "_L1).toHtmlEscaped() << "</div>\n"_L1
+        << nativePath(content.roots.join(", "_L1)).toHtmlEscaped() << "</div>\n"_L1
         << "<div class=\"summary\">"_L1;
     const ReviewTotals totals = totalsOf(content.tracks.size(), content.groups);
     writeCard(out, QString::number(totals.files), u"Files scanned"_s);
@@ -69,7 +69,7 @@ void writeAction(QTextStream &out, const ReportMember &member)
 void writeFile(QTextStream &out, const ReportMember &member)
 {
     out << "<td>"_L1 << member.track.fileName.toHtmlEscaped() << "<div class=\"path\">"_L1
-        << member.track.path.toHtmlEscaped() << "</div></td>"_L1;
+        << nativePath(member.track.path).toHtmlEscaped() << "</div></td>"_L1;
 }
 
 void writeMusic(QTextStream &out, const ReportMember &member)

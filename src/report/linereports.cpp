@@ -34,7 +34,7 @@ constexpr std::array csvColumns {
     CsvColumn { "Confidence"_L1, [](const ReportMember &m) { return QString::number(m.group.confidence, 'f', 2); } },
     CsvColumn { "Keep"_L1, [](const ReportMember &m) { return m.keep ? u"KEEP"_s : u"duplicate"_s; } },
     CsvColumn { "File"_L1, [](const ReportMember &m) { return quoted(m.track.fileName); } },
-    CsvColumn { "Folder"_L1, [](const ReportMember &m) { return quoted(folderOf(m.track)); } },
+    CsvColumn { "Folder"_L1, [](const ReportMember &m) { return quoted(nativePath(folderOf(m.track))); } },
     CsvColumn { "Artist"_L1, [](const ReportMember &m) { return quoted(m.track.tags.artist); } },
     CsvColumn { "Title"_L1, [](const ReportMember &m) { return quoted(m.track.tags.title); } },
     CsvColumn { "Album"_L1, [](const ReportMember &m) { return quoted(m.track.tags.album); } },
@@ -73,12 +73,12 @@ void writePlaylistEntry(QTextStream &out, const TrackInfo &track)
     // A playlist has one path on each line and no way to escape. Half a path might be another file's, and the list may
     // be used to remove files, so such a file is only mentioned.
     if (std::any_of(track.path.cbegin(), track.path.cend(), isLineBreak)) {
-        out << "# Left out, its path contains a line break: "_L1 << onOneLine(track.path) << '\n';
+        out << "# Left out, its path contains a line break: "_L1 << onOneLine(nativePath(track.path)) << '\n';
         return;
     }
     out << "#EXTINF:"_L1 << track.stream.durationMs / 1000 << ',' << onOneLine(displayArtist(track)) << " - "_L1
         << onOneLine(displayTitle(track)) << '\n'
-        << track.path << '\n';
+        << nativePath(track.path) << '\n';
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 #include "resultscells.h"
 #include "review.h"
 
-#include <QDir>
 #include <QGuiApplication>
 #include <QPalette>
 
@@ -293,7 +292,7 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
     case ModifiedColumn:
         return dateTimeText(track.mtime);
     case FolderColumn:
-        return QDir::toNativeSeparators(folderOf(track));
+        return nativePath(folderOf(track));
     default:
         return {};
     }
@@ -302,10 +301,11 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
 QVariant ResultsModel::memberToolTip(const TrackInfo &track, int column) const
 {
     if (column == FolderColumn)
-        return plainToolTip(QDir::toNativeSeparators(folderOf(track)));
+        return plainToolTip(nativePath(folderOf(track)));
     if (column != FileColumn)
         return {};
-    return plainToolTip(track.error.isEmpty() ? track.path : tr("%1\n\nNote: %2").arg(track.path, track.error));
+    const QString path = nativePath(track.path);
+    return plainToolTip(track.error.isEmpty() ? path : tr("%1\n\nNote: %2").arg(path, track.error));
 }
 
 } // namespace epr

@@ -4,6 +4,7 @@
 
 #include "analysiscache.h"
 #include "damagedcache.h"
+#include "displaytext.h"
 #include "fpcalc.h"
 #include "scanstages.h"
 
@@ -106,7 +107,8 @@ bool ScanController::openCache()
         Q_EMIT logMessage(tr("Analysis cache unavailable (%1) - continuing without it.").arg(error));
         return false;
     }
-    Q_EMIT logMessage(tr("Analysis cache: %1 entries at %2").arg(m_cache->count()).arg(m_cache->filePath()));
+    Q_EMIT logMessage(
+        tr("Analysis cache: %1 entries at %2").arg(m_cache->count()).arg(nativePath(m_cache->filePath())));
     return true;
 }
 
@@ -116,7 +118,7 @@ bool ScanController::replaceDamagedCache()
     m_cache->close();
     const Result<QString> aside = setDamagedCacheAside(m_cache->filePath());
     Q_EMIT logMessage(
-        aside ? tr("The analysis cache is damaged. It is kept as %1, and a new one is begun.").arg(*aside)
+        aside ? tr("The analysis cache is damaged. It is kept as %1, and a new one is begun.").arg(nativePath(*aside))
               : tr("The analysis cache seems to be damaged but was left as it is (%1).").arg(aside.error()));
     return m_cache->open() && aside;
 }

@@ -5,6 +5,7 @@
 #include "acousticcomparison.h"
 #include "analysiscache.h"
 #include "decoding.h"
+#include "displaytext.h"
 #include "fingerprintpool.h"
 #include "fpcalc.h"
 #include "libraryfiles.h"
@@ -12,7 +13,6 @@
 #include "textfile.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QThread>
 #include <QThreadPool>
 #include <QTimer>
@@ -33,11 +33,11 @@ constexpr int namedFiles = 100; // that could not be decoded, in the log
 void logProblems(const DiscoveryProblems &problems, const StageContext &context)
 {
     for (const QString &root : problems.missingRoots)
-        context.log(QCoreApplication::translate("epr::ScanController", "Folder not found: %1").arg(root));
+        context.log(QCoreApplication::translate("epr::ScanController", "Folder not found: %1").arg(nativePath(root)));
     for (const auto &folder :
          problems.unreadableFolders.first(std::min(problems.unreadableFolders.size(), namedFolders))) {
         context.log(QCoreApplication::translate("epr::ScanController", "Could not read the folder %1: %2")
-                        .arg(QDir::toNativeSeparators(folder.path), folder.reason));
+                        .arg(nativePath(folder.path), folder.reason));
     }
     if (const auto unnamed = static_cast<int>(problems.unreadableFolders.size() - namedFolders); unnamed > 0) {
         context.log(
@@ -116,9 +116,8 @@ FingerprintCounts runFingerprintPool(QList<TrackInfo> &tracks, const QList<Finge
                 applyFingerprint(result, tracks[id]);
             if (!result.error.isEmpty()) {
                 if (++counts.failed <= namedFiles && id >= 0 && id < tracks.size())
-                    counts.failures.append(
-                        QCoreApplication::translate("epr::ScanController", "Could not decode %1: %2")
-                            .arg(QDir::toNativeSeparators(tracks.at(id).path), result.error.simplified()));
+                    counts.failures.append(QCoreApplication::translate("epr::ScanController", "Could not decode %1: %2")
+                                               .arg(nativePath(tracks.at(id).path), result.error.simplified()));
             } else if (options.fingerprintEngine == FingerprintEngine::Fpcalc && result.durationMs > 0
                        && result.durationMs < options.fingerprintSeconds * qint64 { 1000 })
                 ++counts.shorter;
@@ -149,7 +148,7 @@ void logFingerprinting(qsizetype files, const ScanOptions &options, const StageC
 {
     const bool byFpcalc = options.fingerprintEngine == FingerprintEngine::Fpcalc;
     const QString engine = byFpcalc
-        ? QCoreApplication::translate("epr::ScanController", "Chromaprint fpcalc (%1)").arg(fpcalcPath())
+        ? QCoreApplication::translate("epr::ScanController", "Chromaprint fpcalc (%1)").arg(nativePath(fpcalcPath()))
         : hasFfmpeg() ? QCoreApplication::translate("epr::ScanController", "built-in analysis, ffmpeg decode")
                       : QCoreApplication::translate("epr::ScanController", "built-in analysis, Qt decode");
     context.log(

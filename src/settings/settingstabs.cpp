@@ -267,7 +267,7 @@ PerformanceTab::PerformanceTab(const ScanOptions &options, const SettingsStatus 
         status.fpcalcPath.isEmpty()
             ? tr("Built-in analysis (fallback). Install Chromaprint's fpcalc, or place it next to the application, for "
                  "several times faster and more accurate fingerprinting.")
-            : tr("Chromaprint fpcalc — fast path active.\n%1").arg(status.fpcalcPath));
+            : tr("Chromaprint fpcalc — fast path active.\n%1").arg(nativePath(status.fpcalcPath)));
     QSpinBox *threads = spinBox(&ScanOptions::decoderThreads, { 1, 16, {} });
     threads->setToolTip(
         tr("Parallel fingerprinting workers. This machine reports %1 cores.").arg(QThread::idealThreadCount()));

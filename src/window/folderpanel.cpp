@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "folderpanel.h"
 
+#include "displaytext.h"
 #include "notices.h"
 
 #include <QAction>
@@ -54,7 +55,7 @@ QStringList FolderPanel::folders() const
 {
     QStringList folders;
     for (int row = 0; row < m_list->count(); ++row)
-        folders << m_list->item(row)->text();
+        folders << m_list->item(row)->data(Qt::UserRole).toString();
     return folders;
 }
 
@@ -68,8 +69,10 @@ bool FolderPanel::addFolder(const QString &path)
     const QString absolute = QDir(path).absolutePath();
     if (path.isEmpty() || !QFileInfo(absolute).isDir() || folders().contains(absolute))
         return false;
-    m_list->addItem(absolute);
-    m_list->item(m_list->count() - 1)->setToolTip(plainToolTip(absolute));
+    auto *item = new QListWidgetItem(nativePath(absolute));
+    item->setData(Qt::UserRole, absolute);
+    item->setToolTip(plainToolTip(item->text()));
+    m_list->addItem(item);
     m_hint->hide();
     return true;
 }

@@ -7,6 +7,7 @@
 #include "cleanupcommand.h"
 #include "commands.h"
 #include "compareplayer.h"
+#include "displaytext.h"
 #include "docks.h"
 #include "folderpanel.h"
 #include "helpdialogs.h"
@@ -335,7 +336,7 @@ void MainWindow::restoreSettings()
     const QStringList folders = store.value(settings::folders);
     for (const QString &folder : folders) {
         if (!addFolder(folder) && !m_folderPanel->folders().contains(folder))
-            onLogMessage(tr("Folder not found and taken off the list: %1").arg(folder));
+            onLogMessage(tr("Folder not found and taken off the list: %1").arg(nativePath(folder)));
     }
     m_options = store.loadScanOptions();
     m_quarantineRoot = store.value(settings::quarantineRoot);

@@ -5,7 +5,6 @@
 #include "displaytext.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
 
 #include <cmath>
@@ -46,7 +45,7 @@ QString fileName(const TrackInfo &track)
 
 QString folder(const TrackInfo &track)
 {
-    return track.path.isEmpty() ? QString() : QDir::toNativeSeparators(folderOf(track));
+    return track.path.isEmpty() ? QString() : nativePath(folderOf(track));
 }
 
 QString format(const TrackInfo &track)
