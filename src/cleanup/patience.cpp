@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "patience.h"
 
+#include "displaytext.h"
 #include "fileproblems.h"
 
 #include <QCoreApplication>
@@ -43,7 +44,8 @@ Result<> Patience::awaitFree(const QString &path)
             m_limit = m_limit * 3 / 4;
             return failure(reason);
         }
-        m_hasStopped = m_goesOn && !m_goesOn(QCoreApplication::translate("epr::Cleanup", "Waiting for %1").arg(nativePath(path)));
+        m_hasStopped =
+            m_goesOn && !m_goesOn(QCoreApplication::translate("epr::Cleanup", "Waiting for %1").arg(nativePath(path)));
         if (m_hasStopped)
             return failure(reason);
         std::this_thread::sleep_for(pause);

@@ -141,7 +141,8 @@ public:
 private:
     [[nodiscard]] EntryOutcome restoreEntry(const ManifestEntry &entry)
     {
-        const QString message = QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(nativePath(entry.from));
+        const QString message =
+            QCoreApplication::translate("epr::Cleanup", "Could not restore %1").arg(nativePath(entry.from));
         if (!isPlainAbsolute(entry.from) || !isPlainAbsolute(entry.to))
             return { message };
         if (!entryExists(entry.to))

@@ -122,8 +122,9 @@ private Q_SLOTS:
                                   box.inLibrary(u"folder"_s), box.add(u"last"_s) };
         const Tree before = treeOf(box.library());
         const RemovalResult removed = quarantine(box, paths);
-        const QStringList errors { paths.at(0) + u" no longer exists"_s, paths.at(1) + u" no longer exists"_s,
-                                   u"Could not move "_s + paths.at(2) };
+        const QStringList errors { native(paths.at(0)) + u" no longer exists"_s,
+                                   native(paths.at(1)) + u" no longer exists"_s,
+                                   u"Could not move "_s + native(paths.at(2)) };
         QCOMPARE(removed, RemovalResult({ 1, 3, 100, errors, removed.manifestPath }));
         QCOMPARE(filesBelow(box.quarantine()).size(), 1);
         CHECK_UNDO(box, removed.manifestPath, 1, before);
@@ -328,8 +329,9 @@ private Q_SLOTS:
         box.write(paths.at(0), "new music");
         expected.remove(u"lost"_s);
         expected.insert(treeOf(box.library()));
-        const QStringList errors { u"A file already exists at "_s + paths.at(0), u"Quarantined copy missing: "_s + lost,
-                                   u"A file already exists at "_s + paths.at(4) };
+        const QStringList errors { u"A file already exists at "_s + native(paths.at(0)),
+                                   u"Quarantined copy missing: "_s + native(lost),
+                                   u"A file already exists at "_s + native(paths.at(4)) };
         QCOMPARE(restoreManifest(removed.manifestPath, {}, MissingFolders::Make), RestoreResult({ 1, 3, errors }));
         QCOMPARE(treeOf(box.library()), expected);
         QCOMPARE(filesBelow(box.quarantine()),

@@ -175,7 +175,7 @@ private Q_SLOTS:
             vanishesWithMoves.clear();
 #endif
             QCOMPARE(removed.succeeded, 1);
-            QVERIFY2(removed.errors.value(0).startsWith(paths.at(1) + u" was left in place: "_s),
+            QVERIFY2(removed.errors.value(0).startsWith(native(paths.at(1)) + u" was left in place: "_s),
                      qPrintable(removed.errors.value(0)));
             QVERIFY(!QFileInfo::exists(paths.at(0)) && QFileInfo::exists(paths.at(1)));
             if (mode == RemovalMode::Quarantine)
@@ -207,14 +207,14 @@ private Q_SLOTS:
 
         std::array<int, 30> waits {};
         const auto letGoOfTheSecond = [&](qsizetype index, qsizetype, const QString &text) {
-            waits[index] += text == u"Waiting for "_s + paths.at(index) ? 1 : 0;
+            waits[index] += text == u"Waiting for "_s + native(paths.at(index)) ? 1 : 0;
             if (waits[1] == 3)
                 held[1]->close();
             return true;
         };
         const RemovalResult removed = removeFiles(paths, mode, box.quarantine(), {}, letGoOfTheSecond);
         QCOMPARE(removed.succeeded, 1);
-        QCOMPARE(removed.errors.last(), message + paths.at(29) + inUseReason);
+        QCOMPARE(removed.errors.last(), message + native(paths.at(29)) + inUseReason);
         QVERIFY2(waits[0] > 10 && waits[1] == 3 && waits[2] == waits[0], qPrintable(QString::number(waits[0])));
         QCOMPARE(waits[29], 0);
     }
@@ -230,7 +230,7 @@ private Q_SLOTS:
         Held held = hold({ box.inRun(u"1"_s) });
         const auto stop = [](qsizetype, qsizetype, const QString &text) { return !text.startsWith("Waiting"_L1); };
         QCOMPARE(restoreManifest(manifest, stop), RestoreResult({ 1, 0, {} }));
-        const QString error = u"Could not restore "_s + paths.at(1) + inUseReason;
+        const QString error = u"Could not restore "_s + native(paths.at(1)) + inUseReason;
         QCOMPARE(restoreManifest(manifest), RestoreResult({ 1, 1, { error } }));
         held.clear();
         CHECK_UNDO(box, listUndoManifests().value(0), 1, before);
@@ -338,7 +338,7 @@ private Q_SLOTS:
         QVERIFY(chown(QFile::encodeName(paths.at(1)).constData(), 0, 0) == 0 && seteuid(65534) == 0);
         const KeptCopies kept { { paths.at(0), { asItIs(copy) } }, { paths.at(1), { asItIs(copy) } } };
         const QStringList errors = removeFiles(paths, RemovalMode::Delete, {}, {}, {}, { kept }).errors;
-        QVERIFY2(errors.value(0).startsWith(paths.at(1) + u" was left in place: it could not be proved"_s),
+        QVERIFY2(errors.value(0).startsWith(native(paths.at(1)) + u" was left in place: it could not be proved"_s),
                  qPrintable(errors.join(u' ')));
         QVERIFY(!QFileInfo::exists(paths.at(0)) && QFileInfo::exists(paths.at(1)));
         QCOMPARE(removeFiles(paths.sliced(1), RemovalMode::Quarantine, box.path(u"q"_s), {}, {}, { kept }).succeeded,

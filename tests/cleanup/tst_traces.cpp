@@ -45,7 +45,8 @@ bool isKilled(const QStringList &task, [[maybe_unused]] bool duringCopy)
 
 QString removedText(int files, const QString &folder)
 {
-    return u"Removed %1 unfinished file(s) that an interrupted clean-up had left in %2."_s.arg(files).arg(folder);
+    return u"Removed %1 unfinished file(s) that an interrupted clean-up had left in %2."_s.arg(files).arg(
+        native(folder));
 }
 
 } // namespace

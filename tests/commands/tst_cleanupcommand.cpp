@@ -189,7 +189,8 @@ private Q_SLOTS:
         person.newQuarantine = session.inLibrary(u"&quarantine;"_s);
         QVERIFY(QDir().mkdir(person.newQuarantine));
         session.window->onRemoveSelected();
-        QVERIFY(person.hint.endsWith("under<br>"_L1 + session.library() + "/&amp;quarantine;</span>"_L1));
+        QVERIFY(
+            person.hint.endsWith("under<br>"_L1 + native(session.library() + u"/&amp;quarantine;"_s) + "</span>"_L1));
         QVERIFY(person.boxes.value(0).startsWith("Quarantine folder will be scanned|"_L1));
         QCOMPARE(person.boxes.value(1),
                  u"Clean-up complete|Removed 4 file(s), freeing 400 bytes.\n\nThis clean-up can be reversed from Tools "
@@ -230,7 +231,7 @@ private Q_SLOTS:
         for (const QString &line :
              { u"Move to quarantine: 1 succeeded, 3 failed, 100 bytes freed."_s,
                u"Group 1 was left alone: no copy would remain"_s, u"Group 2 was left alone: the copy to keep changed"_s,
-               session.inLibrary(u"c2"_s) + u" changed since the scan"_s })
+               native(session.inLibrary(u"c2"_s)) + u" changed since the scan"_s })
             QVERIFY2(logs(*session.window, line), qPrintable(line));
         const auto *log = session.window->findChild<QPlainTextEdit *>(u"activityLog"_s);
         QVERIFY(session.person.isWarning);
@@ -251,7 +252,7 @@ private Q_SLOTS:
         file.close();
         SettingsStore().set(settings::compareAgain, true);
         session.window->onRemoveSelected();
-        QVERIFY(logs(*session.window, changed + u" was left in place: its content is not what"_s));
+        QVERIFY(logs(*session.window, native(changed) + u" was left in place: its content is not what"_s));
         QCOMPARE(treeOf(session.library()).keys(), words("a1 a2 b1 sub sub/c1"));
     }
 
@@ -291,7 +292,7 @@ private Q_SLOTS:
                 u"Folders not found|1 folder(s) that files of this clean-up came from are not there, the first of "
                 "them %1.\n\nIf they are on a drive that is not connected, connect it and undo again. Undoing now "
                 "would "
-                "make them anew."_s.arg(session.library())));
+                "make them anew."_s.arg(native(session.library()))));
             QCOMPARE(QFileInfo::exists(files.first()), button == QMessageBox::Ignore);
         }
     }

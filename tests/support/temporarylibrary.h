@@ -31,6 +31,12 @@ struct TemporaryHome : QTemporaryDir {
     }
 };
 
+/// The path as it is shown.
+inline QString native(const QString &path)
+{
+    return QDir::toNativeSeparators(path);
+}
+
 /// Replaces the file, and makes its folder.
 inline void writeFile(const QString &path, const QByteArray &content)
 {

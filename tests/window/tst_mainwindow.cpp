@@ -98,7 +98,9 @@ private Q_SLOTS:
         QDir::setCurrent(before);
         QVERIFY(window.isVisible() && !window.isScanning());
         QCOMPARE(foldersOf(window), (QStringList { here + "/A"_L1, here + "/B"_L1 }));
-        window.findChild<QListWidget *>(u"folderList"_s)->setCurrentRow(0);
+        auto *list = window.findChild<QListWidget *>(u"folderList"_s);
+        QCOMPARE(list->item(1)->text(), native(here + "/B"_L1));
+        list->setCurrentRow(0);
         window.onRemoveFolder();
         QCOMPARE(foldersOf(window), QStringList(here + "/B"_L1));
     }
