@@ -107,6 +107,19 @@ void applyToApplication()
 
 } // namespace epr::metadata
 
+namespace epr {
+
+void avoidCompiledExpressions()
+{
+#if defined(Q_OS_WIN) && defined(Q_CC_GNU)
+    // A compiled expression, and each filter of file names, gets a stack for each thread, which a Qt built with MinGW
+    // frees when the thread ends, after the memory of the pointer to it. The thread dies of that.
+    qputenv("QT_ENABLE_REGEXP_JIT", "0");
+#endif
+}
+
+} // namespace epr
+
 namespace epr::translation {
 
 using namespace Qt::StringLiterals;

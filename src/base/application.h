@@ -28,6 +28,14 @@ void applyToApplication();
 
 } // namespace epr::metadata
 
+namespace epr {
+
+/// Keeps regular expressions from being compiled where that ends in a crash; elsewhere it does nothing. Call it first
+/// in main(), before there are threads.
+void avoidCompiledExpressions();
+
+} // namespace epr
+
 /// The language of the program's texts.
 namespace epr::translation {
 

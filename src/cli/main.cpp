@@ -74,6 +74,7 @@ int scan(const CliRequest &request)
 
 int main(int argc, char *argv[])
 {
+    avoidCompiledExpressions();
     preferFfmpegMediaBackend();
     const QCoreApplication app(argc, argv);
     metadata::applyToApplication();

@@ -12,6 +12,7 @@
 
 int main(int argc, char *argv[])
 {
+    epr::avoidCompiledExpressions();
     epr::startup::answerQuestions(argc, argv);
     epr::preferFfmpegMediaBackend();
     const QApplication application(argc, argv);
