@@ -112,6 +112,13 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
         </translation>
     </message>
     <message numerus="yes">
+        <source>Left out %n file(s) whose names Windows takes for devices.</source>
+        <translation>
+            <numerusform>Left out %n file whose name Windows takes for a device.</numerusform>
+            <numerusform>Left out %n files whose names Windows takes for devices.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%n file(s) are shorter than the analysed length and were fingerprinted as far as they go.</source>
         <translation>
             <numerusform>%n file is shorter than the analysed length and was fingerprinted as far as it goes.</numerusform>

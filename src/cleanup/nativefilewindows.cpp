@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "nativefile.h"
 
-#include "fileproblems.h"
+#include "systempaths.h"
 
 #include <QFileDevice>
 

@@ -4,6 +4,7 @@
 
 #include "displaytext.h"
 #include "nativefile.h"
+#include "systempaths.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -45,7 +46,7 @@ NameKey nameKey(const QFileInfo &info)
 {
     if (const auto folder = nativefile::identityOf(info.absolutePath()))
         return { folder->volume, folder->index, foldCase(info.fileName()) };
-    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
+    const QString folder = folderIdentity(info.absolutePath()).path;
     return { 0, 0, foldCase((folder.isEmpty() ? info.absolutePath() : folder) + u'/' + info.fileName()) };
 }
 
@@ -129,10 +130,10 @@ bool hasSurvivor(const RemovalGroup &group, const QSet<QString> &ticked, const A
                        [&](const QString &path) { return !ticked.contains(path) && after.survives(path); });
 }
 
-// The nearest folder above that exists has a canonical path; what is missing below it cannot be a link.
-QString canonicalFolder(const QString &folder)
+// Of what is missing the nearest folder above that exists is resolved; the rest cannot be a link.
+FolderIdentity plannedFolder(const QString &folder)
 {
-    QString existing = QDir::cleanPath(QDir(folder).absolutePath());
+    QString existing = QDir::cleanPath(QDir(asSystemReads(folder)).absolutePath());
     QString missing;
     while (!QFileInfo::exists(existing)) {
         const QFileInfo info(existing);
@@ -141,8 +142,9 @@ QString canonicalFolder(const QString &folder)
         missing = u'/' + info.fileName() + missing;
         existing = info.path();
     }
-    const QString canonical = QFileInfo(existing).canonicalFilePath();
-    return foldCase(QDir::cleanPath((canonical.isEmpty() ? existing : canonical) + missing));
+    FolderIdentity found = folderIdentity(existing);
+    const QString path = QDir::cleanPath((found.path.isEmpty() ? existing : found.path) + missing);
+    return missing.isEmpty() && !found.path.isEmpty() ? found : FolderIdentity { .path = path };
 }
 
 /// One group after the look at its files.
@@ -233,11 +235,17 @@ QList<RefusedGroup> groupsWithoutSurvivor(const QList<RemovalGroup> &groups, con
 
 bool isInside(const QString &folder, const QStringList &roots)
 {
-    const QString inner = canonicalFolder(folder);
-    return std::any_of(roots.cbegin(), roots.cend(), [&inner](const QString &root) {
-        const QString outer = canonicalFolder(root);
-        return inner == outer || inner.startsWith(outer.endsWith(u'/') ? outer : outer + u'/');
-    });
+    QList<FolderIdentity> outer;
+    for (const QString &root : roots)
+        outer.append(plannedFolder(root));
+    FolderIdentity inner = plannedFolder(folder);
+    while (std::none_of(outer.cbegin(), outer.cend(), [&](const auto &root) { return root.isSameAs(inner); })) {
+        const QString above = QFileInfo(inner.path).path();
+        if (above == inner.path)
+            return false;
+        inner = plannedFolder(above);
+    }
+    return true;
 }
 
 RemovalPlan planRemoval(const QList<TickedGroup> &groups)

@@ -52,8 +52,7 @@ struct RefusedGroup {
 /// ticked member are not looked at. ticked holds the files to be removed from all groups.
 QList<RefusedGroup> groupsWithoutSurvivor(const QList<RemovalGroup> &groups, const QSet<QString> &ticked);
 
-/// Whether the folder is one of the roots or inside one, links resolved, by the letter case rules of the platform. The
-/// folder need not exist yet.
+/// Whether the folder is one of the roots or inside one, by whatever paths. The folder need not exist yet.
 bool isInside(const QString &folder, const QStringList &roots);
 
 /// A group of duplicates with what the operator ticked in it. Numbers are not used twice in one list.

@@ -3,6 +3,8 @@
 #include "fileproblems.h"
 
 #ifdef Q_OS_WIN
+#include "systempaths.h"
+
 #include <QCoreApplication>
 
 #ifndef WIN32_LEAN_AND_MEAN

@@ -2,26 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QDir>
 #include <QFileDevice>
 #include <QFileInfo>
 
-#include <string>
-
 namespace epr {
-
-#ifdef Q_OS_WIN
-/// The path for a function of Windows. The prefix lifts the limit of 260 characters and needs a clean absolute path.
-inline std::wstring longPath(const QString &path)
-{
-    const QString native = QDir::toNativeSeparators(QDir::cleanPath(path));
-    if (native.startsWith(QLatin1String("\\\\?\\")))
-        return native.toStdWString();
-    if (native.startsWith(QLatin1String("\\\\")))
-        return QString(QLatin1String("\\\\?\\UNC\\") + native.mid(2)).toStdWString();
-    return QString(QLatin1String("\\\\?\\") + native).toStdWString();
-}
-#endif
 
 /// Whether the name belongs to a folder, a device or a pipe. Opening a pipe waits for a writer that may never come, and
 /// reading a device may never end; nothing may replace them either. False for what does not exist.

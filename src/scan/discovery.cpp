@@ -3,16 +3,21 @@
 #include "libraryfiles.h"
 
 #include "folderlisting.h"
+#include "systempaths.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QHash>
 #include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace epr {
 
@@ -62,25 +67,25 @@ private:
     QList<QRegularExpression> m_expressions;
 };
 
-// Canonical paths tell whether two paths lead to the same file. Resolving one costs a look-up for every folder on the
-// way, so the folder is resolved once for all the files in it that are not links themselves.
-class CanonicalPaths {
+// Gives each folder one path, by whatever path it is reached: that of the first look at it.
+class FolderNames {
 public:
-    QString of(const QFileInfo &file)
+    QString of(const QString &folder)
     {
-        if (file.isSymLink())
-            return file.canonicalFilePath();
-        const QString folder = file.path();
-        if (folder != m_folder) {
-            m_folder = folder;
-            m_canonicalFolder = QFileInfo(folder).canonicalFilePath();
-        }
-        return m_canonicalFolder.isEmpty() ? QString() : QDir(m_canonicalFolder).filePath(file.fileName());
+        const FolderIdentity identity = folderIdentity(folder);
+        if (identity.path.isEmpty()) // it has vanished
+            return folder;
+        QList<FolderIdentity> &alike = m_known[{ identity.volume, identity.index }];
+        const auto known = std::find_if(alike.cbegin(), alike.cend(),
+                                        [&identity](const auto &other) { return other.isSameAs(identity); });
+        if (known != alike.cend())
+            return known->path;
+        alike.append(identity);
+        return identity.path;
     }
 
 private:
-    QString m_folder;
-    QString m_canonicalFolder;
+    QHash<std::pair<quint64, quint64>, QList<FolderIdentity>> m_known;
 };
 
 QSet<QString> wantedExtensions(const QStringList &extensions)
@@ -120,9 +125,11 @@ public:
 
 private:
     void walkRoot(const QString &root);
-    void visitFolder(const QString &folder);
-    void visitFile(const QFileInfo &file);
+    void enterFolder(const QString &folder);
+    void listFolder(const QString &folder);
+    void visitFile(const QFileInfo &file, const QString &folderName);
     bool isWanted(const QFileInfo &file) const;
+    QString nameOf(const QFileInfo &file, const QString &folderName);
     void noteUnreadable(const QString &folder, const Result<> &outcome);
     void accept(const QFileInfo &file);
 
@@ -132,12 +139,18 @@ private:
     DiscoveryProblems *const m_problems;
     const QSet<QString> m_extensions;
     const ExcludePatterns m_excludes;
-    CanonicalPaths m_canonicalPaths;
+    struct OpenFolder {
+        QString name; ///< by m_folderNames
+        std::unique_ptr<QDirIterator> entries;
+    };
+    std::vector<OpenFolder> m_open; ///< from the root down to where the walk is
+    FolderNames m_folderNames;
+    QSet<QString> m_entered; ///< of one root, by name
     QSet<QString> m_seen;
     QStringList m_found;
     QString m_reportedFolder;
     FolderListing m_listing;
-    QSet<QString> m_unreadable;
+    QSet<QString> m_unreadable; ///< folders by name
 };
 
 QStringList Walk::run()
@@ -145,76 +158,109 @@ QStringList Walk::run()
     for (const QString &root : m_options.roots) {
         const QFileInfo folder(root);
         if (folder.isDir())
-            walkRoot(QDir::cleanPath(folder.absoluteFilePath()));
+            walkRoot(QDir::cleanPath(asSystemReads(folder.absoluteFilePath())));
         else if (m_problems)
             m_problems->missingRoots.append(root);
     }
     if (m_problems)
-        m_problems->undecodableNames = m_listing.undecodableNames();
+        m_problems->unusableNames = m_listing.unusableNames();
     if (m_progress)
         m_progress(static_cast<int>(m_found.size()), QString());
     return std::move(m_found);
 }
 
-// Folders are listed too, so that each one that the walk enters is known by its name.
+// Qt's own walk through subfolders takes junctions and mounted volumes for plain folders, and their loops never end.
 void Walk::walkRoot(const QString &root)
 {
-    QDir::Filters filters = QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot;
-    QDirIterator::IteratorFlags flags = QDirIterator::Subdirectories;
-    if (m_options.includeHidden)
-        filters |= QDir::Hidden;
-    if (m_options.followSymlinks)
-        flags |= QDirIterator::FollowSymlinks;
-
-    visitFolder(root);
-    QDirIterator entries(root, filters, flags);
-    while (m_cancelFlag.load(std::memory_order_relaxed) == 0 && entries.hasNext()) {
-        const QFileInfo entry = entries.nextFileInfo();
+    m_entered.clear();
+    enterFolder(root);
+    while (m_cancelFlag.load(std::memory_order_relaxed) == 0 && !m_open.empty()) {
+        const OpenFolder &folder = m_open.back();
+        if (!folder.entries->hasNext()) {
+            m_open.pop_back();
+            continue;
+        }
+        const QFileInfo entry = folder.entries->nextFileInfo();
         if (!entry.isDir())
-            visitFile(entry);
-        else if (m_options.followSymlinks || !entry.isSymLink())
-            visitFolder(entry.filePath());
+            visitFile(entry, folder.name);
+        else if (m_options.followSymlinks || !isFolderLink(entry))
+            enterFolder(entry.filePath());
     }
-    visitFolder(root); // once more: to the iterator a drive that drops out is the end of its folders
+    m_open.clear();
+    listFolder(root); // once more: to the iterator a drive that drops out is the end of its folders
 }
 
-void Walk::visitFolder(const QString &folder)
+void Walk::enterFolder(const QString &folder)
+{
+    if (asSystemReads(folder) != folder) { // Qt would list another one
+        noteUnreadable(folder,
+                       failure(QCoreApplication::translate("epr::ScanController",
+                                                           "Windows does not open names that are a device's or end "
+                                                           "with a full stop or space")));
+        return;
+    }
+    const QString name = m_folderNames.of(folder);
+    if (m_entered.contains(name))
+        return;
+    m_entered.insert(name);
+    listFolder(folder);
+    QDir::Filters filters = QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot;
+    if (m_options.includeHidden)
+        filters |= QDir::Hidden;
+    m_open.push_back({ name, std::make_unique<QDirIterator>(folder, filters) });
+}
+
+void Walk::listFolder(const QString &folder)
 {
     if (m_problems)
         noteUnreadable(folder, m_listing.read(folder));
 }
 
 // A folder that may be listed but not entered gives names without sizes, as does one whose path is nearly too long.
-void Walk::visitFile(const QFileInfo &file)
+void Walk::visitFile(const QFileInfo &file, const QString &folderName)
 {
     if (!isWanted(file)) {
         if (m_problems && file.size() == 0 && m_extensions.contains(file.suffix().toLower()))
             noteUnreadable(file.path(), reachEntry(file.filePath()));
         return;
     }
-    QString key = m_canonicalPaths.of(file);
-    if (key.isEmpty())
-        key = file.absoluteFilePath();
-    if (m_seen.contains(key))
+    const QString name = nameOf(file, folderName);
+    if (m_seen.contains(name))
         return;
-    m_seen.insert(key);
+    m_seen.insert(name);
     accept(file);
 }
 
+// One for each file, by whatever path it is reached.
+QString Walk::nameOf(const QFileInfo &file, const QString &folderName)
+{
+    if (!file.isSymLink())
+        return folderName + u'/' + file.fileName();
+    const QString target = folderIdentity(file.filePath()).path;
+    if (target.isEmpty()) // it has vanished
+        return file.filePath();
+    return m_folderNames.of(QFileInfo(target).path()) + u'/' + QFileInfo(target).fileName();
+}
+
 // The cheap tests come first: the extension costs nothing, the size asks the file system, the patterns are many. The
-// iterator lists everything that is no folder, a link to a pipe or a shortcut included.
+// iterator lists everything that is no folder, a link to a pipe or a shortcut included, on Windows devices as well.
 bool Walk::isWanted(const QFileInfo &file) const
 {
     return m_extensions.contains(file.suffix().toLower()) && file.isFile() && !file.isShortcut()
-        && file.size() >= m_options.minBytes && !m_excludes.match(file.filePath());
+        && file.size() >= m_options.minBytes && !m_excludes.match(file.filePath())
+        && asSystemReads(file.filePath()) == file.filePath();
 }
 
 // A pattern for all that is in the folder is how the operator says that it need not be read.
 void Walk::noteUnreadable(const QString &folder, const Result<> &outcome)
 {
-    if (outcome || m_unreadable.contains(folder) || isOfTheFileSystem(folder) || m_excludes.match(folder + u'/'))
+    if (outcome || !m_problems || isOfTheFileSystem(folder) || m_excludes.match(folder + u'/'))
         return;
-    m_unreadable.insert(folder);
+    const QFileInfo info(folder);
+    const QString name = m_folderNames.of(info.path()) + u'/' + info.fileName();
+    if (m_unreadable.contains(name))
+        return;
+    m_unreadable.insert(name);
     m_problems->unreadableFolders.append({ folder, outcome.error() });
 }
 

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "folderlisting.h"
 
-#include "fileproblems.h"
+#include "systempaths.h"
 
+#include <QDir>
 #include <QFile>
 
 #ifdef Q_OS_WIN
@@ -23,6 +24,13 @@ FolderListing::FolderListing(WantedNames wanted)
 {
 }
 
+bool FolderListing::isWantedFile(const QString &name, qint64 size, const QString &folder) const
+{
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot >= 0 && m_wanted.extensions.contains(name.sliced(dot + 1).toLower()) && size >= m_wanted.minBytes
+        && !m_wanted.isExcluded(folder + u'/' + name);
+}
+
 #ifdef Q_OS_WIN
 
 Result<> FolderListing::read(const QString &folder)
@@ -32,14 +40,31 @@ Result<> FolderListing::read(const QString &folder)
     WIN32_FIND_DATAW entry;
     const HANDLE listing = FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr,
                                             FIND_FIRST_EX_LARGE_FETCH);
-    while (listing != INVALID_HANDLE_VALUE && FindNextFileW(listing, &entry))
-        continue;
+    for (bool isThere = listing != INVALID_HANDLE_VALUE; isThere; isThere = FindNextFileW(listing, &entry)) {
+        const QString name = QString::fromWCharArray(entry.cFileName);
+        const qint64 size = (qint64 { entry.nFileSizeHigh } << 32) | entry.nFileSizeLow;
+        const bool isHidden = (entry.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0;
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && (m_wanted.includeHidden || !isHidden)
+            && isWantedFile(name, size, folder)) {
+            addIfDevice(name, folder);
+        }
+    }
     const DWORD error = GetLastError();
     if (listing != INVALID_HANDLE_VALUE)
         FindClose(listing);
     if (error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND) // the latter for an empty drive
         return {};
     return failure(qt_error_string(static_cast<int>(error)));
+}
+
+// Qt says that there is no such file.
+void FolderListing::addIfDevice(const QString &name, const QString &folder)
+{
+    const QString path = QDir(folder).filePath(name);
+    if (asSystemReads(path) == path)
+        return;
+    const FolderIdentity parent = folderIdentity(folder);
+    m_unusable.insert({ parent.volume, qHash(name, parent.index) });
 }
 
 // Sizes come with the listing, so that there is nothing more to reach.
@@ -55,12 +80,6 @@ namespace {
 struct CloseFolder {
     void operator()(DIR *folder) const { closedir(folder); }
 };
-
-QString extensionOf(const QByteArray &name)
-{
-    const qsizetype dot = name.lastIndexOf('.');
-    return dot < 0 ? QString() : QString::fromUtf8(name.sliced(dot + 1)).toLower();
-}
 
 } // namespace
 
@@ -95,10 +114,8 @@ void FolderListing::addUndecodable(int folderDescriptor, const QByteArray &name,
         return;
     }
     const bool wantedFolder = S_ISDIR(target.st_mode) && (m_wanted.followSymlinks || !S_ISLNK(entry.st_mode));
-    const bool wantedFile = S_ISREG(target.st_mode) && m_wanted.extensions.contains(extensionOf(name))
-        && target.st_size >= m_wanted.minBytes && !m_wanted.isExcluded(folder + u'/' + QString::fromUtf8(name));
-    if (wantedFolder || wantedFile)
-        m_undecodable.insert({ target.st_dev, target.st_ino });
+    if (wantedFolder || (S_ISREG(target.st_mode) && isWantedFile(QString::fromUtf8(name), target.st_size, folder)))
+        m_unusable.insert({ target.st_dev, target.st_ino });
 }
 
 Result<> reachEntry(const QString &path)

@@ -11,7 +11,7 @@
 
 namespace epr {
 
-/// What a walk takes in, as far as it can be told from the bytes of a name that is not valid UTF-8.
+/// What a walk takes in, as far as it can be told of a name that Qt cannot use.
 struct WantedNames {
     QSet<QString> extensions; ///< lower case
     bool includeHidden = false;
@@ -21,7 +21,8 @@ struct WantedNames {
 };
 
 /// Reads folders once more beside the walk, for what Qt's listing keeps to itself: that a folder could not be opened or
-/// listed to its end, and wanted files and folders whose names are not valid UTF-8.
+/// listed to its end, and what is wanted but left out for its name: files and folders whose names are not valid UTF-8,
+/// on Windows files whose names are taken for devices.
 class FolderListing final {
 public:
     explicit FolderListing(WantedNames wanted);
@@ -29,14 +30,19 @@ public:
     /// Fails with the system's reason.
     Result<> read(const QString &folder);
 
-    /// Files and folders in what was read, each once; always 0 where file names are UTF-16.
-    int undecodableNames() const { return static_cast<int>(m_undecodable.size()); }
+    /// What was left out of what was read, each once.
+    int unusableNames() const { return static_cast<int>(m_unusable.size()); }
 
 private:
+    bool isWantedFile(const QString &name, qint64 size, const QString &folder) const;
+#ifdef Q_OS_WIN
+    void addIfDevice(const QString &name, const QString &folder);
+#else
     void addUndecodable(int folderDescriptor, const QByteArray &name, const QString &folder);
+#endif
 
     WantedNames m_wanted;
-    QSet<std::pair<quint64, quint64>> m_undecodable; ///< device and inode: overlapping roots reach an entry twice
+    QSet<std::pair<quint64, quint64>> m_unusable; ///< device and inode: overlapping roots reach an entry twice
 };
 
 /// Why a listed entry cannot be looked at, which is its folder's fault; succeeds for one that is there or has vanished.

@@ -27,7 +27,7 @@ struct DiscoveryProblems {
 
     QStringList missingRoots; ///< not there, or not folders
     QList<UnreadableFolder> unreadableFolders; ///< could not be opened, listed to the end or entered; each once
-    int undecodableNames = 0; ///< wanted files and folders whose names are not valid UTF-8
+    int unusableNames = 0; ///< wanted files and folders: names that are not valid UTF-8, on Windows devices' names
 };
 
 /// Walks the roots and returns the absolute paths of the audio files that pass the filters of the options, each file

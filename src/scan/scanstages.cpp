@@ -43,10 +43,15 @@ void logProblems(const DiscoveryProblems &problems, const StageContext &context)
         context.log(
             QCoreApplication::translate("epr::ScanController", "Could not read %n more folder(s).", nullptr, unnamed));
     }
-    if (problems.undecodableNames > 0) {
-        context.log(QCoreApplication::translate("epr::ScanController",
-                                                "Left out %n file(s) or folder(s) whose names are not valid UTF-8.",
-                                                nullptr, problems.undecodableNames));
+    if (problems.unusableNames > 0) {
+#ifdef Q_OS_WIN
+        const char *text =
+            QT_TRANSLATE_NOOP("epr::ScanController", "Left out %n file(s) whose names Windows takes for devices.");
+#else
+        const char *text = QT_TRANSLATE_NOOP("epr::ScanController",
+                                             "Left out %n file(s) or folder(s) whose names are not valid UTF-8.");
+#endif
+        context.log(QCoreApplication::translate("epr::ScanController", text, nullptr, problems.unusableNames));
     }
 }
 

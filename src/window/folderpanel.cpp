@@ -4,6 +4,7 @@
 
 #include "displaytext.h"
 #include "notices.h"
+#include "systempaths.h"
 
 #include <QAction>
 #include <QDir>
@@ -41,6 +42,14 @@ QPushButton *buttonFor(QAction *action, const QString &text, QWidget *parent)
     return button;
 }
 
+constexpr int pathRole = Qt::UserRole;
+constexpr int identityRole = Qt::UserRole + 1; ///< when added: a drive that has gone since would take long to answer
+
+QString pathOf(const QListWidgetItem &folder)
+{
+    return folder.data(pathRole).toString();
+}
+
 } // namespace
 
 FolderPanel::FolderPanel(QAction *add, QAction *remove, QWidget *parent)
@@ -55,7 +64,7 @@ QStringList FolderPanel::folders() const
 {
     QStringList folders;
     for (int row = 0; row < m_list->count(); ++row)
-        folders << m_list->item(row)->data(Qt::UserRole).toString();
+        folders << pathOf(*m_list->item(row));
     return folders;
 }
 
@@ -66,11 +75,18 @@ bool FolderPanel::hasSelection() const
 
 bool FolderPanel::addFolder(const QString &path)
 {
-    const QString absolute = QDir(path).absolutePath();
-    if (path.isEmpty() || !QFileInfo(absolute).isDir() || folders().contains(absolute))
+    const QString absolute = QDir(asSystemReads(path)).absolutePath();
+    if (path.isEmpty() || !QFileInfo(absolute).isDir())
         return false;
+    const FolderIdentity identity = folderIdentity(absolute);
+    for (int row = 0; row < m_list->count(); ++row) {
+        const QListWidgetItem &folder = *m_list->item(row);
+        if (pathOf(folder) == absolute || folder.data(identityRole).value<FolderIdentity>().isSameAs(identity))
+            return false;
+    }
     auto *item = new QListWidgetItem(nativePath(absolute));
-    item->setData(Qt::UserRole, absolute);
+    item->setData(pathRole, absolute);
+    item->setData(identityRole, QVariant::fromValue(identity));
     item->setToolTip(plainToolTip(item->text()));
     m_list->addItem(item);
     m_hint->hide();

@@ -24,7 +24,7 @@ public:
     bool hasSelection() const;
 
     /// Appends the folder by its absolute path. False if it does not exist, is not a folder or is in the list already,
-    /// letter for letter.
+    /// by whatever path.
     bool addFolder(const QString &path);
     void removeSelected();
     void focusAddButton();

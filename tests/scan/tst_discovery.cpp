@@ -2,18 +2,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "libraryfiles.h"
 
+#include "secondname.h"
 #include "temporarylibrary.h"
 
+#include <QScopeGuard>
 #include <QTest>
+
+#include <array>
 
 #ifdef Q_OS_UNIX
 #include "deepfolder.h"
 
-#include <QScopeGuard>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#else
+#include <qt_windows.h>
 #endif
 
 using namespace epr;
@@ -83,6 +87,28 @@ private Q_SLOTS:
         QCOMPARE(actual, found);
     }
 
+    void oneFolderUnderTwoNamesIsListedOnce()
+    {
+        const QTemporaryDir folder;
+        const QString music = folder.filePath(u"Music"_s);
+        for (const QString &name : words("a.mp3 Inbox/a.mp3 Inbox/b.mp3"))
+            writeFile(music + u'/' + name, "a");
+        QVERIFY(QDir().mkpath(music + "/again"_L1));
+        const SecondName second(music, music + "/again"_L1);
+        if (second.path().isEmpty())
+            QSKIP("Only the administrator may mount");
+        QVERIFY(QFile::exists(second.path() + "/a.mp3"_L1));
+        ScanOptions options;
+        options.minBytes = 0;
+        options.roots = QStringList { music + "/Inbox"_L1, second.path(), music };
+        QStringList found = discover(options, 0);
+        found.sort();
+        const QString inbox = music + "/Inbox"_L1;
+        QStringList expected { inbox + "/a.mp3"_L1, inbox + "/b.mp3"_L1, QDir(second.path()).filePath(u"a.mp3"_s) };
+        expected.sort();
+        QCOMPARE(found, expected);
+    }
+
     void specialAndUndecodableFilesAreLeftOut()
     {
 #ifdef Q_OS_UNIX
@@ -97,9 +123,31 @@ private Q_SLOTS:
         options.roots = QStringList { folder.path() };
         DiscoveryProblems problems;
         QCOMPARE(discover(options, 0, {}, &problems), QStringList { folder.filePath(u"good.mp3"_s) });
-        QCOMPARE(problems.undecodableNames, 2); // the audio file and the folder
+        QCOMPARE(problems.unusableNames, 2); // the audio file and the folder
 #else
-        QSKIP("Windows has neither such files nor such names");
+        const QTemporaryDir folder;
+        writeFile(folder.filePath(u"R.E.M/a.mp3"_s), "a");
+        const std::wstring root = L"\\\\?\\" + QDir::toNativeSeparators(folder.path()).toStdWString();
+        const std::wstring dotted = root + L"\\R.E.M.";
+        QVERIFY(CreateDirectoryW(dotted.c_str(), nullptr));
+        const auto makeFile = [](const std::wstring &path) { // which goes with the last handle
+            return CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                               CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+        };
+        const std::array handles { makeFile(dotted + L"\\a.mp3"), makeFile(root + L"\\con.mp3") };
+        const auto cleanUp = qScopeGuard([&] {
+            for (const HANDLE handle : handles)
+                CloseHandle(handle);
+            RemoveDirectoryW(dotted.c_str());
+        });
+        ScanOptions options;
+        options.minBytes = 0;
+        options.roots = QStringList { folder.path(), folder.path().toUpper() };
+        DiscoveryProblems problems;
+        QCOMPARE(discover(options, 0, {}, &problems).join(u' '), folder.filePath(u"R.E.M/a.mp3"_s));
+        QCOMPARE(problems.unusableNames, 1);
+        QCOMPARE(problems.unreadableFolders.size(), 1);
+        QCOMPARE(problems.unreadableFolders.at(0).path, folder.filePath(u"R.E.M."_s));
 #endif
     }
 

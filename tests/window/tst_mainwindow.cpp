@@ -196,6 +196,11 @@ private Q_SLOTS:
         for (const QString &folder : folders) {
             MainWindow window;
             QVERIFY(QDir().mkpath(folder) && window.addFolder(folder));
+#ifdef Q_OS_WIN
+            QVERIFY(!window.addFolder(folder.toUpper()));
+#else
+            QVERIFY(QFile::link(folder, folder + u"2"_s) && !window.addFolder(folder + u"2"_s));
+#endif
             window.close();
         }
         QCOMPARE(SettingsStore().value(settings::folders), folders);
