@@ -48,7 +48,7 @@ QString relativeDestination(const QString &path, const QStringList &scanRoots)
     for (const QString &root : scanRoots) {
         const QDir folder(QDir::cleanPath(QDir(root).absolutePath()));
         const QString relative = folder.relativeFilePath(path);
-        if (!relative.startsWith(".."_L1) && QDir::isRelativePath(relative))
+        if (relative != ".."_L1 && !relative.startsWith("../"_L1) && QDir::isRelativePath(relative))
             return folder.dirName() + u'/' + relative; // the top of a drive has no name
     }
     return QFileInfo(path).fileName();

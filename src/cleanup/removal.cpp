@@ -9,6 +9,7 @@
 #include "patience.h"
 #include "quarantinerun.h"
 #include "removalguard.h"
+#include "systempaths.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -183,13 +184,14 @@ QString removalModeLabel(RemovalMode mode)
 RemovalResult removeFiles(const QStringList &paths, RemovalMode mode, const QString &quarantineRoot,
                           const QStringList &scanRoots, const CleanupProgressFn &progress, const RemovalChecks &checks)
 {
+    const QString root = asSystemReads(quarantineRoot);
     CleanupLock lock;
-    if (const Result<> locked = lock.take(quarantineRoot); !locked) {
+    if (const Result<> locked = lock.take(root); !locked) {
         RemovalResult refused;
         refused.refusal = locked.error();
         return refused;
     }
-    QuarantineRun quarantine(paths, quarantineRoot, scanRoots, lock);
+    QuarantineRun quarantine(paths, root, scanRoots, lock);
     return Removal(paths, mode, checks, quarantine).run(progress);
 }
 
