@@ -3,16 +3,19 @@
 
 // What checking an unchanged library against the analysis cache costs, against the walk that finds its files. Both are
 // called as a scan calls them, and take turns; the median of five rounds counts, of wall and of processor time. A ratio
-// is that of one round.
+// is that of one round. Then echoprune-scan, which lies beside this program, scans the unchanged library from start to
+// end, without comparing by sound, against a find that looks at every file.
 //
 //   bench_cache [FILES [ROWS]]      100,000 files unless given; ROWS more than FILES adds rows of files that are gone
 
 #include "analysiscache.h"
+#include "application.h"
 #include "libraryfiles.h"
 #include "scanstages.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -20,6 +23,7 @@
 #include <atomic>
 #include <chrono>
 #include <ctime>
+#include <sys/resource.h>
 
 using namespace epr;
 using namespace Qt::StringLiterals;
@@ -36,16 +40,16 @@ void makeLibrary(const QString &root, int files)
         if (i % filesPerFolder == 0)
             QDir().mkpath(folder);
         QFile file(folder + u"/A track with an ordinary name %1.mp3"_s.arg(i));
-        if (!file.open(QIODevice::WriteOnly))
+        if (!file.open(QIODevice::WriteOnly) || !file.resize(ScanOptions().minBytes)) // which takes no room on the disk
             qFatal("Cannot write the library");
     }
 }
 
-TrackInfo analysedTrack(const QString &path)
+TrackInfo analysedTrack(const QString &path, int number)
 {
     TrackInfo track = measureFile(path);
     track.tags.title = track.tags.artist = track.tags.album = u"Some text as tags have it"_s;
-    track.fullHash = track.audioHash = QString(64, u'a');
+    track.fullHash = track.audioHash = QString::number(number).rightJustified(64, u'a');
     track.fingerprint.words = track.fingerprint.mask = QList<quint32>(fingerprintWords, 0x12345678);
     track.fingerprint.alternative = track.fingerprint.alternativeMask = track.fingerprint.words;
     track.analysed = true;
@@ -55,8 +59,8 @@ TrackInfo analysedTrack(const QString &path)
 void fillCache(AnalysisCache &cache, const QStringList &paths)
 {
     cache.beginTransaction();
-    for (const QString &path : paths)
-        cache.store(analysedTrack(path), FingerprintEngine::BuiltIn);
+    for (int number = 0; const QString &path : paths)
+        cache.store(analysedTrack(path, number++), FingerprintEngine::BuiltIn);
     cache.commitTransaction();
 }
 
@@ -161,13 +165,62 @@ void reportTimes(const QList<Round> &rounds, double Cost::*time, QTextStream &ou
         << median(rounds, [time](const Round &round) { return round.check.*time / (round.walk.*time); }) << '\n';
 }
 
+struct ProcessCost {
+    Cost time;
+    double writtenBytes = 0;
+};
+
+// fpcalc is not found there, so that the scan asks for what the cache holds.
+ProcessCost costOfProcess(const QString &program, const QStringList &arguments)
+{
+    const auto used = [] {
+        rusage usage = {};
+        getrusage(RUSAGE_CHILDREN, &usage);
+        const auto seconds = [](const timeval &time) {
+            return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+        };
+        return std::pair(seconds(usage.ru_utime) + seconds(usage.ru_stime),
+                         512.0 * static_cast<double>(usage.ru_oublock));
+    };
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"PATH"_s, QDir::tempPath()); // an empty one means the usual places
+    process.setProcessEnvironment(environment);
+    process.setStandardOutputFile(QProcess::nullDevice());
+    const auto [processor, written] = used();
+    const double wall = costOf([&] {
+                            process.start(program, arguments);
+                            process.waitForFinished(-1);
+                        }).wall;
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        qFatal("%ls has failed", qUtf16Printable(program));
+    const auto [processorAfter, writtenAfter] = used();
+    return { { wall, processorAfter - processor }, writtenAfter - written };
+}
+
+void reportWholeScans(const QString &library, double cacheBytes, QTextStream &out)
+{
+    const QString scan = QDir(QCoreApplication::applicationDirPath()).filePath(u"echoprune-scan"_s);
+    for (int round = 0; round < 3; ++round) {
+        const ProcessCost find =
+            costOfProcess(u"/usr/bin/find"_s, { library, u"-type"_s, u"f"_s, u"-printf"_s, u"%s %T@\n"_s });
+        const ProcessCost whole = costOfProcess(scan, { u"--no-acoustic"_s, library });
+        out << "whole second scan: wall " << whole.time.wall << " s, ratio to find " << whole.time.wall / find.time.wall
+            << ", processor " << whole.time.processor << " s, ratio " << whole.time.processor / find.time.processor
+            << ", written " << whole.writtenBytes / cacheBytes << " of the cache\n"
+            << Qt::flush;
+    }
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
     const QTemporaryDir folder;
     qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(u"data"_s)));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(u"config"_s)));
     const QCoreApplication application(argc, argv);
+    metadata::applyToApplication();
     const QStringList arguments = QCoreApplication::arguments();
     const int files = arguments.size() > 1 ? arguments.at(1).toInt() : 100000;
     const int rows = arguments.size() > 2 ? arguments.at(2).toInt() : files;
@@ -203,5 +256,8 @@ int main(int argc, char *argv[])
     const auto hits = std::count_if(tracks.cbegin(), tracks.cend(),
                                     [](const TrackInfo &track) { return (track.flags & TrackFromCache) != 0; });
     out << hits << " hits\n";
+    const auto cacheBytes = static_cast<double>(cache.fileSize());
+    cache.close();
+    reportWholeScans(options.roots.first(), cacheBytes, out);
     return hits == files ? 0 : 1;
 }

@@ -55,7 +55,7 @@ struct FingerprintResult {
 
 /// Bits of TrackInfo::flags.
 enum TrackFlag : quint64 {
-    TrackFromCache = 1, ///< the analysis came from the cache, not from this scan
+    TrackFromCache = 1, ///< the analysis came from the cache, not from this scan, and is as the cache has it
 };
 
 /// Everything a scan knows about one audio file.

@@ -105,9 +105,11 @@ bool AnalysisCache::prepareStatements(QString *error)
     m_lookupMany.emplace(m_db);
     m_lookupMany->setForwardOnly(true);
     m_store.emplace(m_db);
+    m_touchMany.emplace(m_db);
     for (const auto &[query, statement] : { std::pair(&*m_lookup, cachetable::selectStatement()),
                                             std::pair(&*m_lookupMany, cachetable::selectStatement(pathsPerQuery)),
-                                            std::pair(&*m_store, cachetable::replaceStatement()) }) {
+                                            std::pair(&*m_store, cachetable::replaceStatement()),
+                                            std::pair(&*m_touchMany, cachetable::touchStatement(pathsPerQuery)) }) {
         if (!query->prepare(statement))
             return fail(query->lastError(), error);
     }
@@ -134,6 +136,7 @@ void AnalysisCache::close()
     m_lookup.reset();
     m_lookupMany.reset();
     m_store.reset();
+    m_touchMany.reset();
     if (m_db.isOpen())
         m_db.close();
     m_db = QSqlDatabase();
@@ -198,13 +201,43 @@ void AnalysisCache::store(const TrackInfo &track, FingerprintEngine engine)
     if (!isOpen() || !m_error.isEmpty() || track.path.isEmpty())
         return;
     cachetable::bind(*m_store, track, engine);
-    if (!m_store->exec()) {
-        if (refusesRowOnly(m_store->lastError()))
-            m_refusal = m_store->lastError().text();
-        else
-            noteError(m_store->lastError());
-    }
+    if (!m_store->exec())
+        noteStoreError(m_store->lastError());
     m_store->finish();
+}
+
+void AnalysisCache::noteStoreError(const QSqlError &error)
+{
+    if (refusesRowOnly(error))
+        m_refusal = error.text();
+    else
+        noteError(error);
+}
+
+void AnalysisCache::touchAll(std::span<const TrackInfo *const> tracks, FingerprintEngine engine)
+{
+    while (!tracks.empty() && isOpen() && m_error.isEmpty()) {
+        const auto batch = tracks.first(std::min(tracks.size(), pathsPerQuery));
+        if (!touchBatch(batch, engine)) {
+            for (const TrackInfo *track : batch)
+                store(*track, engine);
+        }
+        tracks = tracks.subspan(batch.size());
+    }
+}
+
+// Whether that has stored all of them.
+bool AnalysisCache::touchBatch(std::span<const TrackInfo *const> tracks, FingerprintEngine engine)
+{
+    cachetable::bindTouch(*m_touchMany, engine);
+    for (std::size_t i = 0; i < pathsPerQuery; ++i)
+        m_touchMany->addBindValue(i < tracks.size() ? QVariant(tracks[i]->path) : QVariant()); // which equals no path
+    const bool touched = m_touchMany->exec();
+    if (!touched)
+        noteStoreError(m_touchMany->lastError());
+    const int rows = m_touchMany->numRowsAffected();
+    m_touchMany->finish();
+    return touched && rows == static_cast<int>(tracks.size());
 }
 
 void AnalysisCache::beginTransaction()

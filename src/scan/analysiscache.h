@@ -43,6 +43,9 @@ public:
     /// The same for many records at a fraction of the cost. What was found says so by TrackFromCache in its flags.
     void lookupAll(std::span<TrackInfo> tracks, FingerprintEngine engine);
     void store(const TrackInfo &track, FingerprintEngine engine);
+    /// Stores records that are as their rows have them: of those only the time is written, which leaves most of a long
+    /// row's pages alone. A row that is no longer there, or another engine's by now, is written whole.
+    void touchAll(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
     void beginTransaction();
     void commitTransaction();
 
@@ -61,6 +64,8 @@ private:
     bool execute(const QString &statement, QString *error);
     bool fail(const QSqlError &reason, QString *error);
     void lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine engine);
+    [[nodiscard]] bool touchBatch(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
+    void noteStoreError(const QSqlError &error);
     void removeRows(const QStringList &paths);
     void noteError(const QSqlError &error);
 
@@ -70,6 +75,7 @@ private:
     std::optional<QSqlQuery> m_lookup; ///< prepared once, for the life of the connection
     std::optional<QSqlQuery> m_lookupMany;
     std::optional<QSqlQuery> m_store;
+    std::optional<QSqlQuery> m_touchMany;
     QString m_error;
     QString m_refusal; ///< of a single row
     bool m_isDamaged = false;

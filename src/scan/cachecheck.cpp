@@ -36,11 +36,13 @@ void takeFromCache(TrackInfo &track, const ScanOptions &options)
 {
     if ((track.flags & TrackFromCache) == 0)
         return;
-    if (isFingerprintOfText(track)) {
+    const bool isText = isFingerprintOfText(track);
+    if (isText) {
         track.fingerprint = {};
         track.stream = {};
     }
-    if (hasWantedDigests(track, options)) {
+    // A text is analysed anew, to be right in the cache; the acoustic method will find it to be one, which is an error.
+    if (hasWantedDigests(track, options) && (!isText || options.detectAcoustic)) {
         track.analysed = !options.detectAcoustic || hasCompleteFingerprint(track, options.fingerprintEngine);
         return;
     }

@@ -158,6 +158,12 @@ QString replaceStatement()
         + "engine,schema_version,analysed_at) VALUES (%1)"_L1.arg(placeholders(columns.size() + others));
 }
 
+QString touchStatement(qsizetype paths)
+{
+    return "UPDATE tracks SET analysed_at = ? WHERE engine = ? AND schema_version = ? AND path IN (%1)"_L1.arg(
+        placeholders(paths));
+}
+
 QString selectStatement()
 {
     return selectColumns() + " FROM tracks WHERE path = ?"_L1;
@@ -178,6 +184,13 @@ void bind(QSqlQuery &replace, const TrackInfo &track, FingerprintEngine engine)
     replace.addBindValue(qToUnderlying(engine));
     replace.addBindValue(layoutVersion);
     replace.addBindValue(QDateTime::currentSecsSinceEpoch());
+}
+
+void bindTouch(QSqlQuery &touch, FingerprintEngine engine)
+{
+    touch.addBindValue(QDateTime::currentSecsSinceEpoch());
+    touch.addBindValue(qToUnderlying(engine));
+    touch.addBindValue(layoutVersion);
 }
 
 bool isCurrent(const QSqlQuery &row, const TrackInfo &track, FingerprintEngine engine)

@@ -23,6 +23,11 @@ QString selectStatement(qsizetype paths);
 
 void bind(QSqlQuery &replace, const TrackInfo &track, FingerprintEngine engine);
 
+/// Writes the time alone into the rows of several paths, those of another layout or engine left out; takes what
+/// bindTouch() gives and then the paths.
+QString touchStatement(qsizetype paths);
+void bindTouch(QSqlQuery &touch, FingerprintEngine engine);
+
 /// Whether the row tells about the measured file as it is now, in this layout and of this engine.
 bool isCurrent(const QSqlQuery &row, const TrackInfo &track, FingerprintEngine engine);
 

@@ -93,6 +93,7 @@ void leaveOutTexts(QList<TrackInfo> &tracks, QList<FingerprintJob> &jobs, const 
 void applyFingerprint(const FingerprintResult &result, TrackInfo &track)
 {
     track.fingerprint = result.fingerprint;
+    track.flags &= ~quint64(TrackFromCache); // which does not hold this
     if (track.stream.durationMs < 1 && result.durationMs > 0)
         track.stream.durationMs = result.durationMs;
     if (result.error.isEmpty())
@@ -311,13 +312,21 @@ QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &op
 void writeCache(const FilteredTracks &tracks, const ScanOptions &options, AnalysisCache &cache,
                 const StageContext &context)
 {
-    cache.beginTransaction();
+    QList<const TrackInfo *> known;
+    QList<const TrackInfo *> fresh;
     for (const QList<TrackInfo> *list : { &tracks.kept, &tracks.tooShort }) {
         for (const TrackInfo &track : *list) {
             if (track.analysed && track.error.isEmpty())
-                cache.store(track, options.fingerprintEngine);
+                ((track.flags & TrackFromCache) != 0 ? known : fresh).append(&track);
         }
     }
+    if (known.isEmpty() && fresh.isEmpty())
+        return;
+    context.phase(QCoreApplication::translate("epr::ScanController", "Updating the cache"));
+    cache.beginTransaction();
+    cache.touchAll(known, options.fingerprintEngine);
+    for (const TrackInfo *track : fresh)
+        cache.store(*track, options.fingerprintEngine);
     cache.commitTransaction();
     if (const QString error = cache.takeError(); !error.isEmpty()) {
         context.log(QCoreApplication::translate("epr::ScanController", "The analysis cache could not be written (%1).")

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysiscache.h"
 
+#include "rows.h"
 #include "scanstages.h"
 #include "temporarylibrary.h"
 
@@ -173,6 +174,38 @@ private Q_SLOTS:
         cache.commitTransaction();
         QCOMPARE(cache.count(), 2);
         QVERIFY(cache.takeError().contains("refused"_L1) && cache.takeError().isEmpty());
+    }
+
+    // 300 rows in batches of 256, whose titles another program has written over: a row that is only touched keeps that.
+    void touchesWhatIsThere_data()
+    {
+        const Rows<QByteArray, int> row("change", "rewritten");
+        row("nothing else", "SELECT 1", 0);
+        row("one is gone", "DELETE FROM tracks WHERE path = '/m/7'", 256);
+        row("one is another engine's", "UPDATE tracks SET engine = 1 WHERE path = '/m/290'", 44);
+        row("of another layout", "UPDATE tracks SET schema_version = 1", 300);
+    }
+
+    void touchesWhatIsThere()
+    {
+        QFETCH(const QByteArray, change);
+        QFETCH(const int, rewritten);
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        QList<TrackInfo> tracks;
+        QList<const TrackInfo *> pointers;
+        for (int i = 0; i < 300; ++i)
+            cache.store(tracks.emplaceBack(analysed(u"/m/%1"_s.arg(i))), FingerprintEngine::BuiltIn);
+        for (const TrackInfo &track : tracks)
+            pointers.append(&track);
+        otherProgram("UPDATE tracks SET analysed_at = 5, title = 'theirs'");
+        otherProgram(change);
+        cache.touchAll(pointers, FingerprintEngine::BuiltIn);
+        QCOMPARE(cache.takeError(), QString());
+        QCOMPARE(
+            otherProgram("SELECT COUNT(*) FROM tracks WHERE analysed_at > 5 AND engine = 0 AND schema_version = 4"),
+            u"300"_s);
+        QCOMPARE(otherProgram("SELECT COUNT(*) FROM tracks WHERE title <> 'theirs'").toInt(), rewritten);
     }
 
     void prunesClearsAndCloses()

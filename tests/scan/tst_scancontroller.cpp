@@ -207,6 +207,12 @@ private Q_SLOTS:
         }
         QCOMPARE(outcome.log.filter(u"3 file(s) are text"_s).size(), 1);
         QVERIFY(outcome.log.filter(u"Fingerprinting"_s).isEmpty());
+
+        m_options.detectAcoustic = false; // the cache then gets what is right
+        QVERIFY(scan(controller, m_options).phases.contains(u"Updating the cache"_s));
+        TrackInfo text = measureFile(path(u"a.wma"_s));
+        QVERIFY(cache.open() && cache.lookup(text, FingerprintEngine::BuiltIn));
+        QVERIFY(text.fingerprint == Fingerprint() && text.stream == StreamFacts());
     }
 
     // Six pieces that begin after 50 s of digital silence, and a copy of one.
