@@ -9,6 +9,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QPainter>
+#include <QPolygonF>
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -158,12 +159,33 @@ void ResultsView::drawGroupBand(QPainter *painter, const QStyleOptionViewItem &o
     painter->fillRect(option.rect, option.palette.brush(isSelected ? QPalette::Highlight : QPalette::AlternateBase));
     const QRect branch(option.rect.left() + leadingEdge(option.rect, ResultsModel::FileColumn), option.rect.y(),
                        indentation(), option.rect.height());
-    drawBranches(painter, QStyle::visualRect(option.direction, option.rect, branch), index);
+    drawArrow(painter, option, QStyle::visualRect(option.direction, option.rect, branch), index);
     if (hasFocus() && index.row() == currentIndex().row() && !currentIndex().parent().isValid()) {
         QStyleOptionFocusRect focus;
         focus.QStyleOption::operator=(option);
         style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, this);
     }
+}
+
+// Some styles draw theirs in one colour whatever the ground, and a plus sign in a box, or lines, where others draw
+// arrows.
+void ResultsView::drawArrow(QPainter *painter, const QStyleOptionViewItem &option, const QRect &place,
+                            const QModelIndex &index) const
+{
+    const qreal half = option.fontMetrics.height() / 5.0;
+    const QPolygonF arrow { { -half / 2, -half }, { half / 2, 0 }, { -half / 2, half } };
+    QTransform turn = QTransform::fromTranslate(QRectF(place).center().x(), QRectF(place).center().y());
+    if (isExpanded(index))
+        turn.rotate(90);
+    else if (isRightToLeft())
+        turn.scale(-1, 1);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    constexpr qreal penWidth = 1.5;
+    const bool isSelected = selectionModel()->isSelected(index);
+    painter->setPen(QPen(option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text), penWidth));
+    painter->drawPolyline(turn.map(arrow));
+    painter->restore();
 }
 
 int ResultsView::leadingEdge(const QRect &row, int column) const

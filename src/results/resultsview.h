@@ -42,6 +42,8 @@ private:
     /// How far the column begins from where the row begins, in the direction of reading.
     int leadingEdge(const QRect &row, int column) const;
     void drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
+    void drawArrow(QPainter *painter, const QStyleOptionViewItem &option, const QRect &place,
+                   const QModelIndex &index) const;
     void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
 
     EmptyHint *m_hint;
