@@ -12,6 +12,20 @@ if(WIN32)
   install(TARGETS echoprune echoprune-scan RUNTIME DESTINATION .)
   install(FILES ${epr_texts} DESTINATION .)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION .)
+  install(FILES "${PROJECT_SOURCE_DIR}/packaging/windows/THIRD-PARTY.txt" DESTINATION .)
+  # The texts of their licences, as the packages bring them that the libraries are from: in a cross-build.
+  set(licences
+    common-licenses/LGPL-3 Qt.txt
+    doc/gcc-mingw-w64-base/copyright GCC.txt
+    doc/mingw-w64-x86-64-dev/copyright MinGW-w64.txt
+    doc/libexpected-dev/copyright expected.txt
+    doc/nlohmann-json3-dev/copyright JSON.txt)
+  while(licences)
+    list(POP_FRONT licences text name)
+    if(EXISTS "/usr/share/${text}")
+      install(FILES "/usr/share/${text}" DESTINATION licences RENAME ${name})
+    endif()
+  endwhile()
   include(EprDeployQt)
   return()
 endif()
