@@ -38,6 +38,7 @@ inline constexpr Setting<QByteArray> windowState { "window/state" };
 inline constexpr Setting<QStringList> folders { "scan/folders" };
 inline constexpr Setting<QString> quarantineRoot { "safety/quarantineRoot", defaultQuarantineRoot, true };
 inline constexpr Setting<bool> compareAgain { "safety/compareAgain" };
+inline constexpr Setting<bool> csvMark { "reports/csvByteOrderMark" };
 inline constexpr Setting<bool> showPlayer { "audition/showPlayer", on };
 inline constexpr Setting<bool> linkDecks { "audition/linked", on };
 inline constexpr Setting<QString> updateUrl { "updates/url", metadata::defaultUpdateUrl };

@@ -37,9 +37,20 @@ constexpr std::array<SwitchOption, 5> switchOptions { {
     { "cache", QT_TRANSLATE_NOOP("epr::Cli", "Reuse and remember analysis results."), &ScanOptions::useCache },
 } };
 
+constexpr SwitchOption markOption {
+    "csv-bom", QT_TRANSLATE_NOOP("epr::Cli", "Begin CSV reports with a byte order mark, which Excel needs."), nullptr
+};
+
 QString offName(const SwitchOption &option)
 {
     return "no-"_L1 + QLatin1StringView(option.name);
+}
+
+void addSwitch(QCommandLineParser &parser, const SwitchOption &option)
+{
+    parser.addOption(
+        { QString(QLatin1StringView(option.name)), QCoreApplication::translate("epr::Cli", option.description) });
+    parser.addOption({ offName(option), QCoreApplication::translate("epr::Cli", "Switch that off.") });
 }
 
 void addOptions(QCommandLineParser &parser)
@@ -52,11 +63,8 @@ void addOptions(QCommandLineParser &parser)
         "report could not be completed, or a folder could not be read."));
     parser.addHelpOption();
     parser.addVersionOption();
-    for (const SwitchOption &option : switchOptions) {
-        parser.addOption(
-            { QString(QLatin1StringView(option.name)), QCoreApplication::translate("epr::Cli", option.description) });
-        parser.addOption({ offName(option), QCoreApplication::translate("epr::Cli", "Switch that off.") });
-    }
+    for (const SwitchOption &option : switchOptions)
+        addSwitch(parser, option);
     parser.addOption(
         { u"report"_s,
           QCoreApplication::translate(
@@ -64,6 +72,7 @@ void addOptions(QCommandLineParser &parser)
               "Write the groups to FILE, also when there are none. Its name ends in .csv, .html, .json, or "
               ".m3u8 for a playlist of the proposed duplicates. May be given several times."),
           u"FILE"_s });
+    addSwitch(parser, markOption);
     parser.addOption(
         { u"verbose"_s, QCoreApplication::translate("epr::Cli", "Print the activity log on standard error.") });
     parser.addPositionalArgument(u"FOLDER"_s,
@@ -72,19 +81,27 @@ void addOptions(QCommandLineParser &parser)
 }
 
 /// Fails when a switch is given in both forms.
-Result<> applySwitches(const QCommandLineParser &parser, ScanOptions &options)
+Result<> applySwitch(const QCommandLineParser &parser, const SwitchOption &option, bool &value)
 {
-    for (const SwitchOption &option : switchOptions) {
-        const QString name = QLatin1StringView(option.name);
-        const bool on = parser.isSet(name);
-        const bool off = parser.isSet(offName(option));
-        if (on && off)
-            return failure(QCoreApplication::translate("epr::Cli", "--%1 and --%2 contradict each other.")
-                               .arg(name, offName(option)));
-        if (on || off)
-            options.*option.field = on;
-    }
+    const QString name = QLatin1StringView(option.name);
+    const bool on = parser.isSet(name);
+    const bool off = parser.isSet(offName(option));
+    if (on && off)
+        return failure(
+            QCoreApplication::translate("epr::Cli", "--%1 and --%2 contradict each other.").arg(name, offName(option)));
+    if (on || off)
+        value = on;
     return {};
+}
+
+Result<> applySwitches(const QCommandLineParser &parser, CliRequest &request, bool &csvMark)
+{
+    Result<> applied = applySwitch(parser, markOption, csvMark);
+    for (const SwitchOption &option : switchOptions) {
+        if (applied)
+            applied = applySwitch(parser, option, request.options.*option.field);
+    }
+    return applied;
 }
 
 /// A folder that is not there is refused rather than skipped: an unattended run over a share that is not mounted
@@ -107,7 +124,7 @@ Result<QStringList> rootsOf(const QStringList &folders)
 
 /// Each file once. Fails when a name does not tell the format, or when it can be known by now that the file cannot be
 /// written: the answer of a scan that takes hours must have somewhere to go.
-Result<QList<ReportFile>> reportFilesOf(const QStringList &names)
+Result<QList<ReportFile>> reportFilesOf(const QStringList &names, bool csvMark)
 {
     QList<ReportFile> reports;
     for (const QString &name : names) {
@@ -119,7 +136,9 @@ Result<QList<ReportFile>> reportFilesOf(const QStringList &names)
                     "epr::Cli", "Not a kind of report: \"%1\". The name must end in .csv, .html, .json or .m3u8.")
                     .arg(nativePath(name)));
         }
-        const ReportFile report { QDir::cleanPath(info.absoluteFilePath()), *format };
+        const bool isMarked = csvMark && format == ReportFormat::Csv;
+        const ReportFile report { QDir::cleanPath(info.absoluteFilePath()),
+                                  isMarked ? ReportFormat::CsvWithMark : *format };
         QString error;
         if (!canWriteReport(report.path, &error))
             return failure(cannotWriteReport(report.path, error));
@@ -130,17 +149,17 @@ Result<QList<ReportFile>> reportFilesOf(const QStringList &names)
 }
 
 /// What there is to do for a command line that asks for a scan.
-Result<CliRequest> scanRequest(const QCommandLineParser &parser, const ScanOptions &defaults)
+Result<CliRequest> scanRequest(const QCommandLineParser &parser, const ScanOptions &defaults, bool csvMark)
 {
     CliRequest request;
     request.options = defaults;
     request.verbose = parser.isSet(u"verbose"_s);
-    if (const Result<> applied = applySwitches(parser, request.options); !applied)
+    if (const Result<> applied = applySwitches(parser, request, csvMark); !applied)
         return failure(applied.error());
     const Result<QStringList> roots = rootsOf(parser.positionalArguments());
     if (!roots)
         return failure(roots.error());
-    const Result<QList<ReportFile>> reports = reportFilesOf(parser.values(u"report"_s));
+    const Result<QList<ReportFile>> reports = reportFilesOf(parser.values(u"report"_s), csvMark);
     if (!reports)
         return failure(reports.error());
     if (!request.options.anyDetection())
@@ -157,7 +176,7 @@ QString cannotWriteReport(const QString &path, const QString &error)
     return QCoreApplication::translate("epr::Cli", "Could not write the report %1: %2").arg(nativePath(path), error);
 }
 
-CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults)
+CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults, bool csvMark)
 {
     QCommandLineParser parser;
     addOptions(parser);
@@ -167,7 +186,7 @@ CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &def
         return { CliRequest::Kind::ShowText, parser.helpText(), {}, {} };
     if (parser.isSet(u"version"_s))
         return { CliRequest::Kind::ShowText, metadata::applicationName() + u' ' + metadata::version() + u'\n', {}, {} };
-    const Result<CliRequest> request = scanRequest(parser, defaults);
+    const Result<CliRequest> request = scanRequest(parser, defaults, csvMark);
     return request ? *request : CliRequest { CliRequest::Kind::Refuse, request.error(), {}, {} };
 }
 

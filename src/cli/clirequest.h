@@ -32,7 +32,8 @@ struct CliRequest {
 
 QString cannotWriteReport(const QString &path, const QString &error);
 
-/// Reads a command line, program name first. What it does not mention stays as in `defaults`.
-CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults);
+/// Reads a command line, program name first. What it does not mention stays as in `defaults` and `csvMark`, which is
+/// whether CSV reports begin with a byte order mark.
+CliRequest parseCommandLine(const QStringList &arguments, const ScanOptions &defaults, bool csvMark = false);
 
 } // namespace epr

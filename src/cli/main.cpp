@@ -80,9 +80,10 @@ int main(int argc, char *argv[])
     metadata::applyToApplication();
     translation::install();
     registerMetaTypes();
-    terminal::useUtf8();
+    const terminal::Utf8Console console;
 
-    const CliRequest request = parseCommandLine(QCoreApplication::arguments(), SettingsStore().loadScanOptions());
+    const CliRequest request = parseCommandLine(QCoreApplication::arguments(), SettingsStore().loadScanOptions(),
+                                                SettingsStore().value(settings::csvMark));
     switch (request.kind) {
     case CliRequest::Kind::ShowText:
         QTextStream(stdout) << request.text;

@@ -8,7 +8,9 @@
 
 #include <QCoreApplication>
 
+#include <atomic>
 #include <csignal>
+#include <cstdio>
 
 #ifdef Q_OS_WIN
 #include <io.h>
@@ -64,6 +66,24 @@ void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGro
         out << memberLine(tracks.at(member), member == group.keep);
     out << '\n';
 }
+
+#ifdef Q_OS_WIN
+std::atomic<UINT> codePageBefore = 0; // 0 = nothing to bring back
+
+void restoreCodePage()
+{
+    if (const UINT codePage = codePageBefore.exchange(0))
+        SetConsoleOutputCP(codePage);
+}
+
+// Called for what no handler of a signal took: a second Ctrl-C, Ctrl-Break or the closing of the console. None of them
+// runs destructors.
+BOOL WINAPI onConsoleEvent(DWORD)
+{
+    restoreCodePage();
+    return FALSE; // the system goes on to end the process
+}
+#endif
 
 std::atomic<ScanController *> activeController { nullptr };
 std::atomic<bool> interrupted { false };
@@ -137,10 +157,23 @@ void connectOutcome(ScanController &controller, ScanResult &result)
 
 } // namespace
 
-void useUtf8()
+Utf8Console::Utf8Console()
 {
 #ifdef Q_OS_WIN
+    codePageBefore = GetConsoleOutputCP();
+    if (codePageBefore == 0) // there is no console
+        return;
+    SetConsoleCtrlHandler(onConsoleEvent, TRUE);
     SetConsoleOutputCP(CP_UTF8);
+#endif
+}
+
+Utf8Console::~Utf8Console()
+{
+#ifdef Q_OS_WIN
+    std::fflush(stdout); // it is UTF-8 too
+    restoreCodePage();
+    SetConsoleCtrlHandler(onConsoleEvent, FALSE);
 #endif
 }
 

@@ -9,8 +9,14 @@
 
 namespace epr::terminal {
 
-/// Makes the console show UTF-8; needed on Windows only.
-void useUtf8();
+/// Makes the console show UTF-8 as long as it lives; needed on Windows only, where the shell that started the program
+/// goes on with the same console. What the console was set to comes back, also when Ctrl-C ends the program.
+class Utf8Console final {
+public:
+    Utf8Console();
+    Q_DISABLE_COPY_MOVE(Utf8Console)
+    ~Utf8Console();
+};
 
 /// The text with control characters written as \xNN, marks of direction and separators of lines as \uNNNN, so that a
 /// file name can neither break a line, nor send the terminal a command, nor show as another name.

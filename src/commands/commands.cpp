@@ -78,7 +78,9 @@ void ExportCommand::exportReport(const QStringList &roots)
         QFileDialog::getSaveFileName(window(), tr("Export duplicate report"), proposedPath(), filterList(), &filter);
     if (path.isEmpty())
         return;
-    const ReportFormat format = reportFormatFromFilter(filter).value_or(formats.front());
+    ReportFormat format = reportFormatFromFilter(filter).value_or(formats.front());
+    if (format == ReportFormat::Csv && SettingsStore().value(settings::csvMark))
+        format = ReportFormat::CsvWithMark;
     bool isWritten = false;
     QString error;
     runWaiting([&, tracks = m_review.tracks(), groups = m_review.groups()] {

@@ -4,8 +4,10 @@
 
 #include "displaytext.h"
 #include "look.h"
+#include "removalplan.h"
 
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QLabel>
@@ -18,10 +20,28 @@ namespace epr {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// OneDrive names its folders to every program, one for each kind of account. It may hold the whole of the documents.
+bool isSynchronised(const QString &folder)
+{
+    QStringList synchronised;
+    for (const char *variable : { "OneDrive", "OneDriveConsumer", "OneDriveCommercial" }) {
+        if (!qEnvironmentVariableIsEmpty(variable))
+            synchronised.append(QDir::fromNativeSeparators(qEnvironmentVariable(variable)));
+    }
+    return isInside(folder, synchronised);
+}
+
+} // namespace
+
 RemovalDialog::RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent)
     : QDialog(parent)
     , m_quarantineRoot(quarantineRoot)
     , m_hint(new QLabel)
+    , m_synchronised(
+          new QLabel(tr("OneDrive synchronises this folder: it would upload the quarantined files, and what they "
+                        "take up there stays taken. Better choose a folder outside.")))
     , m_quarantine(new QRadioButton(tr("Move to &quarantine folder (recommended)")))
     , m_recycleBin(new QRadioButton(tr("Move to the &recycle bin")))
     , m_delete(new QRadioButton(tr("&Delete permanently (cannot be undone)")))
@@ -60,13 +80,19 @@ QGroupBox *RemovalDialog::createChoices()
     m_hint->setTextFormat(Qt::RichText);
     m_hint->setWordWrap(true);
     // In line with the text of the button that it explains.
-    m_hint->setIndent(style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth)
-                      + style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing));
+    const int indent = style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth)
+        + style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing);
+    m_hint->setIndent(indent);
+    m_synchronised->setObjectName(u"synchronisedWarning"_s);
+    m_synchronised->setWordWrap(true);
+    m_synchronised->setIndent(indent);
 
     auto *box = new QGroupBox(tr("What should happen to them?"));
     auto *layout = new QVBoxLayout(box);
     layout->addWidget(m_quarantine);
     layout->addWidget(m_hint);
+    layout->addWidget(m_synchronised);
+    warnIfSynchronised(); // not before it has a parent, or it would show as a window
     layout->addWidget(m_recycleBin);
     layout->addWidget(m_delete);
     return box;
@@ -87,8 +113,14 @@ void RemovalDialog::chooseQuarantineRoot()
     if (folder.isEmpty())
         return;
     m_quarantineRoot = folder;
+    warnIfSynchronised();
     explain(tr("Files keep their folder structure under<br>%1"));
     Q_EMIT quarantineRootChosen(folder);
+}
+
+void RemovalDialog::warnIfSynchronised()
+{
+    m_synchronised->setVisible(isSynchronised(m_quarantineRoot));
 }
 
 // The text is markup, and %1 in it stands for the folder.

@@ -36,9 +36,11 @@ private:
     QWidget *createButtons();
     void chooseQuarantineRoot();
     void explain(const QString &html);
+    void warnIfSynchronised();
 
     QString m_quarantineRoot;
     QLabel *m_hint;
+    QLabel *m_synchronised;
     QRadioButton *m_quarantine;
     QRadioButton *m_recycleBin;
     QRadioButton *m_delete;

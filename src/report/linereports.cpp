@@ -92,6 +92,12 @@ void writeCsvReport(QTextStream &out, const ReportContent &content)
     }
 }
 
+void writeMarkedCsvReport(QTextStream &out, const ReportContent &content)
+{
+    out.setGenerateByteOrderMark(true);
+    writeCsvReport(out, content);
+}
+
 void writePlaylistReport(QTextStream &out, const ReportContent &content)
 {
     out << "#EXTM3U\n"_L1

@@ -54,6 +54,7 @@ inline QString reportDurationText(qint64 durationMs)
 /// The writers of the formats. They write as they go: a report put together first would take a multiple of the memory
 /// that the scan's lists take.
 void writeCsvReport(QTextStream &out, const ReportContent &content);
+void writeMarkedCsvReport(QTextStream &out, const ReportContent &content);
 void writeHtmlReport(QTextStream &out, const ReportContent &content);
 void writeJsonReport(QTextStream &out, const ReportContent &content);
 void writePlaylistReport(QTextStream &out, const ReportContent &content);

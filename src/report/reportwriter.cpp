@@ -35,6 +35,9 @@ constexpr std::array formats {
                   writeJsonReport },
     FormatEntry { ReportFormat::Playlist, "m3u8"_L1, QT_TRANSLATE_NOOP("epr::Report", "M3U playlist (*.m3u8)"),
                   writePlaylistReport },
+    FormatEntry { ReportFormat::CsvWithMark, "csv"_L1,
+                  QT_TRANSLATE_NOOP("epr::Report", "Comma separated values (*.csv)"),
+                  writeMarkedCsvReport }, // last: extension and filter mean the plain one
 };
 
 const FormatEntry *entryOf(ReportFormat format)

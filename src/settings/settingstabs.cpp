@@ -256,6 +256,9 @@ FilesTab::FilesTab(const ScanOptions &options, QWidget *parent)
     form->addRow(tr("Ignore &audio shorter than:"), minSeconds);
     form->addRow(checkBox(&ScanOptions::includeHidden, tr("Include &hidden files and folders")));
     form->addRow(checkBox(&ScanOptions::followSymlinks, tr("Follow symbolic &links and junctions")));
+    form->addRow(checkBox(settings::csvMark, tr("&Begin CSV reports with a byte order mark"),
+                          tr("Excel needs the mark to show accents and other scripts; some other programs take it for "
+                             "a part of the first heading.")));
 }
 
 PerformanceTab::PerformanceTab(const ScanOptions &options, const SettingsStatus &status, QWidget *parent)

@@ -44,6 +44,7 @@ private Q_SLOTS:
             store.saveScanOptions(options);
             store.set(settings::quarantineRoot, u"D:/Q"_s);
             store.set(settings::compareAgain, true);
+            store.set(settings::csvMark, true);
             store.set(settings::showPlayer, false);
             store.set(settings::linkDecks, false);
             store.set(settings::checkForUpdatesOnStartup, false);
@@ -54,7 +55,8 @@ private Q_SLOTS:
                  "detect/durationTolerance detect/identical detect/keeperPolicy detect/metadata "
                  "detect/metadataTolerance detect/sameAudio detect/threshold files/excludes files/extensions "
                  "files/hidden files/minBytes files/minDurationMs files/symlinks perf/decoderThreads "
-                 "perf/fingerprintSeconds perf/useCache safety/compareAgain safety/quarantineRoot scan/folders "
+                 "perf/fingerprintSeconds perf/useCache reports/csvByteOrderMark safety/compareAgain "
+                 "safety/quarantineRoot scan/folders "
                  "updates/checkOnStartup "
                  "window/geometry window/state"_s);
         const SettingsStore store;

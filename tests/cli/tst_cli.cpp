@@ -44,6 +44,13 @@ private Q_SLOTS:
         QCOMPARE(optionsOf("--identical --no-same-audio --no-acoustic"),
                  (QList<bool> { true, false, false, false, true }));
         QCOMPARE(optionsOf("--metadata --no-cache"), (QList<bool> { false, true, true, true, false }));
+        const QStringList marked = words("echoprune-scan --report o.csv --report o.html") << library();
+        for (const bool on : { true, false }) {
+            const QStringList off = on ? QStringList() : QStringList(u"--no-csv-bom"_s);
+            const QList<ReportFile> reports = parseCommandLine(marked + off, {}, true).reports;
+            QCOMPARE(reports.value(0).format, on ? ReportFormat::CsvWithMark : ReportFormat::Csv);
+            QCOMPARE(reports.value(1).format, ReportFormat::Html);
+        }
     }
 
     // The files are in the folder "library"; the first letter of a name is the content. It is no audio, so that a file
@@ -79,7 +86,7 @@ private Q_SLOTS:
         QFETCH(const QString, text);
         for (const QString &name : words(files))
             writeFile(library() + u'/' + name, QByteArray(40000, name.at(0).toLatin1()));
-        const QByteArray good = "--no-acoustic --report o.JSON --report o.csv --report o.csv ";
+        const QByteArray good = "--no-acoustic --csv-bom --report o.JSON --report o.csv --report o.csv ";
         QProcess program;
         program.setWorkingDirectory(m_home->path());
         program.start(QStringLiteral(EPR_SCAN_PROGRAM), words((status == 2 ? "" : good) + arguments));
@@ -91,7 +98,7 @@ private Q_SLOTS:
         QVERIFY(!err.contains("Discovered"_L1)); // refused before anything is scanned
         const QJsonDocument json = QJsonDocument::fromJson(readFile(m_home->filePath(u"o.JSON"_s)));
         QCOMPARE(json["duplicateGroups"_L1].toArray().size(), status % 2);
-        QCOMPARE(readFile(m_home->filePath(u"o.csv"_s)).startsWith("Group,"), status != 2);
+        QCOMPARE(readFile(m_home->filePath(u"o.csv"_s)).startsWith("\xEF\xBB\xBFGroup,"), status != 2);
         const bool isError = status == 2 || text.contains("damaged"_L1);
         QVERIFY2((isError ? err : out).contains(text), qPrintable(out + err));
         QCOMPARE(QDir(library()).entryList(QDir::Files).size(), words(files).size());

@@ -256,6 +256,18 @@ private Q_SLOTS:
         QCOMPARE(treeOf(session.library()).keys(), words("a1 a2 b1 sub sub/c1"));
     }
 
+    void quarantineInOneDriveIsPointedOut()
+    {
+        const Sandbox box;
+        qputenv("OneDriveCommercial", QFile::encodeName(native(box.library())));
+        for (const auto &[folder, isInside] : std::initializer_list<std::pair<QString, bool>> {
+                 { u"library"_s, true }, { u"library/Documents/new"_s, true }, { u"library 2"_s, false } }) {
+            const RemovalDialog dialog({}, box.path(folder));
+            QCOMPARE(dialog.findChild<QLabel *>(u"synchronisedWarning"_s)->isHidden(), !isInside);
+        }
+        qunsetenv("OneDriveCommercial");
+    }
+
     void undoOfLookAlikesTakesTheNewer()
     {
         Session session;

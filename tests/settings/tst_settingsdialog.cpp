@@ -100,12 +100,13 @@ private Q_SLOTS:
         control(dialog, u"Check for updates when Echoprune starts"_s)->setProperty("checked", false);
         control(dialog, u"Update service:"_s)->setProperty("text", u"  https://updates.example/  "_s);
         control(dialog, u"Read files again before every clean-up"_s)->setProperty("checked", true);
+        control(dialog, u"Begin CSV reports with a byte order mark"_s)->setProperty("checked", true);
         dialog.reject();
         QVERIFY(QSettings().allKeys().isEmpty());
         QVERIFY(control(SettingsDialog(ScanOptions(), {}), u"Stop skipping version "_s)->isHidden());
         dialog.accept();
         QVERIFY(!SettingsStore().value(settings::checkForUpdatesOnStartup));
-        QVERIFY(SettingsStore().value(settings::compareAgain));
+        QVERIFY(SettingsStore().value(settings::compareAgain) && SettingsStore().value(settings::csvMark));
         QCOMPARE(QSettings().value(u"updates/url"_s).toString(), u"https://updates.example/"_s);
     }
 
