@@ -316,7 +316,7 @@ private Q_SLOTS:
         const QStringList paths = box.addMany(6, u"%1"_s);
         const Tree before = treeOf(box.library());
         Operator person;
-        person.stopAtFile = u"/3"_s;
+        person.stopAtFile = native(u"/3"_s);
         RemovalResult result;
         const auto job = [&](const CleanupProgressFn &progress) {
             const auto patient = [&](qsizetype index, qsizetype total, const QString &path) {
