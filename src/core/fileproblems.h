@@ -12,7 +12,7 @@ namespace epr {
 inline bool isSpecialFile(const QString &path)
 {
     const QFileInfo info(path);
-    return info.exists() && !info.isFile();
+    return !info.isFile() && info.exists(); // one question to the system for nearly every path
 }
 
 /// Why the file cannot be moved, deleted or replaced at the moment: another program has it open. Empty if none does,

@@ -128,49 +128,57 @@ private:
     Sha256 m_hash;
 };
 
-QString hashWhole(const QString &path, const StopFn &isStopped, QString *error)
+// The files are open, and may have been read from.
+
+QString hashWhole(QFile &file, const StopFn &isStopped, QString *error)
 {
-    QFile file(path);
-    if (!openForHashing(file, error))
-        return {};
     Sha256 hash;
-    const bool read = addBlocks(file, noLimit, hash, isStopped);
-    return digestOrError(read, hash, path, error);
+    const bool read = file.seek(0) && addBlocks(file, noLimit, hash, isStopped);
+    return digestOrError(read, hash, file.fileName(), error);
 }
 
-QString hashPayload(const QString &path, const HashRequest &request, QString *error)
+QString hashPayload(QFile &file, const HashRequest &request, QString *error)
 {
     if (request.payloadLength < 1)
         return {};
-    QFile file(path);
-    if (!openForHashing(file, error))
-        return {};
     if (!file.seek(request.payloadOffset)) {
-        setError(error, QCoreApplication::translate("QObject", "Cannot seek within %1").arg(nativePath(path)));
+        setError(error,
+                 QCoreApplication::translate("QObject", "Cannot seek within %1").arg(nativePath(file.fileName())));
         return {};
     }
     Sha256 hash;
     const bool read = addBlocks(file, request.payloadLength, hash, request.isStopped);
-    return digestOrError(read, hash, path, error);
+    return digestOrError(read, hash, file.fileName(), error);
 }
 
 // Both digests from one pass over the file.
-FileDigests hashBoth(const QString &path, const HashRequest &request, QString *error)
+FileDigests hashBoth(QFile &file, const HashRequest &request, QString *error)
 {
-    QFile file(path);
-    if (!openForHashing(file, error))
-        return {};
     Sha256 whole;
     RangeDigest payload(request.payloadOffset, request.payloadLength);
-    const bool read = readBlocks(file, noLimit, request.isStopped, [&](QByteArrayView block) {
-        whole.addData(block);
-        payload.addBlock(block);
-    });
-    FileDigests digests { digestOrError(read, whole, path, error), {} };
+    const bool read = file.seek(0) && readBlocks(file, noLimit, request.isStopped, [&](QByteArrayView block) {
+                          whole.addData(block);
+                          payload.addBlock(block);
+                      });
+    FileDigests digests { digestOrError(read, whole, file.fileName(), error), {} };
     // A read error before or inside the range, or a range beyond the end, says nothing about what reading the range
     // alone would give, so that is then done.
     const bool settled = payload.complete() || (read && payload.begun());
-    digests.payload = settled ? digestOrError(true, payload.hash(), path, error) : hashPayload(path, request, error);
+    digests.payload =
+        settled ? digestOrError(true, payload.hash(), file.fileName(), error) : hashPayload(file, request, error);
+    return digests;
+}
+
+FileDigests hashOpenFile(QFile &file, const HashRequest &request, QString *error)
+{
+    const bool rangeIsSound = request.payloadLength >= 1 && request.payloadOffset >= 0;
+    if (request.whole && request.payload && rangeIsSound)
+        return hashBoth(file, request, error);
+    FileDigests digests;
+    if (request.whole)
+        digests.whole = hashWhole(file, request.isStopped, error);
+    if (request.payload)
+        digests.payload = hashPayload(file, request, error);
     return digests;
 }
 
@@ -178,33 +186,34 @@ FileDigests hashBoth(const QString &path, const HashRequest &request, QString *e
 
 QString hashWholeFile(const QString &path, QString *error)
 {
-    return hashWhole(path, {}, error);
+    return hashFile(path, { .whole = true }, error).whole;
 }
 
 QString hashAudioPayload(const QString &path, qint64 offset, qint64 length, QString *error)
 {
-    return hashPayload(path, { .payload = true, .payloadOffset = offset, .payloadLength = length }, error);
+    return hashFile(path, { .payload = true, .payloadOffset = offset, .payloadLength = length }, error).payload;
 }
 
 FileDigests hashFile(const QString &path, const HashRequest &request, QString *error)
 {
-    const bool rangeIsSound = request.payloadLength >= 1 && request.payloadOffset >= 0;
-    if (request.whole && request.payload && rangeIsSound)
-        return hashBoth(path, request, error);
-    FileDigests digests;
-    if (request.whole)
-        digests.whole = hashWhole(path, request.isStopped, error);
-    if (request.payload)
-        digests.payload = hashPayload(path, request, error);
-    return digests;
+    QFile file(path);
+    const bool wantsAny = request.whole || (request.payload && request.payloadLength >= 1);
+    return wantsAny && openForHashing(file, error) ? hashOpenFile(file, request, error) : FileDigests();
+}
+
+FileDigests hashContent(QFile &file, const HashRequest &request, QString *error)
+{
+    if (!request.payload || request.payloadLength >= 1)
+        return hashOpenFile(file, request, error);
+    const QString whole = hashWhole(file, request.isStopped, error);
+    return { request.whole ? whole : QString(), whole };
 }
 
 FileDigests hashContent(const QString &path, const HashRequest &request, QString *error)
 {
-    if (!request.payload || request.payloadLength >= 1)
-        return hashFile(path, request, error);
-    const QString whole = hashWhole(path, request.isStopped, error);
-    return { request.whole ? whole : QString(), whole };
+    QFile file(path);
+    const bool wantsAny = request.whole || request.payload;
+    return wantsAny && openForHashing(file, error) ? hashContent(file, request, error) : FileDigests();
 }
 
 QString quickIdentityHash(const QString &path)

@@ -8,6 +8,10 @@
 #include <functional>
 #include <memory>
 
+QT_BEGIN_NAMESPACE
+class QFile;
+QT_END_NAMESPACE
+
 namespace epr {
 
 /// SHA-256 (FIPS 180-4) of data that arrives in pieces. One object serves one thread at a time.
@@ -71,5 +75,8 @@ FileDigests hashFile(const QString &path, const HashRequest &request, QString *e
 /// The same, as copies are recognised by it: a payload that is not delimited (of a length below 1) counts as the whole
 /// file, which then matches byte-identical copies only.
 FileDigests hashContent(const QString &path, const HashRequest &request, QString *error = nullptr);
+
+/// The same for a file that is open for reading, wherever it was read last.
+FileDigests hashContent(QFile &file, const HashRequest &request, QString *error = nullptr);
 
 } // namespace epr

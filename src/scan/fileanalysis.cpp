@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "libraryfiles.h"
 
+#include "audiofile.h"
 #include "hashing.h"
 #include "probe.h"
 
@@ -18,39 +19,41 @@ namespace epr {
 
 namespace {
 
+// False for what is not there.
 #ifdef Q_OS_LINUX
 // Qt has the time as local time only, and for each one the C library looks at the time zone's file again, behind a
 // lock: half of what checking a large library would cost.
-void measure(TrackInfo &track)
+bool measure(TrackInfo &track)
 {
     struct stat status = {};
     if (stat(QFile::encodeName(track.path).constData(), &status) != 0)
-        return;
+        return false;
     const std::chrono::milliseconds sinceEpoch = std::chrono::seconds(status.st_mtim.tv_sec)
         + std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::nanoseconds(status.st_mtim.tv_nsec));
     track.size = status.st_size;
     if (sinceEpoch.count() != 0) // which Qt takes for unknown
         track.mtime = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count(), Qt::UTC);
+    return true;
 }
 #else
-void measure(TrackInfo &track)
+bool measure(TrackInfo &track)
 {
     const QFileInfo file(track.path);
     track.size = file.size();
     track.mtime = file.lastModified().toUTC();
+    return file.exists();
 }
 #endif
 
-void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std::function<bool()> &isStopped,
-                 TrackInfo &track, QString *error)
+void takeDigests(AudioFile &file, const ProbeResult &probe, const ScanOptions &options,
+                 const std::function<bool()> &isStopped, TrackInfo &track, QString *error)
 {
-    const FileDigests digests = hashContent(track.path,
-                                            { .whole = options.detectIdentical,
-                                              .payload = options.detectSameAudio,
-                                              .payloadOffset = probe.audioOffset,
-                                              .payloadLength = probe.audioRangeValid ? probe.audioLength : 0,
-                                              .isStopped = isStopped },
-                                            error);
+    const HashRequest request { .whole = options.detectIdentical,
+                                .payload = options.detectSameAudio,
+                                .payloadOffset = probe.audioOffset,
+                                .payloadLength = probe.audioRangeValid ? probe.audioLength : 0,
+                                .isStopped = isStopped };
+    const FileDigests digests = file.isOpen() ? hashContent(file, request, error) : FileDigests();
     if (options.detectIdentical)
         track.fullHash = digests.whole;
     if (options.detectSameAudio)
@@ -61,8 +64,9 @@ void takeDigests(const ProbeResult &probe, const ScanOptions &options, const std
 // proposed for removal on such grounds, so everything that says what the file sounds like goes.
 void checkUnchanged(TrackInfo &track)
 {
-    const TrackInfo now = measureFile(track.path);
-    const bool exists = QFileInfo::exists(track.path);
+    TrackInfo now;
+    now.path = track.path;
+    const bool exists = measure(now);
     if (exists && now.size == track.size && now.mtime == track.mtime)
         return;
     track.fullHash.clear();
@@ -91,14 +95,15 @@ TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::at
     const auto isStopped = [stop] { return stop && stop->load(std::memory_order_relaxed) != 0; };
     ProbeResult probe;
     QString error;
-    if (probeFile(track.path, probe, &error, stop)) {
+    AudioFile file(track.path, stop);
+    if (probeFile(file, probe, &error)) {
         track.tags = probe.tags;
         track.stream = probe.stream;
     }
     if (isStopped())
         return measured;
     QString hashError;
-    takeDigests(probe, options, isStopped, track, &hashError);
+    takeDigests(file, probe, options, isStopped, track, &hashError);
     if (isStopped() && !hashError.isEmpty())
         return measured; // given up, not failed
     track.error = error.isEmpty() ? hashError : error;

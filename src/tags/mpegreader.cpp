@@ -10,6 +10,8 @@ namespace epr {
 namespace {
 
 constexpr qint64 syncSearchSize = 262144;
+constexpr qint64 firstSearchSize = 8192; ///< nearly always enough, and nearly always read already
+constexpr qsizetype vbrInfoSize = 64; ///< from the frame's start, with all that is read of it
 constexpr qint64 apeFooterSize = 32;
 constexpr qsizetype vbriDistance = 36; ///< from the frame's start, whatever its side information takes
 
@@ -138,6 +140,15 @@ qsizetype findFrame(QByteArrayView buffer)
     return -1;
 }
 
+/// Whether more bytes behind the buffer could tell anything else of a frame there.
+bool isSettled(QByteArrayView buffer, qsizetype position)
+{
+    if (position < 0)
+        return false;
+    const int length = parseMpegFrameHeader(buffer.sliced(position)).frameLength;
+    return std::max<qsizetype>(length + 4, vbrInfoSize) <= buffer.size() - position;
+}
+
 /// frame is the buffer from the first frame on.
 VbrInfo readXing(QByteArrayView frame, const MpegFrameHeader &header)
 {
@@ -201,13 +212,18 @@ void setDuration(const MpegFrameHeader &header, const VbrInfo &vbr, ProbeResult 
 bool readMpeg(QIODevice &device, ProbeResult &result)
 {
     const qint64 tagEnd = readId3v2(device, result);
+    QByteArray buffer = readAt(device, tagEnd, firstSearchSize); // now, while the device holds what begins the file
     const qint64 payloadEnd = device.size() - readTrailingTags(device, result);
     result.setPayload(tagEnd, payloadEnd);
     if (!result.audioRangeValid)
         return false;
 
-    const QByteArray buffer = readAt(device, tagEnd, std::min(result.audioLength, syncSearchSize));
-    const qsizetype position = findFrame(buffer);
+    buffer.truncate(std::min<qint64>(result.audioLength, buffer.size()));
+    qsizetype position = findFrame(buffer);
+    if (!isSettled(buffer, position) && result.audioLength > buffer.size()) {
+        buffer = readAt(device, tagEnd, std::min(result.audioLength, syncSearchSize));
+        position = findFrame(buffer);
+    }
     if (position < 0)
         return false;
     const QByteArrayView frame = QByteArrayView(buffer).sliced(position);

@@ -2,15 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe.h"
 
-#include "fileproblems.h"
+#include "audiofile.h"
 #include "readers.h"
-#include "result.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
-
-#include <algorithm>
 
 namespace epr {
 
@@ -28,52 +24,12 @@ const Format *formatOf(const QString &suffix)
     return nullptr;
 }
 
-/// A file that gives nothing more once the scan is stopped: a tag of a hundred megabytes on a slow share must not hold
-/// Stop up until it is read. To a reader it looks like a file that is cut off there.
-class StoppableFile final : public QFile {
-public:
-    StoppableFile(const QString &path, const std::atomic<qint32> *stop)
-        : QFile(path)
-        , m_stop(stop)
-    {
-    }
-
-protected:
-    qint64 readData(char *data, qint64 maxSize) override
-    {
-        constexpr qint64 slice = 1 << 20; // bytes between two looks
-        qint64 count = 0;
-        while (count < maxSize) {
-            if (m_stop && m_stop->load(std::memory_order_relaxed) != 0)
-                return -1;
-            const qint64 read = QFile::readData(data + count, std::min(maxSize - count, slice));
-            if (read <= 0)
-                return count > 0 ? count : read;
-            count += read;
-        }
-        return count;
-    }
-
-private:
-    const std::atomic<qint32> *m_stop;
-};
-
-Result<> openRegular(QFile &file)
+Result<> probe(AudioFile &file, ProbeResult &result)
 {
-    if (isSpecialFile(file.fileName()))
-        return failure(QCoreApplication::translate("epr::ProbeResult", "Not a regular file"));
-    if (!file.open(QIODevice::ReadOnly))
-        return failure(file.errorString());
-    return {};
-}
-
-Result<> probe(const QString &path, ProbeResult &result, const std::atomic<qint32> *stop)
-{
-    StoppableFile file(path, stop);
-    if (const Result<> opened = openRegular(file); !opened)
+    if (const Result<> opened = file.openRegular(); !opened)
         return failure(QCoreApplication::translate("epr::ProbeResult", "Cannot open file: %1").arg(opened.error()));
 
-    const QString suffix = QFileInfo(path).suffix().toLower();
+    const QString suffix = QFileInfo(file.fileName()).suffix().toLower();
     const Format *const format = formatOf(suffix);
     result.format = format ? QString(format->name) : suffix.toUpper();
     if (format && !format->read(file, result))
@@ -89,12 +45,18 @@ bool isReadableExtension(const QString &suffix)
     return formatOf(suffix) != nullptr;
 }
 
-bool probeFile(const QString &path, ProbeResult &result, QString *error, const std::atomic<qint32> *stop)
+bool probeFile(AudioFile &file, ProbeResult &result, QString *error)
 {
-    const Result<> outcome = probe(path, result, stop);
+    const Result<> outcome = probe(file, result);
     if (!outcome && error && error->isEmpty())
         *error = outcome.error();
     return outcome.has_value();
+}
+
+bool probeFile(const QString &path, ProbeResult &result, QString *error)
+{
+    AudioFile file(path);
+    return probeFile(file, result, error);
 }
 
 } // namespace epr

@@ -4,9 +4,9 @@
 
 #include "records.h"
 
-#include <atomic>
-
 namespace epr {
+
+class AudioFile;
 
 /// What a reader learned about one audio file.
 struct ProbeResult {
@@ -31,10 +31,12 @@ struct ProbeResult {
 /// Reads tags, technical properties and the payload range of the file at path into result, which the caller passes
 /// in its default state. The reader is chosen by the extension alone; a file with an extension that has no reader
 /// succeeds with nothing but a format name. On false a message is written to error, unless one stands there already,
-/// and result holds what was read before the failure. Once *stop is not 0 the file is read no further: the result then
-/// says nothing about it. Re-entrant.
-[[nodiscard]] bool probeFile(const QString &path, ProbeResult &result, QString *error = nullptr,
-                             const std::atomic<qint32> *stop = nullptr);
+/// and result holds what was read before the failure. Re-entrant.
+[[nodiscard]] bool probeFile(const QString &path, ProbeResult &result, QString *error = nullptr);
+
+/// The same for a file that is not open yet; it stays open for more, unless it cannot be opened. After a stop the
+/// result says nothing about the file.
+[[nodiscard]] bool probeFile(AudioFile &file, ProbeResult &result, QString *error = nullptr);
 
 /// True for an extension that has a reader. Case-sensitive: pass the suffix in lower case, without the dot.
 bool isReadableExtension(const QString &suffix);

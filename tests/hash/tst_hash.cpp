@@ -66,6 +66,10 @@ private Q_SLOTS:
         QCOMPARE(digests.whole, referenceDigest(bytes));
         QCOMPARE(digests.payload, payload);
         QVERIFY(errors[0] == message && errors[1] == message);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly) && !file.read(100).isEmpty()); // by a reader of tags
+        QCOMPARE(epr::hashContent(file, { true, true, offset, length }).whole, digests.whole);
+        QVERIFY(file.seek(7) && epr::hashContent(file, { false, true, offset, length }).payload == payload);
     }
 
     void offsetsBeyondFourGigabytes()

@@ -57,6 +57,9 @@ void addMpegRows()
     row("mp3", "MPEG 2.5 Layer III", two(0xFFE318C0, 72), "144ms 8 8000x1 @0+144");
     row("mp3", "a tag and a false sync", id3v2Tag(text("TIT2", "Song")) + falseSync + twoFrames,
         "52ms 128 44100x2 @1025+834");
+    QByteArray falseSyncAtStep(9000, 'j'); // which only more than the first 8 KiB can tell from a frame
+    falseSyncAtStep.replace(8180, 4, QByteArray("\xFF\xFB\x90\x00", 4));
+    row("mp3", "a false sync where the first search ends", falseSyncAtStep + twoFrames, "52ms 128 44100x2 @9000+834");
     row("mp3", "Xing counts", vbrFrame(xing(1000, 653050)) + twoFrames, "26122ms 200 44100x2 @417+834");
     row("mp3", "VBRI counts",
         vbrFrame("VBRI" + QByteArray(6, '\0') + big<quint32>(653050) + big<quint32>(1000)) + twoFrames,
