@@ -13,6 +13,8 @@
 #include "textfile.h"
 
 #include <QCoreApplication>
+#include <QHash>
+#include <QSet>
 #include <QThread>
 #include <QThreadPool>
 #include <QTimer>
@@ -20,6 +22,7 @@
 #include <QtConcurrentMap>
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -108,46 +111,139 @@ struct FingerprintCounts {
     int shorter = 0; ///< than the analysed length, by what fpcalc says
 };
 
-// The pool reports on this thread, so its handlers may write into the tracks.
-FingerprintCounts runFingerprintPool(QList<TrackInfo> &tracks, const QList<FingerprintJob> &jobs,
-                                     const ScanOptions &options, const StageContext &context)
+// Runs the jobs of a pool, which reports on this thread, so that its handlers may write into the tracks. What files of
+// one content sound like is found out once.
+class FingerprintRun final {
+public:
+    FingerprintRun(QList<TrackInfo> &tracks, const ScanOptions &options, const StageContext &context)
+        : m_tracks(tracks)
+        , m_options(options)
+        , m_context(context)
+        , m_pool(options.decoderThreads, options.fingerprintSeconds,
+                 options.fingerprintEngine == FingerprintEngine::Fpcalc)
+    {
+    }
+
+    FingerprintCounts run(const QList<FingerprintJob> &jobs);
+
+private:
+    void connectPool();
+    void setCopiesAside(const QList<FingerprintJob> &jobs);
+    QList<FingerprintJob> finishCopies();
+    void take(int id, const FingerprintResult &result);
+    void report();
+
+    QList<TrackInfo> &m_tracks;
+    const ScanOptions &m_options;
+    const StageContext &m_context;
+    FingerprintPool m_pool;
+    QList<FingerprintJob> m_originals;
+    QList<std::pair<FingerprintJob, int>> m_copies; // with the original's id
+    QHash<int, FingerprintResult> m_results; // of originals that have copies and could be decoded
+    FingerprintCounts m_counts;
+    int m_done = 0;
+    int m_total = 0;
+};
+
+FingerprintCounts FingerprintRun::run(const QList<FingerprintJob> &jobs)
 {
-    FingerprintPool pool(options.decoderThreads, options.fingerprintSeconds,
-                         options.fingerprintEngine == FingerprintEngine::Fpcalc);
-    FingerprintCounts counts;
-    QObject::connect(
-        &pool, &FingerprintPool::completed, &pool,
-        [&tracks, &counts, &options](int id, const FingerprintResult &result) {
-            if (id >= 0 && id < tracks.size())
-                applyFingerprint(result, tracks[id]);
-            if (!result.error.isEmpty()) {
-                if (++counts.failed <= namedFiles && id >= 0 && id < tracks.size())
-                    counts.failures.append(QCoreApplication::translate("epr::ScanController", "Could not decode %1: %2")
-                                               .arg(nativePath(tracks.at(id).path), result.error.simplified()));
-            } else if (options.fingerprintEngine == FingerprintEngine::Fpcalc && result.durationMs > 0
-                       && result.durationMs < options.fingerprintSeconds * qint64 { 1000 })
-                ++counts.shorter;
-        },
-        Qt::DirectConnection);
-    QObject::connect(
-        &pool, &FingerprintPool::progress, &pool,
-        [&context, &pool](int done, int total) {
-            context.progress(
-                done, total,
-                QCoreApplication::translate("epr::ScanController", "Fingerprinted %1 of %2").arg(done).arg(total));
-            pool.setPaused(context.isPaused()); // before it hands out the next file
-        },
-        Qt::DirectConnection);
+    m_total = static_cast<int>(jobs.size());
+    setCopiesAside(jobs);
+    connectPool();
     QTimer flagWatch; // a file may take a minute to report
-    QObject::connect(&flagWatch, &QTimer::timeout, &pool, [&context, &pool] {
-        if (context.isCancelled())
-            pool.cancel();
-        pool.setPaused(context.isPaused());
+    QObject::connect(&flagWatch, &QTimer::timeout, &m_pool, [this] {
+        if (m_context.isCancelled())
+            m_pool.cancel();
+        m_pool.setPaused(m_context.isPaused());
     });
-    pool.setPaused(context.isPaused());
+    m_pool.setPaused(m_context.isPaused());
     flagWatch.start(pollPauseMs);
-    pool.run(jobs);
-    return counts;
+    m_pool.run(m_originals);
+    m_pool.run(finishCopies());
+    return m_counts;
+}
+
+void FingerprintRun::connectPool()
+{
+    QObject::connect(
+        &m_pool, &FingerprintPool::completed, &m_pool,
+        [this](int id, const FingerprintResult &result) {
+            if (m_results.contains(id) && result.error.isEmpty())
+                m_results[id] = result;
+            take(id, result);
+        },
+        Qt::DirectConnection);
+    QObject::connect(
+        &m_pool, &FingerprintPool::progress, &m_pool,
+        [this] {
+            report();
+            m_pool.setPaused(m_context.isPaused()); // before it hands out the next file
+        },
+        Qt::DirectConnection);
+}
+
+// Decoders go by the ending of the name as well.
+void FingerprintRun::setCopiesAside(const QList<FingerprintJob> &jobs)
+{
+    QHash<std::pair<QString, QString>, int> originals;
+    for (const FingerprintJob &job : jobs) {
+        const TrackInfo &track = m_tracks.at(job.id);
+        int original = job.id;
+        if (!track.fullHash.isEmpty()) {
+            const std::pair content(track.fullHash, track.suffix);
+            original = originals.value(content, job.id);
+            originals.insert(content, original);
+        }
+        if (original == job.id) {
+            m_originals.append(job);
+        } else {
+            m_copies.append({ job, original });
+            m_results.insert(original, {});
+        }
+    }
+}
+
+// Returns the copies that have to be decoded themselves: the original failed, and says so in words of its own, or is no
+// longer the file that was found to be the same.
+QList<FingerprintJob> FingerprintRun::finishCopies()
+{
+    QList<FingerprintJob> left;
+    for (const auto &[job, original] : std::as_const(m_copies)) {
+        m_context.waitWhilePaused();
+        if (m_context.isCancelled())
+            return {};
+        const FingerprintResult &result = m_results[original];
+        const TrackInfo &source = m_tracks.at(original);
+        const TrackInfo now = measureFile(source.path);
+        if (result.fingerprint.words.isEmpty() || now.size != source.size || now.mtime != source.mtime) {
+            left.append(job);
+            continue;
+        }
+        take(job.id, result);
+        report();
+    }
+    return left;
+}
+
+void FingerprintRun::take(int id, const FingerprintResult &result)
+{
+    TrackInfo &track = m_tracks[id];
+    applyFingerprint(result, track);
+    if (!result.error.isEmpty()) {
+        if (++m_counts.failed <= namedFiles)
+            m_counts.failures.append(QCoreApplication::translate("epr::ScanController", "Could not decode %1: %2")
+                                         .arg(nativePath(track.path), result.error.simplified()));
+    } else if (m_options.fingerprintEngine == FingerprintEngine::Fpcalc && result.durationMs > 0
+               && result.durationMs < m_options.fingerprintSeconds * qint64 { 1000 })
+        ++m_counts.shorter;
+}
+
+void FingerprintRun::report()
+{
+    ++m_done;
+    m_context.progress(
+        m_done, m_total,
+        QCoreApplication::translate("epr::ScanController", "Fingerprinted %1 of %2").arg(m_done).arg(m_total));
 }
 
 void logFingerprinting(qsizetype files, const ScanOptions &options, const StageContext &context)
@@ -287,7 +383,7 @@ QList<TrackInfo> fingerprintFiles(QList<TrackInfo> tracks, const ScanOptions &op
     if (jobs.isEmpty() || context.isCancelled())
         return tracks;
     logFingerprinting(jobs.size(), options, context);
-    const FingerprintCounts counts = runFingerprintPool(tracks, jobs, options, context);
+    const FingerprintCounts counts = FingerprintRun(tracks, options, context).run(jobs);
     if (counts.shorter > 0) {
         context.log(QCoreApplication::translate("epr::ScanController",
                                                 "%n file(s) are shorter than the analysed length and were "

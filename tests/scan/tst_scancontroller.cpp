@@ -178,6 +178,46 @@ private Q_SLOTS:
         }
     }
 
+    // One of two equal files is decoded, unless that fails or may have been of another content by then. What is removed
+    // cannot be decoded.
+    void copiesAreDecodedOnce_data()
+    {
+        const Rows<QString, QList<int>, int> row("when", "removed", "failures");
+        row("the copy goes", u"Fingerprinting audio"_s, { 1 }, 0);
+        row("the original goes", u"Fingerprinting audio"_s, { 0 }, 1);
+        row("both go, the original decoded", u"Fingerprinted 3 of 4"_s, { 0, 1 }, 1);
+    }
+
+    void copiesAreDecodedOnce()
+    {
+#ifdef Q_OS_WIN // where the set-up does not bring it
+        if (!hasFfmpeg())
+            QSKIP("ffmpeg is not installed");
+#endif
+        QFETCH(const QString, when);
+        QFETCH(const QList<int>, removed);
+        QFETCH(const int, failures);
+        m_options.detectAcoustic = true;
+        m_options.fingerprintEngine = FingerprintEngine::BuiltIn;
+        QStringList equal = discover(m_options, 0);
+        equal.removeIf([](const QString &file) { return !file.contains(QRegularExpression(u"/(one|copy)\\.wav$"_s)); });
+        QCOMPARE(equal.size(), 2);
+        ScanController controller;
+        QStringList counts;
+        const Outcome outcome = scan(controller, m_options, [&](const QString &now) {
+            if (now.startsWith("Fingerprinted"_L1))
+                counts << now;
+            for (const int file : removed)
+                now == when ? static_cast<void>(QFile::remove(equal.at(file))) : void();
+        });
+        QCOMPARE(counts.size(), 4);
+        QCOMPARE(counts.last(), u"Fingerprinted 4 of 4"_s);
+        QCOMPARE(outcome.log.filter(u"Could not decode"_s).size(), failures);
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        QCOMPARE(cache.count(), 5 - failures);
+    }
+
     // Two playlists of one song, with the fingerprint and the duration of the song from an earlier version, and a copy.
     void textsAreNotComparedBySound()
     {
