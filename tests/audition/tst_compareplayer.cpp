@@ -75,6 +75,17 @@ private Q_SLOTS:
                 && lamp(u"monitorLampB"_s)->isLit());
     }
 
+    void releasedFilesAreClosed()
+    {
+        const QString path = fileOf(u"hour.wav"_s); // its previews take longer than the rest of the test
+        writeFile(path, waveOf(100, 3600));
+        for (const Deck deck : bothDecks)
+            m_player->load(deck, trackOf(u"hour.wav"_s));
+        QTRY_VERIFY(isOpen(path));
+        m_player->release({ path });
+        QVERIFY(!isOpen(path) && m_player->track(Deck::B).path.isEmpty());
+    }
+
     // Some decoders say nothing about such a file until the watchdog bites, after a minute.
     void aFileThatCannotBePlayedHoldsNothingUp()
     {

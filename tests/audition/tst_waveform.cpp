@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "fileproblems.h"
 #include "mediabackend.h"
 #include "rows.h"
 #include "temporarylibrary.h"
@@ -58,16 +57,6 @@ struct Spied {
     QSignalSpy loaded { &loader, &WaveformLoader::loaded };
     QSignalSpy failed { &loader, &WaveformLoader::failed };
 };
-
-bool isOpen(const QString &path)
-{
-#ifdef Q_OS_LINUX
-    const QFileInfoList open = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::Files);
-    return std::any_of(open.begin(), open.end(), [&](const QFileInfo &file) { return file.symLinkTarget() == path; });
-#else
-    return !inUse(path).isEmpty();
-#endif
-}
 
 } // namespace
 
@@ -199,11 +188,11 @@ private Q_SLOTS:
             Spied spied;
             spied.loader.request(0, path);
             if (row > 0)
-                QTRY_VERIFY(isOpen(path));
+                QTRY_VERIFY(test::isOpen(path));
             QTest::qSleep(row);
             row % 2 == 0 ? spied.loader.cancel(0) : spied.loader.request(0, m_dir.path());
             QVERIFY(spied.loader.awaitClosed({ path }));
-            QVERIFY(!isOpen(path));
+            QVERIFY(!test::isOpen(path));
         }
     }
 

@@ -300,6 +300,11 @@ private Q_SLOTS:
         const Result<MoveOutcome> missing =
             moveFile(box.inLibrary(u"missing"_s), box.inLibrary(u"new/folder/x"_s), notes, patience);
         QVERIFY(!missing && (!isUnix || missing.error() == u"No such file or directory"_s));
+        for (const auto &[folder, reason] : { std::pair(occupied, u"File exists"_s),
+                                              { box.inLibrary(QString(300, u'n')), u"File name too long"_s } }) {
+            const Result<MoveOutcome> refused = moveFile(from, folder + u"/x"_s, notes, patience);
+            QVERIFY2(!refused && (!isUnix || refused.error() == reason), qPrintable(folder));
+        }
         QVERIFY(moveFile(from, occupied, notes, patience) == MoveOutcome::Occupied);
         QCOMPARE(treeOf(box.library()), before);
         if (!otherFileSystem())

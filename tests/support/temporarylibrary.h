@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
+#include <algorithm>
+
 namespace epr::test {
 
 /// A temporary folder that holds the settings and the data of this process, and of those it starts, as long as it
@@ -50,6 +52,18 @@ inline QByteArray readFile(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Whether this process has the file open. Where the system does not say so, whether it lets the file be moved.
+inline bool isOpen(const QString &path)
+{
+#ifdef Q_OS_LINUX
+    const QFileInfoList open = QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files);
+    return std::any_of(open.begin(), open.end(), [&](const QFileInfo &file) { return file.symLinkTarget() == path; });
+#else
+    const QString elsewhere = path + QLatin1Char('~');
+    return !QFile::rename(path, elsewhere) || !QFile::rename(elsewhere, path);
+#endif
 }
 
 template <typename T> QByteArray little(T value)
