@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 // What acoustic matching costs. Without arguments: one pair of fingerprints, as ratios to the plain loops. With "pass",
-// an engine and a number of tracks: the whole pass over a synthetic library, in seconds of processor time, and its peak
-// memory, which is why each library has a run of its own. With "index" instead of "pass": how alike the library's
+// an engine, a number of tracks and one of threads: the whole pass over a synthetic library, in seconds by the clock and
+// of processor time, and its peak memory, which is why each library has a run of its own. With "index" instead of "pass": how alike the library's
 // unrelated tracks are.
 #include "acousticcomparison.h"
 #include "candidates.h"
@@ -12,6 +12,7 @@
 #include "stopwatch.h"
 #include "syntheticlibrary.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 
 #include <bit>
@@ -203,28 +204,33 @@ void printLinks(const Library &library, MatchUnion &sets)
                 static_cast<long long>(copies), static_cast<long long>(sizeOfSets - 2 * found));
 }
 
-int measurePass(bool fpcalc, qsizetype trackCount)
+int measurePass(bool fpcalc, qsizetype trackCount, int threads)
 {
     const Library library = makeLibrary(fpcalc, trackCount);
     const double tracksMiB = memoryMiB("VmRSS:");
-    const ScanOptions options = optionsFor(fpcalc);
+    ScanOptions options = optionsFor(fpcalc);
+    options.decoderThreads = threads;
     const std::atomic<qint32> notCancelled { 0 };
     MatchUnion sets(trackCount);
+    QElapsedTimer clock;
+    clock.start();
     const std::clock_t start = std::clock();
-    const auto seconds = [start] { return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC; };
+    const auto printTime = [&](const char *what) {
+        std::printf("  %7.2f s, %7.2f s processor  %s\n", static_cast<double>(clock.elapsed()) / 1e3,
+                    static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, what);
+    };
     QString phase;
     epr::matchAcoustic(
         library.tracks, options, notCancelled,
         [&](int, int, const QString &text) {
             if (text != phase)
-                std::printf("  %7.2f s  %s\n", seconds(), qPrintable(text));
+                printTime(qPrintable(text));
             phase = text;
         },
         sets);
-    const double total = seconds();
+    printTime("done");
     const double peakMiB = memoryMiB("VmHWM:");
-    std::printf("  %7.2f s  done; peak %.0f MiB, of which the tracks %.0f, the pass %.0f\n", total, peakMiB, tracksMiB,
-                peakMiB - tracksMiB);
+    std::printf("  peak %.0f MiB, of which the tracks %.0f, the pass %.0f\n", peakMiB, tracksMiB, peakMiB - tracksMiB);
     printLinks(library, sets);
     return EXIT_SUCCESS;
 }
@@ -256,10 +262,11 @@ int describeIndex(bool fpcalc, qsizetype trackCount)
         length = entry < epr::PostingLists::endFlag ? length : 0;
     }
     const auto entries = static_cast<double>(lists.entries.size());
-    epr::CandidateRows rows(std::move(lists), trackCount, fpcalc ? 5 : 3);
+    const epr::CandidateRows rows(std::move(lists), trackCount, fpcalc ? 5 : 3);
+    epr::RowCounter counter(rows);
     qint64 candidates = 0;
     for (qint32 track = 0; track < rows.trackCount(); ++track)
-        candidates += static_cast<qint64>(rows.row(track).size());
+        candidates += static_cast<qint64>(counter.row(track).size());
     const double pairs = static_cast<double>(trackCount) * static_cast<double>(trackCount - 1) / 2;
     std::printf("  neighbouring words differ in %.1f bits; %.1f million entries, %.0f million increments, "
                 "%.2f million candidates, %.2f %% of all pairs\n",
@@ -274,12 +281,14 @@ int main(int argc, char **argv)
 {
     if (argc == 1)
         return measurePairs();
-    const long long trackCount = argc == 4 ? std::atoll(argv[3]) : 0;
+    const long long trackCount = argc >= 4 ? std::atoll(argv[3]) : 0;
+    const int threads = argc >= 5 ? std::atoi(argv[4]) : 1;
     if (trackCount < 2) {
-        std::fprintf(stderr, "usage: bench_acoustic [pass|index builtin|fpcalc TRACKS]\n");
+        std::fprintf(stderr, "usage: bench_acoustic [pass|index builtin|fpcalc TRACKS [THREADS]]\n");
         return EXIT_FAILURE;
     }
     const bool fpcalc = std::strcmp(argv[2], "fpcalc") == 0;
-    std::printf("%s, %lld tracks\n", fpcalc ? "fpcalc" : "built-in", trackCount);
-    return std::strcmp(argv[1], "index") == 0 ? describeIndex(fpcalc, trackCount) : measurePass(fpcalc, trackCount);
+    std::printf("%s, %lld tracks, %d threads\n", fpcalc ? "fpcalc" : "built-in", trackCount, threads);
+    return std::strcmp(argv[1], "index") == 0 ? describeIndex(fpcalc, trackCount)
+                                              : measurePass(fpcalc, trackCount, threads);
 }

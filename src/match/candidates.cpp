@@ -202,10 +202,6 @@ CandidateRows::CandidateRows(PostingLists lists, qsizetype trackCount, int minSh
     : m_minSharedKeys(static_cast<quint8>(minSharedKeys))
     , m_entries(std::move(lists.entries))
     , m_firstPlace(static_cast<std::size_t>(trackCount) + 1)
-    , m_counts(static_cast<std::size_t>(trackCount))
-    , m_touched(m_counts.size() + 1)
-    , m_reached(m_counts.size() + 1)
-    , m_reachedBits(m_counts.size() / 64 + 1)
 {
     indexEntries();
 }
@@ -222,10 +218,20 @@ void CandidateRows::indexEntries()
     std::vector<std::size_t> next(m_firstPlace.begin(), m_firstPlace.end() - 1);
     for (std::size_t place = 0; place < m_entries.size(); ++place)
         if (m_entries[place] < PostingLists::endFlag)
-            m_places[next[m_entries[place]]++] = place;
+            m_places[next[m_entries[place]]++] = static_cast<quint32>(place);
 }
 
-std::span<const qint32> CandidateRows::row(qint32 track)
+RowCounter::RowCounter(const CandidateRows &rows)
+    : m_rows(&rows)
+    , m_minSharedKeys(rows.minSharedKeys())
+    , m_counts(static_cast<std::size_t>(rows.trackCount()))
+    , m_touched(m_counts.size() + 1)
+    , m_reached(m_counts.size() + 1)
+    , m_reachedBits(m_counts.size() / 64 + 1)
+{
+}
+
+std::span<const qint32> RowCounter::row(qint32 track)
 {
     const auto index = static_cast<std::size_t>(track);
     m_row.clear();
@@ -235,10 +241,10 @@ std::span<const qint32> CandidateRows::row(qint32 track)
     return m_row;
 }
 
-void CandidateRows::countShared(std::size_t track)
+void RowCounter::countShared(std::size_t track)
 {
-    for (std::size_t i = m_firstPlace[track]; i < m_firstPlace[track + 1]; ++i) {
-        const quint32 *entry = m_entries.data() + m_places[i];
+    for (const quint32 place : m_rows->places(track)) {
+        const quint32 *entry = m_rows->entry(place);
         do {
             ++entry;
             countEntry(*entry & ~PostingLists::endFlag);
@@ -248,7 +254,7 @@ void CandidateRows::countShared(std::size_t track)
 
 /// Without branches, which would be mispredicted all the time: a track is always written behind the touched and the
 /// reached ones, and stays there only if it is one of them. Both arrays have room for one more.
-void CandidateRows::countEntry(quint32 track)
+void RowCounter::countEntry(quint32 track)
 {
     quint8 &count = m_counts[track];
     m_touched[m_touchedCount] = track;
@@ -258,7 +264,7 @@ void CandidateRows::countEntry(quint32 track)
     count = static_cast<quint8>(count + (count < std::numeric_limits<quint8>::max() ? 1 : 0));
 }
 
-void CandidateRows::sortReached(std::size_t track)
+void RowCounter::sortReached(std::size_t track)
 {
     if (m_reachedCount == 0)
         return;
@@ -270,7 +276,7 @@ void CandidateRows::sortReached(std::size_t track)
             m_row.push_back(static_cast<qint32>(block * 64) + std::countr_zero(bits));
 }
 
-void CandidateRows::clearCounts()
+void RowCounter::clearCounts()
 {
     for (std::size_t i = 0; i < m_touchedCount; ++i)
         m_counts[m_touched[i]] = 0;

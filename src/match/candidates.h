@@ -113,31 +113,50 @@ PostingLists halfWordPostings(const QList<TrackInfo> &tracks, const Checkpoint &
 /// Keys are all the words of a track.
 PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint);
 
-/// Finds, for one track after the other, the later tracks that share enough keys with it. Counting a row at a time
-/// keeps the memory proportional to the tracks, where a count per pair would be quadratic: by chance alone nearly every
-/// two tracks of a mid-size library share some half-word.
+/// Where each track stands in the posting lists. Does not change, so that many threads can count rows of it at once.
 class CandidateRows final {
 public:
     /// A row names the tracks that share at least minSharedKeys keys, which is at most 255.
     CandidateRows(PostingLists lists, qsizetype trackCount, int minSharedKeys);
 
-    qint32 trackCount() const { return static_cast<qint32>(m_counts.size()); }
+    qint32 trackCount() const { return static_cast<qint32>(m_firstPlace.size()) - 1; }
+    quint8 minSharedKeys() const { return m_minSharedKeys; }
+
+    /// Where the track stands among the entries, the places where it ends its list left out.
+    std::span<const quint32> places(std::size_t track) const
+    {
+        return std::span(m_places).subspan(m_firstPlace[track], m_firstPlace[track + 1] - m_firstPlace[track]);
+    }
+
+    const quint32 *entry(quint32 place) const { return m_entries.data() + place; }
+
+private:
+    void indexEntries();
+
+    quint8 m_minSharedKeys = 0;
+    std::vector<quint32> m_entries; ///< of the posting lists
+    std::vector<std::size_t> m_firstPlace; ///< per track and one past the last: index into m_places
+    std::vector<quint32> m_places;
+};
+
+/// Finds, for one track after the other, the later tracks that share enough keys with it. Counting a row at a time
+/// keeps the memory proportional to the tracks, where a count per pair would be quadratic: by chance alone nearly every
+/// two tracks of a mid-size library share some half-word.
+class RowCounter final {
+public:
+    explicit RowCounter(const CandidateRows &rows);
 
     /// The tracks behind the given one, ascending. Valid until the next call.
     std::span<const qint32> row(qint32 track);
 
 private:
-    void indexEntries();
     void countShared(std::size_t track);
     void countEntry(quint32 track);
     void sortReached(std::size_t track);
     void clearCounts();
 
+    const CandidateRows *m_rows = nullptr;
     quint8 m_minSharedKeys = 0;
-    std::vector<quint32> m_entries; ///< of the posting lists
-    std::vector<std::size_t> m_firstPlace; ///< per track and one past the last: index into m_places
-    std::vector<std::size_t> m_places; ///< where in m_entries a track stands, unless it ends its list
-
     std::vector<quint8> m_counts; ///< shared keys per track of the current row; more than 255 count as 255
     std::vector<quint32> m_touched; ///< tracks with a count
     std::size_t m_touchedCount = 0;

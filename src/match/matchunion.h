@@ -44,6 +44,14 @@ public:
         return track;
     }
 
+    /// The same without the shortening, for many threads at once while none of them links.
+    qint32 root(qint32 track) const
+    {
+        while (parent(track) != track)
+            track = parent(track);
+        return track;
+    }
+
     /// Joins the sets of two tracks and records the type on both and on the joined set's root, also when they were in
     /// one set already.
     void link(qint32 a, qint32 b, MatchType type)
@@ -60,6 +68,7 @@ private:
         MatchType method = MatchType::Unmatched;
     };
 
+    qint32 parent(qint32 track) const { return m_nodes[static_cast<std::size_t>(track)].parent; }
     Node &node(qint32 track) { return m_nodes[static_cast<std::size_t>(track)]; }
 
     void joinRoots(qint32 a, qint32 b)

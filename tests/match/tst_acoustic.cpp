@@ -118,10 +118,11 @@ Pairs foundCandidates(const QList<TrackInfo> &tracks, bool chromaprint)
     const epr::ProgressFn none;
     const epr::Checkpoint checkpoint(notCancelled, none);
     auto lists = chromaprint ? epr::wordPostings(tracks, checkpoint) : epr::halfWordPostings(tracks, checkpoint);
-    epr::CandidateRows rows(std::move(lists), tracks.size(), chromaprint ? 5 : 3);
+    const epr::CandidateRows rows(std::move(lists), tracks.size(), chromaprint ? 5 : 3);
+    epr::RowCounter counter(rows);
     Pairs pairs;
     for (qint32 a = 0; a < tracks.size(); ++a)
-        for (const qint32 b : rows.row(a))
+        for (const qint32 b : counter.row(a))
             pairs << std::pair(a, b);
     return pairs;
 }
