@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 // What acoustic matching costs. Without arguments: one pair of fingerprints, as ratios to the plain loops. With "pass",
-// an engine, a number of tracks and one of threads: the whole pass over a synthetic library, in seconds by the clock and
-// of processor time, and its peak memory, which is why each library has a run of its own. With "index" instead of "pass": how alike the library's
-// unrelated tracks are.
+// an engine, a number of tracks and one of threads: the whole pass over a synthetic library, in seconds by the clock
+// and of processor time, and its peak memory, which is why each library has a run of its own. With "index" instead of
+// "pass": how alike the library's unrelated tracks are.
 #include "acousticcomparison.h"
 #include "candidates.h"
 #include "matching.h"
@@ -254,7 +254,7 @@ int describeIndex(bool fpcalc, qsizetype trackCount)
     const epr::ProgressFn noProgress;
     epr::Checkpoint checkpoint(notCancelled, noProgress);
     epr::PostingLists lists =
-        fpcalc ? epr::wordPostings(library.tracks, checkpoint) : epr::halfWordPostings(library.tracks, checkpoint);
+        fpcalc ? epr::wordPostings(library.tracks, checkpoint, {}) : epr::halfWordPostings(library.tracks, checkpoint);
     qint64 increments = 0;
     qint64 length = 0;
     for (const quint32 entry : lists.entries) {

@@ -18,9 +18,10 @@ constexpr int maxThreads = 16;
 constexpr qint64 keysPerReport = 4096;
 constexpr qint64 candidatesPerReport = 1024;
 
-// What one thread does between two reports, on average: enough to be worth starting threads for.
-constexpr qint32 rowsPerBatch = 4096; // to be counted
-constexpr qint64 candidatesPerBatch = 1 << 17; // to be compared
+// What each thread does between two reports: enough to be worth being started for. A batch of candidates begins small,
+// for the first report, and grows.
+constexpr qint32 rowsPerBatch = 1024; // to be counted
+constexpr qint64 candidatesPerBatch = 1 << 17; // to be compared, on average
 
 /// The number of candidates before each track's row, and behind the last row that of all. Storing the candidates would
 /// take gigabytes in a large library. They are counted here, so that the comparison can say how far it is, and found
@@ -72,7 +73,7 @@ public:
             likeness(track) = track;
     }
 
-    /// Begins with a look at the cancel flag, so that nothing is compared after a cancelled search.
+    /// With as many threads as there are counters. Nothing is compared after a cancelled search.
     void run(std::vector<RowCounter> &counters, const std::vector<qint64> &before);
 
 private:
@@ -96,9 +97,10 @@ void Comparison::run(std::vector<RowCounter> &counters, const std::vector<qint64
 {
     const int threads = static_cast<int>(counters.size());
     std::vector<std::vector<Found>> foundBy(counters.size());
+    qint64 batch = threads * candidatesPerReport;
     m_total = before.back();
-    for (auto begin = before.begin(); lookUpTo(*begin - 1) && *begin < m_total;) {
-        const auto end = std::lower_bound(begin, before.end() - 1, *begin + threads * candidatesPerBatch);
+    for (auto begin = before.begin(); lookUpTo(std::min(*begin, m_total - 1)) && *begin < m_total;) {
+        const auto end = std::lower_bound(begin, before.end() - 1, *begin + batch);
         forEachOnThreads(threads, end - begin, [&](int thread, qsizetype index) {
             const auto row = begin + index;
             const auto track = static_cast<qint32>(row - before.begin());
@@ -115,6 +117,7 @@ void Comparison::run(std::vector<RowCounter> &counters, const std::vector<qint64
         if (!link(found))
             return;
         begin = end;
+        batch = std::min(2 * batch, threads * candidatesPerBatch);
     }
 }
 
@@ -170,12 +173,13 @@ void matchAcoustic(const QList<TrackInfo> &tracks, const ScanOptions &options, c
 {
     const Checkpoint checkpoint(cancelFlag, progress);
     const AcousticRules rules = acousticRules(options);
-    const auto threads = static_cast<std::size_t>(std::clamp(options.decoderThreads, 1, maxThreads));
-    PostingLists lists = rules.engine == FingerprintEngine::Fpcalc ? wordPostings(tracks, checkpoint)
-                                                                   : halfWordPostings(tracks, checkpoint);
+    const int threads = std::clamp(options.decoderThreads, 1, maxThreads);
+    PostingLists lists = rules.engine == FingerprintEngine::Fpcalc
+        ? wordPostings(tracks, checkpoint, { .threads = threads })
+        : halfWordPostings(tracks, checkpoint);
     const qint64 keyCount = lists.keyCount;
     const CandidateRows rows(std::move(lists), tracks.size(), rules.minSharedKeys);
-    std::vector<RowCounter> counters(threads, RowCounter(rows));
+    std::vector<RowCounter> counters(static_cast<std::size_t>(threads), RowCounter(rows));
     const std::vector<qint64> before = countCandidates(counters, rows.trackCount(), keyCount, checkpoint);
     Comparison(tracks, options, checkpoint, unions).run(counters, before);
 }

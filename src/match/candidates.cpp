@@ -4,7 +4,6 @@
 
 #include "acousticcomparison.h"
 
-#include <array>
 #include <bit>
 #include <limits>
 
@@ -12,23 +11,7 @@ namespace epr {
 
 namespace {
 
-using namespace acousticprogress;
-
 constexpr qsizetype tracksPerReport = 2048;
-
-/// Visits the tracks with fingerprints long enough to compare in list order. False if cancelled.
-template <typename Visit>
-bool forEachUsable(const QList<TrackInfo> &tracks, const ProgressSlice &slice, const Checkpoint &checkpoint,
-                   Visit visit)
-{
-    for (qsizetype track = 0; track < tracks.size(); ++track) {
-        if (track % tracksPerReport == 0 && !checkpoint.pass(slice, track, tracks.size()))
-            return false;
-        if (isLongEnoughToCompare(tracks[track].fingerprint))
-            visit(static_cast<quint32>(track), Words(tracks[track].fingerprint.words));
-    }
-    return true;
-}
 
 /// Room for one list of limited length per half-word key. There are few enough keys to have a slot for each.
 class HalfWordTable final {
@@ -97,83 +80,6 @@ private:
     std::vector<Slot> m_slots;
 };
 
-using WordAndTrack = quint64; // word in the high half, so that these sort by word and then by track
-
-/// All words of all tracks. Sorting them takes a fifth of the memory of a hash table of lists, since nearly every word
-/// is one that no other track has.
-class SortedWords final {
-public:
-    [[nodiscard]] bool collect(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
-    {
-        for (const TrackInfo &track : tracks)
-            if (isLongEnoughToCompare(track.fingerprint))
-                for (const quint32 word : track.fingerprint.words)
-                    ++m_ends[bucketOf(word)];
-        std::size_t total = 0;
-        for (std::size_t &end : m_ends)
-            total += std::exchange(end, total); // where the bucket begins; filling it moves this to its end
-        m_pairs.resize(total);
-        return forEachUsable(tracks, collectingWords, checkpoint, [this](quint32 track, Words words) {
-            for (const quint32 word : words)
-                m_pairs[m_ends[bucketOf(word)]++] = WordAndTrack(word) << 32 | track;
-        });
-    }
-
-    /// Sorts bucket by bucket: each fits into the processor's cache, and the sort can be cancelled between them.
-    [[nodiscard]] bool sort(qsizetype trackCount, const Checkpoint &checkpoint)
-    {
-        const auto total = static_cast<qint64>(m_pairs.size());
-        Milestones milestones(checkpoint, sortingWords, tracksPerReport, trackCount);
-        std::size_t begin = 0;
-        for (const std::size_t end : m_ends) {
-            if (!milestones.reach(static_cast<qint64>(begin), total))
-                return false;
-            std::sort(m_pairs.begin() + static_cast<std::ptrdiff_t>(begin),
-                      m_pairs.begin() + static_cast<std::ptrdiff_t>(end));
-            begin = end;
-        }
-        m_pairs.erase(std::unique(m_pairs.begin(), m_pairs.end()), m_pairs.end());
-        return milestones.reach(total, total);
-    }
-
-    /// Visits, for each word, its pairs with the tracks that have it.
-    template <typename Visit> void forEachWord(Visit visit) const
-    {
-        for (auto begin = m_pairs.begin(); begin != m_pairs.end();) {
-            const auto end =
-                std::find_if(begin, m_pairs.end(), [begin](WordAndTrack pair) { return pair >> 32 != *begin >> 32; });
-            visit(std::span(begin, end));
-            begin = end;
-        }
-    }
-
-private:
-    static constexpr std::size_t bucketCount = 1U << 10;
-
-    static std::size_t bucketOf(quint32 word) { return word >> 22; }
-
-    std::vector<WordAndTrack> m_pairs;
-    std::array<std::size_t, bucketCount> m_ends {};
-};
-
-PostingLists sharedWords(const SortedWords &words, std::size_t maxLength)
-{
-    const auto isKept = [maxLength](std::size_t length) { return length >= 2 && length <= maxLength; };
-    std::size_t total = 0;
-    words.forEachWord([&](auto pairs) { total += isKept(pairs.size()) ? pairs.size() : 0; });
-    PostingLists lists;
-    lists.entries.reserve(total);
-    words.forEachWord([&](auto pairs) {
-        if (!isKept(pairs.size()))
-            return;
-        for (const WordAndTrack pair : pairs)
-            lists.entries.push_back(static_cast<quint32>(pair));
-        ++lists.keyCount;
-        lists.entries.back() |= PostingLists::endFlag;
-    });
-    return lists;
-}
-
 } // namespace
 
 qsizetype maxPostingLength(qsizetype trackCount)
@@ -185,17 +91,13 @@ qsizetype maxPostingLength(qsizetype trackCount)
 PostingLists halfWordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
 {
     HalfWordTable table(tracks.size());
-    const bool complete = forEachUsable(tracks, indexingHalfWords, checkpoint,
-                                        [&table](quint32 track, Words words) { table.addTrack(track, words); });
-    return complete ? table.takeLists() : PostingLists();
-}
-
-PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint)
-{
-    SortedWords words;
-    if (!words.collect(tracks, checkpoint) || !words.sort(tracks.size(), checkpoint))
-        return {};
-    return sharedWords(words, static_cast<std::size_t>(maxPostingLength(tracks.size())));
+    for (qsizetype track = 0; track < tracks.size(); ++track) {
+        if (track % tracksPerReport == 0 && !checkpoint.pass(acousticprogress::indexingHalfWords, track, tracks.size()))
+            return {};
+        if (isLongEnoughToCompare(tracks[track].fingerprint))
+            table.addTrack(static_cast<quint32>(track), tracks[track].fingerprint.words);
+    }
+    return table.takeLists();
 }
 
 CandidateRows::CandidateRows(PostingLists lists, qsizetype trackCount, int minSharedKeys)

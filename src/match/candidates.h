@@ -110,8 +110,13 @@ qsizetype maxPostingLength(qsizetype trackCount);
 /// Keys are the halves of up to about 400 words per track. Built-in words are too noisy to agree in all bits.
 PostingLists halfWordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint);
 
-/// Keys are all the words of a track.
-PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint);
+struct IndexEffort {
+    int threads = 1;
+    std::size_t entriesAtOnce = 40'000'000; ///< of 4 bytes; the tracks are gone through once for so many
+};
+
+/// Keys are all the words of a track. The memory, beyond that of the lists, is what the effort allows.
+PostingLists wordPostings(const QList<TrackInfo> &tracks, const Checkpoint &checkpoint, const IndexEffort &effort);
 
 /// Where each track stands in the posting lists. Does not change, so that many threads can count rows of it at once.
 class CandidateRows final {

@@ -117,7 +117,8 @@ Pairs foundCandidates(const QList<TrackInfo> &tracks, bool chromaprint)
 {
     const epr::ProgressFn none;
     const epr::Checkpoint checkpoint(notCancelled, none);
-    auto lists = chromaprint ? epr::wordPostings(tracks, checkpoint) : epr::halfWordPostings(tracks, checkpoint);
+    auto lists = chromaprint ? epr::wordPostings(tracks, checkpoint, { .threads = 3, .entriesAtOnce = 5000 })
+                             : epr::halfWordPostings(tracks, checkpoint);
     const epr::CandidateRows rows(std::move(lists), tracks.size(), chromaprint ? 5 : 3);
     epr::RowCounter counter(rows);
     Pairs pairs;
@@ -125,6 +126,21 @@ Pairs foundCandidates(const QList<TrackInfo> &tracks, bool chromaprint)
         for (const qint32 b : counter.row(a))
             pairs << std::pair(a, b);
     return pairs;
+}
+
+/// The steps of the pass's own scale that it reports: every so many tracks, keys and candidates.
+QList<int> plainReports(qsizetype tracks, qsizetype keys, qsizetype candidates, bool chromaprint)
+{
+    QList<int> reports;
+    const auto add = [&reports](double base, double span, qsizetype count, qsizetype step) {
+        for (qsizetype done = 0; done < count; done += step)
+            reports << static_cast<int>((base + span * static_cast<double>(done) / static_cast<double>(count)) * 1000);
+    };
+    add(0, chromaprint ? 0.35 : 0.7, tracks, 2048);
+    add(0.35, 0.35, chromaprint ? tracks : 0, 2048);
+    add(0.7, 0.2, keys, 4096);
+    add(0.9, 0.1, candidates, 1024);
+    return reports;
 }
 
 List randomWords(QRandomGenerator &random, qsizetype length)
@@ -270,27 +286,45 @@ void TestAcoustic::candidatesAndLinks()
             QCOMPARE(foundCandidates(tracks, chromaprint).size(), found ? copyCount * (copyCount - 1) / 2 : 0);
     }
 
-    constexpr std::tuple<qsizetype, double, qint32> rows[] { { 2, 0.2, 9 },   { 65, 0.12, 5 },     { 180, 0.12, 5 },
-                                                             { 110, 0.2, 0 }, { 130, 1e300, 100 }, { 110, 0.0, 100 } };
-    for (const auto &[trackCount, threshold, tolerance] : rows) {
+    // The last number is that of the report of the comparison at which it is stopped, which then still does its 1024.
+    constexpr std::tuple<qsizetype, double, qint32, int, qsizetype> rows[] {
+        { 2, 0.2, 9, 4, 99 },   { 65, 0.12, 5, 1, 99 },     { 180, 0.12, 5, 3, 99 }, { 180, 0.12, 100, 1, 2 },
+        { 110, 0.2, 0, 2, 99 }, { 130, 1e300, 100, 5, 99 }, { 110, 0.0, 100, 1, 99 }
+    };
+    for (const auto &[trackCount, threshold, tolerance, threads, stopAt] : rows) {
         for (const bool chromaprint : { false, true }) {
-            const epr::ScanOptions options = optionsFor(chromaprint, threshold, tolerance);
+            epr::ScanOptions options = optionsFor(chromaprint, threshold, tolerance);
+            options.decoderThreads = threads;
             // The tracks without a fingerprint are gone through as well.
-            const QList<TrackInfo> tracks = randomLibrary(random, trackCount) + QList<TrackInfo>(3000);
-            const Pairs candidates = plainCandidates(plainIndex(tracks, chromaprint), chromaprint);
+            const QList<TrackInfo> library = randomLibrary(random, trackCount);
+            const QList<TrackInfo> tracks =
+                library.first(trackCount / 2) + QList<TrackInfo>(3000) + library.sliced(trackCount / 2);
+            const Index known = plainIndex(tracks, chromaprint);
+            const Pairs candidates = plainCandidates(known, chromaprint);
             QVERIFY(trackCount < 64 || candidates.size() > trackCount / 8);
             QCOMPARE(foundCandidates(tracks, chromaprint), candidates);
+            const Pairs compared = candidates.first(std::min(candidates.size(), 1024 * stopAt));
             epr::MatchUnion expected(tracks.size());
-            for (qint32 track = 7; track < trackCount; track += 7)
+            for (qint32 track = 7; track < trackCount / 2; track += 7)
                 expected.link(track - 5, track, epr::MatchType::IdenticalFile);
             epr::MatchUnion sets = expected;
-            for (const auto &[a, b] : candidates)
+            for (const auto &[a, b] : compared)
                 if (expected.findRoot(a) != expected.findRoot(b)
                     && epr::sameRecording(tracks[a], tracks[b], epr::acousticRules(options))
                     && epr::durationsAgree(tracks[a].stream.durationMs, tracks[b].stream.durationMs, tolerance))
                     expected.link(a, b, epr::MatchType::SameRecording);
-            epr::matchAcoustic(tracks, options, notCancelled, {}, sets);
-            for (qint32 track = 0; track < trackCount; ++track) {
+            QList<int> reports;
+            std::atomic<qint32> cancelFlag { 0 };
+            const auto report = [&](int step, int, const QString &) {
+                reports << step;
+                cancelFlag = std::ranges::count_if(reports, [](int each) { return each >= 900; }) >= stopAt ? 1 : 0;
+            };
+            epr::matchAcoustic(tracks, options, cancelFlag, report, sets);
+            QList<int> allReports =
+                plainReports(tracks.size(), qsizetype(known.size()), candidates.size(), chromaprint);
+            allReports.resize(allReports.size() - (candidates.size() + 1023) / 1024 + (compared.size() + 1023) / 1024);
+            QCOMPARE(reports, allReports);
+            for (qint32 track = 0; track < tracks.size(); ++track) {
                 QCOMPARE(sets.findRoot(track), expected.findRoot(track));
                 QCOMPARE(sets.method(track), expected.method(track));
             }
