@@ -15,6 +15,7 @@ namespace epr {
 namespace {
 
 constexpr int maxThreads = 16;
+constexpr qsizetype tracksPerThread = 256; // at least, to be worth starting it
 constexpr qint64 keysPerReport = 4096;
 constexpr qint64 candidatesPerReport = 1024;
 
@@ -173,7 +174,8 @@ void matchAcoustic(const QList<TrackInfo> &tracks, const ScanOptions &options, c
 {
     const Checkpoint checkpoint(cancelFlag, progress);
     const AcousticRules rules = acousticRules(options);
-    const int threads = std::clamp(options.decoderThreads, 1, maxThreads);
+    const auto useful = static_cast<int>(std::min<qsizetype>(maxThreads, 1 + tracks.size() / tracksPerThread));
+    const int threads = std::clamp(options.decoderThreads, 1, useful);
     PostingLists lists = rules.engine == FingerprintEngine::Fpcalc
         ? wordPostings(tracks, checkpoint, { .threads = threads })
         : halfWordPostings(tracks, checkpoint);

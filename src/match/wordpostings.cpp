@@ -37,11 +37,7 @@ public:
 
     bool contains(quint32 word) const { return (m_again[word / 64] >> word % 64 & 1) != 0; }
 
-    void clear()
-    {
-        std::ranges::fill(m_seen, 0);
-        std::ranges::fill(m_again, 0);
-    }
+    void forget(quint32 word) { m_seen[word / 64] = m_again[word / 64] = 0; }
 
 private:
     std::vector<quint64> m_seen = std::vector<quint64>((1U << wordBits) / 64);
@@ -224,7 +220,6 @@ void WordIndex::reduce(std::size_t bucket, const std::vector<quint32> &entries, 
     const auto wordOf = [](quint32 entry) { return entry >> trackBits; };
     const std::size_t end = m_ends.back()[bucket];
     std::size_t place = end - m_sizes[bucket];
-    workspace.repeated.clear();
     for (std::size_t i = place; i < end; ++i)
         workspace.repeated.note(wordOf(entries[i]));
     workspace.pairs.clear();
@@ -233,6 +228,8 @@ void WordIndex::reduce(std::size_t bucket, const std::vector<quint32> &entries, 
             if (const quint32 entry = entries[place]; workspace.repeated.contains(wordOf(entry)))
                 workspace.pairs.push_back(WordAndTrack(wordOf(entry)) << 32 | slice << trackBits
                                           | entry % (1U << trackBits));
+    for (std::size_t i = end - m_sizes[bucket]; i < end; ++i)
+        workspace.repeated.forget(wordOf(entries[i]));
     appendShared(workspace.pairs, maxPostingLength(m_tracks.size()), lists);
 }
 
