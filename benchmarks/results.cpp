@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// What the operator waits for with 100,000 members on the screen, each as a share of the time that showing them takes.
+// What the operator waits for with 100,000 members on the screen, or with as many groups as the argument says, each as
+// a share of the time that showing them takes.
 
 #include "resultsmodel.h"
 #include "review.h"
@@ -10,20 +11,19 @@
 #include <QGuiApplication>
 
 #include <cstdio>
+#include <cstdlib>
 
 using namespace epr;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int groupCount = 40000; // of two or three members
-
 struct Results {
     QList<TrackInfo> tracks;
     QList<MatchGroup> groups;
 };
 
-Results makeResults()
+Results makeResults(int groupCount)
 {
     Results results;
     for (int number = 0; number < groupCount; ++number) {
@@ -49,7 +49,8 @@ Results makeResults()
 int main(int argc, char *argv[])
 {
     const QGuiApplication app(argc, argv);
-    const Results results = makeResults();
+    const int groupCount = argc > 1 ? std::atoi(argv[1]) : 40000; // of two or three members
+    const Results results = makeResults(groupCount);
     Review review;
     ResultsModel model(review);
     const auto show = [&] {
@@ -59,6 +60,10 @@ int main(int argc, char *argv[])
     const auto find = [&] {
         model.setFilter(u"artist 99"_s);
         model.setFilter({});
+    };
+    const auto type = [&] {
+        for (const QString &text : { u"9"_s, u"99"_s, u"99 -"_s, u"99 - t"_s, u"99 - title 3"_s, QString() })
+            model.setFilter(text);
     };
     const auto readEveryCell = [&] {
         for (int group = 0; group < model.rowCount(); ++group) {
@@ -74,9 +79,10 @@ int main(int argc, char *argv[])
     };
     const auto times = bench::shortestTimes(
         7, show, [&] { review.invertTicks(); }, [&] { review.setTicked(middle, 1, !review.isTicked(middle, 1)); },
-        keepAnother, find, readEveryCell);
+        keepAnother, find, type, readEveryCell);
     std::printf("show %lld members: %.1f ms\n", static_cast<long long>(results.tracks.size()), times[0] * 1e3);
-    constexpr std::array names { "invert all ticks", "tick one", "keep another", "find and clear", "read all ticks" };
+    constexpr std::array names { "invert all ticks", "tick one", "keep another",
+                                 "find and clear",   "type",     "read all ticks" };
     for (std::size_t i = 0; i < names.size(); ++i)
         std::printf("%-18s %8.4f\n", names[i], times[i + 1] / times[0]);
     return 0;

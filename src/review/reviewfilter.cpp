@@ -6,6 +6,9 @@
 #include "review.h"
 
 #include <algorithm>
+#include <ranges>
+#include <span>
+#include <utility>
 
 namespace epr {
 
@@ -31,6 +34,15 @@ QStringList searchNeedles(const QString &typed)
     return slashed == folded ? QStringList { folded } : QStringList { folded, slashed };
 }
 
+// Whether whatever is found now was found before, as it is while a text is being typed.
+bool isNarrower(const QStringList &now, const QStringList &before)
+{
+    return !now.isEmpty() && std::all_of(now.cbegin(), now.cend(), [&before](const QString &needle) {
+        return std::any_of(before.cbegin(), before.cend(),
+                           [&needle](const QString &shorter) { return needle.contains(shorter); });
+    });
+}
+
 } // namespace
 
 ReviewFilter::ReviewFilter(const Review &review)
@@ -43,18 +55,30 @@ bool ReviewFilter::setText(const QString &text)
 {
     const QStringList needles = searchNeedles(text);
     const bool isOther = needles != m_needles;
+    m_narrows = isOther && isNarrower(needles, m_needles);
     m_needles = needles;
     return isOther;
 }
 
 void ReviewFilter::layOutRows()
 {
-    m_groups.clear();
-    m_members.clear();
+    const std::vector<GroupRow> shownGroups = std::exchange(m_groups, {});
+    const std::vector<int> shownMembers = std::exchange(m_members, {});
     m_rows.assign(static_cast<std::size_t>(m_review.groups().size()), -1);
     const QStringList searchTexts = isActive() ? m_review.searchTexts() : QStringList();
-    for (int group = 0; group < m_review.groups().size(); ++group)
-        appendGroup(group, searchTexts);
+    if (std::exchange(m_narrows, false)) {
+        const auto members = [&shownMembers](const GroupRow &row) {
+            return std::span(shownMembers)
+                .subspan(static_cast<std::size_t>(row.firstMember), static_cast<std::size_t>(row.memberCount));
+        };
+        for (const GroupRow &row : shownGroups)
+            appendGroup(row.group, members(row), searchTexts);
+        return;
+    }
+    for (int group = 0; group < m_review.groups().size(); ++group) {
+        const auto count = static_cast<int>(m_review.groups().at(group).members.size());
+        appendGroup(group, std::views::iota(0, count), searchTexts);
+    }
 }
 
 int ReviewFilter::memberAt(int groupRow, int memberRow) const
@@ -85,11 +109,12 @@ qint64 ReviewFilter::hiddenTicks() const
     return m_review.totals().tickedFiles - shown;
 }
 
-void ReviewFilter::appendGroup(int group, const QStringList &searchTexts)
+template <typename Positions>
+void ReviewFilter::appendGroup(int group, const Positions &candidates, const QStringList &searchTexts)
 {
     const QList<qint32> &members = m_review.groups().at(group).members;
     const auto first = static_cast<int>(m_members.size());
-    for (int member = 0; member < members.size(); ++member) {
+    for (const int member : candidates) {
         const qint32 track = members.at(member);
         const bool hasText = track >= 0 && track < searchTexts.size();
         if (!hasText || matches(searchTexts.at(track)))

@@ -14,13 +14,14 @@ class Review;
 /// whose artist, title, file name or folder contain it in whatever letter case. Without a text those are all.
 ///
 /// A change of the text may add and remove rows in thousands of places, so the rows are laid out afresh in flat arrays.
+/// A text that only gets longer is looked for in the rows that are shown, not in the whole review.
 class ReviewFilter final {
 public:
     explicit ReviewFilter(const Review &review);
 
     bool isActive() const { return !m_needles.isEmpty(); }
     bool setText(const QString &text); ///< as typed; false if that finds what is shown already
-    void layOutRows(); ///< after a new text, and whenever the review was reset
+    void layOutRows(); ///< after each new text, and whenever the review was reset
 
     int groupCount() const { return static_cast<int>(m_groups.size()); }
     int memberCount(int groupRow) const { return rowAt(groupRow).memberCount; }
@@ -37,12 +38,14 @@ private:
         int memberCount = 0;
     };
 
-    void appendGroup(int group, const QStringList &searchTexts);
+    template <typename Positions>
+    void appendGroup(int group, const Positions &candidates, const QStringList &searchTexts);
     bool matches(const QString &searchText) const;
     const GroupRow &rowAt(int groupRow) const { return m_groups[static_cast<std::size_t>(groupRow)]; }
 
     const Review &m_review;
     QStringList m_needles; ///< any of them may be found; empty = everything matches
+    bool m_narrows = false; ///< what is shown holds all that the new text finds
     std::vector<GroupRow> m_groups;
     std::vector<int> m_members; ///< positions within their groups, group after group, ascending within each
     std::vector<int> m_rows; ///< per group of the review, its row here or -1

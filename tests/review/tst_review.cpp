@@ -141,8 +141,10 @@ private Q_SLOTS:
         Review review;
         review.setResults(lists.tracks, lists.groups);
         ReviewFilter filter(review);
-        filter.setText(typed);
-        filter.layOutRows();
+        for (qsizetype length = 1; length <= typed.size(); ++length) { // as it is typed
+            filter.setText(typed.first(length));
+            filter.layOutRows();
+        }
         QTEST(shownBy(filter, review), "shown");
     }
 
@@ -155,6 +157,7 @@ private Q_SLOTS:
         Review review;
         fill(review, sketch);
         ReviewFilter filter(review);
+        QString text;
         for (int step = 0; step < 300 && !review.groups().isEmpty(); ++step) {
             const int group = random.bounded(static_cast<int>(review.groups().size()));
             const int member = random.bounded(static_cast<int>(review.groups().at(group).members.size()));
@@ -167,10 +170,14 @@ private Q_SLOTS:
             else if (choice < 10)
                 review.removeMembers({ track, track + 1 });
             else if (choice < 14)
-                filter.setText(QString::number(random.bounded(40)));
+                filter.setText(text = (choice < 12 ? text : QString()) + QString::number(random.bounded(40)));
             else
                 review.setTicked(group, member, random.bounded(2) == 1);
             filter.layOutRows();
+            ReviewFilter fresh(review);
+            fresh.setText(text);
+            fresh.layOutRows();
+            QCOMPARE(shownBy(filter, review), shownBy(fresh, review));
             QCOMPARE(review.totals(), countedTotals(review));
             QCOMPARE(filter.hiddenTicks(), review.totals().tickedFiles - shownBy(filter, review).count(u'!'));
         }
