@@ -9,6 +9,7 @@
 #include "removaldialog.h"
 #include "review.h"
 #include "settingsstore.h"
+#include "systempaths.h"
 #include "undomanifest.h"
 
 #include <QCoreApplication>
@@ -57,7 +58,7 @@ QStringList tickedPaths(const QList<TickedGroup> &groups)
 
 bool holdsFiles(const QString &folder)
 {
-    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    QDirIterator files(asSystemReads(folder), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         files.next();
         if (files.fileName() != quarantineLockName)

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "progress.h"
+#include "systempaths.h"
 
 #include <QTest>
 
@@ -45,6 +46,18 @@ private Q_SLOTS:
         estimate.add(1, 19, 80000);
         estimate.add(2, 19, 90000);
         QVERIFY2(estimate.text().isEmpty(), "too few steps to tell");
+    }
+
+    void folderIsKnownByPathOrNumbers()
+    {
+        const epr::FolderIdentity drive { u"D:/Music"_s, 1, 2, 3, true };
+        const auto isDrive = [&](const epr::FolderIdentity &other) { return drive.isSameAs(other); };
+        QVERIFY2(isDrive({ u"D:/Music"_s, 1, 9, 3, true }), "some drivers number a folder anew at every look");
+        QVERIFY2(isDrive({ u"//studio/Music"_s, 1, 2, 3, false }), "its own share");
+        QVERIFY2(!isDrive({ u"E:/Music"_s, 1, 2, 3, true }), "a copy of the whole disk");
+        QVERIFY2(!isDrive({ u"//nas/all/disk2"_s, 1, 2, 4, false }), "another disk of a share");
+        QVERIFY2(!epr::FolderIdentity({ u"//nas/a"_s }).isSameAs({ u"//nas/b"_s }), "without numbers");
+        QVERIFY2(!epr::FolderIdentity().isSameAs({}), "neither is there");
     }
 };
 
