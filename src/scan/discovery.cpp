@@ -27,15 +27,6 @@ namespace {
 
 constexpr qsizetype filesPerReport = 64;
 
-#if defined(Q_OS_WIN) && defined(Q_CC_GNU)
-// A compiled expression gets a stack for each thread, which a Qt built with MinGW frees when the thread ends, after the
-// memory of the pointer to it. The thread dies of it with a lock of the runtime in its hand, and the program, closed
-// after a scan, waits for that lock for ever. So the expressions are interpreted.
-constexpr auto expressionPrefix = "(*NO_JIT)"_L1;
-#else
-constexpr auto expressionPrefix = ""_L1;
-#endif
-
 // Exclude patterns compiled once for a whole walk.
 class ExcludePatterns {
 public:
@@ -58,7 +49,7 @@ private:
     void add(const QString &pattern)
     {
         const QString slashed = QDir::fromNativeSeparators(pattern);
-        const QRegularExpression expression(expressionPrefix + QRegularExpression::wildcardToRegularExpression(slashed),
+        const QRegularExpression expression(QRegularExpression::wildcardToRegularExpression(slashed),
                                             QRegularExpression::CaseInsensitiveOption);
         if (expression.isValid())
             m_expressions.append(expression);
