@@ -71,6 +71,8 @@ struct Identity {
     quint64 volume = 0;
     quint64 index = 0;
     quint64 links = 0; ///< names that the file has on its volume
+
+    bool operator==(const Identity &) const = default;
 };
 
 /// Follows symbolic links. Nothing if there is no file or its file system does not tell files apart.

@@ -115,12 +115,15 @@ bool RemovalGuard::holds(const QString &copy, const QString &path)
     m_held.close();
     m_held.setFileName(copy);
     QFile taken(path);
+    // Hard links share their lock: held alone under one name, it holds the other too.
+    const auto copysIdentity = nativefile::identityOf(copy);
+    const bool areLinks = copysIdentity && copysIdentity == nativefile::identityOf(path);
     // What cannot be locked, by who asks or where it lies, leaves the look directly before.
     if (!m_held.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
-        || nativefile::lockFile(m_held, LockKind::Shared) == LockOutcome::Held) {
+        || nativefile::lockFile(m_held, areLinks ? LockKind::Exclusive : LockKind::Shared) == LockOutcome::Held) {
         return false;
     }
-    return !taken.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
+    return areLinks || !taken.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
         || nativefile::lockFile(taken, LockKind::Exclusive) != LockOutcome::Held;
 }
 

@@ -79,7 +79,8 @@ QThread *createWorkerThread(const QString &name, QObject *worker, QObject *paren
 bool waitOrLeave(QThread *thread, std::chrono::milliseconds atMost)
 {
     if (thread->wait(QDeadlineTimer(atMost))) {
-        static_cast<void>(static_cast<WorkerThread *>(thread)->hasRun());
+        if (const auto *worker = dynamic_cast<const WorkerThread *>(thread))
+            static_cast<void>(worker->hasRun());
         return true;
     }
     thread->setParent(nullptr);

@@ -276,6 +276,7 @@ private Q_SLOTS:
         const QString above = u"mount -t overlay o -o lowerdir=spare,upperdir=real,workdir=work seen"_s;
         const QString bindfs = u"bindfs real seen"_s;
         row("folder", u"mount --bind real seen"_s, u"real/a"_s, u"seen/a"_s, false);
+        row("hard links", u"mount --bind spare seen"_s, u"real/a"_s, u"elsewhere"_s, true);
         row("file", u"touch seen/a; mount --bind real/a seen/a"_s, u"real/a"_s, u"seen/a"_s, false);
         row("below an overlay", below, u"real/a"_s, u"seen/a"_s, false);
         row("an overlay's copy of its own", below, u"seen/a"_s, u"real/a"_s, true);
