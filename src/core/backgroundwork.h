@@ -37,9 +37,9 @@ private:
 /// loop has ended. The caller starts the thread, and ends it by quit() and waitOrLeave().
 [[nodiscard]] QThread *createWorkerThread(const QString &name, QObject *worker, QObject *parent);
 
-/// Waits for a thread that has been told to quit, of createWorkerThread() or another of Qt's. One that does not end in time, stuck in the
-/// system on a network drive that is gone, say, is taken from its parent and left to itself: destroying a running
-/// thread would end the program. False if so.
+/// Waits for a thread that has been told to quit, of createWorkerThread() or another of Qt's. One that does not end in
+/// time, stuck in the system on a network drive that is gone, say, is taken from its parent and left to itself:
+/// destroying a running thread would end the program. False if so.
 bool waitOrLeave(QThread *thread, std::chrono::milliseconds atMost = std::chrono::seconds(5));
 
 } // namespace epr
