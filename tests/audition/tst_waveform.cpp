@@ -112,18 +112,6 @@ private Q_SLOTS:
         QVERIFY(pieces.take() == envelope);
     }
 
-    // The buffer that reaches the limit goes on beyond it, louder.
-    void endsAfterFortyMinutes()
-    {
-        EnvelopeBuilder builder;
-        builder.add(bufferOf(8, 1, QList<quint8>(59999, 192)));
-        QVERIFY(!builder.isFull());
-        builder.add(bufferOf<quint8>(8, 1, { 192, 0, 0 }));
-        QVERIFY(builder.isFull());
-        builder.add(bufferOf<quint8>(8, 1, { 0 }));
-        QVERIFY(isClose(builder.take().peak, QList<float>(60000, 0.98F)));
-    }
-
     void loadsFiles()
     {
         test::writeFile(m_dir.filePath(u"broken.mp3"_s),

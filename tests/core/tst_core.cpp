@@ -26,28 +26,6 @@ private Q_SLOTS:
         QCOMPARE(epr::ScanStep({ 4, 5 }).text(), u"step 4 of 5"_s);
     }
 
-    void remainingTimeFollowsTheLastHalfMinute()
-    {
-        epr::ProgressEstimate estimate;
-        estimate.add(0, 1000, 5000);
-        estimate.add(100, 1000, 6999);
-        QVERIFY(estimate.text().isEmpty());
-        estimate.add(200, 1000, 7000);
-        QCOMPARE(estimate.text(), u"100 per second, less than a minute left"_s);
-        for (int second = 1; second <= 40; ++second)
-            estimate.add(200 + second, 1000, 7000 + second * 1000);
-        QCOMPARE(estimate.text(), u"1.0 per second, about 13 minute(s) left"_s); // what was fast before has passed
-
-        estimate.add(0, 100000, 50000); // other work, which at first does not advance
-        estimate.add(0, 100000, 60000);
-        QVERIFY(estimate.text().isEmpty());
-        estimate.add(10, 100000, 70000);
-        QCOMPARE(estimate.text(), u"0.5 per second, about 55 h 33 min left"_s);
-        estimate.add(1, 19, 80000);
-        estimate.add(2, 19, 90000);
-        QVERIFY2(estimate.text().isEmpty(), "too few steps to tell");
-    }
-
     void folderIsKnownByPathOrNumbers()
     {
         const epr::FolderIdentity drive { u"D:/Music"_s, 1, 2, 3, true };

@@ -112,21 +112,6 @@ private Q_SLOTS:
         QCOMPARE(watched.checker.isDue(), answer.isEmpty() || said.contains(u"service returned"_s));
     }
 
-    void requestAndReleaseAreComplete()
-    {
-        const QByteArray required = R"({"latest_version":" 2.0 ","min_supported_version":"1.5","critical":true,)";
-        const QByteArray texts = R"("download_url":"d ","notes_url":" n","release_date":" soon","notes":"\n- a\n"})";
-        LoopbackServer server(http("200 OK", required + texts));
-        Checker watched(server.address() + u"?channel=beta&flag"_s);
-        watched.checker.check(false);
-        QTRY_COMPARE(watched.said, QStringList { u"2.0"_s });
-        const UpdateChecker::Release all { u"2.0"_s, u"soon"_s, u"d"_s, u"n"_s, u"- a"_s, true, u"1.5"_s };
-        QCOMPARE(watched.release, all);
-        const QString items = u"channel=beta&flag&app=Echoprune&current=1.0.0&platform=windows&arch="_s;
-        QCOMPARE(QString::fromLatin1(server.requests.value(0)).section(u' ', 1, 1),
-                 u"/latest?"_s + items + QSysInfo::currentCpuArchitecture());
-    }
-
     void buttonsDoWhatTheySay_data()
     {
         const QString web = u"https://d.example/get?a=1&b=2"_s;
