@@ -4,8 +4,8 @@
 # epr_add_test(tst_name [PLAYER] LINKS ...): one Qt Test executable from tst_name.cpp, run without a display and registered
 # with CTest under its own name. The sanitizers are told what they report of other people's libraries; they ignore what is
 # not meant for them.
-# PLAYER is for what makes a media player: it takes the media back-end that the program chooses for itself, since Qt 6.4's
-# own choice crashes where its plug-ins are not complete.
+# PLAYER is for what makes a media player or decoder: it takes the media back-end that the program chooses for itself,
+# since Qt 6.4's own choice crashes where its plug-ins are not complete.
 set(EPR_TEST_ENVIRONMENT
   "QT_QPA_PLATFORM=offscreen" "LC_ALL=C.UTF-8"
   "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/lsan.supp:print_suppressions=0"
