@@ -6,8 +6,6 @@
 #include "review.h"
 
 #include <algorithm>
-#include <ranges>
-#include <span>
 #include <utility>
 
 namespace epr {
@@ -75,9 +73,12 @@ void ReviewFilter::layOutRows()
             appendGroup(row.group, members(row), searchTexts);
         return;
     }
+    std::vector<int> all; // positions in the largest group so far
     for (int group = 0; group < m_review.groups().size(); ++group) {
-        const auto count = static_cast<int>(m_review.groups().at(group).members.size());
-        appendGroup(group, std::views::iota(0, count), searchTexts);
+        const auto count = static_cast<std::size_t>(m_review.groups().at(group).members.size());
+        while (all.size() < count)
+            all.push_back(static_cast<int>(all.size()));
+        appendGroup(group, std::span(all).first(count), searchTexts);
     }
 }
 
@@ -109,8 +110,7 @@ qint64 ReviewFilter::hiddenTicks() const
     return m_review.totals().tickedFiles - shown;
 }
 
-template <typename Positions>
-void ReviewFilter::appendGroup(int group, const Positions &candidates, const QStringList &searchTexts)
+void ReviewFilter::appendGroup(int group, std::span<const int> candidates, const QStringList &searchTexts)
 {
     const QList<qint32> &members = m_review.groups().at(group).members;
     const auto first = static_cast<int>(m_members.size());

@@ -4,6 +4,7 @@
 
 #include "records.h"
 
+#include <span>
 #include <vector>
 
 namespace epr {
@@ -38,8 +39,7 @@ private:
         int memberCount = 0;
     };
 
-    template <typename Positions>
-    void appendGroup(int group, const Positions &candidates, const QStringList &searchTexts);
+    void appendGroup(int group, std::span<const int> candidates, const QStringList &searchTexts);
     bool matches(const QString &searchText) const;
     const GroupRow &rowAt(int groupRow) const { return m_groups[static_cast<std::size_t>(groupRow)]; }
 
