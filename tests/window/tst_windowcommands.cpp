@@ -72,7 +72,8 @@ private Q_SLOTS:
              { std::pair(Html, "<!DOCTYPE html>"), { Csv, "Group," }, { Json, "{" }, { Playlist, "#EXTM3U" } }) {
             const SeenBox box =
                 exportTo(window, pathFor(filter), filter, filter == Html ? QMessageBox::Yes : QMessageBox::No);
-            QCOMPARE(box.title + box.text, u"Report savedReport saved to:\n%1\n\nOpen it now?"_s.arg(pathFor(filter)));
+            QCOMPARE(box.title + box.text,
+                     u"Report savedReport saved to:\n%1\n\nOpen it now?"_s.arg(native(pathFor(filter))));
             QVERIFY2(readFile(pathFor(filter)).startsWith(start), start);
         }
         QCOMPARE(m_opened, QUrl::fromLocalFile(pathFor(Html)));
