@@ -35,16 +35,16 @@ public:
 
     [[nodiscard]] Result<> make(const QString &folder)
     {
-        QStringList missing; // innermost first
+        QStringList missing; // outermost first
         for (QString path = folder; !QFileInfo(path).isDir(); path = QFileInfo(path).path()) {
-            if (!missing.isEmpty() && missing.last() == path) // the top of a drive that is not there
+            if (!missing.isEmpty() && missing.first() == path) // the top of a drive that is not there
                 break;
-            missing.append(path);
+            missing.prepend(path);
         }
-        for (auto path = missing.crbegin(); path != missing.crend(); ++path) {
-            if (const Result<> made = nativefile::makeFolder(*path); made)
-                m_made.prepend(*path);
-            else if (!QFileInfo(*path).isDir()) // somebody else may just have made it
+        for (const QString &path : std::as_const(missing)) {
+            if (const Result<> made = nativefile::makeFolder(path); made)
+                m_made.prepend(path);
+            else if (!QFileInfo(path).isDir()) // somebody else may just have made it
                 return made;
         }
         return {};
