@@ -35,9 +35,6 @@ constexpr std::array formats {
                   writeJsonReport },
     FormatEntry { ReportFormat::Playlist, "m3u8"_L1, QT_TRANSLATE_NOOP("epr::Report", "M3U playlist (*.m3u8)"),
                   writePlaylistReport },
-    FormatEntry { ReportFormat::CsvWithMark, "csv"_L1,
-                  QT_TRANSLATE_NOOP("epr::Report", "Comma separated values (*.csv)"),
-                  writeMarkedCsvReport }, // last: extension and filter mean the plain one
 };
 
 const FormatEntry *entryOf(ReportFormat format)
@@ -109,7 +106,9 @@ bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo
     if (!openReport(file, error))
         return false;
     QTextStream out(&file);
-    if (const FormatEntry *entry = entryOf(format))
+    if (format == ReportFormat::CsvWithMark)
+        writeMarkedCsvReport(out, { tracks, groups, roots, QDateTime::currentDateTime() });
+    else if (const FormatEntry *entry = entryOf(format))
         entry->write(out, { tracks, groups, roots, QDateTime::currentDateTime() });
     out.flush();
     // Committing alone would put a report in place of which the end is missing on a full disk. The stream flushes the

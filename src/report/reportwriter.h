@@ -13,7 +13,7 @@ enum class ReportFormat : qint32 {
     Html = 1,
     Json = 2,
     Playlist = 3, ///< M3U8
-    CsvWithMark = 4, ///< CSV that begins with a byte order mark, without which Excel takes UTF-8 for another encoding
+    CsvWithMark = 256, ///< for writing only: a byte order mark, without which Excel takes UTF-8 for another encoding
 };
 
 /// Without the dot; "txt" for a value that is none of the four.
