@@ -104,12 +104,16 @@ bool AnalysisCache::prepareStatements(QString *error)
     m_lookup->setForwardOnly(true);
     m_lookupMany.emplace(m_db);
     m_lookupMany->setForwardOnly(true);
+    m_lookupDescriptions.emplace(m_db);
+    m_lookupDescriptions->setForwardOnly(true);
     m_store.emplace(m_db);
     m_touchMany.emplace(m_db);
-    for (const auto &[query, statement] : { std::pair(&*m_lookup, cachetable::selectStatement()),
-                                            std::pair(&*m_lookupMany, cachetable::selectStatement(pathsPerQuery)),
-                                            std::pair(&*m_store, cachetable::replaceStatement()),
-                                            std::pair(&*m_touchMany, cachetable::touchStatement(pathsPerQuery)) }) {
+    for (const auto &[query, statement] :
+         { std::pair(&*m_lookup, cachetable::selectStatement()),
+           std::pair(&*m_lookupMany, cachetable::selectStatement(pathsPerQuery, true)),
+           std::pair(&*m_lookupDescriptions, cachetable::selectStatement(pathsPerQuery, false)),
+           std::pair(&*m_store, cachetable::replaceStatement()),
+           std::pair(&*m_touchMany, cachetable::touchStatement(pathsPerQuery)) }) {
         if (!query->prepare(statement))
             return fail(query->lastError(), error);
     }
@@ -135,6 +139,7 @@ void AnalysisCache::close()
 {
     m_lookup.reset();
     m_lookupMany.reset();
+    m_lookupDescriptions.reset();
     m_store.reset();
     m_touchMany.reset();
     if (m_db.isOpen())
@@ -163,37 +168,38 @@ bool AnalysisCache::lookup(TrackInfo &track, FingerprintEngine engine)
     return hit;
 }
 
-void AnalysisCache::lookupAll(std::span<TrackInfo> tracks, FingerprintEngine engine)
+void AnalysisCache::lookupAll(std::span<TrackInfo> tracks, FingerprintEngine engine, LookupScope scope)
 {
+    QSqlQuery &select = *(scope == LookupScope::Everything ? m_lookupMany : m_lookupDescriptions);
     while (!tracks.empty() && isOpen() && m_error.isEmpty()) {
         const auto batch = tracks.first(std::min(tracks.size(), pathsPerQuery));
-        lookupBatch(batch, engine);
+        lookupBatch(select, batch, engine);
         tracks = tracks.subspan(batch.size());
     }
 }
 
 // The rows come in the database's order and so are assigned by their paths.
-void AnalysisCache::lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine engine)
+void AnalysisCache::lookupBatch(QSqlQuery &select, std::span<TrackInfo> tracks, FingerprintEngine engine)
 {
     QMultiHash<QStringView, TrackInfo *> wanted;
     wanted.reserve(pathsPerQuery);
     for (TrackInfo &track : tracks) {
         wanted.insert(track.path, &track);
-        m_lookupMany->addBindValue(track.path);
+        select.addBindValue(track.path);
     }
     for (std::size_t i = tracks.size(); i < pathsPerQuery; ++i)
-        m_lookupMany->addBindValue(QVariant()); // equals no path
-    m_lookupMany->exec();
-    while (m_lookupMany->next()) {
-        const QString path = cachetable::pathOf(*m_lookupMany);
+        select.addBindValue(QVariant()); // equals no path
+    select.exec();
+    while (select.next()) {
+        const QString path = cachetable::pathOf(select);
         for (auto [entry, end] = wanted.equal_range(path); entry != end; ++entry) {
-            if (cachetable::isCurrent(*m_lookupMany, **entry, engine))
-                cachetable::read(*m_lookupMany, **entry);
+            if (cachetable::isCurrent(select, **entry, engine))
+                cachetable::read(select, **entry);
         }
     }
-    if (m_lookupMany->lastError().isValid())
-        noteError(m_lookupMany->lastError());
-    m_lookupMany->finish();
+    if (select.lastError().isValid())
+        noteError(select.lastError());
+    select.finish();
 }
 
 void AnalysisCache::store(const TrackInfo &track, FingerprintEngine engine)
@@ -220,10 +226,19 @@ void AnalysisCache::touchAll(std::span<const TrackInfo *const> tracks, Fingerpri
         const auto batch = tracks.first(std::min(tracks.size(), pathsPerQuery));
         if (!touchBatch(batch, engine)) {
             for (const TrackInfo *track : batch)
-                store(*track, engine);
+                storeWhole(*track, engine);
         }
         tracks = tracks.subspan(batch.size());
     }
+}
+
+// A fingerprint that was left in its row must not be lost with it.
+void AnalysisCache::storeWhole(TrackInfo track, FingerprintEngine engine)
+{
+    TrackInfo row = track;
+    if (track.fingerprint.words.isEmpty() && lookup(row, engine))
+        track.fingerprint = row.fingerprint;
+    store(track, engine);
 }
 
 // Whether that has stored all of them.

@@ -41,10 +41,13 @@ public:
     /// Completes a measured record from the row of its path; false when there is no row or it no longer holds.
     [[nodiscard]] bool lookup(TrackInfo &track, FingerprintEngine engine);
     /// The same for many records at a fraction of the cost. What was found says so by TrackFromCache in its flags.
-    void lookupAll(std::span<TrackInfo> tracks, FingerprintEngine engine);
+    /// Fingerprints are most of a row, and reading them is half of the cost.
+    enum class LookupScope { Everything, AllButFingerprint };
+    void lookupAll(std::span<TrackInfo> tracks, FingerprintEngine engine, LookupScope scope = LookupScope::Everything);
     void store(const TrackInfo &track, FingerprintEngine engine);
     /// Stores records that are as their rows have them: of those only the time is written, which leaves most of a long
-    /// row's pages alone. A row that is no longer there, or another engine's by now, is written whole.
+    /// row's pages alone. A row that is no longer there, or another engine's by now, is written whole, except that a
+    /// fingerprint which was not looked up is gone with the row.
     void touchAll(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
     void beginTransaction();
     void commitTransaction();
@@ -63,7 +66,8 @@ private:
     bool prepareStatements(QString *error);
     bool execute(const QString &statement, QString *error);
     bool fail(const QSqlError &reason, QString *error);
-    void lookupBatch(std::span<TrackInfo> tracks, FingerprintEngine engine);
+    void lookupBatch(QSqlQuery &select, std::span<TrackInfo> tracks, FingerprintEngine engine);
+    void storeWhole(TrackInfo track, FingerprintEngine engine);
     [[nodiscard]] bool touchBatch(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
     void noteStoreError(const QSqlError &error);
     void removeRows(const QStringList &paths);
@@ -74,6 +78,7 @@ private:
     QString m_connectionName;
     std::optional<QSqlQuery> m_lookup; ///< prepared once, for the life of the connection
     std::optional<QSqlQuery> m_lookupMany;
+    std::optional<QSqlQuery> m_lookupDescriptions; ///< of as many, without fingerprints
     std::optional<QSqlQuery> m_store;
     std::optional<QSqlQuery> m_touchMany;
     QString m_error;

@@ -24,18 +24,25 @@ constexpr qint64 largestText = 1 << 20; // bytes; opening every large file of a 
 
 // Earlier versions took down the fingerprint and the duration of the file that a playlist or manifest names. No reader
 // knows a rate of such a file.
+bool mayBeText(const TrackInfo &track)
+{
+    return track.stream.sampleRate == 0 && track.stream.bitrateKbps == 0 && track.size <= largestText;
+}
+
 bool isFingerprintOfText(const TrackInfo &track)
 {
-    return !track.fingerprint.words.isEmpty() && track.stream.sampleRate == 0 && track.stream.bitrateKbps == 0
-        && track.size <= largestText && looksLikeText(track.path);
+    return !track.fingerprint.words.isEmpty() && mayBeText(track) && looksLikeText(track.path);
 }
 
 // An analysis that an earlier scan made with fewer methods is not enough: a file without a digest would match nothing.
-// What the cache knows and the analysis does not repeat, above all the fingerprint, stays.
-void takeFromCache(TrackInfo &track, const ScanOptions &options)
+// What the cache knows and the analysis does not repeat, above all the fingerprint, stays, and so is read now if it was
+// not needed before.
+void takeFromCache(TrackInfo &track, const ScanOptions &options, AnalysisCache &cache)
 {
     if ((track.flags & TrackFromCache) == 0)
         return;
+    if (!options.detectAcoustic && (mayBeText(track) || !hasWantedDigests(track, options)))
+        static_cast<void>(cache.lookup(track, options.fingerprintEngine));
     const bool isText = isFingerprintOfText(track);
     if (isText) {
         track.fingerprint = {};
@@ -107,13 +114,14 @@ private:
 void SliceCheck::lookUp(std::span<TrackInfo> slice)
 {
     AnalysisCache &cache = cacheOfThread();
-    cache.lookupAll(slice, m_options.fingerprintEngine);
+    using enum AnalysisCache::LookupScope;
+    cache.lookupAll(slice, m_options.fingerprintEngine, m_options.detectAcoustic ? Everything : AllButFingerprint);
+    for (TrackInfo &track : slice)
+        takeFromCache(track, m_options, cache);
     if (const QString error = cache.takeError(); !error.isEmpty()) {
         noteError(cache, error);
         cache.close();
     }
-    for (TrackInfo &track : slice)
-        takeFromCache(track, m_options);
 }
 
 // One transaction for all look-ups: otherwise each one locks and unlocks the database. It ends with the thread.

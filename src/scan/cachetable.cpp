@@ -118,11 +118,14 @@ enum ResultColumn {
     PathColumn, // only where several paths are asked for at once
 };
 
-QString selectColumns()
+// A blob that is not wanted is not read from the file either.
+QString selectColumns(bool withFingerprint)
 {
     QString names;
-    for (const Column &column : columns)
-        names += QLatin1StringView(column.name) + ", "_L1;
+    for (const Column &column : columns) {
+        const bool isWanted = withFingerprint || QLatin1StringView(column.type) != "BLOB"_L1;
+        names += (isWanted ? QLatin1StringView(column.name) : "NULL"_L1) + ", "_L1;
+    }
     return "SELECT size, mtime, "_L1 + names + "schema_version, engine"_L1;
 }
 
@@ -166,12 +169,12 @@ QString touchStatement(qsizetype paths)
 
 QString selectStatement()
 {
-    return selectColumns() + " FROM tracks WHERE path = ?"_L1;
+    return selectColumns(true) + " FROM tracks WHERE path = ?"_L1;
 }
 
-QString selectStatement(qsizetype paths)
+QString selectStatement(qsizetype paths, bool withFingerprint)
 {
-    return selectColumns() + ", path FROM tracks WHERE path IN (%1)"_L1.arg(placeholders(paths));
+    return selectColumns(withFingerprint) + ", path FROM tracks WHERE path IN (%1)"_L1.arg(placeholders(paths));
 }
 
 void bind(QSqlQuery &replace, const TrackInfo &track, FingerprintEngine engine)

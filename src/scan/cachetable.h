@@ -18,8 +18,8 @@ QString replaceStatement(); ///< takes what bind() gives
 
 /// The row of one path.
 QString selectStatement();
-/// The rows of several paths, in any order; pathOf() tells them apart.
-QString selectStatement(qsizetype paths);
+/// The rows of several paths, in any order; pathOf() tells them apart. Without fingerprints, read() leaves these empty.
+QString selectStatement(qsizetype paths, bool withFingerprint);
 
 void bind(QSqlQuery &replace, const TrackInfo &track, FingerprintEngine engine);
 

@@ -340,13 +340,19 @@ private Q_SLOTS:
     {
         ScanController controller;
         m_options.detectSameAudio = false;
-        const TrackInfo other = scan(controller, m_options).byName.value(u"other.wav"_s);
+        m_options.fingerprintEngine = FingerprintEngine::BuiltIn;
+        TrackInfo other = scan(controller, m_options).byName.value(u"other.wav"_s);
         QVERIFY(other.analysed && other.audioHash.isEmpty());
+        AnalysisCache cache;
+        other.fingerprint.words = { 1, 2 };
+        QVERIFY(cache.open());
+        cache.store(other, FingerprintEngine::BuiltIn);
         m_options.detectSameAudio = true;
         m_options.detectIdentical = false; // a digest that is not asked for is not thrown away
         QCOMPARE(scan(controller, m_options).groups.value(0).members.size(), 3);
         m_options.detectIdentical = true;
         QVERIFY(scan(controller, m_options).log.contains(u"Reused 5 cached analysis results."_s));
+        QVERIFY(cache.lookup(other, FingerprintEngine::BuiltIn) && other.fingerprint.words.size() == 2);
     }
 
     void cancels()
