@@ -35,6 +35,7 @@ template <typename Options, typename Visitor> void visitScanKeys(Options &option
     visit("perf/decoderThreads"_L1, options.decoderThreads);
     visit("perf/fingerprintSeconds"_L1, options.fingerprintSeconds);
     visit("perf/useCache"_L1, options.useCache);
+    visit("perf/onlyPossibleCopies"_L1, options.onlyPossibleCopies);
 }
 
 // Text stores keep numbers as text, so a value is readable when its text is; each overload leaves its target alone

@@ -56,6 +56,19 @@ struct FingerprintResult {
 /// Bits of TrackInfo::flags.
 enum TrackFlag : quint64 {
     TrackFromCache = 1, ///< the analysis came from the cache, not from this scan, and is as the cache has it
+    TrackKeysFromCache = 2, ///< the same of the content keys
+    TrackDigestsAreNew = 4, ///< read beside what came from the cache
+};
+
+/// What tells nearly all files apart that have not been read whole: numbers made of length and ends, of the file and of
+/// its audio. Files with equal digests have equal keys. 0 = not known.
+struct ContentKeys {
+    quint64 whole = 0;
+    quint64 audio = 0;
+
+    bool isKnown() const { return whole != 0 && audio != 0; }
+
+    bool operator==(const ContentKeys &) const = default;
 };
 
 /// Everything a scan knows about one audio file.
@@ -73,6 +86,7 @@ struct TrackInfo {
     Fingerprint fingerprint;
     bool analysed = false; ///< tags, digests and fingerprint are complete for this scan; only such a record is cached
     QString error; ///< why the file could not be analysed; empty = it could
+    ContentKeys keys; ///< known without digests: no other file can equal this one
 
     bool operator==(const TrackInfo &) const = default;
 };
@@ -123,6 +137,7 @@ struct ScanOptions {
     qint32 decoderThreads = 4;
     qint32 metadataTolerance = 3000; ///< milliseconds, metadata matching
     bool useCache = true;
+    bool onlyPossibleCopies = true; ///< digests only of files that share their content keys, and of those in groups
     qint32 keeperPolicy = 0; ///< a KeeperPolicy value; any other keeps the first member
     QStringList formatPreference = defaultFormatPreference();
 

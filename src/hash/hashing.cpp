@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QThreadStorage>
+#include <QtEndian>
 
 #include <algorithm>
 #include <limits>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr qint64 blockSize = 1048576;
 constexpr qint64 identityWindow = 65536;
+constexpr qint64 keyWindow = 4096;
 constexpr qint64 noLimit = std::numeric_limits<qint64>::max();
 
 // One block for each thread that hashes, kept from file to file: a fresh mebibyte costs 256 page faults every time. Not
@@ -228,6 +230,20 @@ QString quickIdentityHash(const QString &path)
     if (size > 2 * identityWindow)
         read = read && file.seek(size - identityWindow) && addBlocks(file, identityWindow, hash);
     return read ? digestText(hash) : QString();
+}
+
+quint64 rangeKey(QFile &file, qint64 offset, qint64 length)
+{
+    const qint64 window = std::min(keyWindow, length);
+    Sha256 hash;
+    hash.addData(QByteArray::number(length));
+    for (const qint64 position : { offset, offset + length - window }) {
+        if (!file.seek(position) || file.read(blockBuffer(), window) != window)
+            return 0;
+        hash.addData(QByteArrayView(blockBuffer(), static_cast<qsizetype>(window)));
+    }
+    const QByteArray digest = hash.result();
+    return digest.isEmpty() ? 0 : std::max<quint64>(qFromLittleEndian<quint64>(digest.constData()), 1);
 }
 
 } // namespace epr

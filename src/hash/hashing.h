@@ -79,4 +79,8 @@ FileDigests hashContent(const QString &path, const HashRequest &request, QString
 /// The same for a file that is open for reading, wherever it was read last.
 FileDigests hashContent(QFile &file, const HashRequest &request, QString *error = nullptr);
 
+/// A number made of the length in bytes and the first and last 4 KiB of a range of an open file: equal for equal
+/// ranges, and different for nearly all others. 0 = the ends could not be read.
+quint64 rangeKey(QFile &file, qint64 offset, qint64 length);
+
 } // namespace epr

@@ -95,6 +95,7 @@ bool AnalysisCache::createSchema(QString *error)
     if (!execute(cachetable::createStatement(), error))
         return false;
     execute(cachetable::createIndexStatement(), nullptr);
+    execute(cachetable::createKeysStatement(), nullptr);
     return true;
 }
 
@@ -117,6 +118,10 @@ bool AnalysisCache::prepareStatements(QString *error)
         if (!query->prepare(statement))
             return fail(query->lastError(), error);
     }
+    m_lookupKeys.emplace(m_db);
+    m_lookupKeys->setForwardOnly(true);
+    if (!m_lookupKeys->prepare(cachetable::selectKeysStatement(pathsPerQuery)))
+        m_lookupKeys.reset();
     return true;
 }
 
@@ -140,6 +145,7 @@ void AnalysisCache::close()
     m_lookup.reset();
     m_lookupMany.reset();
     m_lookupDescriptions.reset();
+    m_lookupKeys.reset();
     m_store.reset();
     m_touchMany.reset();
     if (m_db.isOpen())
@@ -173,13 +179,27 @@ void AnalysisCache::lookupAll(std::span<TrackInfo> tracks, FingerprintEngine eng
     QSqlQuery &select = *(scope == LookupScope::Everything ? m_lookupMany : m_lookupDescriptions);
     while (!tracks.empty() && isOpen() && m_error.isEmpty()) {
         const auto batch = tracks.first(std::min(tracks.size(), pathsPerQuery));
-        lookupBatch(select, batch, engine);
+        readRows(select, batch, cachetable::pathOf, [&](TrackInfo &track) {
+            if (cachetable::isCurrent(select, track, engine))
+                cachetable::read(select, track);
+        });
+        tracks = tracks.subspan(batch.size());
+    }
+}
+
+void AnalysisCache::lookupKeys(std::span<TrackInfo> tracks)
+{
+    while (!tracks.empty() && m_lookupKeys && m_error.isEmpty()) {
+        const auto batch = tracks.first(std::min(tracks.size(), pathsPerQuery));
+        readRows(*m_lookupKeys, batch, cachetable::pathOfKeys,
+                 [this](TrackInfo &track) { cachetable::readKeys(*m_lookupKeys, track); });
         tracks = tracks.subspan(batch.size());
     }
 }
 
 // The rows come in the database's order and so are assigned by their paths.
-void AnalysisCache::lookupBatch(QSqlQuery &select, std::span<TrackInfo> tracks, FingerprintEngine engine)
+template <typename Take>
+void AnalysisCache::readRows(QSqlQuery &select, std::span<TrackInfo> tracks, PathOf pathOf, Take take)
 {
     QMultiHash<QStringView, TrackInfo *> wanted;
     wanted.reserve(pathsPerQuery);
@@ -191,11 +211,9 @@ void AnalysisCache::lookupBatch(QSqlQuery &select, std::span<TrackInfo> tracks, 
         select.addBindValue(QVariant()); // equals no path
     select.exec();
     while (select.next()) {
-        const QString path = cachetable::pathOf(select);
-        for (auto [entry, end] = wanted.equal_range(path); entry != end; ++entry) {
-            if (cachetable::isCurrent(select, **entry, engine))
-                cachetable::read(select, **entry);
-        }
+        const QString path = pathOf(select);
+        for (auto [entry, end] = wanted.equal_range(path); entry != end; ++entry)
+            take(**entry);
     }
     if (select.lastError().isValid())
         noteError(select.lastError());
@@ -210,6 +228,34 @@ void AnalysisCache::store(const TrackInfo &track, FingerprintEngine engine)
     if (!m_store->exec())
         noteStoreError(m_store->lastError());
     m_store->finish();
+}
+
+template <typename Bind>
+void AnalysisCache::storeEach(const QString &statement, std::span<const TrackInfo *const> tracks, Bind bind)
+{
+    if (tracks.empty() || !isOpen() || !m_error.isEmpty())
+        return;
+    QSqlQuery query(m_db);
+    if (!query.prepare(statement))
+        noteError(query.lastError());
+    for (const TrackInfo *track : tracks) {
+        if (!m_error.isEmpty())
+            return;
+        bind(query, *track);
+        if (!query.exec())
+            noteStoreError(query.lastError());
+    }
+}
+
+void AnalysisCache::storeKeys(std::span<const TrackInfo *const> tracks)
+{
+    storeEach(cachetable::replaceKeysStatement(), tracks, cachetable::bindKeys);
+}
+
+void AnalysisCache::storeDigests(std::span<const TrackInfo *const> tracks, FingerprintEngine engine)
+{
+    storeEach(cachetable::digestsStatement(), tracks,
+              [engine](QSqlQuery &query, const TrackInfo &track) { cachetable::bindDigests(query, track, engine); });
 }
 
 void AnalysisCache::noteStoreError(const QSqlError &error)
@@ -291,6 +337,7 @@ bool AnalysisCache::clear(QString *error)
 {
     if (!isOpen() || !execute(u"DELETE FROM tracks"_s, error))
         return false;
+    execute(u"DELETE FROM content_keys"_s, nullptr);
     execute(u"VACUUM"_s, nullptr);
     return true;
 }
@@ -317,11 +364,13 @@ int AnalysisCache::pruneMissing()
 void AnalysisCache::removeRows(const QStringList &paths)
 {
     m_db.transaction();
-    QSqlQuery remove(m_db);
-    remove.prepare(u"DELETE FROM tracks WHERE path = ?"_s);
-    for (const QString &path : paths) {
-        remove.addBindValue(path);
-        remove.exec();
+    for (const auto table : { "tracks"_L1, "content_keys"_L1 }) {
+        QSqlQuery remove(m_db);
+        remove.prepare("DELETE FROM %1 WHERE path = ?"_L1.arg(table));
+        for (const QString &path : paths) {
+            remove.addBindValue(path);
+            remove.exec();
+        }
     }
     m_db.commit();
 }

@@ -49,6 +49,11 @@ public:
     /// row's pages alone. A row that is no longer there, or another engine's by now, is written whole, except that a
     /// fingerprint which was not looked up is gone with the row.
     void touchAll(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
+    /// Completes records that came from the cache with their content keys, where these are known.
+    void lookupKeys(std::span<TrackInfo> tracks);
+    void storeKeys(std::span<const TrackInfo *const> tracks);
+    /// Adds the digests of records to their rows, which have the rest of them.
+    void storeDigests(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
     void beginTransaction();
     void commitTransaction();
 
@@ -66,7 +71,10 @@ private:
     bool prepareStatements(QString *error);
     bool execute(const QString &statement, QString *error);
     bool fail(const QSqlError &reason, QString *error);
-    void lookupBatch(QSqlQuery &select, std::span<TrackInfo> tracks, FingerprintEngine engine);
+    using PathOf = QString (*)(const QSqlQuery &row);
+    template <typename Take> void readRows(QSqlQuery &select, std::span<TrackInfo> tracks, PathOf pathOf, Take take);
+    template <typename Bind>
+    void storeEach(const QString &statement, std::span<const TrackInfo *const> tracks, Bind bind);
     void storeWhole(TrackInfo track, FingerprintEngine engine);
     [[nodiscard]] bool touchBatch(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
     void noteStoreError(const QSqlError &error);
@@ -79,6 +87,7 @@ private:
     std::optional<QSqlQuery> m_lookup; ///< prepared once, for the life of the connection
     std::optional<QSqlQuery> m_lookupMany;
     std::optional<QSqlQuery> m_lookupDescriptions; ///< of as many, without fingerprints
+    std::optional<QSqlQuery> m_lookupKeys; ///< nothing when a protected cache could not be given the table
     std::optional<QSqlQuery> m_store;
     std::optional<QSqlQuery> m_touchMany;
     QString m_error;

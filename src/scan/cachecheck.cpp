@@ -34,14 +34,15 @@ bool isFingerprintOfText(const TrackInfo &track)
     return !track.fingerprint.words.isEmpty() && mayBeText(track) && looksLikeText(track.path);
 }
 
-// An analysis that an earlier scan made with fewer methods is not enough: a file without a digest would match nothing.
-// What the cache knows and the analysis does not repeat, above all the fingerprint, stays, and so is read now if it was
-// not needed before.
+// An analysis that an earlier scan made with fewer methods is not enough: a file without a digest would match nothing,
+// unless its keys tell that later. What the cache knows and the analysis does not repeat, above all the fingerprint,
+// stays, and so is read now if it was not needed before.
 void takeFromCache(TrackInfo &track, const ScanOptions &options, AnalysisCache &cache)
 {
     if ((track.flags & TrackFromCache) == 0)
         return;
-    if (!options.detectAcoustic && (mayBeText(track) || !hasWantedDigests(track, options)))
+    const bool isKnown = hasWantedDigests(track, options) || (usesKeys(options) && track.keys.isKnown());
+    if (!options.detectAcoustic && (mayBeText(track) || !isKnown))
         static_cast<void>(cache.lookup(track, options.fingerprintEngine));
     const bool isText = isFingerprintOfText(track);
     if (isText) {
@@ -49,12 +50,13 @@ void takeFromCache(TrackInfo &track, const ScanOptions &options, AnalysisCache &
         track.stream = {};
     }
     // A text is analysed anew, to be right in the cache; the acoustic method will find it to be one, which is an error.
-    if (hasWantedDigests(track, options) && (!isText || options.detectAcoustic)) {
+    if (isKnown && (!isText || options.detectAcoustic)) {
         track.analysed = !options.detectAcoustic || hasCompleteFingerprint(track, options.fingerprintEngine);
         return;
     }
     track.tags = {};
     track.stream = {};
+    track.keys = {};
     track.flags = 0;
     track.analysed = false;
 }
@@ -116,6 +118,8 @@ void SliceCheck::lookUp(std::span<TrackInfo> slice)
     AnalysisCache &cache = cacheOfThread();
     using enum AnalysisCache::LookupScope;
     cache.lookupAll(slice, m_options.fingerprintEngine, m_options.detectAcoustic ? Everything : AllButFingerprint);
+    if (usesKeys(m_options))
+        cache.lookupKeys(slice);
     for (TrackInfo &track : slice)
         takeFromCache(track, m_options, cache);
     if (const QString error = cache.takeError(); !error.isEmpty()) {

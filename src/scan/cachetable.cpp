@@ -118,6 +118,9 @@ enum ResultColumn {
     PathColumn, // only where several paths are asked for at once
 };
 
+// The same of the table of keys.
+enum KeysColumn { KeyPath, KeySize, KeyMtime, KeySchemaVersion, WholeKey, AudioKey };
+
 // A blob that is not wanted is not read from the file either.
 QString selectColumns(bool withFingerprint)
 {
@@ -215,6 +218,67 @@ void read(const QSqlQuery &row, TrackInfo &track)
 QString pathOf(const QSqlQuery &row)
 {
     return row.value(PathColumn).toString();
+}
+
+QString digestsStatement()
+{
+    return u"UPDATE tracks SET full_hash = ?, audio_hash = ? "
+           "WHERE path = ? AND size = ? AND mtime = ? AND engine = ? AND schema_version = ?"_s;
+}
+
+void bindDigests(QSqlQuery &update, const TrackInfo &track, FingerprintEngine engine)
+{
+    update.addBindValue(track.fullHash);
+    update.addBindValue(track.audioHash);
+    update.addBindValue(track.path);
+    update.addBindValue(track.size);
+    update.addBindValue(track.mtime.toSecsSinceEpoch());
+    update.addBindValue(qToUnderlying(engine));
+    update.addBindValue(layoutVersion);
+}
+
+// Keys are of payloads as this layout's readers delimit them.
+QString createKeysStatement()
+{
+    return u"CREATE TABLE IF NOT EXISTS content_keys (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
+           "mtime INTEGER NOT NULL, schema_version INTEGER NOT NULL, whole INTEGER NOT NULL, audio INTEGER NOT NULL) "
+           "WITHOUT ROWID"_s;
+}
+
+QString replaceKeysStatement()
+{
+    return u"INSERT OR REPLACE INTO content_keys (path,size,mtime,schema_version,whole,audio) VALUES (?,?,?,?,?,?)"_s;
+}
+
+void bindKeys(QSqlQuery &replace, const TrackInfo &track)
+{
+    replace.addBindValue(track.path);
+    replace.addBindValue(track.size);
+    replace.addBindValue(track.mtime.toSecsSinceEpoch());
+    replace.addBindValue(layoutVersion);
+    replace.addBindValue(static_cast<qint64>(track.keys.whole));
+    replace.addBindValue(static_cast<qint64>(track.keys.audio));
+}
+
+QString selectKeysStatement(qsizetype paths)
+{
+    return "SELECT path, size, mtime, schema_version, whole, audio FROM content_keys WHERE path IN (%1)"_L1.arg(
+        placeholders(paths));
+}
+
+QString pathOfKeys(const QSqlQuery &row)
+{
+    return row.value(KeyPath).toString();
+}
+
+void readKeys(const QSqlQuery &row, TrackInfo &track)
+{
+    const auto number = [&row](KeysColumn column) { return row.value(column).toLongLong(); };
+    if ((track.flags & TrackFromCache) == 0 || number(KeySize) != track.size
+        || number(KeyMtime) != track.mtime.toSecsSinceEpoch() || number(KeySchemaVersion) != layoutVersion)
+        return;
+    track.keys = { static_cast<quint64>(number(WholeKey)), static_cast<quint64>(number(AudioKey)) };
+    track.flags |= TrackKeysFromCache;
 }
 
 } // namespace epr::cachetable

@@ -9,7 +9,8 @@ class QSqlQuery;
 QT_END_NAMESPACE
 
 /// The table "tracks" of the analysis cache. Statements, binding and reading follow from one list of its columns, which
-/// stands in the implementation: a further field of a record is a line there.
+/// stands in the implementation: a further field of a record is a line there. Beside it, the table of content keys,
+/// which earlier versions do not know: its rows hold by themselves.
 namespace epr::cachetable {
 
 QString createStatement();
@@ -35,5 +36,19 @@ bool isCurrent(const QSqlQuery &row, const TrackInfo &track, FingerprintEngine e
 void read(const QSqlQuery &row, TrackInfo &track);
 
 QString pathOf(const QSqlQuery &row);
+
+/// Writes the digests alone into a row that is current; takes what bindDigests() gives.
+QString digestsStatement();
+void bindDigests(QSqlQuery &update, const TrackInfo &track, FingerprintEngine engine);
+
+QString createKeysStatement();
+QString replaceKeysStatement(); ///< takes what bindKeys() gives
+void bindKeys(QSqlQuery &replace, const TrackInfo &track);
+
+/// The rows of several paths, in any order.
+QString selectKeysStatement(qsizetype paths);
+QString pathOfKeys(const QSqlQuery &row);
+/// Completes a record from the cache, if the row tells about the file as it is now.
+void readKeys(const QSqlQuery &row, TrackInfo &track);
 
 } // namespace epr::cachetable

@@ -47,6 +47,23 @@ TrackInfo measureFile(const QString &path);
 /// and its record comes back as it was. Re-entrant: many threads analyse different files at once.
 TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::atomic<qint32> *stop = nullptr);
 
+/// The same in place, for a file that may need no digests: when the rest is in the record, the function says whether
+/// they are to be taken. It is not asked when the record has no content keys; then they are.
+void analyseFile(TrackInfo &track, const ScanOptions &options, const std::atomic<qint32> *stop,
+                 const std::function<bool()> &needsDigests);
+
+/// Takes the digests that an analysis left out; the rest of the record stays, but for the error when that fails.
+TrackInfo completeDigests(TrackInfo track, const ScanOptions &options, const std::atomic<qint32> *stop);
+
+/// The content keys of a measured file. Not known when it cannot be read, has changed, or *stop becomes non-zero.
+ContentKeys readKeys(const TrackInfo &track, const std::atomic<qint32> *stop);
+
+/// Whether digests are only taken where content keys allow a copy.
+inline bool usesKeys(const ScanOptions &options)
+{
+    return options.onlyPossibleCopies && (options.detectIdentical || options.detectSameAudio);
+}
+
 /// Whether the record holds every digest that the options ask for.
 bool hasWantedDigests(const TrackInfo &track, const ScanOptions &options);
 

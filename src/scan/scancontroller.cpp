@@ -46,7 +46,8 @@ void ScanController::setPaused(bool paused)
     m_pauseFlag.store(paused ? 1 : 0);
 }
 
-// A cancel is noticed before grouping or not at all: the groups that have been found by then are worth showing.
+// A cancel is noticed before grouping, or when members of groups have yet to be hashed, or not at all: groups that are
+// complete are worth showing.
 void ScanController::start(const ScanOptions &wanted)
 {
     if (m_running.exchange(1) != 0) { // the event polling of a running scan delivers queued calls
@@ -67,18 +68,14 @@ void ScanController::start(const ScanOptions &wanted)
     const DiscoveredFiles files = discoverFiles(options, context);
     bool cancelled = context.isCancelled();
     if (!files.paths.isEmpty()) {
-        CheckedFiles checked = checkCache(files.paths, options, context);
-        if (checked.isCacheDamaged)
-            replaceDamagedCache();
-        QList<TrackInfo> all = analyseFiles(std::move(checked.tracks), options, context);
-        tracks = filterShortFiles(std::move(all), options, context);
-        tracks.kept = fingerprintFiles(std::move(tracks.kept), options, context);
-        if (options.useCache)
-            storeTracks(tracks, options, context);
+        tracks = analysedTracks(files.paths, options, context);
         cancelled = context.isCancelled();
         if (!cancelled) {
             tracks.kept = leaveOutSilence(std::move(tracks.kept), options, context);
             groups = groupDuplicates(tracks.kept, options, context);
+            cancelled = !completeMembers(tracks.kept, groups, options, m_cache.get(), context);
+            if (cancelled)
+                groups.clear();
         }
     }
     const QList<TrackInfo> reported = reportableTracks(std::move(tracks.kept), cancelled);
@@ -86,6 +83,20 @@ void ScanController::start(const ScanOptions &wanted)
     if (files.unreadableFolders > 0)
         Q_EMIT foldersUnreadable(files.unreadableFolders);
     Q_EMIT finished(reported, groups, cancelled, clock.elapsed());
+}
+
+FilteredTracks ScanController::analysedTracks(const QStringList &paths, const ScanOptions &options,
+                                              const StageContext &context)
+{
+    CheckedFiles checked = checkCache(paths, options, context);
+    if (checked.isCacheDamaged)
+        replaceDamagedCache();
+    QList<TrackInfo> all = analyseFiles(std::move(checked.tracks), options, context);
+    FilteredTracks tracks = filterShortFiles(std::move(all), options, context);
+    tracks.kept = fingerprintFiles(std::move(tracks.kept), options, context);
+    if (options.useCache)
+        storeTracks(tracks, options, context);
+    return tracks;
 }
 
 StageContext ScanController::stageContext()

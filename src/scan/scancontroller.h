@@ -42,6 +42,7 @@ public Q_SLOTS:
     void setPaused(bool paused); ///< from any thread; outlasts a scan. What is being read is read to its end
 
 private:
+    FilteredTracks analysedTracks(const QStringList &paths, const ScanOptions &options, const StageContext &context);
     StageContext stageContext();
     bool openCache();
     bool replaceDamagedCache();

@@ -10,17 +10,15 @@
 
 #include <QCoreApplication>
 #include <QThread>
-#include <QThreadPool>
-#include <QtConcurrentMap>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace epr {
 
 namespace {
 
-constexpr int eventBudgetMs = 40; // of one polling round
 constexpr int pollPauseMs = 50;
 constexpr qsizetype namedFolders = 100; // in the log; a drive that drops out may take thousands with it
 
@@ -49,11 +47,13 @@ void logProblems(const DiscoveryProblems &problems, const StageContext &context)
     }
 }
 
-void reportAnalysed(int done, qsizetype total, const StageContext &context)
+void commit(AnalysisCache &cache, const StageContext &context)
 {
-    context.progress(
-        done, static_cast<int>(total),
-        QCoreApplication::translate("epr::ScanController", "Analysed %1 of %2 files").arg(done).arg(total));
+    cache.commitTransaction();
+    if (const QString error = cache.takeError(); !error.isEmpty()) {
+        context.log(QCoreApplication::translate("epr::ScanController", "The analysis cache could not be written (%1).")
+                        .arg(error));
+    }
 }
 
 QString megabytes(qint64 bytes)
@@ -97,45 +97,6 @@ DiscoveredFiles discoverFiles(const ScanOptions &options, const StageContext &co
     return { paths, static_cast<int>(problems.missingRoots.size() + problems.unreadableFolders.size()) };
 }
 
-// Each worker writes the record of its own file, in place: what is complete when a scan is cancelled stays complete,
-// and the records keep their order. The pool is the stage's own: Qt paints large fills on the global one, and the
-// window would freeze.
-QList<TrackInfo> analyseFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)
-{
-    if (context.isCancelled())
-        return tracks;
-    const bool willDecode = options.detectAcoustic
-        && std::any_of(tracks.cbegin(), tracks.cend(),
-                       [&](const auto &track) { return !hasCompleteFingerprint(track, options.fingerprintEngine); });
-    context.step(
-        { .number = 3, .count = stepCount(options), .hasUnknownPace = willDecode, .toCompare = tracks.size() });
-    context.phase(QCoreApplication::translate("epr::ScanController", "Reading tags and hashing"));
-    QList<TrackInfo *> work;
-    for (TrackInfo &track : tracks) {
-        if ((track.flags & TrackFromCache) == 0)
-            work.append(&track);
-    }
-    if (work.isEmpty())
-        return tracks;
-    std::atomic<int> done = 0;
-    QThreadPool pool;
-    QFuture<void> running = QtConcurrent::map(&pool, work, [&](TrackInfo *track) {
-        context.waitWhilePaused();
-        *track = analyseFile(std::move(*track), options, &context.cancelFlag);
-        ++done;
-    });
-    while (!running.isFinished()) {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, eventBudgetMs);
-        reportAnalysed(done.load(), work.size(), context);
-        if (context.isCancelled() && !running.isCanceled())
-            running.cancel();
-        QThread::msleep(pollPauseMs);
-    }
-    running.waitForFinished();
-    reportAnalysed(done.load(), work.size(), context);
-    return tracks;
-}
-
 FilteredTracks filterShortFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)
 {
     if (context.isCancelled() || options.minDurationMs <= 0)
@@ -158,10 +119,18 @@ void writeCache(const FilteredTracks &tracks, const ScanOptions &options, Analys
 {
     QList<const TrackInfo *> known;
     QList<const TrackInfo *> fresh;
+    QList<const TrackInfo *> withDigests;
+    QList<const TrackInfo *> withKeys;
     for (const QList<TrackInfo> *list : { &tracks.kept, &tracks.tooShort }) {
         for (const TrackInfo &track : *list) {
-            if (track.analysed && track.error.isEmpty())
-                ((track.flags & TrackFromCache) != 0 ? known : fresh).append(&track);
+            if (!track.analysed || !track.error.isEmpty())
+                continue;
+            const bool isKnown = (track.flags & TrackFromCache) != 0;
+            (isKnown ? known : fresh).append(&track);
+            if (isKnown && (track.flags & TrackDigestsAreNew) != 0)
+                withDigests.append(&track);
+            if (track.keys.isKnown() && (track.flags & TrackKeysFromCache) == 0)
+                withKeys.append(&track);
         }
     }
     if (known.isEmpty() && fresh.isEmpty())
@@ -171,11 +140,20 @@ void writeCache(const FilteredTracks &tracks, const ScanOptions &options, Analys
     cache.touchAll(known, options.fingerprintEngine);
     for (const TrackInfo *track : fresh)
         cache.store(*track, options.fingerprintEngine);
-    cache.commitTransaction();
-    if (const QString error = cache.takeError(); !error.isEmpty()) {
-        context.log(QCoreApplication::translate("epr::ScanController", "The analysis cache could not be written (%1).")
-                        .arg(error));
-    }
+    cache.storeDigests(withDigests, options.fingerprintEngine);
+    cache.storeKeys(withKeys);
+    commit(cache, context);
+}
+
+void writeDigests(const QList<TrackInfo *> &tracks, const ScanOptions &options, AnalysisCache &cache,
+                  const StageContext &context)
+{
+    QList<const TrackInfo *> complete;
+    std::copy_if(tracks.cbegin(), tracks.cend(), std::back_inserter(complete),
+                 [&](const TrackInfo *track) { return hasWantedDigests(*track, options); });
+    cache.beginTransaction();
+    cache.storeDigests(complete, options.fingerprintEngine);
+    commit(cache, context);
 }
 
 QList<TrackInfo> leaveOutSilence(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)

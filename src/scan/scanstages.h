@@ -47,7 +47,8 @@ struct CheckedFiles {
 };
 CheckedFiles checkCache(const QStringList &paths, const ScanOptions &options, const StageContext &context);
 
-/// Reads tags and makes digests of what did not come from the cache.
+/// Reads tags and makes digests of what did not come from the cache. If the options say so, only files that may be
+/// copies get digests, from the cache or not; the others have content keys that no other file shares.
 QList<TrackInfo> analyseFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context);
 
 struct FilteredTracks {
@@ -69,6 +70,14 @@ QList<TrackInfo> leaveOutSilence(QList<TrackInfo> tracks, const ScanOptions &opt
 
 QList<MatchGroup> groupDuplicates(const QList<TrackInfo> &tracks, const ScanOptions &options,
                                   const StageContext &context);
+
+/// Takes the digests that members of groups lack because no copy of them was possible. They are recorded for the
+/// reports and for the checks of a clean-up, and in the cache if the options use it; the groups stay as they are. False
+/// when that was cancelled: without its digests a file could be deleted that is no longer as it was scanned.
+bool completeMembers(QList<TrackInfo> &tracks, const QList<MatchGroup> &groups, const ScanOptions &options,
+                     AnalysisCache *cache, const StageContext &context);
+void writeDigests(const QList<TrackInfo *> &tracks, const ScanOptions &options, AnalysisCache &cache,
+                  const StageContext &context);
 
 /// What is reported of a scan: without fingerprints and, after a cancel, without files that were not got round to.
 QList<TrackInfo> reportableTracks(QList<TrackInfo> tracks, bool cancelled);

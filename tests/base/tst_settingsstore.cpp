@@ -27,6 +27,7 @@ private Q_SLOTS:
         options.excludes = QStringList();
         options.followSymlinks = options.includeHidden = options.detectMetadata = true;
         options.detectIdentical = options.detectSameAudio = options.detectAcoustic = options.useCache = false;
+        options.onlyPossibleCopies = false;
         options.minBytes = 5000000000;
         options.minDurationMs = 6000000000;
         options.fingerprintSeconds = 91;
@@ -55,7 +56,8 @@ private Q_SLOTS:
                  "detect/durationTolerance detect/identical detect/keeperPolicy detect/metadata "
                  "detect/metadataTolerance detect/sameAudio detect/threshold files/excludes files/extensions "
                  "files/hidden files/minBytes files/minDurationMs files/symlinks perf/decoderThreads "
-                 "perf/fingerprintSeconds perf/useCache reports/csvByteOrderMark safety/compareAgain "
+                 "perf/fingerprintSeconds perf/onlyPossibleCopies perf/useCache reports/csvByteOrderMark "
+                 "safety/compareAgain "
                  "safety/quarantineRoot scan/folders "
                  "updates/checkOnStartup "
                  "window/geometry window/state"_s);
