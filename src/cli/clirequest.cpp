@@ -41,6 +41,10 @@ constexpr SwitchOption markOption {
     "csv-bom", QT_TRANSLATE_NOOP("epr::Cli", "Begin CSV reports with a byte order mark, which Excel needs."), nullptr
 };
 
+constexpr SwitchOption hashAllOption {
+    "hash-all", QT_TRANSLATE_NOOP("epr::Cli", "Read every file whole, also where no copy is possible."), nullptr
+};
+
 QString offName(const SwitchOption &option)
 {
     return "no-"_L1 + QLatin1StringView(option.name);
@@ -65,6 +69,7 @@ void addOptions(QCommandLineParser &parser)
     parser.addVersionOption();
     for (const SwitchOption &option : switchOptions)
         addSwitch(parser, option);
+    addSwitch(parser, hashAllOption);
     parser.addOption(
         { u"report"_s,
           QCoreApplication::translate(
@@ -97,6 +102,10 @@ Result<> applySwitch(const QCommandLineParser &parser, const SwitchOption &optio
 Result<> applySwitches(const QCommandLineParser &parser, CliRequest &request, bool &csvMark)
 {
     Result<> applied = applySwitch(parser, markOption, csvMark);
+    bool hashAll = !request.options.onlyPossibleCopies;
+    if (applied)
+        applied = applySwitch(parser, hashAllOption, hashAll);
+    request.options.onlyPossibleCopies = !hashAll;
     for (const SwitchOption &option : switchOptions) {
         if (applied)
             applied = applySwitch(parser, option, request.options.*option.field);

@@ -286,6 +286,9 @@ PerformanceTab::PerformanceTab(const ScanOptions &options, const SettingsStatus 
     form->addRow(tr("Worker &threads:"), threads);
     form->addRow(tr("&Audio analysed per file:"), seconds);
     form->addRow(checkBox(&ScanOptions::useCache, tr("&Remember analysis results between scans")));
+    form->addRow(checkBox(&ScanOptions::onlyPossibleCopies, tr("Read &whole files only where a copy is possible"),
+                          tr("Files whose length or ends no other file has cannot have a copy and are not read to the "
+                             "end. The results are the same. Off, every file is read whole at its first scan.")));
     form->addRow(checkBox(settings::compareAgain, tr("Read &files again before every clean-up"),
                           tr("Before a file goes, it and a copy that stays are read and compared with what the scan "
                              "recorded. Permanent deletion always does so; with this, so do the quarantine and the "

@@ -38,12 +38,13 @@ private Q_SLOTS:
             saved.detectIdentical = false;
             const QStringList line = words("echoprune-scan " + switches) << library();
             const ScanOptions o = parseCommandLine(line, saved).options;
-            return QList<bool> { o.detectIdentical, o.detectSameAudio, o.detectAcoustic, o.detectMetadata, o.useCache };
+            return QList<bool> { o.detectIdentical, o.detectSameAudio, o.detectAcoustic,
+                                 o.detectMetadata,  o.useCache,        !o.onlyPossibleCopies };
         };
-        QCOMPARE(optionsOf(""), (QList<bool> { false, true, true, false, true }));
+        QCOMPARE(optionsOf(""), (QList<bool> { false, true, true, false, true, false }));
         QCOMPARE(optionsOf("--identical --no-same-audio --no-acoustic"),
-                 (QList<bool> { true, false, false, false, true }));
-        QCOMPARE(optionsOf("--metadata --no-cache"), (QList<bool> { false, true, true, true, false }));
+                 (QList<bool> { true, false, false, false, true, false }));
+        QCOMPARE(optionsOf("--metadata --no-cache --hash-all"), (QList<bool> { false, true, true, true, false, true }));
         const QStringList marked = words("echoprune-scan --report o.csv --report o.html") << library();
         for (const bool on : { true, false }) {
             const QStringList off = on ? QStringList() : QStringList(u"--no-csv-bom"_s);

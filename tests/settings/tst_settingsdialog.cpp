@@ -68,6 +68,8 @@ private Q_SLOTS:
         row("Worker threads:", "value", 16, [](auto &o) { o.decoderThreads = 16; });
         row("Audio analysed per file:", "value", 20, [](auto &o) { o.fingerprintSeconds = 20; });
         row("Remember analysis results between scans", "checked", false, [](auto &o) { o.useCache = false; });
+        row("Read whole files only where a copy is possible", "checked", false,
+            [](auto &o) { o.onlyPossibleCopies = false; });
     }
 
     void everyControlEditsItsOption()
