@@ -64,12 +64,16 @@ private:
     QDeadlineTimer m_pause; ///< how long it may be silent
     QDeadlineTimer m_end;
     QString m_verdict; ///< why it was killed; empty = it was not
+    bool m_isUnderstood = true;
+    bool m_hasTimedOut = false;
 };
 
 RunningTool::RunningTool(const ToolRun &run)
     : m_run(run)
 {
     m_output.reserve(run.expectedBytes);
+    if (run.take)
+        m_process->setProcessChannelMode(QProcess::MergedChannels);
     QObject::connect(m_process.get(), &QProcess::readyReadStandardOutput, [this] { takeOutput(); });
     QObject::connect(m_process.get(), &QProcess::readyReadStandardError, [this] { takeMessages(); });
 }
@@ -102,7 +106,8 @@ tl::expected<QByteArray, ToolFailure> RunningTool::waitForOutput()
     if (!m_verdict.isEmpty())
         m_process->waitForFinished(m_run.timeouts.killMs);
     takeOutput();
-    takeMessages();
+    if (!m_run.take) // which gets the messages as well
+        takeMessages();
     const bool isDone = m_process->exitStatus() == QProcess::NormalExit && m_process->exitCode() == 0;
     if (m_verdict.isEmpty() && isDone)
         return m_output;
@@ -113,6 +118,12 @@ void RunningTool::takeOutput()
 {
     m_output += m_process->readAllStandardOutput();
     m_pause.setRemainingTime(m_run.timeouts.waitMs);
+    if (m_run.take && m_verdict.isEmpty()) {
+        const qsizetype unread = m_output.size();
+        m_isUnderstood = m_run.take(m_output);
+        if (m_output.size() < unread)
+            m_end.setRemainingTime(m_run.timeouts.waitMs);
+    }
     judge();
 }
 
@@ -126,7 +137,7 @@ void RunningTool::takeMessages()
 bool RunningTool::hasHung() const
 {
     return m_end.hasExpired() || (m_run.writesAllTheTime && m_pause.hasExpired())
-        || QThread::currentThread()->isInterruptionRequested();
+        || (m_run.leaveOff && m_run.leaveOff->load()) || QThread::currentThread()->isInterruptionRequested();
 }
 
 // Also asked whenever something was written: while a tool writes without end, QProcess never ceases to wait.
@@ -136,17 +147,21 @@ void RunningTool::judge()
         return;
     if (m_output.size() > m_run.maxBytes)
         m_verdict = u"%1 printed too much"_s;
+    else if (!m_isUnderstood)
+        m_verdict = u"%1 printed something else"_s;
     else if (isRunning(*m_process) && hasHung())
         m_verdict = u"%1 timed out"_s;
     if (!m_verdict.isEmpty()) {
+        m_hasTimedOut = m_end.hasExpired();
         m_cage.kill();
         m_process->kill();
     }
 }
+
 ToolFailure RunningTool::refusal() const
 {
     if (!m_verdict.isEmpty())
-        return { m_verdict.arg(m_run.name), m_output, m_output.size() > m_run.maxBytes };
+        return { m_verdict.arg(m_run.name), m_output, m_output.size() > m_run.maxBytes, m_hasTimedOut };
     const QByteArray complaint = m_messages.trimmed();
     return { complaint.isEmpty() ? u"%1 failed (exit %2)"_s.arg(m_run.name).arg(m_process->exitCode())
                                  : QString::fromLocal8Bit(complaint),

@@ -7,6 +7,9 @@
 #include <QStringList>
 #include <tl/expected.hpp>
 
+#include <atomic>
+#include <functional>
+
 namespace epr {
 
 /// The file that the environment variable names, or the first of the candidates, names relative to the program's
@@ -46,6 +49,10 @@ struct ToolRun {
     qint64 maxBytes = 0; ///< of output; a tool that writes more is ended
     bool writesAllTheTime = false; ///< a pause in its output that is too long counts as a hang then
     qsizetype expectedBytes = 0; ///< of output, to make room for
+    const std::atomic<bool> *leaveOff = nullptr; ///< once true, the tool is killed as if it had timed out
+    /// For a tool that writes results one by one: gets what it wrote, messages in their place between, as it comes, and
+    /// takes away the results in it. Each result has waitMs and maxBytes to itself. False ends the tool.
+    std::function<bool(QByteArray &unread)> take = {};
 };
 
 /// Why a tool gave nothing.
@@ -53,6 +60,7 @@ struct ToolFailure {
     QString text;
     QByteArray output; ///< what it wrote all the same
     bool hasRefused = false; ///< it has had its chance with this file, unlike one that did not start or come to an end
+    bool hasTimedOut = false; ///< and was not merely told to leave off
 };
 
 /// Runs a tool on the calling thread, which needs no event loop: what it wrote to its standard output, or why there is

@@ -24,35 +24,56 @@ namespace {
 
 constexpr int maxThreads = 16; // more only compete for the disk
 constexpr int defaultSeconds = 120;
+constexpr qsizetype filesPerProcess = 12; // the start of a process is then some 5 % of its work
+constexpr qsizetype maxPathLetters = 30000; // of one command line, which on Windows has 32,767
 constexpr auto patience = std::chrono::milliseconds(800); // with threads that do not answer, all of them together
+
+// A file that fails here stays failed: fingerprints of the two engines cannot be compared with each other.
+FingerprintResult resultOf(const FpcalcResult &tool)
+{
+    FingerprintResult result;
+    result.fingerprint.words = tool.fingerprint;
+    result.durationMs = tool.durationMs;
+    result.error = tool.error;
+    return result;
+}
 
 } // namespace
 
 FingerprintWorker::FingerprintWorker(int seconds, bool preferFpcalc)
     : m_seconds(seconds)
     , m_preferFpcalc(preferFpcalc)
+    , m_batch(preferFpcalc ? fpcalcPath() : QString(), seconds, toolTimeouts(seconds), m_isPaused)
 {
+}
+
+// A file that is shorter than the analysed length stays alone: fpcalc 1.5.1 fails on it and has to be asked again. One
+// of unknown length, too: see what FpcalcBatch does with the length.
+void FingerprintWorker::processAll(QList<FingerprintJob> jobs)
+{
+    const auto isLong = [this](const FingerprintJob &job) { return job.durationMs / 1000 > m_seconds; };
+    const qsizetype longJobs = std::stable_partition(jobs.begin(), jobs.end(), isLong) - jobs.begin();
+    qsizetype done = 0;
+    if (longJobs > 1)
+        done = m_batch.run(jobs.first(longJobs), [this](int id, const auto &result) { finish(id, resultOf(result)); });
+    const auto isToStop = [this] { return m_isPaused || QThread::currentThread()->isInterruptionRequested(); };
+    for (; done < jobs.size() && !isToStop(); ++done)
+        process(jobs.at(done).id, jobs.at(done).path);
+    Q_EMIT finished(jobs.sliced(done));
 }
 
 void FingerprintWorker::process(int id, const QString &path)
 {
     if (QThread::currentThread()->isInterruptionRequested())
         return;
-    FingerprintResult result = m_preferFpcalc && hasFpcalc() ? runTool(path) : analyse(path);
+    finish(id, m_preferFpcalc && hasFpcalc() ? resultOf(runFpcalc(path, m_seconds)) : analyse(path));
+}
+
+void FingerprintWorker::finish(int id, FingerprintResult result)
+{
     if (result.fingerprint.words.isEmpty() && result.error.isEmpty())
         result.error = tr("No decodable audio found");
     Q_EMIT completed(id, result);
-}
-
-// A file that fails here stays failed: fingerprints of the two engines cannot be compared with each other.
-FingerprintResult FingerprintWorker::runTool(const QString &path) const
-{
-    const FpcalcResult tool = runFpcalc(path, m_seconds);
-    FingerprintResult result;
-    result.fingerprint.words = tool.fingerprint;
-    result.durationMs = tool.durationMs;
-    result.error = tool.error;
-    return result;
 }
 
 FingerprintResult FingerprintWorker::analyse(const QString &path) const
@@ -77,6 +98,7 @@ FingerprintResult FingerprintWorker::analyse(const QString &path) const
 
 FingerprintPool::FingerprintPool(int threads, int seconds, bool preferFpcalc, QObject *parent)
     : QObject(parent)
+    , m_mostAtOnce(preferFpcalc && hasFpcalc() ? filesPerProcess : 1)
 {
     const int count = std::clamp(threads, 1, maxThreads);
     for (int i = 0; i < count; ++i)
@@ -113,10 +135,11 @@ void FingerprintPool::cancel()
 
 void FingerprintPool::setPaused(bool paused)
 {
-    if (std::exchange(m_isPaused, paused) == paused || paused)
+    if (std::exchange(m_isPaused, paused) == paused)
         return;
     for (Lane &lane : m_lanes) {
-        if (!lane.isBusy)
+        lane.worker->setPaused(paused);
+        if (!paused && !lane.isBusy)
             dispatch(lane);
     }
 }
@@ -126,7 +149,7 @@ void FingerprintPool::run(const QList<FingerprintJob> &jobs)
     if (jobs.isEmpty() || m_isCancelled)
         return;
     m_jobs = jobs;
-    m_next = m_inFlight = m_done = 0;
+    m_next = m_done = 0;
     QEventLoop loop;
     connect(this, &FingerprintPool::cancelled, &loop, &QEventLoop::quit);
     QObject batch; // takes the connections with it
@@ -134,8 +157,13 @@ void FingerprintPool::run(const QList<FingerprintJob> &jobs)
         lane.isBusy = false;
         connect(
             lane.worker, &FingerprintWorker::completed, &batch,
-            [this, &lane, &loop](int id, const FingerprintResult &result) {
-                finishJob(lane, id, result);
+            [this](int id, const FingerprintResult &result) { finishJob(id, result); }, Qt::QueuedConnection);
+        connect(
+            lane.worker, &FingerprintWorker::finished, &batch,
+            [this, &lane, &loop](const QList<FingerprintJob> &left) {
+                lane.isBusy = false;
+                takeBack(left);
+                dispatch(lane);
                 if (!hasWork())
                     loop.quit();
             },
@@ -149,7 +177,23 @@ void FingerprintPool::run(const QList<FingerprintJob> &jobs)
 
 bool FingerprintPool::hasWork() const
 {
-    return m_inFlight > 0 || (m_next < m_jobs.size() && !m_isCancelled);
+    return std::ranges::any_of(m_lanes, &Lane::isBusy) || (m_next < m_jobs.size() && !m_isCancelled);
+}
+
+// Fewer towards the end, so that no thread has files left while others have nothing to do.
+QList<FingerprintJob> FingerprintPool::nextJobs()
+{
+    const qsizetype share = (m_jobs.size() - m_next) / (2 * static_cast<qsizetype>(m_lanes.size()));
+    const qsizetype most = std::clamp<qsizetype>(share, 1, m_mostAtOnce);
+    QList<FingerprintJob> jobs;
+    qsizetype letters = 0;
+    for (; jobs.size() < most; ++m_next) {
+        letters += m_jobs.at(m_next).path.size() + 3; // quotation marks and a blank
+        if (!jobs.isEmpty() && letters > maxPathLetters)
+            break;
+        jobs.append(m_jobs.at(m_next));
+    }
+    return jobs;
 }
 
 void FingerprintPool::dispatch(Lane &lane)
@@ -157,20 +201,22 @@ void FingerprintPool::dispatch(Lane &lane)
     if (m_next >= m_jobs.size() || m_isCancelled || m_isPaused)
         return;
     lane.isBusy = true;
-    const FingerprintJob &job = m_jobs.at(m_next++);
-    ++m_inFlight;
-    QMetaObject::invokeMethod(lane.worker, "process", Qt::QueuedConnection, Q_ARG(int, job.id),
-                              Q_ARG(QString, job.path));
+    QMetaObject::invokeMethod(
+        lane.worker, [worker = lane.worker, jobs = nextJobs()] { worker->processAll(jobs); }, Qt::QueuedConnection);
 }
 
-void FingerprintPool::finishJob(Lane &lane, int id, const FingerprintResult &result)
+void FingerprintPool::finishJob(int id, const FingerprintResult &result)
 {
-    lane.isBusy = false;
-    --m_inFlight;
     ++m_done;
     Q_EMIT completed(id, result);
     Q_EMIT progress(m_done, static_cast<int>(m_jobs.size()));
-    dispatch(lane);
+}
+
+// The places of jobs that were handed out are free.
+void FingerprintPool::takeBack(const QList<FingerprintJob> &jobs)
+{
+    m_next -= jobs.size();
+    std::ranges::copy(jobs, m_jobs.begin() + m_next);
 }
 
 } // namespace epr

@@ -2,15 +2,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "fpcalcbatch.h"
 #include "records.h"
 
+#include <atomic>
 #include <vector>
 
 class QThread;
 
 namespace epr {
 
-/// Fingerprints one file after the other on the thread it lives on.
+/// Fingerprints files on the thread it lives on.
 class FingerprintWorker final : public QObject {
     Q_OBJECT
 
@@ -21,23 +23,28 @@ public:
 
     int seconds() const { return m_seconds; }
 
+    /// Processes them all, several with one process of fpcalc where that can be, and ends with finished().
+    void processAll(QList<FingerprintJob> jobs);
+
+    /// To be called from any thread. While it is paused, processAll() begins no further file, nor do the tools it has
+    /// started.
+    void setPaused(bool paused) { m_isPaused = paused; }
+
 public Q_SLOTS:
     void process(int id, const QString &path);
 
 Q_SIGNALS:
     void completed(int id, const epr::FingerprintResult &result);
+    void finished(const QList<epr::FingerprintJob> &left);
 
 private:
-    FingerprintResult runTool(const QString &path) const;
+    void finish(int id, FingerprintResult result);
     FingerprintResult analyse(const QString &path) const;
 
     int m_seconds;
     bool m_preferFpcalc;
-};
-
-struct FingerprintJob {
-    int id = 0; ///< comes back with the result
-    QString path;
+    std::atomic<bool> m_isPaused = false;
+    FpcalcBatch m_batch;
 };
 
 /// Fingerprints batches of files on threads of its own, "epr-fingerprint-0" and so on. It is used on the thread that
@@ -57,7 +64,8 @@ public:
     /// Ends the running batch and every one after it: the threads let go of what they are at.
     void cancel();
 
-    /// A paused pool hands out no further file; what the threads are at they finish.
+    /// A paused pool begins no further file. What the threads are at they finish, but one process that has several
+    /// files is ended, and those it has not done with are taken back.
     void setPaused(bool paused);
 
 Q_SIGNALS:
@@ -76,13 +84,15 @@ private:
 
     void addLane(int index, int seconds, bool preferFpcalc);
     bool hasWork() const;
+    QList<FingerprintJob> nextJobs();
     void dispatch(Lane &lane);
-    void finishJob(Lane &lane, int id, const FingerprintResult &result);
+    void finishJob(int id, const FingerprintResult &result);
+    void takeBack(const QList<FingerprintJob> &jobs);
 
     std::vector<Lane> m_lanes;
     QList<FingerprintJob> m_jobs;
-    int m_next = 0; ///< index of the next job to hand out
-    int m_inFlight = 0;
+    qsizetype m_next = 0; ///< index of the next job to hand out
+    qsizetype m_mostAtOnce = 1; ///< jobs for one thread
     int m_done = 0;
     bool m_isCancelled = false;
     bool m_isPaused = false;

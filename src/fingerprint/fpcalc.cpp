@@ -81,15 +81,18 @@ FpcalcResult parseFpcalcOutput(QByteArrayView output)
     return result;
 }
 
+ToolRun fpcalcRun(const QString &tool, const QStringList &paths, int seconds, const ToolTimeouts &timeouts)
+{
+    return { .name = toolName(),
+             .program = tool,
+             .arguments = QStringList { u"-raw"_s, u"-length"_s, QString::number(seconds) } + paths,
+             .timeouts = timeouts,
+             .maxBytes = seconds * maxWordBytes + maxOtherBytes };
+}
+
 FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds, const ToolTimeouts &timeouts)
 {
-    const auto run = [&](int length) {
-        return runTool({ .name = toolName(),
-                         .program = tool,
-                         .arguments = { u"-raw"_s, u"-length"_s, QString::number(length), path },
-                         .timeouts = timeouts,
-                         .maxBytes = length * maxWordBytes + maxOtherBytes });
-    };
+    const auto run = [&](int length) { return runTool(fpcalcRun(tool, { path }, length, timeouts)); };
     const int asked = std::max(seconds, 1);
     tl::expected<QByteArray, ToolFailure> output = run(asked);
     if (const int length = output ? 0 : lengthToAskAgain(output.error(), asked); length > 0)

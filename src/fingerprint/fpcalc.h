@@ -3,10 +3,11 @@
 #pragma once
 
 #include <QList>
-#include <QString>
+#include <QStringList>
 
 namespace epr {
 
+struct ToolRun;
 struct ToolTimeouts;
 
 /// What Chromaprint's fpcalc says of one file.
@@ -31,6 +32,9 @@ FpcalcResult runFpcalc(const QString &path, int seconds);
 
 /// The same with a given tool and given patience.
 FpcalcResult runFpcalcTool(const QString &tool, const QString &path, int seconds, const ToolTimeouts &timeouts);
+
+/// One process for the first seconds of some files.
+ToolRun fpcalcRun(const QString &tool, const QStringList &paths, int seconds, const ToolTimeouts &timeouts);
 
 /// Reads the raw output format: lines "DURATION=seconds" and "FINGERPRINT=word,word,...". Whatever it does not
 /// understand it skips.

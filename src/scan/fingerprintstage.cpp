@@ -30,7 +30,7 @@ QList<FingerprintJob> fingerprintJobs(const QList<TrackInfo> &tracks, Fingerprin
     QList<FingerprintJob> jobs;
     for (qsizetype i = 0; i < tracks.size(); ++i) {
         if (!hasCompleteFingerprint(tracks.at(i), engine))
-            jobs.append({ static_cast<int>(i), tracks.at(i).path });
+            jobs.append({ static_cast<int>(i), tracks.at(i).path, tracks.at(i).stream.durationMs });
     }
     return jobs;
 }

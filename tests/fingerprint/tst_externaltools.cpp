@@ -3,7 +3,8 @@
 #include "audiofixtures.h"
 #include "decoding.h"
 #include "externaltool.h"
-#include "fpcalc.h"
+#include "fpcalcbatch.h"
+#include "rows.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -15,6 +16,32 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr ToolTimeouts patient { 5000, 20000, 2000, 60000 };
+
+/// What a stand-in for fpcalc does with a file goes by the file's name: a number and a word.
+const QByteArray oddTool = R"(
+say() { echo DURATION=70; echo FINGERPRINT=7,${1%% *}; }
+one() {
+    case $1 in
+    *bad | *none) echo no such codec >&2; exit 2;; *short) echo cut >&2; say "$1"; exit 3;; *quiet) exit 2;;
+    *odd) echo DURATION=70; printf FINGERPRINT=1; printf x >&2; echo 2,2; exit;;
+    *empty) echo DURATION=70; echo FINGERPRINT=; exit;; *skip) exit;;
+    *warns) echo hm >&2;; *flood) exec yes;; *crash) say "$1"; kill -9 $$;;
+    *hang) exec sleep 60;; *slow) sleep 0.8;; *late) say "$1"; exec sleep 60;;
+    esac
+    say "$1"
+}
+)";
+
+void compareWithAlone(const QString &tool, const QList<FingerprintJob> &jobs, const ToolTimeouts &timeouts)
+{
+    QHash<int, FpcalcResult> alone;
+    QHash<int, FpcalcResult> shared;
+    for (const FingerprintJob &job : jobs)
+        alone.insert(job.id, runFpcalcTool(tool, job.path, 5, timeouts));
+    const std::atomic<bool> leaveOff = false;
+    FpcalcBatch(tool, 5, timeouts, leaveOff).run(jobs, [&](int id, const auto &result) { shared.insert(id, result); });
+    QCOMPARE(shared, alone);
+}
 
 } // namespace
 
@@ -140,6 +167,57 @@ private Q_SLOTS:
         const ToolTimeouts timeouts { 5000, 1200, 2000, 60000 };
         QCOMPARE(decodeWithFfmpegTool(tool, { u"a"_s, 8000, 60 }, timeouts).value().size(), 10);
         QCOMPARE(runFpcalcTool(tool, u"a"_s, 60, timeouts).error, u"fpcalc timed out"_s);
+    }
+
+    // "more" is how many processes more than one for each run may be begun.
+    void sharedProcessesSayTheSame_data()
+    {
+        const QByteArray all = "shift 3; for f; do (one \"$f\") || { s=$?; ON_ERROR; }; done; exit $s";
+        const auto tool = [&](const QByteArray &onError) { return QByteArray(all).replace("ON_ERROR", onError); };
+        const QByteArray stops = tool("break");
+        const test::Rows<QByteArray, QString, int> row("tool", "files", "more");
+        row("stops", stops, u"good good good good bad good good good good short good good good good"_s, -1);
+        row("at the ends", stops, u"bad good good good good good good good crash"_s, -1);
+        row("odd", stops, u"good odd good good empty good flood good warns good good"_s, 9);
+        row("passes over one", stops, u"good good skip good good good"_s, 2);
+        row("hangs", stops, u"slow slow slow hang good late good hang"_s, 2);
+        row("one after the other", stops, u"bad short bad short bad short bad short bad short"_s, 4);
+        row("goes on", tool("true"), u"good good quiet good good good bad good good short good good"_s, 1);
+        row("later", tool("[ \"$f\" = \"${f%none}\" ] || break"), u"good good bad good good short good good"_s, 9);
+        row("names files", tool("break").replace("(one", "(echo FILE=$f; one"), u"good good good bad"_s, 3);
+        row("says it twice", tool("break").replace("(one", "(say \"$f\"; one"), u"good good good bad"_s, 1);
+    }
+
+    void sharedProcessesSayTheSame()
+    {
+        QFETCH(const QByteArray, tool);
+        QFETCH(const QString, files);
+        QFETCH(const int, more);
+        const QString log = m_dir.filePath(u"log"_s);
+        QFile::remove(log);
+        QList<FingerprintJob> jobs;
+        for (int id = 0; const QString &kind : files.split(u' '))
+            jobs.append({ id, u"%1 %2"_s.arg(id++).arg(kind), kind == "skip"_L1 ? 80000 : 70900 });
+        compareWithAlone(standIn("echo >>'" + QFile::encodeName(log) + "'\n" + oddTool + tool), jobs,
+                         { 5000, files.contains("hang"_L1) ? 2000 : 20000, 2000, 60000 });
+        QVERIFY(QFile(log).size() <= 2 * jobs.size() + more);
+    }
+
+    void sharingChangesNothingForRealFiles()
+    {
+        const QString tool = findFpcalc();
+        if (tool.isEmpty())
+            QSKIP("fpcalc is not installed");
+        QList<FingerprintJob> jobs;
+        for (int id = 0; id < 16; ++id) {
+            const int seconds = id % 5 == 3 ? 3 : 7;
+            jobs.append(
+                { id, m_dir.filePath(QString::number(id) + u".mp3.wav.ogg"_s.mid(id % 3 * 4, 4)), seconds * 1000 });
+            QVERIFY(makeAudioFile(jobs.last().path, seconds, u"-ac %1"_s.arg(1 + id % 2), 16000 + 2000 * id));
+            if (id % 7 == 4)
+                test::writeFile(jobs.last().path, test::readFile(jobs.last().path).first(9000));
+        }
+        compareWithAlone(tool, jobs, patient);
     }
 
 private:

@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
+#include <QTimer>
 
 #include <limits>
 #include <memory>
@@ -47,13 +48,14 @@ public:
     static void initMain() { preferFfmpegMediaBackend(); }
 
 private Q_SLOTS:
-    // The stand-in for fpcalc runs its audio file as a script, so that each job says how it ends. The one for ffmpeg
+    // The stand-in for fpcalc runs its audio files as scripts, so that each job says how it ends. The one for ffmpeg
     // fails on files that say so in their name and is the real tool otherwise.
     void initTestCase()
     {
         registerMetaTypes();
         const QAudioDecoder decoder; // settles which libraries Qt uses
-        qputenv("EPR_FPCALC", QFile::encodeName(makeStandIn(path(u"fpcalc"_s), ". \"$4\"")));
+        qputenv("EPR_FPCALC",
+                QFile::encodeName(makeStandIn(path(u"fpcalc"_s), "shift 3; for f; do (. \"$f\") || exit; done")));
         const QByteArray ffmpeg = "case \"$*\" in *undecodable*) echo broken >&2; exit 1;; esac; exec ffmpeg \"$@\"";
         qputenv("EPR_FFMPEG", QFile::encodeName(makeStandIn(path(u"ffmpeg"_s), ffmpeg)));
     }
@@ -68,11 +70,11 @@ private Q_SLOTS:
             QList<QVariantList> steps;
             for (int i = 0; i < count; ++i) {
                 const int id = 1000 - 3 * i;
-                const QByteArray good = "echo DURATION=2; echo FINGERPRINT=" + QByteArray::number(id);
+                const QByteArray good = "echo DURATION=200; echo FINGERPRINT=" + QByteArray::number(id);
                 jobs << job(id, i % 3 == 2 ? QByteArray("echo bad >&2; exit 1") : good);
                 expected.insert(id,
                                 i % 3 == 2 ? FingerprintResult { {}, 0, u"bad"_s }
-                                           : FingerprintResult { { { quint32(id) }, {}, {}, {} }, 2000, {} });
+                                           : FingerprintResult { { { quint32(id) }, {}, {}, {} }, 200000, {} });
                 steps << QVariantList { i + 1, count };
             }
             const QSignalSpy progress(&pool, &FingerprintPool::progress);
@@ -91,6 +93,29 @@ private Q_SLOTS:
             run(pool, { job(1, "echo FINGERPRINT=1"), job(2, "trap '' TERM; sleep 60"), job(3, "echo FINGERPRINT=3") });
         QCOMPARE(results.keys(), QList<int>({ 1 }));
         QVERIFY(run(pool, { job(4, "echo FINGERPRINT=4") }).isEmpty());
+    }
+
+    // The pool is paused while one tool has several jobs, and at the second of them would stay for a minute.
+    void pausingTakesJobsBack()
+    {
+        const QString number = path(u"number"_s);
+        const QByteArray waits = "[ -e FILE ] || { echo $$ >FILE; sleep 60; }; ";
+        QList<FingerprintJob> jobs;
+        for (int id = 0; id < 9; ++id)
+            jobs << job(id,
+                        (id == 1 ? QByteArray(waits).replace("FILE", QFile::encodeName(number)) : QByteArray())
+                            + "echo DURATION=200; echo FINGERPRINT=5");
+        FingerprintPool pool(1, 60, true);
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, &pool, [&] {
+            const QByteArray process = test::readFile(number).trimmed();
+            pool.setPaused(!process.isEmpty() && QFile::exists(u"/proc/"_s + QString::fromLatin1(process)));
+        });
+        watch.start(20);
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(run(pool, jobs).size(), 9);
+        QVERIFY2(clock.elapsed() < 30000, "the pool sat out its tool");
     }
 
     // Closing the window during a scan: a hanging tool must not hold up the program's end.
@@ -202,7 +227,7 @@ private Q_SLOTS:
 private:
     FingerprintJob job(int id, const QByteArray &script)
     {
-        return { id, makeStandIn(path(u"%1.job"_s.arg(id)), script) };
+        return { id, makeStandIn(path(u"%1.job"_s.arg(id)), script), 200000 };
     }
     QString path(const QString &name) const { return m_dir.filePath(name); }
 
