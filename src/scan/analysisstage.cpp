@@ -11,6 +11,7 @@
 #include <QtConcurrentMap>
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -91,8 +92,7 @@ void AnalysisRun::run()
 void AnalysisRun::readAllWhole()
 {
     m_total = m_work.size();
-    forEach(m_work,
-            [this](TrackInfo *track) { *track = analyseFile(std::move(*track), m_options, &m_context.cancelFlag); });
+    forEach(m_work, [this](TrackInfo *track) { *track = analyseFile(*track, m_options, &m_context.cancelFlag); });
 }
 
 void AnalysisRun::readPossibleCopies()
@@ -149,8 +149,10 @@ void AnalysisRun::analyseNew(TrackInfo *track)
         others = m_copies.add(track);
         return others.removeOne(track);
     });
-    for (TrackInfo *other : std::as_const(others))
+    for (TrackInfo *other : std::as_const(others)) {
+        m_context.waitWhilePaused();
         *other = completeDigests(std::move(*other), m_options, &m_context.cancelFlag);
+    }
 }
 
 void AnalysisRun::forEach(const Files &files, const std::function<void(TrackInfo *)> &read)

@@ -155,7 +155,7 @@ TrackInfo measureFile(const QString &path)
     return track;
 }
 
-TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::atomic<qint32> *stop)
+TrackInfo analyseFile(const TrackInfo &track, const ScanOptions &options, const std::atomic<qint32> *stop)
 {
     FileAnalysis analysis(track, options, stop);
     return analysis.readTags() && analysis.readDigests() ? analysis.result() : track;

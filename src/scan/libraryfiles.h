@@ -45,7 +45,7 @@ TrackInfo measureFile(const QString &path);
 /// fingerprints that the record brings along stay. On failure the record's error says why; analysed is set only when
 /// everything succeeded and the file stayed as it was measured. When *stop becomes non-zero, a long file is given up
 /// and its record comes back as it was. Re-entrant: many threads analyse different files at once.
-TrackInfo analyseFile(TrackInfo track, const ScanOptions &options, const std::atomic<qint32> *stop = nullptr);
+TrackInfo analyseFile(const TrackInfo &track, const ScanOptions &options, const std::atomic<qint32> *stop = nullptr);
 
 /// The same in place, for a file that may need no digests: when the rest is in the record, the function says whether
 /// they are to be taken. It is not asked when the record has no content keys; then they are.
