@@ -204,7 +204,9 @@ void printLinks(const Library &library, MatchUnion &sets)
                 static_cast<long long>(copies), static_cast<long long>(sizeOfSets - 2 * found));
 }
 
-int measurePass(bool fpcalc, qsizetype trackCount, int threads)
+using Pass = decltype(&epr::matchAcoustic);
+
+int measurePass(Pass pass, bool fpcalc, qsizetype trackCount, int threads)
 {
     const Library library = makeLibrary(fpcalc, trackCount);
     const double tracksMiB = memoryMiB("VmRSS:");
@@ -220,7 +222,7 @@ int measurePass(bool fpcalc, qsizetype trackCount, int threads)
                     static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, what);
     };
     QString phase;
-    epr::matchAcoustic(
+    pass(
         library.tracks, options, notCancelled,
         [&](int, int, const QString &text) {
             if (text != phase)
@@ -284,11 +286,13 @@ int main(int argc, char **argv)
     const long long trackCount = argc >= 4 ? std::atoll(argv[3]) : 0;
     const int threads = argc >= 5 ? std::atoi(argv[4]) : 1;
     if (trackCount < 2) {
-        std::fprintf(stderr, "usage: bench_acoustic [pass|index builtin|fpcalc TRACKS [THREADS]]\n");
+        std::fprintf(stderr, "usage: bench_acoustic [pass|thorough|index builtin|fpcalc TRACKS [THREADS]]\n");
         return EXIT_FAILURE;
     }
     const bool fpcalc = std::strcmp(argv[2], "fpcalc") == 0;
     std::printf("%s, %lld tracks, %d threads\n", fpcalc ? "fpcalc" : "built-in", trackCount, threads);
-    return std::strcmp(argv[1], "index") == 0 ? describeIndex(fpcalc, trackCount)
-                                              : measurePass(fpcalc, trackCount, threads);
+    if (std::strcmp(argv[1], "index") == 0)
+        return describeIndex(fpcalc, trackCount);
+    const bool thorough = std::strcmp(argv[1], "thorough") == 0;
+    return measurePass(thorough ? epr::matchThoroughly : epr::matchAcoustic, fpcalc, trackCount, threads);
 }

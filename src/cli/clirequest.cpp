@@ -26,12 +26,14 @@ struct SwitchOption {
     bool ScanOptions::*field;
 };
 
-constexpr std::array<SwitchOption, 5> switchOptions { {
+constexpr std::array<SwitchOption, 6> switchOptions { {
     { "identical", QT_TRANSLATE_NOOP("epr::Cli", "Find identical files."), &ScanOptions::detectIdentical },
     { "same-audio", QT_TRANSLATE_NOOP("epr::Cli", "Find the same audio under different tags."),
       &ScanOptions::detectSameAudio },
     { "acoustic", QT_TRANSLATE_NOOP("epr::Cli", "Find the same recording, encoded differently."),
       &ScanOptions::detectAcoustic },
+    { "thorough", QT_TRANSLATE_NOOP("epr::Cli", "With that, also find copies that start or end elsewhere."),
+      &ScanOptions::compareThoroughly },
     { "metadata", QT_TRANSLATE_NOOP("epr::Cli", "Find matching artist, title and duration."),
       &ScanOptions::detectMetadata },
     { "cache", QT_TRANSLATE_NOOP("epr::Cli", "Reuse and remember analysis results."), &ScanOptions::useCache },

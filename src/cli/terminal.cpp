@@ -3,6 +3,7 @@
 #include "terminal.h"
 
 #include "displaytext.h"
+#include "missingpart.h"
 #include "review.h"
 #include "scancontroller.h"
 
@@ -45,11 +46,12 @@ bool isInvisibleMark(QChar c)
         || (unit >= 0x2066 && unit <= 0x2069);
 }
 
-QString memberLine(const TrackInfo &track, bool keep)
+QString memberLine(const TrackInfo &track, const MatchGroup &group, qint32 member)
 {
-    const QString action =
-        keep ? QCoreApplication::translate("epr::Cli", "KEEP") : QCoreApplication::translate("epr::Cli", "duplicate");
-    QStringList facts { durationText(track.stream.durationMs), qualityText(track), sizeText(track.size) };
+    const QString action = member == group.keep ? QCoreApplication::translate("epr::Cli", "KEEP")
+                                                : QCoreApplication::translate("epr::Cli", "duplicate");
+    QStringList facts { durationText(track.stream.durationMs), missingText(group, member), qualityText(track),
+                        sizeText(track.size) };
     facts.removeAll(QString());
     return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(nativePath(track.path)), facts.join("; "_L1));
 }
@@ -58,12 +60,12 @@ void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGro
 {
     out << QCoreApplication::translate("epr::Cli", "Group %1 - %2 - %3 copies - %4 reclaimable")
                .arg(group.id)
-               .arg(matchTypeLabel(group.matchType))
+               .arg(groupLabel(group))
                .arg(group.members.size())
                .arg(sizeText(group.reclaimableBytes))
         << '\n';
     for (const qint32 member : group.members)
-        out << memberLine(tracks.at(member), member == group.keep);
+        out << memberLine(tracks.at(member), group, member);
     out << '\n';
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QMetaType>
 #include <QStringList>
@@ -100,6 +101,16 @@ enum class MatchType : qint32 {
     Unmatched = 4,
 };
 
+/// Where a copy lies on the time line of its group, in milliseconds.
+struct MemberSpan {
+    qint64 startMs = 0; ///< of the file
+    qint64 soundMs = 0; ///< of what is not digital silence
+    qint64 endMs = 0; ///< of the file
+    bool isPlaced = false; ///< false: nothing is known of the start, and it counts as that of the time line
+
+    bool operator==(const MemberSpan &) const = default;
+};
+
 /// One set of duplicates. Members are indexes into the scan's track list, so the two lists travel together.
 struct MatchGroup {
     qint32 id = 0; ///< 1-based, in presentation order
@@ -108,6 +119,8 @@ struct MatchGroup {
     qint32 keep = -1; ///< track index (not a position in members) of the copy to keep
     double confidence = 0; ///< 0 to 1
     qint64 reclaimableBytes = 0; ///< freed by removing every member but keep
+    QHash<qint32, MemberSpan>
+        spans = {}; ///< by track index; only of members of known duration whose lengths may differ
 
     bool operator==(const MatchGroup &) const = default;
 };
@@ -129,6 +142,7 @@ struct ScanOptions {
     bool detectSameAudio = true;
     bool detectAcoustic = true;
     bool detectMetadata = false;
+    bool compareThoroughly = false; ///< with detectAcoustic, also copies that start or end elsewhere
     FingerprintEngine fingerprintEngine = FingerprintEngine::Fpcalc; ///< any value but this is the built-in analysis
     qint32 fingerprintSeconds = 60;
     double threshold = 0.25; ///< highest bit error rate that matches, built-in fingerprints

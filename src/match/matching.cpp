@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QHash>
 
+#include <algorithm>
 #include <tuple>
 
 namespace epr {
@@ -105,12 +106,14 @@ qint64 bytesWithout(qint32 keep, const QList<qint32> &members, const QList<Track
     return bytes;
 }
 
-void finishGroup(MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options)
+void finishGroup(MatchGroup &group, bool aligned, const QList<TrackInfo> &tracks, const ScanOptions &options)
 {
     sortByPath(group.members, tracks);
     if (group.matchType == MatchType::Unmatched)
         group.matchType = MatchType::SameRecording;
     group.keep = chooseKeeper(group.members, tracks, options);
+    if (aligned)
+        layOutMembers(group, tracks, options);
     group.reclaimableBytes = bytesWithout(group.keep, group.members, tracks);
     group.confidence = confidenceOf(group.matchType);
 }
@@ -125,8 +128,11 @@ bool comesBefore(const MatchGroup &a, const MatchGroup &b)
 QList<MatchGroup> groupSets(MatchUnion &sets, const QList<TrackInfo> &tracks, const ScanOptions &options)
 {
     QList<MatchGroup> groups = collectSets(sets);
-    for (MatchGroup &group : groups)
-        finishGroup(group, tracks, options);
+    for (MatchGroup &group : groups) {
+        const bool aligned =
+            std::ranges::any_of(group.members, [&sets](qint32 member) { return sets.isAligned(member); });
+        finishGroup(group, aligned, tracks, options);
+    }
     std::stable_sort(groups.begin(), groups.end(), comesBefore);
     qint32 id = 0;
     for (MatchGroup &group : groups)
@@ -153,6 +159,8 @@ QList<MatchGroup> buildMatchGroups(const QList<TrackInfo> &tracks, const ScanOpt
     }
     if (options.detectAcoustic && !cancelled())
         matchAcoustic(tracks, options, cancelFlag, progress, sets);
+    if (options.detectAcoustic && options.compareThoroughly && !cancelled())
+        matchThoroughly(tracks, options, cancelFlag, progress, sets);
     if (options.detectMetadata && !cancelled()) {
         report(progress, MatchingMetadata, QT_TRANSLATE_NOOP("QObject", "Comparing metadata"));
         linkEqualSongs(tracks, options.metadataTolerance, sets);

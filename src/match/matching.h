@@ -30,6 +30,16 @@ QList<MatchGroup> groupSets(MatchUnion &sets, const QList<TrackInfo> &tracks, co
 void matchAcoustic(const QList<TrackInfo> &tracks, const ScanOptions &options, const std::atomic<qint32> &cancelFlag,
                    const ProgressFn &progress, MatchUnion &unions);
 
+/// Links what that leaves unlinked: copies that begin or end elsewhere, of whatever duration, and processed ones. The
+/// links do not depend on the number of threads. A cancelFlag other than zero ends the pass within a few dozen pairs;
+/// the links made by then stay.
+void matchThoroughly(const QList<TrackInfo> &tracks, const ScanOptions &options, const std::atomic<qint32> &cancelFlag,
+                     const ProgressFn &progress, MatchUnion &unions);
+
+/// Lays the members of a group on one time line, as their sounds lie to each other, and has one of those kept that lack
+/// nothing of the longest.
+void layOutMembers(MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options);
+
 /// The words of an artist or title that copies of one song share: lower-case ASCII letters, digits and single spaces,
 /// without bracketed remarks that name a version ("(Live)", "[2009 Remaster]") and without a leading "the ".
 QString normaliseForMatch(const QString &text);

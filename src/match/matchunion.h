@@ -61,11 +61,21 @@ public:
             node(track).method = leastCertain(method(track), type);
     }
 
+    /// Whether the track was linked by its sound wherever that begins, so that its copies may differ in length.
+    bool isAligned(qint32 track) const { return m_nodes[static_cast<std::size_t>(track)].isAligned; }
+
+    void linkAligned(qint32 a, qint32 b)
+    {
+        link(a, b, MatchType::SameRecording);
+        node(a).isAligned = node(b).isAligned = true;
+    }
+
 private:
     struct Node {
         qint32 parent = 0;
         qint32 rank = 0;
         MatchType method = MatchType::Unmatched;
+        bool isAligned = false;
     };
 
     qint32 parent(qint32 track) const { return m_nodes[static_cast<std::size_t>(track)].parent; }

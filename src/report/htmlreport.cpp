@@ -63,7 +63,10 @@ void writeSummary(QTextStream &out, const ReportContent &content)
 
 void writeAction(QTextStream &out, const ReportMember &member)
 {
-    out << (member.keep ? "<td class=\"keep\">KEEP</td>"_L1 : "<td class=\"dupe\">remove</td>"_L1);
+    if (const QString missing = member.missing(); !missing.isEmpty())
+        out << "<td>"_L1 << missing.toHtmlEscaped() << "</td>"_L1;
+    else
+        out << (member.keep ? "<td class=\"keep\">KEEP</td>"_L1 : "<td class=\"dupe\">remove</td>"_L1);
 }
 
 void writeFile(QTextStream &out, const ReportMember &member)

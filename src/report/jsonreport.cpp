@@ -24,7 +24,7 @@ constexpr auto groupListKey = "duplicateGroups"_L1;
 QJsonObject fileObject(const ReportMember &member)
 {
     const TrackInfo &track = member.track;
-    return {
+    QJsonObject object {
         { u"path"_s, track.path },
         { u"keep"_s, member.keep },
         { u"artist"_s, track.tags.artist },
@@ -38,6 +38,11 @@ QJsonObject fileObject(const ReportMember &member)
         { u"sha256"_s, track.fullHash },
         { u"audioSha256"_s, track.audioHash },
     };
+    if (const MissingPart missing = missingPart(member.group, member.index); missing.isAny()) {
+        object.insert(u"missingAtStartMs"_s, missing.atStartMs);
+        object.insert(u"missingAtEndMs"_s, missing.atEndMs);
+    }
+    return object;
 }
 
 QJsonObject groupObject(const MatchGroup &group, const QList<TrackInfo> &tracks)

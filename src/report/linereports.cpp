@@ -50,10 +50,15 @@ constexpr std::array csvColumns {
                 [](const ReportMember &m) { return quoted(m.track.mtime.toLocalTime().toString(Qt::ISODate)); } },
 };
 
-template <typename CellOf> void writeCsvLine(QTextStream &out, CellOf cellOf)
+// Only there where a copy lacks something.
+constexpr CsvColumn missingColumn { "Missing"_L1, [](const ReportMember &m) { return quoted(m.missing()); } };
+
+template <typename CellOf> void writeCsvLine(QTextStream &out, bool withMissing, CellOf cellOf)
 {
     for (const CsvColumn &column : csvColumns)
         out << (&column == csvColumns.data() ? ""_L1 : ","_L1) << cellOf(column);
+    if (withMissing)
+        out << ',' << cellOf(missingColumn);
     out << '\n';
 }
 
@@ -85,10 +90,12 @@ void writePlaylistEntry(QTextStream &out, const TrackInfo &track)
 
 void writeCsvReport(QTextStream &out, const ReportContent &content)
 {
-    writeCsvLine(out, [](const CsvColumn &column) { return column.heading; });
+    const bool withMissing =
+        std::ranges::any_of(content.groups, [](const auto &group) { return !group.spans.isEmpty(); });
+    writeCsvLine(out, withMissing, [](const CsvColumn &column) { return column.heading; });
     for (const MatchGroup &group : content.groups) {
         for (const ReportMember &member : membersOf(group, content.tracks))
-            writeCsvLine(out, [&member](const CsvColumn &column) { return column.field(member); });
+            writeCsvLine(out, withMissing, [&member](const CsvColumn &column) { return column.field(member); });
     }
 }
 
@@ -105,7 +112,7 @@ void writePlaylistReport(QTextStream &out, const ReportContent &content)
         << generatedText(content) << '\n';
     for (const MatchGroup &group : content.groups) {
         for (const ReportMember &member : membersOf(group, content.tracks)) {
-            if (!member.keep)
+            if (isProposed(group, member.index))
                 writePlaylistEntry(out, member.track);
         }
     }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "missingpart.h"
 #include "records.h"
 
 #include <vector>
@@ -23,6 +24,9 @@ struct ReportMember {
     const MatchGroup &group;
     const TrackInfo &track;
     bool keep;
+    qint32 index; ///< of the track
+
+    QString missing() const { return missingText(group, index); } ///< of the copy to keep; mostly nothing
 };
 
 /// In the group's order, without members that refer to no track.
@@ -31,7 +35,7 @@ inline std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<
     std::vector<ReportMember> members;
     for (const qint32 member : group.members) {
         if (member >= 0 && member < tracks.size())
-            members.push_back({ group, tracks.at(member), member == group.keep });
+            members.push_back({ group, tracks.at(member), member == group.keep, member });
     }
     return members;
 }

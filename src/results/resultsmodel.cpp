@@ -3,6 +3,7 @@
 #include "resultsmodel.h"
 
 #include "displaytext.h"
+#include "missingpart.h"
 #include "notices.h"
 #include "resultscells.h"
 #include "review.h"
@@ -203,13 +204,13 @@ QVariant ResultsModel::groupData(int group, int column, int role) const
     case Qt::DisplayRole:
         if (column == FileColumn)
             return groupText(record);
-        return column == MatchColumn ? matchTypeLabel(record.matchType) : QVariant();
+        return column == MatchColumn ? groupLabel(record) : QVariant();
     case Qt::FontRole:
         return column == FileColumn ? m_boldFont : QVariant();
     case Qt::ForegroundRole:
         return column == MatchColumn ? matchColour(record.matchType, QGuiApplication::palette()) : QVariant();
     case Qt::ToolTipRole:
-        return matchTypeExplanation(record.matchType);
+        return groupExplanation(record);
     case GroupRole:
         return group;
     default:
@@ -224,7 +225,7 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     switch (role) {
     case Qt::DisplayRole:
         if (column == MatchColumn)
-            return isKeeper ? tr("KEEP") : tr("duplicate");
+            return matchText(group, member);
         return info ? memberText(*info, column) : QVariant();
     case Qt::CheckStateRole:
         return column == FileColumn ? (m_review.isTicked(group, member) ? Qt::Checked : Qt::Unchecked) : QVariant();
@@ -235,7 +236,7 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     case Qt::ForegroundRole:
         return isKeeper && column == MatchColumn ? keeperColour(QGuiApplication::palette()) : QVariant();
     case Qt::ToolTipRole:
-        return info ? memberToolTip(*info, column) : QVariant();
+        return column == MatchColumn ? matchText(group, member) : info ? memberToolTip(*info, column) : QVariant();
     case DecksRole:
         return info && column == FileColumn ? decksOf(*info) : QVariant();
     case Qt::AccessibleTextRole:
@@ -249,6 +250,15 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     default:
         return {};
     }
+}
+
+QString ResultsModel::matchText(int group, int member) const
+{
+    if (m_review.isKeeper(group, member))
+        return tr("KEEP");
+    const MatchGroup &record = m_review.groups().at(group);
+    const QString missing = missingText(record, record.members.at(member));
+    return missing.isEmpty() ? tr("duplicate") : missing;
 }
 
 QString ResultsModel::decksOf(const TrackInfo &track) const

@@ -64,6 +64,7 @@ private:
     void followReview();
     void emitEverywhereChanged(int role);
     void emitGroupChanged(int group);
+    QString matchText(int group, int member) const;
     QString decksOf(const TrackInfo &track) const;
     QVariant groupData(int group, int column, int role) const;
     QVariant memberData(int group, int member, int column, int role) const;

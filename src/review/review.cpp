@@ -3,6 +3,7 @@
 #include "review.h"
 
 #include "displaytext.h"
+#include "missingpart.h"
 #include "reviewfilter.h"
 
 #include <QCoreApplication>
@@ -118,7 +119,7 @@ void Review::setResults(const QList<TrackInfo> &tracks, const QList<MatchGroup> 
     layOutBits();
     m_ticked.assign(m_firstBit.back(), false);
     countGroups();
-    setTicks([](bool, bool isKeeper) { return !isKeeper; });
+    setTicks([](bool, bool isProposed) { return isProposed; });
     m_searchTexts =
         groups.isEmpty() ? QFuture<QStringList>() : QtConcurrent::run(&m_background, foldedSearchTexts, tracks, groups);
     Q_EMIT reset();
@@ -132,7 +133,7 @@ void Review::clear()
 
 void Review::tickDuplicates()
 {
-    changeTicks([](bool, bool isKeeper) { return !isKeeper; });
+    changeTicks([](bool, bool isProposed) { return isProposed; });
 }
 
 void Review::clearTicks()
@@ -244,7 +245,7 @@ template <typename Rule> void Review::setTicks(Rule ticked)
     std::size_t bit = 0;
     for (const MatchGroup &group : std::as_const(m_groups)) {
         for (const qint32 member : group.members) {
-            const bool tick = ticked(m_ticked[bit], member == group.keep);
+            const bool tick = ticked(m_ticked[bit], isProposed(group, member));
             m_ticked[bit++] = tick;
             if (tick) {
                 ++m_totals.tickedFiles;

@@ -65,11 +65,11 @@ public:
     /// are prepared in the background from setResults() on; the first call waits for the rest of that work.
     QStringList searchTexts() const;
 
-    /// Takes the lists of a scan and ticks every copy but the one to keep.
+    /// Takes the lists of a scan and ticks every copy but the one to keep and those that lack a part of it.
     void setResults(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
     void clear();
 
-    void tickDuplicates(); ///< every copy but the keepers, which are unticked
+    void tickDuplicates(); ///< as after a scan, and no others
     void clearTicks();
     void invertTicks();
     void setTicked(int group, int member, bool ticked);
@@ -96,7 +96,7 @@ private:
     qint64 sizeOf(qint32 track) const;
     qint64 reclaimable(const MatchGroup &group) const;
 
-    template <typename Rule> void setTicks(Rule ticked); ///< rule: (was ticked, is keeper) to ticked
+    template <typename Rule> void setTicks(Rule ticked); ///< rule: (was ticked, is proposed) to ticked
     template <typename Rule> void changeTicks(Rule ticked);
     bool setBit(int group, int member, bool ticked); ///< false if it was so before
     void countGroups();

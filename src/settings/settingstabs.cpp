@@ -190,6 +190,13 @@ QWidget *DetectionTab::createMethods()
                           tr("Decodes and fingerprints each file locally. Slower on the first pass, but catches the "
                              "same track ripped at a different bitrate. No online service is used."));
     layout->addWidget(m_acoustic);
+    QCheckBox *thorough = checkBox(
+        &ScanOptions::compareThoroughly, tr("Also find &copies that start or end elsewhere, and processed ones"),
+        tr("Compares what the fingerprints have left over once more, wherever the sound begins and however "
+           "long the files are. A copy that lacks a part of the longest one is not ticked."));
+    thorough->setEnabled(m_acoustic->isChecked());
+    connect(m_acoustic, &QCheckBox::toggled, thorough, &QWidget::setEnabled);
+    layout->addWidget(thorough);
     m_metadata = checkBox(&ScanOptions::detectMetadata, tr("Matching a&rtist, title and duration"),
                           tr("Broadest and least certain. Will flag legitimately different versions, so always review "
                              "these groups."));

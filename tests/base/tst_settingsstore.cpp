@@ -25,7 +25,7 @@ private Q_SLOTS:
         ScanOptions options; // every kept value differs from its default and from its like
         options.extensions = QStringList { u"mp3"_s };
         options.excludes = QStringList();
-        options.followSymlinks = options.includeHidden = options.detectMetadata = true;
+        options.followSymlinks = options.includeHidden = options.detectMetadata = options.compareThoroughly = true;
         options.detectIdentical = options.detectSameAudio = options.detectAcoustic = options.useCache = false;
         options.onlyPossibleCopies = false;
         options.minBytes = 5000000000;
@@ -54,7 +54,8 @@ private Q_SLOTS:
         QCOMPARE(QSettings().allKeys().join(u' '),
                  u"audition/linked audition/showPlayer detect/acoustic detect/chromaprintThreshold "
                  "detect/durationTolerance detect/identical detect/keeperPolicy detect/metadata "
-                 "detect/metadataTolerance detect/sameAudio detect/threshold files/excludes files/extensions "
+                 "detect/metadataTolerance detect/sameAudio detect/thorough detect/threshold files/excludes "
+                 "files/extensions "
                  "files/hidden files/minBytes files/minDurationMs files/symlinks perf/decoderThreads "
                  "perf/fingerprintSeconds perf/onlyPossibleCopies perf/useCache reports/csvByteOrderMark "
                  "safety/compareAgain "

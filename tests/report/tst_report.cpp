@@ -126,6 +126,25 @@ private Q_SLOTS:
         }
     }
 
+    void missingPartsAreToldAndNotProposed()
+    {
+        QList<MatchGroup> groups = someGroups(1);
+        groups[0].spans = { { 1, { 0, 0, 100000, true } },
+                            { 0, { 0, 0, 58000, true } },
+                            { 2, { 500, 500, 98000, true } } };
+        const QStringList rows = write(ReportFormat::Csv, groups).split(u'\n');
+        QVERIFY(rows.first().endsWith(u",Modified,Missing"_s) && rows.at(rows.size() - 2).endsWith(u",\"\""_s));
+        QVERIFY(rows.join(u'|').contains(u",\"ends 42 s earlier\"|"_s));
+        const QJsonDocument json = QJsonDocument::fromJson(write(ReportFormat::Json, groups).toUtf8());
+        const QJsonValue files = json["duplicateGroups"_L1][0]["files"_L1];
+        QCOMPARE(files[0]["missingAtEndMs"_L1].toInteger(), 42000);
+        QVERIFY(files[2]["missingAtEndMs"_L1].isUndefined());
+        QVERIFY(write(ReportFormat::Html, groups).contains(u"<td>ends 42 s earlier</td>"_s));
+        QCOMPARE(write(ReportFormat::Playlist, groups).count(u"#EXTINF"_s), 1);
+        groups[0].spans.clear();
+        QVERIFY(!write(ReportFormat::Csv, groups).contains(u"Missing"_s));
+    }
+
     void oddGroupsAreReportedAsFarAsTheyGo()
     {
         const QList<MatchGroup> groups { {}, { .members = { 2, -1, 4, 1 }, .keep = 9 } };

@@ -106,6 +106,20 @@ private Q_SLOTS:
         QTEST(sketchOf(review) + u" %1 MB"_s.arg(reclaimable / mebibyte), "after");
     }
 
+    void copiesThatLackAPartAreNotTicked()
+    {
+        Lists lists = listsOf(u"a* b c"_s);
+        lists.groups[0].spans = { { 0, { 0, 0, 100000, true } },
+                                  { 1, { 0, 0, 90000, true } },
+                                  { 2, { 900, 900, 96000, true } } };
+        Review review;
+        review.setResults(lists.tracks, lists.groups);
+        QCOMPARE(sketchOf(review), u"a* b c!"_s);
+        review.setKeeper(0, 1);
+        review.tickDuplicates();
+        QCOMPARE(sketchOf(review), u"a! b* c!"_s);
+    }
+
     void keptCopyIsComparedWithTheBestOther()
     {
         Lists lists = listsOf(u"a* b c d"_s);
