@@ -45,6 +45,23 @@ QString incompleteText(int unreadableFolders)
                                        unreadableFolders);
 }
 
+namespace {
+
+/// The position of the member to keep when the former one went: the first unticked one, but the longest where lengths
+/// differ. There a copy that lacks a part is unticked as well, and must not be kept in place of one that is whole.
+qsizetype nextKeeper(const MatchGroup &group, qsizetype firstUnticked)
+{
+    if (group.spans.isEmpty())
+        return firstUnticked;
+    const auto lengthOf = [&group](qint32 member) {
+        const MemberSpan span = group.spans.value(member);
+        return span.endMs - span.startMs;
+    };
+    return std::ranges::max_element(group.members, {}, lengthOf) - group.members.cbegin();
+}
+
+} // namespace
+
 Review::Review(QObject *parent)
     : QObject(parent)
     , m_firstBit(1, 0)
@@ -195,7 +212,7 @@ void Review::removeMembers(const QSet<qint32> &tracks)
         if (!group.members.contains(group.keep)) {
             const auto ticks = keptTicks.begin() + static_cast<std::ptrdiff_t>(firstTick);
             const auto unticked = std::find(ticks, keptTicks.end(), false);
-            const auto keeper = unticked == keptTicks.end() ? ticks : unticked;
+            const auto keeper = ticks + nextKeeper(group, (unticked == keptTicks.end() ? ticks : unticked) - ticks);
             *keeper = false;
             group.keep = group.members.at(keeper - ticks);
         }

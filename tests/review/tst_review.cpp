@@ -115,6 +115,10 @@ private Q_SLOTS:
         Review review;
         review.setResults(lists.tracks, lists.groups);
         QCOMPARE(sketchOf(review), u"a* b c!"_s);
+        Review other;
+        other.setResults(lists.tracks, lists.groups);
+        other.removeMembers({ 0 });
+        QCOMPARE(sketchOf(other), u"b c*"_s);
         review.setKeeper(0, 1);
         review.tickDuplicates();
         QCOMPARE(sketchOf(review), u"a! b* c!"_s);
