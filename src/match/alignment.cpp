@@ -209,7 +209,8 @@ std::optional<Alignment> Aligner::compare(qsizetype offset) const
     const qsizetype begin = std::max<qsizetype>(0, -offset);
     const qsizetype end = std::min(m_first.size(), m_second.size() - offset);
     const qsizetype block = wordsPerBlock * m_first.perHop;
-    const double mostDiffering = (1 - m_rules.agreeingShare) * static_cast<double>((end - begin) / block + 1);
+    const qsizetype mostBlocks = (end - begin) / block + 1;
+    const double mostDiffering = (1 - m_rules.agreeingShare) * static_cast<double>(mostBlocks);
     BlockCounts sum;
     for (qsizetype at = begin; at < end; at += block) {
         const qsizetype count = std::min(block, end - at);
