@@ -100,6 +100,7 @@ FingerprintPool::FingerprintPool(int threads, int seconds, bool preferFpcalc, QO
     : QObject(parent)
     , m_mostAtOnce(preferFpcalc && hasFpcalc() ? filesPerProcess : 1)
 {
+    qRegisterMetaType<QList<FingerprintJob>>(); // a thread gets its files as an argument by name
     const int count = std::clamp(threads, 1, maxThreads);
     for (int i = 0; i < count; ++i)
         addLane(i, seconds > 0 ? seconds : defaultSeconds, preferFpcalc);
@@ -201,8 +202,8 @@ void FingerprintPool::dispatch(Lane &lane)
     if (m_next >= m_jobs.size() || m_isCancelled || m_isPaused)
         return;
     lane.isBusy = true;
-    QMetaObject::invokeMethod(
-        lane.worker, [worker = lane.worker, jobs = nextJobs()] { worker->processAll(jobs); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(lane.worker, "processAll", Qt::QueuedConnection,
+                              Q_ARG(QList<epr::FingerprintJob>, nextJobs()));
 }
 
 void FingerprintPool::finishJob(int id, const FingerprintResult &result)

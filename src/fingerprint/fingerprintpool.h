@@ -23,15 +23,15 @@ public:
 
     int seconds() const { return m_seconds; }
 
-    /// Processes them all, several with one process of fpcalc where that can be, and ends with finished().
-    void processAll(QList<FingerprintJob> jobs);
-
     /// To be called from any thread. While it is paused, processAll() begins no further file, nor do the tools it has
     /// started.
     void setPaused(bool paused) { m_isPaused = paused; }
 
 public Q_SLOTS:
     void process(int id, const QString &path);
+
+    /// Processes them all, several with one process of fpcalc where that can be, and ends with finished().
+    void processAll(QList<epr::FingerprintJob> jobs);
 
 Q_SIGNALS:
     void completed(int id, const epr::FingerprintResult &result);
