@@ -15,18 +15,22 @@ namespace epr {
 namespace {
 
 // With scroll bars when it does not fit: the dialog's buttons stay on a small or strongly scaled screen.
-QScrollArea *createScrollablePage(QWidget *page)
-{
-    auto *area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus); // or Tab would stop at something that nobody sees
-    area->setWidget(page);
-    // The tab widget paints the background; styles give it another colour than a window's.
-    area->viewport()->setAutoFillBackground(false);
-    page->setAutoFillBackground(false);
-    return area;
-}
+class ScrollablePage final : public QScrollArea {
+public:
+    explicit ScrollablePage(QWidget *page)
+    {
+        setFrameShape(QFrame::NoFrame);
+        setWidgetResizable(true);
+        setFocusPolicy(Qt::NoFocus); // or Tab would stop at something that nobody sees
+        setWidget(page);
+        // The tab widget paints the background; styles give it another colour than a window's.
+        viewport()->setAutoFillBackground(false);
+        page->setAutoFillBackground(false);
+    }
+
+    // By itself the area asks for 24 lines at most, which is less than a page may have and a screen has.
+    QSize sizeHint() const override { return widget()->sizeHint(); }
+};
 
 } // namespace
 
@@ -43,10 +47,10 @@ SettingsDialog::SettingsDialog(const ScanOptions &options, const SettingsStatus 
     setMinimumWidth(560);
 
     auto *tabs = new QTabWidget;
-    tabs->addTab(createScrollablePage(detection), tr("Detection"));
-    tabs->addTab(createScrollablePage(files), tr("Files"));
-    tabs->addTab(createScrollablePage(m_performance), tr("Performance"));
-    tabs->addTab(createScrollablePage(m_updates), tr("Updates"));
+    tabs->addTab(new ScrollablePage(detection), tr("Detection"));
+    tabs->addTab(new ScrollablePage(files), tr("Files"));
+    tabs->addTab(new ScrollablePage(m_performance), tr("Performance"));
+    tabs->addTab(new ScrollablePage(m_updates), tr("Updates"));
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &SettingsDialog::accept);
