@@ -37,7 +37,7 @@ MissingPart missingPart(const MatchGroup &group, qint32 member)
         return {};
     const qint64 atStart = span->soundMs - kept->soundMs;
     const qint64 atEnd = kept->endMs - span->endMs;
-    const bool isShorter = atEnd > (kept->endMs - kept->startMs) / 100 * mostPercentAtEnd;
+    const bool isShorter = atEnd * 100 > (kept->endMs - kept->startMs) * mostPercentAtEnd;
     return { span->isPlaced && kept->isPlaced && atStart > mostAtStartMs ? atStart : 0, isShorter ? atEnd : 0 };
 }
 

@@ -14,8 +14,6 @@ namespace epr {
 
 namespace {
 
-constexpr int maxThreads = 16;
-constexpr qsizetype tracksPerThread = 256; // at least, to be worth starting it
 constexpr qint64 keysPerReport = 4096;
 constexpr qint64 candidatesPerReport = 1024;
 
@@ -174,8 +172,7 @@ void matchAcoustic(const QList<TrackInfo> &tracks, const ScanOptions &options, c
 {
     const Checkpoint checkpoint(cancelFlag, progress);
     const AcousticRules rules = acousticRules(options);
-    const auto useful = static_cast<int>(std::min<qsizetype>(maxThreads, 1 + tracks.size() / tracksPerThread));
-    const int threads = std::clamp(options.decoderThreads, 1, useful);
+    const int threads = usefulThreads(options.decoderThreads, tracks.size());
     PostingLists lists = rules.engine == FingerprintEngine::Fpcalc
         ? wordPostings(tracks, checkpoint, { .threads = threads })
         : halfWordPostings(tracks, checkpoint);

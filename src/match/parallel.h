@@ -27,4 +27,12 @@ template <typename Work> void forEachOnThreads(int threads, qsizetype count, con
     takeTurns(0);
 }
 
+/// How many threads a pass over so many tracks starts: those wanted, as far as there is enough for each to do.
+inline int usefulThreads(int wanted, qsizetype trackCount)
+{
+    constexpr qsizetype most = 16;
+    constexpr qsizetype tracksPerThread = 256; // at least, to be worth starting it
+    return std::clamp(wanted, 1, static_cast<int>(std::min(most, 1 + trackCount / tracksPerThread)));
+}
+
 } // namespace epr

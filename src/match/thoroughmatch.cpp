@@ -5,6 +5,7 @@
 #include "alignment.h"
 #include "keyindex.h"
 #include "matchunion.h"
+#include "parallel.h"
 
 #include <array>
 #include <atomic>
@@ -16,8 +17,6 @@ namespace epr {
 
 namespace {
 
-constexpr int maxThreads = 16;
-constexpr qsizetype tracksPerThread = 256; // at least, to be worth starting it
 constexpr const char *passText = QT_TRANSLATE_NOOP("QObject", "Looking for copies that start or end elsewhere");
 constexpr ProgressSlice countingPairs { 0.0, 0.4, passText };
 constexpr ProgressSlice collectingPairs { 0.4, 0.4, passText };
@@ -260,8 +259,7 @@ void matchThoroughly(const QList<TrackInfo> &tracks, const ScanOptions &options,
 {
     const Checkpoint checkpoint(cancelFlag, progress);
     const AlignmentRules rules = alignmentRules(options);
-    const auto useful = static_cast<int>(std::min<qsizetype>(maxThreads, 1 + tracks.size() / tracksPerThread));
-    const int threads = std::clamp(options.decoderThreads, 1, useful);
+    const int threads = usefulThreads(options.decoderThreads, tracks.size());
     const std::vector<Pair> candidates = findCandidates(tracks, rules.engine, threads, checkpoint, unions);
     linkAligned(candidates, tracks, rules, threads, checkpoint, unions);
 }
