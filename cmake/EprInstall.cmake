@@ -19,7 +19,8 @@ if(WIN32)
     doc/gcc-mingw-w64-base/copyright GCC.txt
     doc/mingw-w64-x86-64-dev/copyright MinGW-w64.txt
     doc/libexpected-dev/copyright expected.txt
-    doc/nlohmann-json3-dev/copyright JSON.txt)
+    doc/nlohmann-json3-dev/copyright JSON.txt
+    doc/libebur128-dev/copyright libebur128.txt)
   while(licences)
     list(POP_FRONT licences text name)
     if(EXISTS "/usr/share/${text}")

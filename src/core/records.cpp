@@ -33,6 +33,7 @@ void registerMetaTypes()
     qRegisterMetaType<ScanOptions>("epr::ScanOptions");
     qRegisterMetaType<FingerprintResult>("epr::FingerprintResult");
     qRegisterMetaType<Envelope>("epr::Envelope");
+    qRegisterMetaType<GroupCheck>("epr::GroupCheck");
 }
 
 } // namespace epr

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "soundcheck.h"
+
 #include <QDateTime>
 #include <QHash>
 #include <QList>
@@ -121,6 +123,7 @@ struct MatchGroup {
     qint64 reclaimableBytes = 0; ///< freed by removing every member but keep
     QHash<qint32, MemberSpan>
         spans = {}; ///< by track index; only of members of known duration whose lengths may differ
+    GroupCheck check = {}; ///< over the whole length, once that was done
 
     bool operator==(const MatchGroup &) const = default;
 };
