@@ -35,6 +35,7 @@ struct RemovalChecks {
     KeptCopies kept;
     QHash<QString, RemovalCandidate> scanned = {}; ///< the files to be removed, by path
     bool compareAgain = false; ///< read files again also where they could be brought back
+    QStringList protectedFolders = {}; ///< from which nothing goes, by whatever path it is reached
 
     bool operator==(const RemovalChecks &) const = default;
 };

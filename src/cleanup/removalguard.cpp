@@ -64,12 +64,15 @@ QString unreadable(const QString &path, const QString &reason)
 RemovalGuard::RemovalGuard(RemovalMode mode, const RemovalChecks &checks)
     : m_mode(mode)
     , m_checks(checks)
+    , m_protected(checks.protectedFolders)
 {
 }
 
 Result<bool> RemovalGuard::mayGo(const QString &path, const ReadingFn &reading)
 {
     m_held.close();
+    if (m_protected.contains(QFileInfo(path).absolutePath()))
+        return failure(protectedMessage(path));
     if (m_checks.kept.isEmpty())
         return true;
     QString objection = copyGone(path);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "contentcheck.h"
+#include "folderset.h"
 #include "result.h"
 
 #include <QFile>
@@ -12,7 +13,7 @@ namespace epr {
 /// Looks at a file and its kept copies directly before the file goes.
 class RemovalGuard final {
 public:
-    /// Has no objections at all if nothing is said of kept copies.
+    /// Has no objections if nothing is said of kept copies, but to what is taken from a protected folder.
     RemovalGuard(RemovalMode mode, const RemovalChecks &checks);
 
     /// True if the file may go, false if the reading was given up before that was known; else why it has to stay. The
@@ -30,6 +31,7 @@ private:
 
     const RemovalMode m_mode;
     const RemovalChecks m_checks;
+    FolderSet m_protected;
     ContentCheck m_content;
     QFile m_held; ///< the copy that stays
 };

@@ -3,6 +3,7 @@
 #include "removalplan.h"
 
 #include "displaytext.h"
+#include "folderset.h"
 #include "nativefile.h"
 #include "systempaths.h"
 
@@ -13,6 +14,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <functional>
 
 namespace epr {
 
@@ -130,23 +132,6 @@ bool hasSurvivor(const RemovalGroup &group, const QSet<QString> &ticked, const A
                        [&](const QString &path) { return !ticked.contains(path) && after.survives(path); });
 }
 
-// Of what is missing the nearest folder above that exists is resolved; the rest cannot be a link.
-FolderIdentity plannedFolder(const QString &folder)
-{
-    QString existing = QDir::cleanPath(QDir(asSystemReads(folder)).absolutePath());
-    QString missing;
-    while (!QFileInfo::exists(existing)) {
-        const QFileInfo info(existing);
-        if (info.path() == existing)
-            break;
-        missing = u'/' + info.fileName() + missing;
-        existing = info.path();
-    }
-    FolderIdentity found = folderIdentity(existing);
-    const QString path = QDir::cleanPath((found.path.isEmpty() ? existing : found.path) + missing);
-    return missing.isEmpty() && !found.path.isEmpty() ? found : FolderIdentity { .path = path };
-}
-
 /// One group after the look at its files.
 struct CheckedGroup {
     qint32 id = 0;
@@ -154,6 +139,25 @@ struct CheckedGroup {
     CheckedCandidates unticked;
     QList<RemovalCandidate> kept;
 };
+
+/// A ticked file in a protected folder is a copy that stays, like those that were not ticked.
+QList<TickedGroup> withoutProtected(QList<TickedGroup> groups, const QStringList &protectedFolders, RemovalPlan &plan)
+{
+    FolderSet folders(protectedFolders);
+    for (TickedGroup &group : groups) {
+        const auto isProtected = [&folders](const RemovalCandidate &file) {
+            return folders.contains(QFileInfo(file.path).absolutePath());
+        };
+        const auto staying = std::stable_partition(group.ticked.begin(), group.ticked.end(), std::not_fn(isProtected));
+        for (auto file = staying; file != group.ticked.end(); ++file) {
+            ++plan.refused;
+            plan.errors.append(protectedMessage(file->path));
+            group.unticked.append(*file);
+        }
+        group.ticked.erase(staying, group.ticked.end());
+    }
+    return groups;
+}
 
 QString survivorChangedMessage(qint32 id)
 {
@@ -235,28 +239,26 @@ QList<RefusedGroup> groupsWithoutSurvivor(const QList<RemovalGroup> &groups, con
 
 bool isInside(const QString &folder, const QStringList &roots)
 {
-    QList<FolderIdentity> outer;
-    for (const QString &root : roots)
-        outer.append(plannedFolder(root));
-    FolderIdentity inner = plannedFolder(folder);
-    while (std::none_of(outer.cbegin(), outer.cend(), [&](const auto &root) { return root.isSameAs(inner); })) {
-        const QString above = QFileInfo(inner.path).path();
-        if (above == inner.path)
-            return false;
-        inner = plannedFolder(above);
-    }
-    return true;
+    return FolderSet(roots).contains(folder);
 }
 
-RemovalPlan planRemoval(const QList<TickedGroup> &groups)
+QString protectedMessage(const QString &path)
 {
+    return QCoreApplication::translate("epr::Cleanup", "%1 is in a protected folder and was left in place")
+        .arg(nativePath(path));
+}
+
+RemovalPlan planRemoval(const QList<TickedGroup> &groups, const QStringList &protectedFolders)
+{
+    RemovalPlan plan;
+    plan.checks.protectedFolders = protectedFolders;
+    const QList<TickedGroup> toCheck = withoutProtected(groups, protectedFolders, plan);
     QList<CheckedGroup> checked;
-    for (const TickedGroup &group : groups)
+    for (const TickedGroup &group : toCheck)
         checked.append({ group.id, checkCandidates(group.ticked), checkCandidates(group.unticked), group.unticked });
     const QHash<qint32, QString> reasons = refusals(checked);
 
-    RemovalPlan plan;
-    for (const TickedGroup &group : groups) {
+    for (const TickedGroup &group : toCheck) {
         for (const RemovalCandidate &file : group.ticked)
             plan.checks.scanned.insert(file.path, file);
     }

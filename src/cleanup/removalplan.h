@@ -52,6 +52,9 @@ struct RefusedGroup {
 /// ticked member are not looked at. ticked holds the files to be removed from all groups.
 QList<RefusedGroup> groupsWithoutSurvivor(const QList<RemovalGroup> &groups, const QSet<QString> &ticked);
 
+/// The message for a file that was left alone because nothing is removed from its folder.
+QString protectedMessage(const QString &path);
+
 /// Whether the folder is one of the roots or inside one, by whatever paths. The folder need not exist yet.
 bool isInside(const QString &folder, const QStringList &roots);
 
@@ -67,15 +70,16 @@ struct TickedGroup {
 struct RemovalPlan {
     QStringList paths; ///< what may be removed, in the order of the groups
     qint32 refused = 0; ///< ticked files that are left alone
-    QStringList errors; ///< why: a message for each file that changed and for each group that would lose its last copy
+    QStringList errors; ///< why: a message for each file that changed or is protected, and for each group that would
+                        ///< lose its last copy
     RemovalChecks checks; ///< of each of the paths
 
     bool operator==(const RemovalPlan &) const = default;
 };
 
-/// Decides by a look at the disk which ticked files may go. One that changed since the scan stays. All of a group stay
-/// if none of its unticked copies is as it was scanned, can be read and stands on its own: a kept copy that changed is
-/// no longer known to be the same music.
-RemovalPlan planRemoval(const QList<TickedGroup> &groups);
+/// Decides by a look at the disk which ticked files may go. One that changed since the scan stays, and one in a
+/// protected folder. All of a group stay if none of its unticked copies is as it was scanned, can be read and stands on
+/// its own: a kept copy that changed is no longer known to be the same music.
+RemovalPlan planRemoval(const QList<TickedGroup> &groups, const QStringList &protectedFolders = {});
 
 } // namespace epr

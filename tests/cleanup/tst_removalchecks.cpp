@@ -99,6 +99,60 @@ private Q_SLOTS:
         QVERIFY(isInside(box.inLibrary(u"music/q"_s), { second.path() }));
     }
 
+    void nothingLeavesAProtectedFolder_data()
+    {
+        const Rows<QString, QString> row("folder", "path");
+        row("itself", u"safe"_s, u"safe/go"_s);
+        row("a folder above", u"safe/../."_s, u"safe/go"_s);
+        row("named with a slash and a way around", u"safe/deep/../"_s, u"safe/deep/go"_s);
+        row("by another path", u"safe"_s, u"seen/go"_s);
+        row("protected by another path", u"seen"_s, u"safe/go"_s);
+#ifdef Q_OS_UNIX
+        row("through a link", u"safe"_s, u"link/deep/go"_s);
+        row("protected through a link", u"link"_s, u"safe/go"_s);
+        row("a link that lies there", u"safe"_s, u"safe/link-to-stay"_s);
+#endif
+    }
+
+    void nothingLeavesAProtectedFolder()
+    {
+        QFETCH(const QString, folder);
+        QFETCH(const QString, path);
+        Sandbox box;
+        for (const QString &name : words("stay outside safe/go safe/deep/go"))
+            box.add(name);
+        QVERIFY(QDir().mkpath(box.inLibrary(u"seen"_s)));
+        const SecondName second(box.inLibrary(u"safe"_s), box.inLibrary(u"seen"_s));
+        if (second.path().isEmpty() && (folder + path).contains(u"seen"_s))
+            QSKIP("Only the administrator may mount");
+#ifdef Q_OS_UNIX
+        box.addLink(u"safe"_s, u"link"_s);
+        box.addLink(u"../stay"_s, u"safe/link-to-stay"_s);
+#endif
+        const auto here = [&](const QString &name) {
+            return name.startsWith(u"seen"_s) ? QDir(second.path()).filePath(name.mid(5)) : box.inLibrary(name);
+        };
+        const auto candidate = [](const QString &of) {
+            return RemovalCandidate { of, QFileInfo(of).size(), QFileInfo(of).lastModified() };
+        };
+        const QString outside = here(u"outside"_s);
+        const QStringList folders { here(u"is not there"_s), here(folder) };
+        const bool isAllProtected = folder.endsWith(u'.');
+        const Tree before = treeOf(box.library());
+
+        // What is ticked and protected is a copy that stays, for which others may go.
+        const RemovalPlan plan = planRemoval({ { 1, { candidate(here(path)), candidate(outside) }, {} } }, folders);
+        QCOMPARE(plan.errors.value(0), protectedMessage(here(path)));
+        QCOMPARE(plan.paths, isAllProtected ? QStringList() : QStringList(outside));
+
+        for (const RemovalMode mode : { RemovalMode::Quarantine, RemovalMode::Delete }) {
+            const RemovalResult result = removeFiles({ here(path) }, mode, box.quarantine(), { box.library() }, {},
+                                                     { .kept = {}, .protectedFolders = folders });
+            QCOMPARE(result.errors, QStringList(protectedMessage(here(path))));
+            QCOMPARE(treeOf(box.library()), before);
+        }
+    }
+
     void changedFilesAreTakenOut()
     {
         Sandbox box;
