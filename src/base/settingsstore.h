@@ -37,6 +37,7 @@ inline constexpr Setting<QByteArray> windowGeometry { "window/geometry" };
 inline constexpr Setting<QByteArray> windowState { "window/state" };
 inline constexpr Setting<QStringList> folders { "scan/folders" };
 inline constexpr Setting<QString> quarantineRoot { "safety/quarantineRoot", defaultQuarantineRoot, true };
+inline constexpr Setting<QStringList> protectedFolders { "safety/protectedFolders" };
 inline constexpr Setting<bool> compareAgain { "safety/compareAgain" };
 inline constexpr Setting<bool> csvMark { "reports/csvByteOrderMark" };
 inline constexpr Setting<bool> showPlayer { "audition/showPlayer", on };

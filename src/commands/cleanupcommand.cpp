@@ -223,7 +223,7 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     RemovalResult result;
     QSet<qint32> vanished;
     const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
-        plan = planRemoval(request.groups);
+        plan = planRemoval(request.groups, SettingsStore().value(settings::protectedFolders));
         plan.checks.compareAgain = SettingsStore().value(settings::compareAgain);
         result = removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress,
                              plan.checks);

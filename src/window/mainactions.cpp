@@ -92,7 +92,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
         view->setStatusTip(QCoreApplication::translate("epr::MainMenus", "Show this part of the window, or hide it."));
     const MemberActions &member = *parts.member;
     addMenu(QCoreApplication::translate("epr::MainMenus", "&File"),
-            { { addFolder, removeFolder }, { exportReport }, { exit } });
+            { { addFolder, removeFolder }, parts.protection, { exportReport }, { exit } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),

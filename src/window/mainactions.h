@@ -31,6 +31,7 @@ public:
     struct MenuParts {
         const MemberActions *member;
         const PlayerDock *player;
+        QList<QAction *> protection; ///< of folders
         QList<QAction *> views; ///< that show and hide parts of the window
     };
 

@@ -318,6 +318,7 @@ void MainWindow::createMenus()
         menuBar(),
         { m_memberActions,
           m_playerDock,
+          m_folderPanel->protectActions(),
           { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() } });
 }
 
@@ -338,6 +339,9 @@ void MainWindow::restoreSettings()
         if (!addFolder(folder) && !m_folderPanel->folders().contains(folder))
             onLogMessage(tr("Folder not found and taken off the list: %1").arg(nativePath(folder)));
     }
+    m_folderPanel->protect(store.value(settings::protectedFolders));
+    connect(m_folderPanel, &FolderPanel::protectionChanged, this,
+            [this] { SettingsStore().set(settings::protectedFolders, m_folderPanel->protectedFolders()); });
     m_options = store.loadScanOptions();
     m_quarantineRoot = store.value(settings::quarantineRoot);
     const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();

@@ -211,6 +211,42 @@ private Q_SLOTS:
         QCOMPARE(SettingsStore().value(settings::folders), folders.last(1));
     }
 
+    void protectionOutlivesTheListAndItsDrive()
+    {
+        const QString music = m_folder->filePath(u"music"_s);
+        const QString part = m_folder->filePath(u"music/playout"_s);
+        const QString away = m_folder->filePath(u"away"_s);
+        QVERIFY(QDir().mkpath(part));
+        const auto stored = [] { return SettingsStore().value(settings::protectedFolders); };
+        const auto protect = [](const MainWindow &window, const QStringList &folders) {
+            window.findChild<FolderPanel *>()->protect(folders);
+        };
+        {
+            MainWindow window;
+            QVERIFY(window.addFolder(music));
+            protect(window, { part, away });
+            QCOMPARE(stored(), QStringList({ part, away })); // at once, not only when the window closes
+            window.close();
+        }
+        MainWindow window;
+        QCOMPARE(foldersOf(window), QStringList(music));
+        QCOMPARE(window.findChild<FolderPanel *>()->protectedFolders(), QStringList({ part, away }));
+        protect(window, { music });
+        auto *list = window.findChild<QListWidget *>(u"folderList"_s);
+        for (const QStringList &left : { QStringList { music, part, away }, QStringList { part, away } }) {
+            list->setCurrentRow(0);
+            window.onRemoveFolder();
+            QCOMPARE(stored(), left); // a folder that was scanned, too, is protected until it is removed again
+            QVERIFY(foldersOf(window).isEmpty());
+        }
+        QVERIFY(window.addFolder(part)); // scanned now, in its row
+        QCOMPARE(list->count(), 2);
+        list->setCurrentRow(0);
+        window.findChild<FolderPanel *>()->protectActions().first()->trigger();
+        QCOMPARE(stored(), QStringList(away));
+        QCOMPARE(foldersOf(window), QStringList(part));
+    }
+
     void reviewNeedsNoMouse()
     {
         MainWindow window;
