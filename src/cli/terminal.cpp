@@ -50,7 +50,7 @@ QString memberLine(const TrackInfo &track, const MatchGroup &group, qint32 membe
 {
     const QString action = member == group.keep ? QCoreApplication::translate("epr::Cli", "KEEP")
                                                 : QCoreApplication::translate("epr::Cli", "duplicate");
-    QStringList facts { durationText(track.stream.durationMs), missingText(group, member), qualityText(track),
+    QStringList facts { durationText(track.stream), missingText(group, member), qualityText(track),
                         sizeText(track.size) };
     facts.removeAll(QString());
     return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(nativePath(track.path)), facts.join("; "_L1));

@@ -169,7 +169,9 @@ QString fileDetailsHtml(const TrackInfo &track)
     lines += line(QCoreApplication::translate("epr::FileDetails", "Artist"), displayArtist(track));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Title"), displayTitle(track));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Album"), track.tags.album);
-    lines += line(QCoreApplication::translate("epr::FileDetails", "Duration"), durationText(track.stream.durationMs));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Duration"), durationText(track.stream));
+    if (track.stream.durationIsGuess)
+        lines += line(QString(), durationExplanation(track.stream));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Quality"), qualityText(track));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Size"), sizeText(track.size));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Modified"), dateTimeText(track.mtime));

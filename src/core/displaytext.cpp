@@ -102,6 +102,19 @@ QString durationText(qint64 durationMs)
     return positionText(durationMs);
 }
 
+QString durationText(const StreamFacts &stream)
+{
+    const QString text = durationText(stream.durationMs);
+    return stream.durationIsGuess ? QCoreApplication::translate("epr::TrackInfo", "~%1").arg(text) : text;
+}
+
+QString durationExplanation(const StreamFacts &stream)
+{
+    return stream.durationIsGuess ? QCoreApplication::translate(
+               "epr::TrackInfo", "A guess from the beginning of the file, which does not say how long it is.")
+                                  : QString();
+}
+
 QString positionText(qint64 positionMs)
 {
     const qint64 seconds = std::max<qint64>(positionMs, 0) / 1000;

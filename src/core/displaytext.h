@@ -18,6 +18,12 @@ QString qualityText(const TrackInfo &track);
 /// "3:07" or, from one hour, "1:02:09"; "-" when below 1 ms. Seconds are truncated.
 QString durationText(qint64 durationMs);
 
+/// The same; "~3:07" when it is a guess.
+QString durationText(const StreamFacts &stream);
+
+/// What a guess means, in a translated sentence; empty when it is none.
+QString durationExplanation(const StreamFacts &stream);
+
 /// "0:03:07", as a player counts; seconds are truncated, below zero counts as zero.
 QString positionText(qint64 positionMs);
 

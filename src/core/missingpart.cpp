@@ -37,8 +37,11 @@ MissingPart missingPart(const MatchGroup &group, qint32 member)
         return {};
     const qint64 atStart = span->soundMs - kept->soundMs;
     const qint64 atEnd = kept->endMs - span->endMs;
-    const bool isShorter = atEnd * 100 > (kept->endMs - kept->startMs) * mostPercentAtEnd;
-    return { span->isPlaced && kept->isPlaced && atStart > mostAtStartMs ? atStart : 0, isShorter ? atEnd : 0 };
+    const bool isGuess = span->isEndGuess || kept->isEndGuess;
+    const qint64 most = (kept->endMs - kept->startMs) * mostPercentAtEnd;
+    return { .atStartMs = span->isPlaced && kept->isPlaced && atStart > mostAtStartMs ? atStart : 0,
+             .atEndMs = !isGuess && atEnd * 100 > most ? atEnd : 0,
+             .isUncertain = isGuess && qAbs(atEnd) * 100 > most };
 }
 
 QString missingText(const MatchGroup &group, qint32 member)
@@ -52,6 +55,8 @@ QString missingText(const MatchGroup &group, qint32 member)
                                                               : QT_TRANSLATE_NOOP("epr::MatchType", "%1 shorter");
         texts << QCoreApplication::translate("epr::MatchType", text).arg(lengthText(missing.atEndMs));
     }
+    if (missing.isUncertain)
+        texts << QCoreApplication::translate("epr::MatchType", "length uncertain");
     return texts.join(", "_L1);
 }
 
@@ -61,7 +66,7 @@ namespace {
 bool isOtherLength(const MatchGroup &group)
 {
     return group.matchType == MatchType::SameRecording
-        && std::ranges::any_of(group.members, [&group](qint32 member) { return missingPart(group, member).isAny(); });
+        && std::ranges::any_of(group.members, [&group](qint32 member) { return missingPart(group, member).isKnown(); });
 }
 
 } // namespace
@@ -77,7 +82,7 @@ QString groupExplanation(const MatchGroup &group)
     return isOtherLength(group)
         ? QCoreApplication::translate("epr::MatchType",
                                       "Acoustically the same recording, but copies that are not ticked lack a part of "
-                                      "the one to keep. Listen before removing them.")
+                                      "the one to keep, or may do so. Listen before removing them.")
         : matchTypeExplanation(group.matchType);
 }
 

@@ -11,14 +11,16 @@ namespace epr {
 struct MissingPart {
     qint64 atStartMs = 0;
     qint64 atEndMs = 0;
+    bool isUncertain = false; ///< the lengths differ as much, but one of them is a guess
 
-    bool isAny() const { return atStartMs > 0 || atEndMs > 0; }
+    bool isKnown() const { return atStartMs > 0 || atEndMs > 0; }
+    bool isAny() const { return isKnown() || isUncertain; }
 };
 
 /// Nothing of the copy to keep itself, and where nothing is known.
 MissingPart missingPart(const MatchGroup &group, qint32 member);
 
-/// "starts 5.0 s later, ends 1:12 earlier", translated; empty if nothing is missing.
+/// "starts 5.0 s later, ends 1:12 earlier" or "length uncertain", translated; empty if nothing is missing.
 QString missingText(const MatchGroup &group, qint32 member);
 
 /// The label of the group's match type; of the same recording in other lengths one of its own.
@@ -27,7 +29,7 @@ QString groupLabel(const MatchGroup &group);
 /// The same for its explanation.
 QString groupExplanation(const MatchGroup &group);
 
-/// Whether the copy is one to remove as far as the scan can tell: not the one to keep, and nothing of that is missing.
+/// Whether the copy is one to remove as far as the scan can tell: not the one to keep, and it lacks nothing of that.
 inline bool isProposed(const MatchGroup &group, qint32 member)
 {
     return member != group.keep && !missingPart(group, member).isAny();

@@ -32,6 +32,7 @@ struct StreamFacts {
     qint32 bitrateKbps = 0; ///< average
     qint32 sampleRate = 0; ///< Hz
     qint32 channels = 0;
+    bool durationIsGuess = false; ///< the file does not say how long it is, or nobody listened to its end
 
     bool operator==(const StreamFacts &) const = default;
 };
@@ -52,6 +53,7 @@ struct FingerprintResult {
     Fingerprint fingerprint;
     qint64 durationMs = 0; ///< measured while decoding, 0 = unknown
     QString error; ///< empty on success
+    bool durationIsGuess = false;
 
     bool operator==(const FingerprintResult &) const = default;
 };
@@ -109,6 +111,7 @@ struct MemberSpan {
     qint64 soundMs = 0; ///< of what is not digital silence
     qint64 endMs = 0; ///< of the file
     bool isPlaced = false; ///< false: nothing is known of the start, and it counts as that of the time line
+    bool isEndGuess = false;
 
     bool operator==(const MemberSpan &) const = default;
 };

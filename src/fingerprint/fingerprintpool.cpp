@@ -28,12 +28,20 @@ constexpr qsizetype filesPerProcess = 12; // the start of a process is then some
 constexpr qsizetype maxPathLetters = 30000; // of one command line, which on Windows has 32,767
 constexpr auto patience = std::chrono::milliseconds(800); // with threads that do not answer, all of them together
 
+// Has no container that could say how long it is: tools go by the bit rate of the first frames.
+bool isBareStream(const QString &path)
+{
+    const QLatin1StringView endings[] { ".aac"_L1, ".mp3"_L1, ".mp2"_L1 };
+    return std::ranges::any_of(endings, [&](auto ending) { return path.endsWith(ending, Qt::CaseInsensitive); });
+}
+
 // A file that fails here stays failed: fingerprints of the two engines cannot be compared with each other.
-FingerprintResult resultOf(const FpcalcResult &tool)
+FingerprintResult resultOf(const FpcalcResult &tool, const QString &path = {})
 {
     FingerprintResult result;
     result.fingerprint.words = tool.fingerprint;
     result.durationMs = tool.durationMs;
+    result.durationIsGuess = isBareStream(path);
     result.error = tool.error;
     return result;
 }
@@ -66,7 +74,7 @@ void FingerprintWorker::process(int id, const QString &path)
 {
     if (QThread::currentThread()->isInterruptionRequested())
         return;
-    finish(id, m_preferFpcalc && hasFpcalc() ? resultOf(runFpcalc(path, m_seconds)) : analyse(path));
+    finish(id, m_preferFpcalc && hasFpcalc() ? resultOf(runFpcalc(path, m_seconds), path) : analyse(path));
 }
 
 void FingerprintWorker::finish(int id, FingerprintResult result)
@@ -83,10 +91,14 @@ FingerprintResult FingerprintWorker::analyse(const QString &path) const
     QList<float> samples;
     QString error;
     bool hasRefused = false;
-    if (decodeWithFfmpeg(path, analysisRate, m_seconds, samples, result.durationMs, error, &hasRefused))
+    if (decodeWithFfmpeg(path, analysisRate, m_seconds, samples, result.durationMs, error, &hasRefused)) {
+        constexpr qint64 deviationMs = 500; // ffmpeg may stop a packet earlier
         analyser.feed(samples.constData(), samples.size());
-    else if (!hasRefused || !mediaBackendIsFfmpeg()) // which would say the same, or not a word
+        result.durationIsGuess = result.durationMs >= m_seconds * qint64 { 1000 } - deviationMs; // it goes on there
+    } else if (!hasRefused || !mediaBackendIsFfmpeg()) { // which would say the same, or not a word
         decodeWithQt(*this, analyser, path, result.durationMs, error);
+        result.durationIsGuess = isBareStream(path);
+    }
     result.fingerprint.words = analyser.main().words();
     result.fingerprint.mask = analyser.main().masks();
     result.fingerprint.alternative = analyser.alternative().words();

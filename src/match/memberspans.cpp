@@ -6,6 +6,7 @@
 #include "missingpart.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -19,7 +20,8 @@ MemberSpan spanOf(const TrackInfo &track, const std::optional<Alignment> &toLong
     return { .startMs = start,
              .soundMs = start + words.leadingSilenceMs(),
              .endMs = start + track.stream.durationMs,
-             .isPlaced = toLongest.has_value() };
+             .isPlaced = toLongest.has_value(),
+             .isEndGuess = track.stream.durationIsGuess };
 }
 
 } // namespace
@@ -27,8 +29,10 @@ MemberSpan spanOf(const TrackInfo &track, const std::optional<Alignment> &toLong
 void layOutMembers(MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options)
 {
     const AlignmentRules rules = alignmentRules(options);
-    const qint32 longest = *std::ranges::max_element(
-        group.members, {}, [&tracks](qint32 member) { return tracks[member].stream.durationMs; });
+    const qint32 longest = *std::ranges::max_element(group.members, {}, [&tracks](qint32 member) {
+        const StreamFacts &stream = tracks[member].stream;
+        return std::pair(stream.durationMs > 0 && !stream.durationIsGuess, stream.durationMs);
+    });
     Aligner aligner(rules);
     aligner.setFirst(tracks[longest].fingerprint);
     for (const qint32 member : std::as_const(group.members)) {

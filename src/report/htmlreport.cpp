@@ -83,7 +83,8 @@ void writeMusic(QTextStream &out, const ReportMember &member)
 
 void writeDuration(QTextStream &out, const ReportMember &member)
 {
-    out << "<td>"_L1 << reportDurationText(member.track.stream.durationMs) << "</td>"_L1;
+    out << (member.track.stream.durationIsGuess ? "<td>~"_L1 : "<td>"_L1)
+        << reportDurationText(member.track.stream.durationMs) << "</td>"_L1;
 }
 
 void writeQuality(QTextStream &out, const ReportMember &member)

@@ -38,7 +38,9 @@ QJsonObject fileObject(const ReportMember &member)
         { u"sha256"_s, track.fullHash },
         { u"audioSha256"_s, track.audioHash },
     };
-    if (const MissingPart missing = missingPart(member.group, member.index); missing.isAny()) {
+    if (track.stream.durationIsGuess)
+        object.insert(u"durationIsGuess"_s, true);
+    if (const MissingPart missing = missingPart(member.group, member.index); missing.isKnown()) {
         object.insert(u"missingAtStartMs"_s, missing.atStartMs);
         object.insert(u"missingAtEndMs"_s, missing.atEndMs);
     }

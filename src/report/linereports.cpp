@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace epr {
 
@@ -50,15 +51,31 @@ constexpr std::array csvColumns {
                 [](const ReportMember &m) { return quoted(m.track.mtime.toLocalTime().toString(Qt::ISODate)); } },
 };
 
-// Only there where a copy lacks something.
-constexpr CsvColumn missingColumn { "Missing"_L1, [](const ReportMember &m) { return quoted(m.missing()); } };
+// Only there where one of them has something to say.
+constexpr std::array furtherColumns {
+    CsvColumn { "Missing"_L1, [](const ReportMember &m) { return quoted(m.missing()); } },
+    CsvColumn { "Duration is a guess"_L1,
+                [](const ReportMember &m) { return quoted(m.track.stream.durationIsGuess ? u"yes"_s : QString()); } },
+};
 
-template <typename CellOf> void writeCsvLine(QTextStream &out, bool withMissing, CellOf cellOf)
+std::vector<CsvColumn> columnsFor(const ReportContent &content)
 {
-    for (const CsvColumn &column : csvColumns)
-        out << (&column == csvColumns.data() ? ""_L1 : ","_L1) << cellOf(column);
-    if (withMissing)
-        out << ',' << cellOf(missingColumn);
+    std::vector<CsvColumn> columns(csvColumns.begin(), csvColumns.end());
+    for (const CsvColumn &column : furtherColumns) {
+        const auto isTold = [&](const MatchGroup &group) {
+            return std::ranges::any_of(membersOf(group, content.tracks),
+                                       [&](const ReportMember &member) { return column.field(member) != quoted({}); });
+        };
+        if (std::ranges::any_of(content.groups, isTold))
+            columns.push_back(column);
+    }
+    return columns;
+}
+
+template <typename CellOf> void writeCsvLine(QTextStream &out, const std::vector<CsvColumn> &columns, CellOf cellOf)
+{
+    for (const CsvColumn &column : columns)
+        out << (&column == columns.data() ? ""_L1 : ","_L1) << cellOf(column);
     out << '\n';
 }
 
@@ -90,12 +107,11 @@ void writePlaylistEntry(QTextStream &out, const TrackInfo &track)
 
 void writeCsvReport(QTextStream &out, const ReportContent &content)
 {
-    const bool withMissing =
-        std::ranges::any_of(content.groups, [](const auto &group) { return !group.spans.isEmpty(); });
-    writeCsvLine(out, withMissing, [](const CsvColumn &column) { return column.heading; });
+    const std::vector<CsvColumn> columns = columnsFor(content);
+    writeCsvLine(out, columns, [](const CsvColumn &column) { return column.heading; });
     for (const MatchGroup &group : content.groups) {
         for (const ReportMember &member : membersOf(group, content.tracks))
-            writeCsvLine(out, withMissing, [&member](const CsvColumn &column) { return column.field(member); });
+            writeCsvLine(out, columns, [&member](const CsvColumn &column) { return column.field(member); });
     }
 }
 

@@ -8,6 +8,7 @@
 #include "resultsmodel.h"
 
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QPainter>
@@ -48,12 +49,15 @@ QString widestQuality()
 }
 
 // The widest texts to be expected, in the language of the program. A match label is not among them: it may run on over
-// the empty cells of its row.
-QString sampleText(ResultsModel::Column column)
+// the empty cells of its row. Where copies lack a part, the first words of that have room, and a tool tip has them all.
+QString sampleText(ResultsModel::Column column, const QAbstractItemModel *model)
 {
+    const auto *const results = qobject_cast<const ResultsModel *>(model);
     switch (column) {
     case ResultsModel::MatchColumn:
-        return ResultsModel::tr("duplicate");
+        return results && results->hasRemarks()
+            ? QCoreApplication::translate("epr::MatchType", "starts %1 later").arg(u"8:88"_s) + u",..."_s
+            : ResultsModel::tr("duplicate");
     case ResultsModel::DurationColumn:
         return u"10:00:00"_s;
     case ResultsModel::QualityColumn:
@@ -70,7 +74,7 @@ QString sampleText(ResultsModel::Column column)
 int sampleWidth(const QHeaderView *header, ResultsModel::Column column)
 {
     const int margin = 2 * (header->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, header) + 3);
-    return std::max(header->fontMetrics().horizontalAdvance(sampleText(column)) + margin,
+    return std::max(header->fontMetrics().horizontalAdvance(sampleText(column, header->model())) + margin,
                     header->sectionSizeHint(column));
 }
 
@@ -106,7 +110,7 @@ void fitResultsColumns(QHeaderView *header, int width)
     int rest = width;
     for (int section = 0; section < ResultsModel::ColumnCount; ++section) {
         const auto column = static_cast<ResultsModel::Column>(section);
-        if (sampleText(column).isEmpty())
+        if (sampleText(column, header->model()).isEmpty())
             continue;
         const int needed = sampleWidth(header, column);
         header->resizeSection(section, needed);

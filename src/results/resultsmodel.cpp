@@ -11,6 +11,8 @@
 #include <QGuiApplication>
 #include <QPalette>
 
+#include <algorithm>
+
 namespace epr {
 
 namespace {
@@ -57,6 +59,13 @@ void ResultsModel::setLoaded(const PerDeck<QString> &paths)
 {
     m_loaded = paths;
     emitEverywhereChanged(DecksRole);
+}
+
+bool ResultsModel::hasRemarks() const
+{
+    return std::ranges::any_of(m_review.groups(), [](const MatchGroup &group) {
+        return std::ranges::any_of(group.members, [&](qint32 member) { return missingPart(group, member).isAny(); });
+    });
 }
 
 QModelIndex ResultsModel::groupIndex(int group) const
@@ -294,7 +303,7 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
     case TitleColumn:
         return displayTitle(track);
     case DurationColumn:
-        return durationText(track.stream.durationMs);
+        return durationText(track.stream);
     case QualityColumn:
         return qualityText(track);
     case SizeColumn:
@@ -312,6 +321,8 @@ QVariant ResultsModel::memberToolTip(const TrackInfo &track, int column) const
 {
     if (column == FolderColumn)
         return plainToolTip(nativePath(folderOf(track)));
+    if (column == DurationColumn && track.stream.durationIsGuess)
+        return durationExplanation(track.stream);
     if (column != FileColumn)
         return {};
     const QString path = nativePath(track.path);

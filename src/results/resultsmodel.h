@@ -43,6 +43,7 @@ public:
 
     void setFilter(const QString &text); ///< as typed
     void setLoaded(const PerDeck<QString> &paths); ///< empty = nothing in the deck
+    bool hasRemarks() const; ///< whether a copy's match is more than "duplicate" or "KEEP"
     qint64 hiddenTicks() const { return m_rows.hiddenTicks(); } ///< ticked copies that do not match the text
 
     QModelIndex groupIndex(int group) const; ///< its row; invalid while it is not shown

@@ -40,6 +40,7 @@ void ResultsView::reset()
     QTreeView::reset();
     expandAll();
     m_hint->setVisible(!model() || model()->rowCount() == 0);
+    fitColumns();
 }
 
 // What changes in many groups at once changes neither heights nor children, which is what the base class would go
@@ -119,6 +120,11 @@ void ResultsView::mouseDoubleClickEvent(QMouseEvent *event)
 void ResultsView::resizeEvent(QResizeEvent *event)
 {
     QTreeView::resizeEvent(event);
+    fitColumns();
+}
+
+void ResultsView::fitColumns()
+{
     if (m_columnsChosen || !model())
         return;
     const QScopedValueRollback fitting(m_fittingColumns, true);

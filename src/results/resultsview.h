@@ -36,6 +36,7 @@ protected:
 
 private:
     void createHeader();
+    void fitColumns(); ///< unless the operator has chosen
     void onSectionResized(int section);
     void toggleCurrent();
     bool isOnMember() const;

@@ -48,14 +48,16 @@ QString incompleteText(int unreadableFolders)
 namespace {
 
 /// The position of the member to keep when the former one went: the first unticked one, but the longest where lengths
-/// differ. There a copy that lacks a part is unticked as well, and must not be kept in place of one that is whole.
+/// differ, as far as they are known. There a copy that lacks a part is unticked as well, and must not be kept in place
+/// of one that is whole.
 qsizetype nextKeeper(const MatchGroup &group, qsizetype firstUnticked)
 {
     if (group.spans.isEmpty())
         return firstUnticked;
     const auto lengthOf = [&group](qint32 member) {
         const MemberSpan span = group.spans.value(member);
-        return span.endMs - span.startMs;
+        const qint64 length = span.endMs - span.startMs;
+        return std::pair(length > 0 && !span.isEndGuess, length);
     };
     return std::ranges::max_element(group.members, {}, lengthOf) - group.members.cbegin();
 }

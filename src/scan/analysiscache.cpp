@@ -118,11 +118,21 @@ bool AnalysisCache::prepareStatements(QString *error)
         if (!query->prepare(statement))
             return fail(query->lastError(), error);
     }
+    prepareLookupOfKeys();
+    return true;
+}
+
+// The table of an earlier version lacks a column, which another thread's connection may add at the same moment.
+void AnalysisCache::prepareLookupOfKeys()
+{
     m_lookupKeys.emplace(m_db);
     m_lookupKeys->setForwardOnly(true);
-    if (!m_lookupKeys->prepare(cachetable::selectKeysStatement(pathsPerQuery)))
+    const QString statement = cachetable::selectKeysStatement(pathsPerQuery);
+    if (m_lookupKeys->prepare(statement))
+        return;
+    execute(cachetable::addGuessStatement(), nullptr);
+    if (!m_lookupKeys->prepare(statement))
         m_lookupKeys.reset();
-    return true;
 }
 
 bool AnalysisCache::execute(const QString &statement, QString *error)

@@ -49,7 +49,8 @@ public:
     /// row's pages alone. A row that is no longer there, or another engine's by now, is written whole, except that a
     /// fingerprint which was not looked up is gone with the row.
     void touchAll(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
-    /// Completes records that came from the cache with their content keys, where these are known.
+    /// Completes records that came from the cache with their content keys, where these are known, and with whether
+    /// their duration is a guess.
     void lookupKeys(std::span<TrackInfo> tracks);
     void storeKeys(std::span<const TrackInfo *const> tracks);
     /// Adds the digests of records to their rows, which have the rest of them.
@@ -69,6 +70,7 @@ private:
     bool openConnection(QString *error);
     bool createSchema(QString *error);
     bool prepareStatements(QString *error);
+    void prepareLookupOfKeys();
     bool execute(const QString &statement, QString *error);
     bool fail(const QSqlError &reason, QString *error);
     using PathOf = QString (*)(const QSqlQuery &row);

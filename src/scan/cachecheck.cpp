@@ -118,8 +118,7 @@ void SliceCheck::lookUp(std::span<TrackInfo> slice)
     AnalysisCache &cache = cacheOfThread();
     using enum AnalysisCache::LookupScope;
     cache.lookupAll(slice, m_options.fingerprintEngine, m_options.detectAcoustic ? Everything : AllButFingerprint);
-    if (usesKeys(m_options))
-        cache.lookupKeys(slice);
+    cache.lookupKeys(slice);
     for (TrackInfo &track : slice)
         takeFromCache(track, m_options, cache);
     if (const QString error = cache.takeError(); !error.isEmpty()) {

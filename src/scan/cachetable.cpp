@@ -119,7 +119,7 @@ enum ResultColumn {
 };
 
 // The same of the table of keys.
-enum KeysColumn { KeyPath, KeySize, KeyMtime, KeySchemaVersion, WholeKey, AudioKey };
+enum KeysColumn { KeyPath, KeySize, KeyMtime, KeySchemaVersion, WholeKey, AudioKey, DurationIsGuess };
 
 // A blob that is not wanted is not read from the file either.
 QString selectColumns(bool withFingerprint)
@@ -241,13 +241,19 @@ void bindDigests(QSqlQuery &update, const TrackInfo &track, FingerprintEngine en
 QString createKeysStatement()
 {
     return u"CREATE TABLE IF NOT EXISTS content_keys (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
-           "mtime INTEGER NOT NULL, schema_version INTEGER NOT NULL, whole INTEGER NOT NULL, audio INTEGER NOT NULL) "
-           "WITHOUT ROWID"_s;
+           "mtime INTEGER NOT NULL, schema_version INTEGER NOT NULL, whole INTEGER NOT NULL, audio INTEGER NOT NULL, "
+           "duration_is_guess INTEGER NOT NULL DEFAULT 0) WITHOUT ROWID"_s;
+}
+
+QString addGuessStatement()
+{
+    return u"ALTER TABLE content_keys ADD COLUMN duration_is_guess INTEGER NOT NULL DEFAULT 0"_s;
 }
 
 QString replaceKeysStatement()
 {
-    return u"INSERT OR REPLACE INTO content_keys (path,size,mtime,schema_version,whole,audio) VALUES (?,?,?,?,?,?)"_s;
+    return u"INSERT OR REPLACE INTO content_keys (path,size,mtime,schema_version,whole,audio,duration_is_guess) "
+           "VALUES (?,?,?,?,?,?,?)"_s;
 }
 
 void bindKeys(QSqlQuery &replace, const TrackInfo &track)
@@ -258,12 +264,13 @@ void bindKeys(QSqlQuery &replace, const TrackInfo &track)
     replace.addBindValue(layoutVersion);
     replace.addBindValue(static_cast<qint64>(track.keys.whole));
     replace.addBindValue(static_cast<qint64>(track.keys.audio));
+    replace.addBindValue(track.stream.durationIsGuess ? 1 : 0);
 }
 
 QString selectKeysStatement(qsizetype paths)
 {
-    return "SELECT path, size, mtime, schema_version, whole, audio FROM content_keys WHERE path IN (%1)"_L1.arg(
-        placeholders(paths));
+    return "SELECT path, size, mtime, schema_version, whole, audio, duration_is_guess FROM content_keys "
+           "WHERE path IN (%1)"_L1.arg(placeholders(paths));
 }
 
 QString pathOfKeys(const QSqlQuery &row)
@@ -278,7 +285,9 @@ void readKeys(const QSqlQuery &row, TrackInfo &track)
         || number(KeyMtime) != track.mtime.toSecsSinceEpoch() || number(KeySchemaVersion) != layoutVersion)
         return;
     track.keys = { static_cast<quint64>(number(WholeKey)), static_cast<quint64>(number(AudioKey)) };
-    track.flags |= TrackKeysFromCache;
+    track.stream.durationIsGuess = number(DurationIsGuess) != 0;
+    if (track.keys.isKnown())
+        track.flags |= TrackKeysFromCache;
 }
 
 } // namespace epr::cachetable

@@ -42,6 +42,7 @@ QString digestsStatement();
 void bindDigests(QSqlQuery &update, const TrackInfo &track, FingerprintEngine engine);
 
 QString createKeysStatement();
+QString addGuessStatement(); ///< for a table of an earlier version, which has no place for it
 QString replaceKeysStatement(); ///< takes what bindKeys() gives
 void bindKeys(QSqlQuery &replace, const TrackInfo &track);
 

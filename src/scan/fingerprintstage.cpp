@@ -64,8 +64,11 @@ void applyFingerprint(const FingerprintResult &result, TrackInfo &track)
 {
     track.fingerprint = result.fingerprint;
     track.flags &= ~quint64(TrackFromCache); // which does not hold this
-    if (track.stream.durationMs < 1 && result.durationMs > 0)
+    if (track.stream.durationMs < 1 && result.durationMs > 0) {
         track.stream.durationMs = result.durationMs;
+        track.stream.durationIsGuess = result.durationIsGuess;
+        track.flags &= ~quint64(TrackKeysFromCache); // the same row says what is a guess
+    }
     if (result.error.isEmpty())
         track.analysed = true;
     else if (track.error.isEmpty())

@@ -129,7 +129,8 @@ void writeCache(const FilteredTracks &tracks, const ScanOptions &options, Analys
             (isKnown ? known : fresh).append(&track);
             if (isKnown && (track.flags & TrackDigestsAreNew) != 0)
                 withDigests.append(&track);
-            if (track.keys.isKnown() && (track.flags & TrackKeysFromCache) == 0)
+            const bool isWorthARow = track.keys.isKnown() || (!isKnown && track.stream.durationIsGuess);
+            if (isWorthARow && (track.flags & TrackKeysFromCache) == 0)
                 withKeys.append(&track);
         }
     }

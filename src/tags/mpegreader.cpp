@@ -130,6 +130,20 @@ bool isFrameStart(QByteArrayView buffer, qsizetype position)
     return header.frameLength < 1 || next + 4 > buffer.size() || parseMpegFrameHeader(buffer.sliced(next)).valid;
 }
 
+/// Whether the frames from there on change the bit rate, as far as the bytes go.
+bool changesBitrate(QByteArrayView bytes, const MpegFrameHeader &first)
+{
+    while (bytes.size() >= 4) {
+        const MpegFrameHeader header = parseMpegFrameHeader(bytes);
+        if (header.versionId != first.versionId || header.layer != first.layer || header.sampleRate != first.sampleRate)
+            return false;
+        if (header.bitrateKbps != first.bitrateKbps)
+            return true;
+        bytes = bytes.sliced(std::min<qsizetype>(header.frameLength, bytes.size()));
+    }
+    return false;
+}
+
 /// Position of the first frame; -1 when there is none.
 qsizetype findFrame(QByteArrayView buffer)
 {
@@ -192,6 +206,19 @@ VbrInfo readVbrInfo(QByteArrayView frame, const MpegFrameHeader &header)
     return vbri.found ? vbri : xing;
 }
 
+/// Without a count of the frames the duration follows from the first one's bit rate. That is right if the others have
+/// it too, of which some at the start and in the middle are looked at: a file may begin with a long silence.
+bool isGuess(QIODevice &device, QByteArrayView frames, const MpegFrameHeader &first, const ProbeResult &result)
+{
+    if (changesBitrate(frames, first))
+        return true;
+    if (result.audioLength <= 2 * frames.size())
+        return false;
+    const QByteArray middle = readAt(device, result.audioOffset + result.audioLength / 2, firstSearchSize);
+    const qsizetype position = findFrame(middle);
+    return position >= 0 && changesBitrate(QByteArrayView(middle).sliced(position), first);
+}
+
 void setDuration(const MpegFrameHeader &header, const VbrInfo &vbr, ProbeResult &result)
 {
     if (vbr.frames == 0) {
@@ -237,6 +264,7 @@ bool readMpeg(QIODevice &device, ProbeResult &result)
     if (!result.audioRangeValid)
         return false;
     setDuration(header, vbr, result);
+    result.stream.durationIsGuess = vbr.frames == 0 && !header.freeFormat && isGuess(device, frame, header, result);
     return true;
 }
 

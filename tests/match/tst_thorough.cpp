@@ -158,6 +158,7 @@ private Q_SLOTS:
     void lengthsDecideWhatIsKept_data()
     {
         // Three copies: the first is 200 s of a recording, the second another one of the highest bit rate.
+        // Below zero stands a guess.
         const test::Rows<Part, qint64, qint32, QString> row("second", "durationMs", "keep", "missing");
         row("silence before it is not missed", { silence, 0, 80 }, 205000, 1, u""_s);
         row("ends earlier", { 1, 0, 80 }, 158000, 0, u"ends 42 s earlier"_s);
@@ -166,6 +167,9 @@ private Q_SLOTS:
         row("hardly shorter", { 1, 4, 80 }, 191000, 1, u""_s);
         row("longer", { 1, 0, 80 }, 240000, 1, u""_s);
         row("of unknown length", { 1, 0, 80 }, 0, 1, u""_s);
+        row("a longer guess", { 1, 0, 80 }, -240000, 0, u"length uncertain"_s);
+        row("a shorter guess", { 1, 80, 160 }, -125000, 0, u"starts 5.0 s later, length uncertain"_s);
+        row("a guess that may be right", { 1, 0, 80 }, -204000, 1, u""_s);
     }
 
     void lengthsDecideWhatIsKept()
@@ -177,15 +181,18 @@ private Q_SLOTS:
         for (const FingerprintEngine engine : { FingerprintEngine::BuiltIn, FingerprintEngine::Fpcalc }) {
             const int next = second.recording == silence ? 0 : second.end;
             QList<TrackInfo> tracks { trackOf({ { 1, 0, 960 } }, engine, 200000),
-                                      trackOf({ second, { 1, next, next + 880 } }, engine, durationMs) };
+                                      trackOf({ second, { 1, next, next + 880 } }, engine, qAbs(durationMs)) };
             tracks[1].stream.bitrateKbps = 320;
+            tracks[1].stream.durationIsGuess = durationMs < 0;
             ScanOptions options = optionsFor(engine);
             MatchUnion sets(2);
             sets.linkAligned(0, 1);
             const MatchGroup group = groupSets(sets, tracks, options).value(0);
             QCOMPARE(group.keep, keep);
             QCOMPARE(missingText(group, 1), missing);
-            QCOMPARE(groupLabel(group).endsWith("other length"_L1), isProposed(group, 1 - keep) == false);
+            QCOMPARE(isProposed(group, 1 - keep), missing.isEmpty());
+            const bool isMissing = missing.contains(u"later"_s) || missing.contains(u"earlier"_s);
+            QCOMPARE(groupLabel(group).endsWith("other length"_L1), isMissing);
         }
     }
 

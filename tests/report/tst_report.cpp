@@ -42,6 +42,7 @@ QList<TrackInfo> someTracks()
     tracks[0].tags.artist = tracks[0].tags.title = tracks[0].tags.album = hostile;
     tracks[2].tags.albumArtist = u"Various"_s;
     tracks[3].tags.title = u"one\r\ntwo"_s;
+    tracks[3].stream.durationIsGuess = true;
     return tracks;
 }
 
@@ -143,6 +144,16 @@ private Q_SLOTS:
         QCOMPARE(write(ReportFormat::Playlist, groups).count(u"#EXTINF"_s), 1);
         groups[0].spans.clear();
         QVERIFY(!write(ReportFormat::Csv, groups).contains(u"Missing"_s));
+    }
+
+    void guessesAreMarked()
+    {
+        const QList<MatchGroup> groups { someGroups(1).first(), { 2, MatchType::SameSong, { 3, 1 }, 1, 1, 1 } };
+        const QStringList rows = write(ReportFormat::Csv, groups).split(u'\n');
+        QVERIFY(rows.first().endsWith(u",Modified,Duration is a guess"_s));
+        QCOMPARE(rows.filter(u",\"yes\""_s).size(), 1);
+        QCOMPARE(write(ReportFormat::Html, groups).count(u"<td>~0:00</td>"_s), 1);
+        QCOMPARE(write(ReportFormat::Json, groups).count(u"\"durationIsGuess\": true"_s), 1);
     }
 
     void oddGroupsAreReportedAsFarAsTheyGo()

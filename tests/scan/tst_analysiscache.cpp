@@ -115,6 +115,26 @@ private Q_SLOTS:
         QCOMPARE(cache.count(), 1); // a row that does not hold is left in place
     }
 
+    void guessesAreKeptInTheTableOfAnEarlierVersionToo()
+    {
+        AnalysisCache cache;
+        QVERIFY(cache.open());
+        cache.close();
+        otherProgram("ALTER TABLE content_keys DROP COLUMN duration_is_guess");
+        QVERIFY(cache.open());
+        for (const bool isGuess : { true, false }) {
+            TrackInfo stored = analysed();
+            stored.stream.durationIsGuess = isGuess;
+            cache.store(stored, FingerprintEngine::Fpcalc);
+            const TrackInfo *const rows[] { &stored };
+            cache.storeKeys(rows);
+            QList<TrackInfo> found { measured() };
+            cache.lookupAll(found, FingerprintEngine::Fpcalc);
+            cache.lookupKeys(found);
+            QCOMPARE(found.at(0).stream, stored.stream);
+        }
+    }
+
     // More slices than threads, of files that are gone, which are quick to measure. Every third path has no row, and
     // one path comes twice.
     void checksOnSeveralThreads_data()

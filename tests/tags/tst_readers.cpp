@@ -24,12 +24,13 @@ QString describeTags(const ProbeResult &r)
 }
 
 /// "10000ms 128 44100x2 @100+50": kbit/s, Hz times channels, and the payload when it is valid. A failure has a
-/// question mark in front.
+/// question mark in front, a duration that is a guess says so.
 QString describeAudio(bool ok, const ProbeResult &r)
 {
     const QString range = r.audioRangeValid ? u" @%1+%2"_s.arg(r.audioOffset).arg(r.audioLength) : QString();
+    const QString guess = r.stream.durationIsGuess ? u" guess"_s : QString();
     return (ok ? QString() : u"? "_s) + u"%1ms %2 "_s.arg(r.stream.durationMs).arg(r.stream.bitrateKbps)
-        + u"%1x%2"_s.arg(r.stream.sampleRate).arg(r.stream.channels) + range;
+        + u"%1x%2"_s.arg(r.stream.sampleRate).arg(r.stream.channels) + range + guess;
 }
 
 void row(const char *suffix, const char *name, const QByteArray &bytes, const QByteArray &expected, bool isTags = false)
@@ -64,6 +65,12 @@ void addMpegRows()
     row("mp3", "VBRI counts",
         vbrFrame("VBRI" + QByteArray(6, '\0') + big<quint32>(653050) + big<quint32>(1000)) + twoFrames,
         "26122ms 200 44100x2 @417+834");
+    const QByteArray otherRate = big<quint32>(0xFFFBB000).leftJustified(626, '\0').repeated(99);
+    row("mp3", "another bit rate after 30 frames", mpegAudio(12510) + otherRate, "4655ms 128 44100x2 @0+74484 guess");
+    row("mp3", "another bit rate after the first frame", mpegAudio(417) + otherRate,
+        "3899ms 128 44100x2 @0+62391 guess");
+    row("mp3", "other rates behind a count", vbrFrame(xing(1000, 653050)) + twoFrames + otherRate,
+        "26122ms 200 44100x2 @417+62808");
     row("mp3", "APE tag", twoFrames + apeTag(20) + id3v1Tag("T", "A", 1, 1), "52ms 128 44100x2 @0+834");
     row("mp3", "huge APE tag", twoFrames + apeTag(16).last(32).replace(12, 4, "\1\1\1\1"), "? 0ms 0 0x0");
     row("mp3", "no frame in 256 KiB", QByteArray(262144 - 3, 'j') + twoFrames, "? 0ms 0 0x0 @0+262975");
