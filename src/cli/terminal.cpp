@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "terminal.h"
 
+#include "checktext.h"
 #include "displaytext.h"
 #include "missingpart.h"
 #include "review.h"
@@ -52,8 +53,10 @@ QString memberLine(const TrackInfo &track, const MatchGroup &group, qint32 membe
                                                 : QCoreApplication::translate("epr::Cli", "duplicate");
     QStringList facts { durationText(track.stream), missingText(group, member), qualityText(track),
                         sizeText(track.size) };
+    facts += checkTexts(group, member) + measureTexts(group, member);
     facts.removeAll(QString());
-    return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(nativePath(track.path)), facts.join("; "_L1));
+    return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(nativePath(track.path)),
+                                     printable(facts.join("; "_L1)));
 }
 
 void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGroup &group)
@@ -64,6 +67,10 @@ void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGro
                .arg(group.members.size())
                .arg(sizeText(group.reclaimableBytes))
         << '\n';
+    for (const QString &remark : { groupCheckText(group), betterCopyText(group, tracks) }) {
+        if (!remark.isEmpty())
+            out << "  " << printable(remark) << '\n';
+    }
     for (const qint32 member : group.members)
         out << memberLine(tracks.at(member), group, member);
     out << '\n';

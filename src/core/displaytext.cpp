@@ -115,6 +115,14 @@ QString durationExplanation(const StreamFacts &stream)
                                   : QString();
 }
 
+QString lengthText(qint64 ms)
+{
+    if (ms >= 60000)
+        return durationText(ms);
+    return QCoreApplication::translate("epr::MatchType", "%1 s")
+        .arg(QLocale().toString(static_cast<double>(ms) / 1000, 'f', ms < 10000 ? 1 : 0));
+}
+
 QString positionText(qint64 positionMs)
 {
     const qint64 seconds = std::max<qint64>(positionMs, 0) / 1000;

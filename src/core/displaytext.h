@@ -24,6 +24,9 @@ QString durationText(const StreamFacts &stream);
 /// What a guess means, in a translated sentence; empty when it is none.
 QString durationExplanation(const StreamFacts &stream);
 
+/// "5.0 s", from ten seconds "42 s", from one minute as durationText().
+QString lengthText(qint64 ms);
+
 /// "0:03:07", as a player counts; seconds are truncated, below zero counts as zero.
 QString positionText(qint64 positionMs);
 

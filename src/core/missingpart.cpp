@@ -5,25 +5,12 @@
 #include "displaytext.h"
 
 #include <QCoreApplication>
-#include <QLocale>
 
 #include <algorithm>
 
 namespace epr {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QString lengthText(qint64 ms)
-{
-    if (ms >= 60000)
-        return durationText(ms);
-    return QCoreApplication::translate("epr::MatchType", "%1 s")
-        .arg(QLocale().toString(static_cast<double>(ms) / 1000, 'f', ms < 10000 ? 1 : 0));
-}
-
-} // namespace
 
 // The start is known to an eighth of a second, and what is missing there was found to be sound; the end follows from
 // the durations alone, and two encodings of one recording may differ in theirs.

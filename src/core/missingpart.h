@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "groupcheck.h"
 #include "records.h"
 
 namespace epr {
@@ -29,10 +30,11 @@ QString groupLabel(const MatchGroup &group);
 /// The same for its explanation.
 QString groupExplanation(const MatchGroup &group);
 
-/// Whether the copy is one to remove as far as the scan can tell: not the one to keep, and it lacks nothing of that.
+/// Whether the copy is one to remove as far as the program can tell: not the one to keep, it lacks nothing of that, and
+/// no check speaks against it.
 inline bool isProposed(const MatchGroup &group, qint32 member)
 {
-    return member != group.keep && !missingPart(group, member).isAny();
+    return member != group.keep && !missingPart(group, member).isAny() && !isDoubted(group, member);
 }
 
 } // namespace epr

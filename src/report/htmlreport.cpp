@@ -1,7 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "application.h"
+#include "checktext.h"
 #include "displaytext.h"
+#include "groupcheck.h"
 #include "reportcontent.h"
 #include "review.h"
 
@@ -63,10 +65,18 @@ void writeSummary(QTextStream &out, const ReportContent &content)
 
 void writeAction(QTextStream &out, const ReportMember &member)
 {
-    if (const QString missing = member.missing(); !missing.isEmpty())
-        out << "<td>"_L1 << missing.toHtmlEscaped() << "</td>"_L1;
+    const QString missing = member.missing();
+    if (member.keep)
+        out << "<td class=\"keep\">KEEP"_L1;
+    else if (isDoubted(member.group, member.index))
+        out << "<td>"_L1;
+    else if (!missing.isEmpty())
+        out << "<td>"_L1 << missing.toHtmlEscaped();
     else
-        out << (member.keep ? "<td class=\"keep\">KEEP</td>"_L1 : "<td class=\"dupe\">remove</td>"_L1);
+        out << "<td class=\"dupe\">remove"_L1;
+    for (const QString &text : member.checked())
+        out << "<div class=\"path\">"_L1 << text.toHtmlEscaped() << "</div>"_L1;
+    out << "</td>"_L1;
 }
 
 void writeFile(QTextStream &out, const ReportMember &member)
@@ -112,7 +122,12 @@ void writeGroup(QTextStream &out, const MatchGroup &group, const QList<TrackInfo
 {
     out << "<div class=\"group\"><h2>Group "_L1 << group.id << " &middot; "_L1
         << matchTypeLabel(group.matchType).toHtmlEscaped() << " <em>&middot; "_L1 << sizeText(group.reclaimableBytes)
-        << " reclaimable</em></h2>\n<table><tr>"_L1;
+        << " reclaimable</em>"_L1;
+    for (const QString &remark : { groupCheckText(group), betterCopyText(group, tracks) }) {
+        if (!remark.isEmpty())
+            out << "<br>"_L1 << remark.toHtmlEscaped();
+    }
+    out << "</h2>\n<table><tr>"_L1;
     for (const Column &column : columns)
         out << "<th>"_L1 << column.heading << "</th>"_L1;
     out << "</tr>\n"_L1;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "application.h"
 #include "displaytext.h"
+#include "groupcheck.h"
 #include "reportcontent.h"
 #include "review.h"
 
@@ -11,7 +12,10 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <limits>
+#include <optional>
 
 namespace epr {
 
@@ -20,6 +24,48 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto groupListKey = "duplicateGroups"_L1;
+
+constexpr std::array<QLatin1StringView, 7> differenceKinds { "differs"_L1,      "silent"_L1,      "startsLater"_L1,
+                                                             "stopsEarlier"_L1, "otherEnding"_L1, "skips"_L1,
+                                                             "repeats"_L1 };
+
+/// Of a copy beside the kept one, times in each file's own milliseconds.
+QJsonArray differencesOf(const PairCheck &pair)
+{
+    QJsonArray differences;
+    for (const SoundDifference &difference : pair.differences)
+        differences.append(QJsonObject {
+            { u"kind"_s, differenceKinds.at(static_cast<std::size_t>(difference.kind)) },
+            { u"isInKeptCopy"_s, !difference.isInSecond },
+            { u"startMs"_s, difference.secondStartMs },
+            { u"endMs"_s, difference.secondEndMs },
+            { u"keptStartMs"_s, difference.firstStartMs },
+            { u"keptEndMs"_s, difference.firstEndMs },
+        });
+    return differences;
+}
+
+/// What a check over the whole length found.
+QJsonObject checkObject(const ReportMember &member)
+{
+    const SoundMeasures measures = member.group.check.measures.value(member.index);
+    if (!measures.error.isEmpty())
+        return { { u"error"_s, measures.error } };
+    const auto levelOf = [](double level) { return std::isfinite(level) ? QJsonValue(level) : QJsonValue(); };
+    QJsonObject object {
+        { u"durationMs"_s, measures.durationMs },          { u"loudnessLufs"_s, levelOf(measures.loudness) },
+        { u"truePeakDbtp"_s, levelOf(measures.truePeak) }, { u"clippedSamples"_s, measures.clippedSamples },
+        { u"silentStartMs"_s, measures.silentStartMs },    { u"silentEndMs"_s, measures.silentEndMs },
+        { u"bandwidthHz"_s, measures.bandwidthHz },        { u"decodingErrors"_s, measures.decodingErrors },
+    };
+    const std::optional<PairCheck> pair = pairCheck(member.group, member.group.keep, member.index);
+    if (pair && !member.keep) {
+        object.insert(u"isAligned"_s, pair->isAligned);
+        object.insert(u"offsetMs"_s, pair->offsetMs);
+        object.insert(u"differences"_s, differencesOf(*pair));
+    }
+    return object;
+}
 
 QJsonObject fileObject(const ReportMember &member)
 {
@@ -44,6 +90,8 @@ QJsonObject fileObject(const ReportMember &member)
         object.insert(u"missingAtStartMs"_s, missing.atStartMs);
         object.insert(u"missingAtEndMs"_s, missing.atEndMs);
     }
+    if (member.group.check.measures.contains(member.index))
+        object.insert(u"check"_s, checkObject(member));
     return object;
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "checktext.h"
 #include "missingpart.h"
 #include "records.h"
 
@@ -27,6 +28,7 @@ struct ReportMember {
     qint32 index; ///< of the track
 
     QString missing() const { return missingText(group, index); } ///< of the copy to keep; mostly nothing
+    QStringList checked() const { return checkTexts(group, index) + measureTexts(group, index); } ///< as mostly
 };
 
 /// In the group's order, without members that refer to no track.

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultscells.h"
 
+#include "checktext.h"
 #include "displaytext.h"
 #include "look.h"
 #include "notices.h"
@@ -66,6 +67,14 @@ QString sampleText(ResultsModel::Column column, const QAbstractItemModel *model)
         return u"888.88 MB"_s;
     case ResultsModel::ModifiedColumn:
         return dateTimeText(QDateTime({ 2000, 11, 28 }, { 22, 0 }));
+    case ResultsModel::LoudnessColumn:
+        return loudnessText(-18.8);
+    case ResultsModel::TruePeakColumn:
+        return truePeakText(-18.8);
+    case ResultsModel::BandwidthColumn:
+        return bandwidthText(22000);
+    case ResultsModel::CheckColumn:
+        return u"silent 10:00-10:10, silent 10:00-10:10"_s;
     default:
         return {};
     }
@@ -110,7 +119,7 @@ void fitResultsColumns(QHeaderView *header, int width)
     int rest = width;
     for (int section = 0; section < ResultsModel::ColumnCount; ++section) {
         const auto column = static_cast<ResultsModel::Column>(section);
-        if (sampleText(column, header->model()).isEmpty())
+        if (sampleText(column, header->model()).isEmpty() || header->isSectionHidden(section))
             continue;
         const int needed = sampleWidth(header, column);
         header->resizeSection(section, needed);

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultsmodel.h"
 
+#include "checktext.h"
 #include "displaytext.h"
+#include "groupcheck.h"
 #include "missingpart.h"
 #include "notices.h"
 #include "resultscells.h"
@@ -14,6 +16,8 @@
 #include <algorithm>
 
 namespace epr {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -32,7 +36,8 @@ int groupRowOf(const QModelIndex &index)
 
 bool isNumeric(int column)
 {
-    return column == ResultsModel::DurationColumn || column == ResultsModel::SizeColumn;
+    return column == ResultsModel::DurationColumn || column == ResultsModel::SizeColumn
+        || (column >= ResultsModel::LoudnessColumn && column <= ResultsModel::BandwidthColumn);
 }
 
 } // namespace
@@ -151,6 +156,14 @@ QVariant ResultsModel::headerData(int section, Qt::Orientation orientation, int 
         return tr("Size");
     case ModifiedColumn:
         return tr("Modified");
+    case LoudnessColumn:
+        return tr("Loudness");
+    case TruePeakColumn:
+        return tr("True Peak");
+    case BandwidthColumn:
+        return tr("Bandwidth");
+    case CheckColumn:
+        return tr("Check");
     case FolderColumn:
         return tr("Folder");
     case ColumnCount:
@@ -189,6 +202,7 @@ void ResultsModel::followReview()
     });
     connect(&m_review, &Review::ticksChanged, this, [this] { emitEverywhereChanged(Qt::CheckStateRole); });
     connect(&m_review, &Review::keeperChanged, this, &ResultsModel::emitGroupChanged);
+    connect(&m_review, &Review::checkChanged, this, &ResultsModel::emitGroupChanged);
 }
 
 void ResultsModel::emitEverywhereChanged(int role)
@@ -213,13 +227,15 @@ QVariant ResultsModel::groupData(int group, int column, int role) const
     case Qt::DisplayRole:
         if (column == FileColumn)
             return groupText(record);
-        return column == MatchColumn ? groupLabel(record) : QVariant();
+        return column == MatchColumn ? (QStringList(groupLabel(record)) + checkRemarks(record))
+                                           .join(tr(" - ", "between what is said of a group"))
+                                     : QVariant();
     case Qt::FontRole:
         return column == FileColumn ? m_boldFont : QVariant();
     case Qt::ForegroundRole:
         return column == MatchColumn ? matchColour(record.matchType, QGuiApplication::palette()) : QVariant();
     case Qt::ToolTipRole:
-        return groupExplanation(record);
+        return plainToolTip((QStringList(groupExplanation(record)) + checkRemarks(record)).join(u'\n'));
     case GroupRole:
         return group;
     default:
@@ -235,6 +251,8 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     case Qt::DisplayRole:
         if (column == MatchColumn)
             return matchText(group, member);
+        if (column >= LoudnessColumn && column <= CheckColumn)
+            return checkCell(group, member, column);
         return info ? memberText(*info, column) : QVariant();
     case Qt::CheckStateRole:
         return column == FileColumn ? (m_review.isTicked(group, member) ? Qt::Checked : Qt::Unchecked) : QVariant();
@@ -243,13 +261,13 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     case Qt::FontRole:
         return isKeeper && column == MatchColumn ? m_boldFont : QVariant();
     case Qt::ForegroundRole:
-        return isKeeper && column == MatchColumn ? keeperColour(QGuiApplication::palette()) : QVariant();
+        return column == MatchColumn ? matchTextColour(group, member) : QVariant();
     case Qt::ToolTipRole:
-        return column == MatchColumn ? matchText(group, member) : info ? memberToolTip(*info, column) : QVariant();
+        return column == MatchColumn ? matchToolTip(group, member) : info ? memberToolTip(*info, column) : QVariant();
     case DecksRole:
         return info && column == FileColumn ? decksOf(*info) : QVariant();
     case Qt::AccessibleTextRole:
-        return info ? accessibleText(*info, column) : QVariant();
+        return info ? accessibleText(group, member, column) : QVariant();
     case TrackRole:
         return m_review.groups().at(group).members.at(member);
     case GroupRole:
@@ -261,13 +279,50 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     }
 }
 
+// What a check found to differ includes what is missing, to the millisecond.
 QString ResultsModel::matchText(int group, int member) const
 {
-    if (m_review.isKeeper(group, member))
-        return tr("KEEP");
     const MatchGroup &record = m_review.groups().at(group);
-    const QString missing = missingText(record, record.members.at(member));
-    return missing.isEmpty() ? tr("duplicate") : missing;
+    const qint32 track = record.members.at(member);
+    QStringList texts { m_review.isKeeper(group, member) ? tr("KEEP") : missingText(record, track),
+                        checkText(record, track) };
+    if (checkState(record, track) == CheckState::Differs)
+        texts.removeFirst();
+    texts.removeAll(QString());
+    return texts.isEmpty() ? tr("duplicate") : texts.join(", "_L1);
+}
+
+QString ResultsModel::matchToolTip(int group, int member) const
+{
+    const MatchGroup &record = m_review.groups().at(group);
+    const qint32 track = record.members.at(member);
+    const QStringList texts = checkTexts(record, track) + measureTexts(record, track);
+    return texts.isEmpty() ? matchText(group, member) : plainToolTip(texts.join(u'\n'));
+}
+
+QVariant ResultsModel::matchTextColour(int group, int member) const
+{
+    const MatchGroup &record = m_review.groups().at(group);
+    if (checkState(record, record.members.at(member)) == CheckState::Differs)
+        return matchColour(MatchType::Unmatched, QGuiApplication::palette());
+    return m_review.isKeeper(group, member) ? keeperColour(QGuiApplication::palette()) : QVariant();
+}
+
+QString ResultsModel::checkCell(int group, int member, int column) const
+{
+    const MatchGroup &record = m_review.groups().at(group);
+    const qint32 track = record.members.at(member);
+    const SoundMeasures measures = record.check.measures.value(track);
+    switch (column) {
+    case LoudnessColumn:
+        return loudnessText(measures.loudness);
+    case TruePeakColumn:
+        return truePeakText(measures.truePeak);
+    case BandwidthColumn:
+        return bandwidthText(measures.bandwidthHz);
+    default:
+        return (checkTexts(record, track) + measureTexts(record, track)).join(", "_L1);
+    }
 }
 
 QString ResultsModel::decksOf(const TrackInfo &track) const
@@ -281,8 +336,11 @@ QString ResultsModel::decksOf(const TrackInfo &track) const
 }
 
 // The other cells are read as they are shown.
-QVariant ResultsModel::accessibleText(const TrackInfo &track, int column) const
+QVariant ResultsModel::accessibleText(int group, int member, int column) const
 {
+    const TrackInfo &track = *m_review.track(group, member);
+    if (column == MatchColumn && m_review.groups().at(group).check.isDone())
+        return matchToolTip(group, member).replace(u'\n', u' ');
     const QString decks = column == FileColumn ? decksOf(track) : QString();
     return decks.isEmpty() ? QVariant() : tr("%1, in deck %2").arg(track.fileName, decks);
 }
@@ -291,6 +349,13 @@ QString ResultsModel::groupText(const MatchGroup &group) const
 {
     return tr("Group %1 - %2 copies - %3 reclaimable")
         .arg(QString::number(group.id), QString::number(group.members.size()), sizeText(group.reclaimableBytes));
+}
+
+QStringList ResultsModel::checkRemarks(const MatchGroup &group) const
+{
+    QStringList remarks { groupCheckText(group), betterCopyText(group, m_review.tracks()) };
+    remarks.removeAll(QString());
+    return remarks;
 }
 
 QString ResultsModel::memberText(const TrackInfo &track, int column) const

@@ -28,6 +28,10 @@ public:
         QualityColumn,
         SizeColumn,
         ModifiedColumn,
+        LoudnessColumn, ///< this and the next three: what the check over the whole length found
+        TruePeakColumn,
+        BandwidthColumn,
+        CheckColumn,
         FolderColumn,
         ColumnCount
     };
@@ -69,9 +73,13 @@ private:
     QString decksOf(const TrackInfo &track) const;
     QVariant groupData(int group, int column, int role) const;
     QVariant memberData(int group, int member, int column, int role) const;
-    QVariant accessibleText(const TrackInfo &track, int column) const;
+    QVariant accessibleText(int group, int member, int column) const;
+    QString matchToolTip(int group, int member) const;
+    QVariant matchTextColour(int group, int member) const;
     QString groupText(const MatchGroup &group) const;
+    QStringList checkRemarks(const MatchGroup &group) const;
     QString memberText(const TrackInfo &track, int column) const;
+    QString checkCell(int group, int member, int column) const;
     QVariant memberToolTip(const TrackInfo &track, int column) const;
 
     Review &m_review;

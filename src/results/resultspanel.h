@@ -38,6 +38,7 @@ public:
     void focusResults();
     qint64 hiddenTicks() const; ///< ticked copies that the filter hides
     void addTreeAction(QAction *action); ///< its key then works in the tree
+    ResultsView *view() const { return m_view; }
     void showGroup(int group); ///< makes it the current row, whatever the filter says
 
 Q_SIGNALS:

@@ -6,6 +6,7 @@
 #include "resultscells.h"
 #include "resultsmodel.h"
 
+#include <QAction>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QPainter>
@@ -13,8 +14,25 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <array>
 
 namespace epr {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct OptionalColumn {
+    ResultsModel::Column column;
+    QLatin1StringView name;
+};
+
+constexpr std::array<OptionalColumn, 4> optionalColumns { { { ResultsModel::LoudnessColumn, "loudness"_L1 },
+                                                            { ResultsModel::TruePeakColumn, "truePeak"_L1 },
+                                                            { ResultsModel::BandwidthColumn, "bandwidth"_L1 },
+                                                            { ResultsModel::CheckColumn, "check"_L1 } } };
+
+} // namespace
 
 ResultsView::ResultsView(QWidget *parent)
     : QTreeView(parent)
@@ -33,6 +51,45 @@ ResultsView::ResultsView(QWidget *parent)
 void ResultsView::setHint(const QString &text)
 {
     m_hint->setText(text);
+}
+
+QStringList ResultsView::shownColumns() const
+{
+    QStringList names;
+    for (const OptionalColumn &optional : optionalColumns) {
+        if (!isColumnHidden(optional.column))
+            names << optional.name;
+    }
+    return names;
+}
+
+void ResultsView::showColumns(const QStringList &names)
+{
+    const QList<QAction *> actions = columnActions();
+    for (qsizetype i = 0; i < actions.size(); ++i)
+        actions.at(i)->setChecked(names.contains(optionalColumns.at(static_cast<std::size_t>(i)).name));
+}
+
+QList<QAction *> ResultsView::columnActions() const
+{
+    return header()->actions();
+}
+
+void ResultsView::setModel(QAbstractItemModel *model)
+{
+    QTreeView::setModel(model);
+    for (const OptionalColumn &optional : optionalColumns) {
+        const auto column = optional.column;
+        setColumnHidden(column, true);
+        auto *action = new QAction(tr("Column %1").arg(model->headerData(column, Qt::Horizontal).toString()), header());
+        action->setCheckable(true);
+        connect(action, &QAction::toggled, this, [this, column](bool shown) {
+            const QScopedValueRollback fitting(m_fittingColumns, true);
+            setColumnHidden(column, !shown);
+            fitColumns();
+        });
+        header()->addAction(action);
+    }
 }
 
 void ResultsView::reset()
@@ -135,6 +192,7 @@ void ResultsView::createHeader()
 {
     header()->setSectionsMovable(false);
     header()->setStretchLastSection(true);
+    header()->setContextMenuPolicy(Qt::ActionsContextMenu);
     connect(header(), &QHeaderView::sectionResized, this, &ResultsView::onSectionResized);
 }
 

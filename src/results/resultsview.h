@@ -18,7 +18,14 @@ public:
 
     void setHint(const QString &text); ///< shown while there are no rows
 
+    /// The columns that a check fills are hidden unless the operator switches them on, in the header's menu.
+    QStringList shownColumns() const; ///< by names that do not change with the language
+    void showColumns(const QStringList &names); ///< and no others of these
+    QList<QAction *> columnActions() const;
+
     void reset() override;
+
+    void setModel(QAbstractItemModel *model) override;
 
 Q_SIGNALS:
     void memberMenuRequested(const QPoint &globalPos); ///< for the current member or group
@@ -38,6 +45,7 @@ private:
     void createHeader();
     void fitColumns(); ///< unless the operator has chosen
     void onSectionResized(int section);
+    void fitColumns();
     void toggleCurrent();
     bool isOnMember() const;
     /// How far the column begins from where the row begins, in the direction of reading.

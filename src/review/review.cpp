@@ -3,6 +3,7 @@
 #include "review.h"
 
 #include "displaytext.h"
+#include "groupcheck.h"
 #include "missingpart.h"
 #include "reviewfilter.h"
 
@@ -186,9 +187,19 @@ void Review::setKeeper(int group, qint32 track)
     MatchGroup &record = m_groups[group];
     record.keep = track;
     record.reclaimableBytes = reclaimable(record);
+    untickDoubted(group);
     countGroups();
     Q_EMIT keeperChanged(group);
     Q_EMIT totalsChanged();
+}
+
+int Review::setCheck(int group, const GroupCheck &check)
+{
+    m_groups[group].check = check;
+    const int unticked = untickDoubted(group);
+    Q_EMIT checkChanged(group);
+    Q_EMIT totalsChanged();
+    return unticked;
 }
 
 void Review::removeMembers(const QSet<qint32> &tracks)
@@ -196,6 +207,7 @@ void Review::removeMembers(const QSet<qint32> &tracks)
     Q_EMIT aboutToBeReset();
     QList<MatchGroup> keptGroups;
     std::vector<bool> keptTicks;
+    QList<int> withOtherKeeper;
     for (int g = 0; g < m_groups.size(); ++g) {
         MatchGroup group = m_groups.at(g);
         const std::size_t firstTick = keptTicks.size();
@@ -217,6 +229,7 @@ void Review::removeMembers(const QSet<qint32> &tracks)
             const auto keeper = ticks + nextKeeper(group, (unticked == keptTicks.end() ? ticks : unticked) - ticks);
             *keeper = false;
             group.keep = group.members.at(keeper - ticks);
+            withOtherKeeper << static_cast<int>(keptGroups.size());
         }
         group.reclaimableBytes = reclaimable(group);
         keptGroups << group;
@@ -225,6 +238,8 @@ void Review::removeMembers(const QSet<qint32> &tracks)
     m_ticked = keptTicks;
     layOutBits();
     countGroups();
+    for (const int group : withOtherKeeper)
+        untickDoubted(group);
     setTicks([](bool wasTicked, bool) { return wasTicked; });
     Q_EMIT reset();
     Q_EMIT totalsChanged();
@@ -279,6 +294,17 @@ template <typename Rule> void Review::changeTicks(Rule ticked)
     setTicks(ticked);
     Q_EMIT ticksChanged();
     Q_EMIT totalsChanged();
+}
+
+int Review::untickDoubted(int group)
+{
+    const MatchGroup &record = m_groups.at(group);
+    int unticked = 0;
+    for (int member = 0; member < record.members.size(); ++member) {
+        if (isDoubted(record, record.members.at(member)))
+            unticked += setBit(group, member, false) ? 1 : 0;
+    }
+    return unticked;
 }
 
 bool Review::setBit(int group, int member, bool ticked)

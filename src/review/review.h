@@ -75,7 +75,12 @@ public:
     void setTicked(int group, int member, bool ticked);
 
     /// Makes another member the copy to keep. It is unticked; if it was ticked, the former keeper takes over the tick.
+    /// What a check says is then said beside the new one, and copies that it speaks against removing are unticked.
     void setKeeper(int group, qint32 track);
+
+    /// What a check over the whole length found of a group. Copies that it speaks against removing are unticked; the
+    /// result is how many. Nothing else changes.
+    int setCheck(int group, const GroupCheck &check);
 
     /// Takes out the members that refer to these tracks, and every group left with fewer than two members. The other
     /// groups keep their numbers and ticks. Where the copy to keep went, the first unticked one takes its place, lest a
@@ -88,6 +93,7 @@ Q_SIGNALS:
     void tickChanged(int group, int member);
     void ticksChanged(); ///< in any number of groups at once
     void keeperChanged(int group); ///< and with it ticks of the group
+    void checkChanged(int group); ///< the same
     void totalsChanged(); ///< after whichever of the others it was
 
 private:
@@ -98,6 +104,7 @@ private:
 
     template <typename Rule> void setTicks(Rule ticked); ///< rule: (was ticked, is proposed) to ticked
     template <typename Rule> void changeTicks(Rule ticked);
+    int untickDoubted(int group); ///< how many that were
     bool setBit(int group, int member, bool ticked); ///< false if it was so before
     void countGroups();
     void layOutBits();

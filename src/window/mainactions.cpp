@@ -88,12 +88,12 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     const auto addMenu = [bar](const QString &title, const QList<QList<QAction *>> &actions) {
         fill(bar->addMenu(title), actions);
     };
-    for (QAction *view : parts.views)
+    for (QAction *view : parts.views + parts.columns)
         view->setStatusTip(QCoreApplication::translate("epr::MainMenus", "Show this part of the window, or hide it."));
     const MemberActions &member = *parts.member;
     addMenu(QCoreApplication::translate("epr::MainMenus", "&File"),
             { { addFolder, removeFolder }, parts.protection, { exportReport }, { exit } });
-    addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views, parts.columns });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),
             { { selectDuplicates, clearSelection, invertSelection },

@@ -33,6 +33,7 @@ public:
         const PlayerDock *player;
         QList<QAction *> protection; ///< of folders
         QList<QAction *> views; ///< that show and hide parts of the window
+        QList<QAction *> columns; ///< the same for columns of the results
     };
 
     explicit MainActions(QWidget *window);

@@ -15,6 +15,7 @@
 #include "memberactions.h"
 #include "notices.h"
 #include "resultspanel.h"
+#include "resultsview.h"
 #include "review.h"
 #include "scancontroller.h"
 #include "scanstrip.h"
@@ -319,7 +320,8 @@ void MainWindow::createMenus()
         { m_memberActions,
           m_playerDock,
           m_folderPanel->protectActions(),
-          { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() } });
+          { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
+          m_resultsPanel->view()->columnActions() });
 }
 
 // Nine tenths of the screen up to a size beyond which lines only get too long to read.
@@ -343,6 +345,7 @@ void MainWindow::restoreSettings()
     connect(m_folderPanel, &FolderPanel::protectionChanged, this,
             [this] { SettingsStore().set(settings::protectedFolders, m_folderPanel->protectedFolders()); });
     m_options = store.loadScanOptions();
+    m_resultsPanel->view()->showColumns(store.value(settings::resultsColumns));
     m_quarantineRoot = store.value(settings::quarantineRoot);
     const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();
     m_playerDock->setVisible(store.value(settings::showPlayer) && hasRoom);
@@ -401,6 +404,7 @@ void MainWindow::saveSettings() const
     store.set(settings::windowState, saveState());
     store.set(settings::folders, m_folderPanel->folders());
     store.saveScanOptions(m_options);
+    store.set(settings::resultsColumns, m_resultsPanel->view()->shownColumns());
     store.set(settings::quarantineRoot, m_quarantineRoot);
     store.set(settings::showPlayer, !m_playerDock->isHidden());
     store.set(settings::linkDecks, m_playerDock->player()->isLinked());

@@ -1,11 +1,40 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "checktext.h"
+#include "missingpart.h"
 #include "progress.h"
+#include "rows.h"
 #include "systempaths.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+using Kind = epr::SoundDifference::Kind;
+
+/// Copy 0 is kept and copy 1 compared with it; each second of the kept one comes five seconds later in the other.
+epr::MatchGroup checkedGroup(const QList<epr::SoundDifference> &differences)
+{
+    epr::MatchGroup group { 1, epr::MatchType::SameRecording, { 0, 1 }, 0 };
+    group.check.measures[0].durationMs = 60000;
+    group.check.measures[1].durationMs = 65000;
+    group.check.pairs = { { 1, 0, true, -5000, differences } };
+    return group;
+}
+
+/// The record has the pair the other way round, so that its first is the copy.
+epr::SoundDifference difference(Kind kind, bool isInKept, qint64 keptMs, qint64 keptEndMs, qint64 ownMs,
+                                qint64 ownEndMs)
+{
+    return { kind, isInKept, ownMs, ownEndMs, keptMs, keptEndMs };
+}
+
+} // namespace
+
+using Change = std::function<void(epr::SoundMeasures &kept, epr::SoundMeasures &own)>;
+Q_DECLARE_METATYPE(Change)
 
 class TestCore final : public QObject {
     Q_OBJECT
@@ -24,6 +53,86 @@ private Q_SLOTS:
         QCOMPARE(left(false, 20000, 19999), -1); // most of it would be a guess
         QCOMPARE(left(false, 20000, std::nullopt), -1);
         QCOMPARE(epr::ScanStep({ 4, 5 }).text(), u"step 4 of 5"_s);
+    }
+
+    void checkIsToldInWords_data()
+    {
+        const epr::test::Rows<QList<epr::SoundDifference>, QString> row("differences", "text");
+        const auto one = difference(Kind::Differs, false, 15300, 15700, 20300, 20700);
+        row("none", {}, u"alike to the end"_s);
+        row("one", { one }, u"differs 0:20-0:21"_s);
+        row("three", { one, one, one }, u"differs 0:20-0:21 and 2 more"_s);
+        row("silence", { difference(Kind::Silent, false, 0, 999, 0, 1000) }, u"silent 0:00-0:01"_s);
+        row("to the end", { difference(Kind::Silent, false, 5000, 60000, 10000, 64800) }, u"silent from 0:10"_s);
+        row("of the kept copy", { difference(Kind::Silent, true, 59000, 60000, 64000, 65000) },
+            u"the kept copy is silent from 0:59"_s);
+        row("start", { difference(Kind::StartsLater, false, 0, 5000, 0, 0) }, u"starts 5.0 s later"_s);
+        row("end", { difference(Kind::StopsEarlier, true, 50000, 50000, 55000, 65000) },
+            u"the kept copy stops at 0:50"_s);
+        row("ending", { difference(Kind::OtherEnding, true, 40000, 60000, 45000, 65000) }, u"other ending from 0:45"_s);
+        row("jump", { difference(Kind::Skips, false, 30000, 32300, 35000, 35000) }, u"skips 2.3 s at 0:35"_s);
+        row("again", { difference(Kind::Repeats, false, 30000, 30000, 35000, 36000) }, u"repeats 1.0 s at 0:35"_s);
+    }
+
+    void checkIsToldInWords()
+    {
+        QFETCH(const QList<epr::SoundDifference>, differences);
+        const epr::MatchGroup group = checkedGroup(differences);
+        QTEST(epr::checkText(group, 1), "text");
+        QCOMPARE(epr::isProposed(group, 1), differences.isEmpty());
+        QCOMPARE(epr::groupCheckText(group),
+                 u"checked: "_s + (differences.isEmpty() ? u"alike to the end"_s : u"1 copy(s) differ"_s));
+    }
+
+    void worseCopyIsTold_data()
+    {
+        const epr::test::Rows<Change, QList<epr::SoundDifference>, QString, QString> row("change", "differences",
+                                                                                         "ofKept", "ofOther");
+        const auto nothing = [](auto &, auto &) {};
+        const auto keptIsDull = [](auto &kept, auto &own) { kept.bandwidthHz = 11025, own.bandwidthHz = 16000; };
+        row("neither", nothing, {}, {}, {});
+        row("treble", keptIsDull, {}, u"the FLAC has more above 11 kHz than the kept MP3"_s, {});
+        row("treble of another piece", keptIsDull, { difference(Kind::Differs, false, 0, 9, 0, 9) }, {}, {});
+        row("hardly more treble", [](auto &kept, auto &own) { kept.bandwidthHz = 20000, own.bandwidthHz = 22050; }, {},
+            {}, {});
+        row(
+            "duller", [](auto &kept, auto &own) { kept.bandwidthHz = 20000, own.bandwidthHz = 15800; }, {}, {},
+            u"nothing above 16 kHz; the kept copy has"_s);
+        row(
+            "louder", [](auto &kept, auto &own) { kept.loudness = -14, own.loudness = -11.9; }, {}, {},
+            u"2.1 dB louder than the kept copy"_s);
+        row("hardly quieter", [](auto &kept, auto &own) { kept.loudness = -14, own.loudness = -14.9; }, {}, {}, {});
+        row(
+            "clipped", [](auto &, auto &own) { own.clippedSamples = 312; }, {}, {},
+            u"312 clipped sample(s), the kept copy none"_s);
+        row("errors, heard", [](auto &kept, auto &) { kept.decodingErrors = 14; },
+            { difference(Kind::Differs, false, 0, 9, 0, 9) }, u"the kept copy has 14 decoding error(s), b.flac none"_s,
+            {});
+        row("kept is silent", nothing, { difference(Kind::Silent, true, 1000, 2000, 6000, 7000) },
+            u"the kept copy is silent 0:01-0:02, unlike b.flac"_s, {});
+        row("both have gaps", nothing,
+            { difference(Kind::Silent, true, 1000, 2000, 6000, 7000),
+              difference(Kind::Skips, false, 9000, 9900, 0, 0) },
+            {}, {});
+        row("kept is unreadable", [](auto &kept, auto &) { kept.error = u"broken"_s; }, {},
+            u"the kept copy could not be checked, b.flac could"_s, {});
+        row("other is unreadable", [](auto &, auto &own) { own.error = u"broken"_s; }, {}, {}, {});
+    }
+
+    void worseCopyIsTold()
+    {
+        QFETCH(const Change, change);
+        QFETCH(const QList<epr::SoundDifference>, differences);
+        QFETCH(const QString, ofKept);
+        epr::MatchGroup group = checkedGroup(differences);
+        change(group.check.measures[0], group.check.measures[1]);
+        QList<epr::TrackInfo> tracks(2);
+        tracks[0].suffix = u"mp3"_s;
+        tracks[1].suffix = u"flac"_s;
+        tracks[1].fileName = u"b.flac"_s;
+        QCOMPARE(epr::betterCopyText(group, tracks), ofKept);
+        QCOMPARE(epr::isProposed(group, 1), ofKept.isEmpty() && differences.isEmpty());
+        QTEST(epr::measureTexts(group, 1).join(u'|'), "ofOther");
     }
 
     void folderIsKnownByPathOrNumbers()

@@ -124,6 +124,29 @@ private Q_SLOTS:
         QCOMPARE(sketchOf(review), u"a! b* c!"_s);
     }
 
+    void copiesThatACheckSpeaksAgainstAreUnticked()
+    {
+        Review review;
+        fill(review, u"a* b c / d e*"_s);
+        GroupCheck check;
+        check.measures = { { 0, {} }, { 1, {} }, { 2, {} } };
+        const SoundDifference other { SoundDifference::Kind::OtherEnding };
+        check.pairs = { { 0, 1, true, 0, { other } }, { 0, 2, true, 0, {} }, { 1, 2, true, 0, { other } } };
+        QCOMPARE(review.setCheck(0, check), 1);
+        QCOMPARE(sketchOf(review), u"a* b c! / d! e*"_s);
+        review.tickDuplicates();
+        QCOMPARE(sketchOf(review), u"a* b c! / d! e*"_s);
+        review.setTicked(0, 1, true); // on purpose
+        review.setKeeper(0, 1);
+        QCOMPARE(sketchOf(review), u"a b* c / d! e*"_s); // now the others differ
+        review.setKeeper(0, 2);
+        review.tickDuplicates();
+        QCOMPARE(sketchOf(review), u"a! b c* / d! e*"_s);
+        review.removeMembers({ 2 });
+        QCOMPARE(sketchOf(review), u"a b* / d! e*"_s);
+        QCOMPARE(review.totals(), countedTotals(review));
+    }
+
     void keptCopyIsComparedWithTheBestOther()
     {
         Lists lists = listsOf(u"a* b c d"_s);
