@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 namespace epr {
@@ -51,11 +52,33 @@ constexpr std::array csvColumns {
                 [](const ReportMember &m) { return quoted(m.track.mtime.toLocalTime().toString(Qt::ISODate)); } },
 };
 
+/// What was measured of a copy while it was checked; the empty record when it was not.
+SoundMeasures measuresOf(const ReportMember &member)
+{
+    return member.group.check.measures.value(member.index);
+}
+
+QString levelField(double level)
+{
+    return quoted(std::isfinite(level) ? QString::number(level, 'f', 1) : QString());
+}
+
+QString countField(qint64 count)
+{
+    return quoted(count > 0 ? QString::number(count) : QString());
+}
+
 // Only there where one of them has something to say.
 constexpr std::array furtherColumns {
     CsvColumn { "Missing"_L1, [](const ReportMember &m) { return quoted(m.missing()); } },
     CsvColumn { "Duration is a guess"_L1,
                 [](const ReportMember &m) { return quoted(m.track.stream.durationIsGuess ? u"yes"_s : QString()); } },
+    CsvColumn { "Check"_L1, [](const ReportMember &m) { return quoted(m.checked().join("; "_L1)); } },
+    CsvColumn { "Loudness (LUFS)"_L1, [](const ReportMember &m) { return levelField(measuresOf(m).loudness); } },
+    CsvColumn { "True peak (dBTP)"_L1, [](const ReportMember &m) { return levelField(measuresOf(m).truePeak); } },
+    CsvColumn { "Bandwidth (Hz)"_L1, [](const ReportMember &m) { return countField(measuresOf(m).bandwidthHz); } },
+    CsvColumn { "Clipped samples"_L1, [](const ReportMember &m) { return countField(measuresOf(m).clippedSamples); } },
+    CsvColumn { "Decoding errors"_L1, [](const ReportMember &m) { return countField(measuresOf(m).decodingErrors); } },
 };
 
 std::vector<CsvColumn> columnsFor(const ReportContent &content)

@@ -69,7 +69,8 @@ void ResultsModel::setLoaded(const PerDeck<QString> &paths)
 bool ResultsModel::hasRemarks() const
 {
     return std::ranges::any_of(m_review.groups(), [](const MatchGroup &group) {
-        return std::ranges::any_of(group.members, [&](qint32 member) { return missingPart(group, member).isAny(); });
+        return group.check.isDone()
+            || std::ranges::any_of(group.members, [&](qint32 member) { return missingPart(group, member).isAny(); });
     });
 }
 

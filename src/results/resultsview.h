@@ -22,6 +22,7 @@ public:
     QStringList shownColumns() const; ///< by names that do not change with the language
     void showColumns(const QStringList &names); ///< and no others of these
     QList<QAction *> columnActions() const;
+    void fitColumns(); ///< to their texts, unless the operator has chosen widths
 
     void reset() override;
 
@@ -43,9 +44,7 @@ protected:
 
 private:
     void createHeader();
-    void fitColumns(); ///< unless the operator has chosen
     void onSectionResized(int section);
-    void fitColumns();
     void toggleCurrent();
     bool isOnMember() const;
     /// How far the column begins from where the row begins, in the direction of reading.

@@ -156,6 +156,29 @@ private Q_SLOTS:
         QCOMPARE(write(ReportFormat::Json, groups).count(u"\"durationIsGuess\": true"_s), 1);
     }
 
+    void checksAreToldAndNotProposed()
+    {
+        QList<MatchGroup> groups = someGroups(1);
+        GroupCheck &check = groups[0].check;
+        check.measures[0].loudness = -9.3;
+        check.measures[1].loudness = -14;
+        check.measures[2].error = u"<gone>"_s;
+        check.pairs = { { 1, 0, true, 0, { { SoundDifference::Kind::Silent, true, 0, 0, 20000, 21000 } } } };
+        const QString csv = write(ReportFormat::Csv, groups);
+        QVERIFY(csv.section(u'\n', 0, 0).endsWith(u",Modified,Check,Loudness (LUFS)"_s));
+        QVERIFY(csv.contains(u",\"silent 0:20-0:21; 4.7 dB louder than the kept copy\",\"-9.3\"\n"_s));
+        const QJsonDocument json = QJsonDocument::fromJson(write(ReportFormat::Json, groups).toUtf8());
+        const QJsonValue files = json["duplicateGroups"_L1][0]["files"_L1];
+        QCOMPARE(files[0]["check"_L1]["differences"_L1][0]["kind"_L1], u"silent"_s);
+        QCOMPARE(files[0]["check"_L1]["differences"_L1][0]["endMs"_L1].toInteger(), 21000);
+        QVERIFY(files[1]["check"_L1]["truePeakDbtp"_L1].isNull());
+        QCOMPARE(files[2]["check"_L1]["error"_L1], u"<gone>"_s);
+        const QString html = write(ReportFormat::Html, groups);
+        QVERIFY(html.contains(u"<td><div class=\"path\">silent 0:20-0:21</div>"_s));
+        QVERIFY(html.contains(u"remove<div class=\"path\">could not be checked: &lt;gone&gt;</div>"_s));
+        QCOMPARE(write(ReportFormat::Playlist, groups).count(u"#EXTINF"_s), 1);
+    }
+
     void oddGroupsAreReportedAsFarAsTheyGo()
     {
         const QList<MatchGroup> groups { {}, { .members = { 2, -1, 4, 1 }, .keep = 9 } };
