@@ -133,4 +133,14 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
         </translation>
     </message>
 </context>
+<context>
+    <name>epr::vfd::Scrubber</name>
+    <message numerus="yes">
+        <source>%n difference(s)</source>
+        <translation>
+            <numerusform>%n difference</numerusform>
+            <numerusform>%n differences</numerusform>
+        </translation>
+    </message>
+</context>
 </TS>

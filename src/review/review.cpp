@@ -87,6 +87,24 @@ bool Review::keeps(const QString &path) const
     });
 }
 
+std::optional<qint64> Review::offsetBetween(const QString &first, const QString &second) const
+{
+    const auto memberAt = [this](const MatchGroup &group, const QString &path) {
+        const auto member = std::find_if(group.members.cbegin(), group.members.cend(), [&](qint32 index) {
+            const TrackInfo *candidate = trackAt(index);
+            return candidate && candidate->path == path;
+        });
+        return member == group.members.cend() ? -1 : *member;
+    };
+    for (const MatchGroup &group : m_groups) {
+        const qint32 a = memberAt(group, first);
+        const qint32 b = a < 0 ? -1 : memberAt(group, second);
+        if (b >= 0)
+            return epr::offsetBetween(group, a, b);
+    }
+    return std::nullopt;
+}
+
 int Review::firstWhollyTickedGroup() const
 {
     for (std::size_t g = 0; g + 1 < m_firstBit.size(); ++g) {

@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QThreadPool>
 
+#include <optional>
 #include <vector>
 
 namespace epr {
@@ -53,6 +54,10 @@ public:
     }
     bool keeps(const QString &path) const; ///< whether it is the copy to keep of some group
     bool isTicked(int group, int member) const { return m_ticked[bitOf(group, member)]; }
+
+    /// How much later the second file has what the first has at a time, in ms; nothing if they share no group, or if
+    /// that does not tell.
+    std::optional<qint64> offsetBetween(const QString &first, const QString &second) const;
 
     int firstWhollyTickedGroup() const; ///< the first group of which no copy would survive, or -1
     QSet<qint32> vanishedTracks() const; ///< members without a file at their path; looks at every one on the disk

@@ -441,6 +441,7 @@ void MainWindow::markLoadedCopies()
         paths[deck] = m_playerDock->player()->track(deck).path;
         m_playerDock->player()->setKept(deck, m_review->keeps(paths[deck]));
     }
+    m_playerDock->player()->setOffset(m_review->offsetBetween(paths.a, paths.b));
     m_resultsPanel->setLoaded(paths);
 }
 

@@ -49,7 +49,17 @@ private Q_SLOTS:
         QTRY_COMPARE(delta(u"level"_s), u"+8.9 dB"_s); // samples of 78 and 28
         QCOMPARE(delta(u"duration"_s) + u' ' + delta(u"bitrate"_s), u"+2.50 s \u221232 k"_s);
 
+        m_player->setOffset(-1400);
+        m_player->showMeasures(Deck::A, { 0, -14, -1.5, 0, 0, 0, 20000, 0, {} });
+        m_player->showMeasures(Deck::B, { 0, -16.1, -0.5, 0, 0, 0, 11000, 0, {} });
+        QCOMPARE(delta(u"level"_s) + delta(u"start"_s) + delta(u"loudness"_s) + delta(u"bandwidth"_s),
+                 u"+1.0 dBstart \u22121.40 s\u22122.1 LU\u22129.0 kHz"_s);
+        m_player->setMarks(Deck::B, { { 1000, 2000 }, { 2500, 2500 } });
+        const QString value = part<vfd::Scrubber>(u"B"_s)->valueText();
+        QVERIFY2(value.startsWith(u"0:00:00 of 0:00:08, 2 difference"), qPrintable(value));
+
         m_player->load(Deck::B, trackOf(u"missing.wav"_s));
+        QVERIFY(delta(u"start"_s).isEmpty() && delta(u"loudness"_s).isEmpty());
         QTRY_COMPARE(part<vfd::Scrubber>(u"B"_s)->state(), vfd::Scrubber::State::Unavailable);
         const QString problem = labelOf(u"B"_s, u"deckFormat"_s);
         QVERIFY2(problem.contains("No such file"_L1), qPrintable(problem));

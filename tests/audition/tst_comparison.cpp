@@ -69,6 +69,10 @@ struct Story {
             player->clear(deck);
         else if (command.startsWith(u"link"))
             player->setLinked(true);
+        else if (command.startsWith(u"offset"))
+            player->setOffset(command.mid(6).toInt());
+        else if (command.startsWith(u"pass"))
+            decks[deck]->at = command.mid(5).toInt(), player->syncTick();
         else
             deck == Deck::A ? player->monitorDeckA() : player->monitorDeckB();
     }
@@ -106,6 +110,20 @@ private Q_SLOTS:
         row("the next group plays on", u"ABL|play loadC loadB2|0+|0+"_s);
         row("a linked deck joins the other", u"AL|play loadB|1000+|0+"_s);
         row("clearing one leaves the other", u"ABL|play clearA|0|1000+"_s);
+        row("linked decks hold their offset", u"ABL|offset2000 play|1000+|3000+"_s);
+        row("whichever of them moves", u"ABL|offset2000 play seekB9000|7000+|9000+"_s);
+        row("what the file begins after waits at its start", u"ABL|offset-2000 play|1000+|0"_s);
+        row("until the other gets there", u"ABL|offset-2000 play passA2500|2500+|500+"_s);
+        row("though it be the one that is heard", u"ABL|monitorB offset2000 seekB500 play passB2500|500+|2500+"_s);
+        row("and the other's place counts after a pause",
+            u"ABL|offset-2000 monitorB seekA100 play passA1500 play play|1500+|0"_s);
+        row("it waits no more after a stop", u"ABL|offset-2000 play stop monitorB play|2000+|0+"_s);
+        row("nor once it is taken to where it has something to play", u"ABL|offset-2000 play seekB7|2007+|7+"_s);
+        row("nor when another file is loaded", u"ABL|offset-2000 play loadC|0+|1000+"_s);
+        row("what ends earlier stays at its end", u"ABLs|offset2000 play seekA7000|7000+|8000"_s);
+        row("what is left of one of them plays on", u"ABL|offset-2000 seekB58000 play|60000|58000+"_s);
+        row("after the end of both they begin anew, at one moment", u"ABLs|offset-2000 seekA60000 play|0+|0"_s);
+        row("an offset that is found while they play", u"ABL|play offset-500|1000+|500+"_s);
         row("a file goes to the empty deck", u"B|monitorB placeC seekA7|7|5000"_s);
         row("or to the one that is not heard", u"AB|monitorB placeC|0|5000"_s);
         row("decks whose file is gone are cleared, and heard still", u"AB|loadC seekA7 monitorB vanish|7|0"_s);
@@ -152,7 +170,7 @@ private Q_SLOTS:
         row("the monitored one stands", 5000, u"linked other"_s, false);
     }
 
-    // Whichever deck is monitored stays where it is.
+    // Whichever deck is monitored stays where it is, and the other belongs half a second later or earlier.
     void drift()
     {
         QFETCH(const qint64, drift);
@@ -162,16 +180,18 @@ private Q_SLOTS:
             Story seen;
             for (const QString &command : { u"loadA"_s, u"loadB"_s, u"monitor"_s + comparisontext::deckName(monitor) })
                 seen.run(command);
+            seen.player->setOffset(500);
             seen.player->setLinked(playing.contains(u"linked"));
+            const qint64 wanted = monitor == Deck::A ? 10500 : 9500;
             FakeDeck &monitored = *seen.decks[monitor];
             FakeDeck &other = *seen.decks[otherDeck(monitor)];
             monitored.at = 10000;
             monitored.playing = playing.contains(u"monitored");
-            other.at = 10000 + drift;
+            other.at = wanted + drift;
             other.playing = playing.contains(u"other");
             seen.player->syncTick();
             QCOMPARE(monitored.at, 10000);
-            QCOMPARE(other.at, corrected ? 10000 : 10000 + drift);
+            QCOMPARE(other.at, corrected ? wanted : wanted + drift);
         }
     }
 };

@@ -115,6 +115,7 @@ private Q_SLOTS:
         Review review;
         review.setResults(lists.tracks, lists.groups);
         QCOMPARE(sketchOf(review), u"a* b c!"_s);
+        QCOMPARE(review.offsetBetween(u"/music/a.mp3"_s, u"/music/c.mp3"_s), std::optional<qint64>(-900));
         Review other;
         other.setResults(lists.tracks, lists.groups);
         other.removeMembers({ 0 });

@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace epr {
@@ -49,7 +50,7 @@ ComparePlayer::ComparePlayer(Playbacks playbacks, QWidget *parent)
     m_syncTimer.setInterval(syncIntervalMs);
     connect(&m_syncTimer, &QTimer::timeout, this, &ComparePlayer::syncTick);
     m_levelTimer.setInterval(Envelope::bucketMs); // the levels come from the envelope
-    connect(&m_levelTimer, &QTimer::timeout, this, &ComparePlayer::showLevels);
+    connect(&m_levelTimer, &QTimer::timeout, this, &ComparePlayer::levelTick);
 }
 
 // The decks fall silent together, and report no more to views that are going too.
@@ -67,9 +68,12 @@ void ComparePlayer::load(Deck deck, const TrackInfo &track)
     Side &side = m_sides[deck];
     const bool isSame = side.track.path == track.path;
     const qint64 positionMs = side.playback->position();
-    const bool isToPlay = side.playback->isPlaying() || (m_linked && isAnyPlaying());
+    if (!isSame)
+        setOffset({});
+    const bool isToPlay = !side.waits && (side.playback->isPlaying() || (m_linked && isAnyPlaying()));
     side.track = track;
     side.peak = 0;
+    side.measures = {};
     side.awaitsPreview = true;
     side.view->setProblem({});
     side.playback->setSource(track.path);
@@ -95,11 +99,13 @@ void ComparePlayer::loadIntoFreeDeck(const TrackInfo &track)
 
 void ComparePlayer::clear(Deck deck)
 {
+    setOffset({});
     Side &side = m_sides[deck];
     side.playback->stop();
     side.playback->setSource({});
     side.track = {};
     side.peak = 0;
+    side.measures = {};
     side.awaitsPreview = false;
     side.view->setProblem({});
     m_previews.cancel(static_cast<int>(deck));
@@ -127,21 +133,16 @@ void ComparePlayer::clearWhere(const std::function<bool(const QString &path)> &i
 
 void ComparePlayer::playPause()
 {
-    DeckPlayback &monitored = *m_sides[m_monitor].playback;
-    if (isAnyPlaying()) {
-        pause();
-    } else if (m_linked && m_sides.b.hasFile()) {
-        const qint64 startMs = monitored.position();
-        for (const Deck deck : bothDecks)
-            moveTo(*m_sides[deck].playback, startMs, true);
-        const bool hasRest = isAnyPlaying();
-        for (const Deck deck : bothDecks) {
-            if (!hasRest && m_sides[deck].playback->hasEnded())
-                m_sides[deck].playback->play(); // nothing is left of either, so both begin anew
-        }
-    } else {
-        monitored.play();
-    }
+    if (isAnyPlaying())
+        return pause();
+    if (!m_linked || !m_sides.b.hasFile())
+        return m_sides[m_monitor].playback->play();
+    place(leader(), m_sides[leader()].playback->position(), true);
+    follow(true);
+    if (isAnyPlaying() || !(m_sides.a.playback->hasEnded() || m_sides.b.playback->hasEnded()))
+        return;
+    place(m_monitor, 0, true); // nothing is left of either, so both begin anew
+    follow(true);
 }
 
 void ComparePlayer::pause()
@@ -152,8 +153,10 @@ void ComparePlayer::pause()
 
 void ComparePlayer::stop()
 {
-    for (const Deck deck : bothDecks)
+    for (const Deck deck : bothDecks) {
+        m_sides[deck].waits = false;
         m_sides[deck].playback->stop();
+    }
 }
 
 // A deck that ran out while the other plays on joins it again when both are taken to where it has something to play.
@@ -162,11 +165,34 @@ void ComparePlayer::seek(Deck deck, qint64 positionMs)
     if (!m_linked)
         return m_sides[deck].playback->setPosition(positionMs);
     const bool isPlaying = isAnyPlaying();
+    const PerDeck<qint64> targets = deck == Deck::A
+        ? PerDeck<qint64> { positionMs, positionMs + m_offsetMs.value_or(0) }
+        : PerDeck<qint64> { positionMs - m_offsetMs.value_or(0), positionMs };
     for (const Deck each : bothDecks) {
-        DeckPlayback &playback = *m_sides[each].playback;
+        const bool joins = m_sides[each].waits || m_sides[each].playback->hasEnded();
         if (each == Deck::A || m_sides.b.hasFile())
-            moveTo(playback, positionMs, isPlaying && playback.hasEnded());
+            place(each, targets[each], isPlaying && joins);
     }
+}
+
+void ComparePlayer::setOffset(std::optional<qint64> bLaterMs)
+{
+    const qint64 before = m_offsetMs.value_or(0);
+    m_offsetMs = bLaterMs;
+    showDeltas();
+    if (m_linked && areBothLoaded() && m_offsetMs.value_or(0) != before)
+        follow(isAnyPlaying());
+}
+
+void ComparePlayer::setMarks(Deck deck, const QList<std::pair<qint64, qint64>> &spansMs)
+{
+    m_sides[deck].view->setMarks(spansMs);
+}
+
+void ComparePlayer::showMeasures(Deck deck, const SoundMeasures &measures)
+{
+    m_sides[deck].measures = measures;
+    showDeltas();
 }
 
 void ComparePlayer::setKept(Deck deck, bool kept)
@@ -177,8 +203,10 @@ void ComparePlayer::setKept(Deck deck, bool kept)
 void ComparePlayer::setLinked(bool linked)
 {
     const bool hasChanged = std::exchange(m_linked, linked) != linked;
-    if (linked && m_sides.a.hasFile() && m_sides.b.hasFile())
-        m_sides.b.playback->setPosition(m_sides.a.playback->position());
+    if (!linked)
+        m_sides.a.waits = m_sides.b.waits = false;
+    else if (areBothLoaded() && !m_sides.a.waits)
+        place(Deck::B, counterpart(Deck::B), m_sides.b.waits && m_sides.a.playback->isPlaying());
     if (linked)
         m_syncTimer.start();
     else
@@ -192,13 +220,50 @@ void ComparePlayer::setLinked(bool linked)
 // choice, not a measurement: a switch that lands a seventh of a second off still falls on the same note.
 void ComparePlayer::syncTick()
 {
+    joinLeader();
     const DeckPlayback &monitored = *m_sides[m_monitor].playback;
-    DeckPlayback &other = *m_sides[otherDeck(m_monitor)].playback;
-    if (!m_linked || !m_sides.a.hasFile() || !m_sides.b.hasFile() || !monitored.isPlaying() || !other.isPlaying())
+    const Deck other = otherDeck(m_monitor);
+    const DeckPlayback &playback = *m_sides[other].playback;
+    if (!m_linked || !areBothLoaded() || !monitored.isPlaying() || !playback.isPlaying())
         return;
-    const qint64 wantedMs = monitored.position();
-    if (std::abs(other.position() - wantedMs) > maxDriftMs)
-        other.setPosition(wantedMs);
+    if (std::abs(playback.position() - counterpart(other)) > maxDriftMs)
+        place(other, counterpart(other), true);
+}
+
+// The monitored one, unless that stands where the other has yet to get to.
+Deck ComparePlayer::leader() const
+{
+    return m_sides[m_monitor].waits ? otherDeck(m_monitor) : m_monitor;
+}
+
+qint64 ComparePlayer::counterpart(Deck deck) const
+{
+    const qint64 offsetMs = m_offsetMs.value_or(0);
+    return m_sides[otherDeck(deck)].playback->position() + (deck == Deck::B ? offsetMs : -offsetMs);
+}
+
+void ComparePlayer::place(Deck deck, qint64 positionMs, bool play)
+{
+    Side &side = m_sides[deck];
+    side.waits = positionMs < 0 && side.hasFile();
+    if (side.waits)
+        side.playback->pause();
+    moveTo(*side.playback, std::max<qint64>(positionMs, 0), play && !side.waits);
+}
+
+void ComparePlayer::follow(bool play)
+{
+    const Deck follower = otherDeck(leader());
+    place(follower, counterpart(follower), play);
+}
+
+// Starts what waits when its moment has come. Looked at as often as the levels are, so that it is hardly late.
+void ComparePlayer::joinLeader()
+{
+    for (const Deck deck : bothDecks) {
+        if (m_sides[deck].waits && m_sides[otherDeck(deck)].playback->isPlaying() && counterpart(deck) >= 0)
+            place(deck, counterpart(deck), true);
+    }
 }
 
 void ComparePlayer::createViews()
@@ -282,12 +347,21 @@ void ComparePlayer::showTrack(Deck deck)
 void ComparePlayer::showDeltas()
 {
     const auto &[a, b] = m_sides;
-    m_transport->setDeltas(comparisontext::durationDelta(a.track, b.track),
-                           comparisontext::bitrateDelta(a.track, b.track), comparisontext::levelDelta(a.peak, b.peak));
+    const bool areMeasured = std::isfinite(a.measures.truePeak) && std::isfinite(b.measures.truePeak);
+    m_transport->setDeltas({
+        .duration = comparisontext::durationDelta(a.track, b.track),
+        .bitrate = comparisontext::bitrateDelta(a.track, b.track),
+        .level = areMeasured ? comparisontext::decibelDelta(a.measures.truePeak, b.measures.truePeak)
+                             : comparisontext::levelDelta(a.peak, b.peak),
+        .start = comparisontext::startDelta(m_offsetMs.value_or(0)),
+        .loudness = comparisontext::loudnessDelta(a.measures.loudness, b.measures.loudness),
+        .bandwidth = comparisontext::bandwidthDelta(a.measures.bandwidthHz, b.measures.bandwidthHz),
+    });
 }
 
-void ComparePlayer::showLevels()
+void ComparePlayer::levelTick()
 {
+    joinLeader();
     for (const Deck deck : bothDecks) {
         if (m_sides[deck].playback->isPlaying())
             m_sides[deck].view->showLevelsAt(m_sides[deck].playback->position());

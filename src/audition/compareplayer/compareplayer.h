@@ -5,12 +5,15 @@
 #include "deck.h"
 #include "deckplayback.h"
 #include "records.h"
+#include "soundcheck.h"
 #include "waveformloader.h"
 
 #include <QTimer>
 #include <QWidget>
 
 #include <functional>
+#include <optional>
+#include <utility>
 
 namespace epr {
 
@@ -18,7 +21,7 @@ class DeckView;
 class TransportView;
 
 /// The two-deck player. Both decks play at once; which one is monitored, that is heard, is a matter of volume only.
-/// Linked decks are moved and started together.
+/// Linked decks are moved and started together, so that both are at one moment of the recording.
 class ComparePlayer final : public QWidget {
     Q_OBJECT
 
@@ -48,6 +51,13 @@ public:
     void seek(Deck deck, qint64 positionMs);
     void setKept(Deck deck, bool kept); ///< whether its file is shown as the copy to keep
 
+    /// How much later deck B has what deck A has at a time; nothing = unknown, which counts as 0. Linked decks hold it,
+    /// and one that is not there yet, or no more, stands at that end of its file. Gone once another file is loaded.
+    void setOffset(std::optional<qint64> bLaterMs);
+    void setMarks(Deck deck,
+                  const QList<std::pair<qint64, qint64>> &spansMs); ///< differences; for the loaded file only
+    void showMeasures(Deck deck, const SoundMeasures &measures); ///< likewise; the default record = none
+
 public Q_SLOTS:
     void playPause();
     void pause();
@@ -71,7 +81,9 @@ private:
         DeckView *view = nullptr;
         TrackInfo track; ///< the empty record = no file
         bool awaitsPreview = false;
+        bool waits = false; ///< at its start, until the linked deck that plays gets to what it starts with
         float peak = 0; ///< of full scale, 0 = unknown
+        SoundMeasures measures;
 
         bool hasFile() const { return !track.path.isEmpty(); }
     };
@@ -81,11 +93,17 @@ private:
     void connectDeck(Deck deck);
     void connectPreviews();
     bool isAnyPlaying() const;
+    bool areBothLoaded() const { return m_sides.a.hasFile() && m_sides.b.hasFile(); }
+    Deck leader() const; ///< of linked decks, the one that the other follows
+    qint64 counterpart(Deck deck) const; ///< of where the other deck is
+    void place(Deck deck, qint64 positionMs, bool play);
+    void follow(bool play);
+    void joinLeader();
     void setMonitor(Deck deck);
     void showMonitor();
     void showTrack(Deck deck);
     void showDeltas();
-    void showLevels();
+    void levelTick();
     void onPlayingChanged(Deck deck);
     void onProblem(Deck deck, const QString &problem);
     void giveUpPreview(Deck deck, const QString &error);
@@ -95,6 +113,7 @@ private:
     TransportView *m_transport = nullptr;
     Deck m_monitor = Deck::A;
     bool m_linked = false;
+    std::optional<qint64> m_offsetMs; ///< of B
     QTimer m_syncTimer;
     QTimer m_levelTimer; ///< runs while a deck plays
     WaveformLoader m_previews;

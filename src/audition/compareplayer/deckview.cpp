@@ -57,6 +57,11 @@ void DeckView::setEnvelope(const Envelope &envelope)
     m_scrubber->setEnvelope(envelope);
 }
 
+void DeckView::setMarks(const QList<std::pair<qint64, qint64>> &spansMs)
+{
+    m_scrubber->setMarks(spansMs);
+}
+
 void DeckView::setPreviewUnavailable()
 {
     m_scrubber->setUnavailable();

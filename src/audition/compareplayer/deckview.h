@@ -6,6 +6,8 @@
 #include "panel.h"
 #include "records.h"
 
+#include <utility>
+
 namespace epr {
 
 namespace vfd {
@@ -27,6 +29,7 @@ public:
     void setTrack(const TrackInfo &track); ///< the empty record = no file
     void setKept(bool kept); ///< marks the file as the copy to keep
     void setEnvelope(const Envelope &envelope);
+    void setMarks(const QList<std::pair<qint64, qint64>> &spansMs); ///< stretches to point out, until the next track
     void setPreviewUnavailable();
     void setProblem(const QString &message); ///< shown in place of the format until an empty one comes
     void setDurationMs(qint64 durationMs);

@@ -9,6 +9,8 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 
+#include <utility>
+
 namespace epr {
 
 using namespace Qt::StringLiterals;
@@ -19,6 +21,7 @@ TransportView::TransportView(QWidget *parent)
     createLamps();
     createDeltas();
     layOutWidgets();
+    setDeltas({});
     setPlaying(false);
     setMonitor(Deck::A);
 }
@@ -40,11 +43,21 @@ void TransportView::setMonitor(Deck deck)
         m_monitorLamps[each]->setLit(each == deck);
 }
 
-void TransportView::setDeltas(const QString &duration, const QString &bitrate, const QString &level)
+void TransportView::setDeltas(const Deltas &deltas)
 {
-    m_durationDelta->setText(duration);
-    m_bitrateDelta->setText(bitrate);
-    m_levelDelta->setText(level);
+    m_durationDelta->setText(deltas.duration);
+    m_bitrateDelta->setText(deltas.bitrate);
+    m_levelDelta->setText(deltas.level);
+    // A second row finds its place between the others, so that the player needs no more height.
+    const bool hasMore = !(deltas.start + deltas.loudness + deltas.bandwidth).isEmpty();
+    m_rows->setContentsMargins(8, hasMore ? 3 : 6, 8, hasMore ? 3 : 6);
+    m_rows->setVerticalSpacing(hasMore ? 2 : 4);
+    for (const auto &[badge, text] : { std::pair(m_startDelta, deltas.start),
+                                       { m_loudnessDelta, deltas.loudness },
+                                       { m_bandwidthDelta, deltas.bandwidth } }) {
+        badge->setText(text);
+        badge->setVisible(!text.isEmpty());
+    }
 }
 
 void TransportView::createLamps()
@@ -87,6 +100,9 @@ void TransportView::createDeltas()
     m_durationDelta = create(u"durationDelta"_s, tr("Duration of deck B relative to deck A."));
     m_bitrateDelta = create(u"bitrateDelta"_s, tr("Bit rate of deck B relative to deck A."));
     m_levelDelta = create(u"levelDelta"_s, tr("Peak level of deck B relative to deck A."));
+    m_startDelta = create(u"startDelta"_s, tr("How much later in its file deck B has the same moment as deck A."));
+    m_loudnessDelta = create(u"loudnessDelta"_s, tr("Loudness of deck B relative to deck A (EBU R 128)."));
+    m_bandwidthDelta = create(u"bandwidthDelta"_s, tr("Where the spectrum of deck B ends, relative to deck A."));
 }
 
 void TransportView::layOutWidgets()
@@ -105,21 +121,24 @@ void TransportView::layOutWidgets()
     deltas->addWidget(deltaCaption);
     for (vfd::Badge *badge : { m_durationDelta, m_bitrateDelta, m_levelDelta })
         deltas->addWidget(badge, 1);
-    auto *layout = new QGridLayout(this);
-    layout->setContentsMargins(8, 6, 8, 6);
-    layout->setHorizontalSpacing(6);
-    layout->setVerticalSpacing(4);
+    auto *moreDeltas = new QHBoxLayout;
+    moreDeltas->setSpacing(4);
+    for (vfd::Badge *badge : { m_startDelta, m_loudnessDelta, m_bandwidthDelta })
+        moreDeltas->addWidget(badge, 1);
+    m_rows = new QGridLayout(this);
+    m_rows->setHorizontalSpacing(6);
     constexpr int columns = 6; // three buttons in the first row, pairs below
-    layout->addWidget(m_play, 0, 0, 1, 2);
-    layout->addWidget(m_stop, 0, 2, 1, 2);
-    layout->addWidget(m_link, 0, 4, 1, 2);
-    layout->addWidget(caption, 1, 0, 1, columns);
-    layout->addWidget(m_monitorLamps.a, 2, 0, 1, 3);
-    layout->addWidget(m_monitorLamps.b, 2, 3, 1, 3);
-    layout->addLayout(deltas, 3, 0, 1, columns);
+    m_rows->addWidget(m_play, 0, 0, 1, 2);
+    m_rows->addWidget(m_stop, 0, 2, 1, 2);
+    m_rows->addWidget(m_link, 0, 4, 1, 2);
+    m_rows->addWidget(caption, 1, 0, 1, columns);
+    m_rows->addWidget(m_monitorLamps.a, 2, 0, 1, 3);
+    m_rows->addWidget(m_monitorLamps.b, 2, 3, 1, 3);
+    m_rows->addLayout(deltas, 3, 0, 1, columns);
+    m_rows->addLayout(moreDeltas, 4, 0, 1, columns);
     for (int column = 0; column < columns; ++column)
-        layout->setColumnStretch(column, 1);
-    layout->setRowStretch(1, 1);
+        m_rows->setColumnStretch(column, 1);
+    m_rows->setRowStretch(1, 1);
 }
 
 } // namespace epr

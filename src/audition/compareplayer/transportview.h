@@ -5,6 +5,8 @@
 #include "deck.h"
 #include "panel.h"
 
+class QGridLayout;
+
 namespace epr {
 
 namespace vfd {
@@ -17,12 +19,22 @@ class TransportView final : public vfd::Panel {
     Q_OBJECT
 
 public:
+    /// Those that are often unknown have no place where they are empty.
+    struct Deltas {
+        QString duration {};
+        QString bitrate {};
+        QString level {};
+        QString start {};
+        QString loudness {};
+        QString bandwidth {};
+    };
+
     explicit TransportView(QWidget *parent);
 
     void setPlaying(bool playing);
     void setLinked(bool linked);
     void setMonitor(Deck deck);
-    void setDeltas(const QString &duration, const QString &bitrate, const QString &level);
+    void setDeltas(const Deltas &deltas);
 
 Q_SIGNALS:
     void playPauseRequested();
@@ -35,6 +47,7 @@ private:
     void createDeltas();
     void layOutWidgets();
 
+    QGridLayout *m_rows = nullptr;
     vfd::Lamp *m_play = nullptr;
     vfd::Lamp *m_stop = nullptr;
     vfd::Lamp *m_link = nullptr;
@@ -42,6 +55,9 @@ private:
     vfd::Badge *m_durationDelta = nullptr;
     vfd::Badge *m_bitrateDelta = nullptr;
     vfd::Badge *m_levelDelta = nullptr;
+    vfd::Badge *m_startDelta = nullptr;
+    vfd::Badge *m_loudnessDelta = nullptr;
+    vfd::Badge *m_bandwidthDelta = nullptr;
 };
 
 } // namespace epr

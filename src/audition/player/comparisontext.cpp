@@ -24,6 +24,12 @@ QChar signOf(qint64 difference)
     return difference >= 0 ? u'+' : minusSign;
 }
 
+QString withTenths(const QString &pattern, double difference)
+{
+    const qint64 tenths = std::llround(10 * difference);
+    return pattern.arg(signOf(tenths)).arg(static_cast<double>(std::abs(tenths)) / 10.0, 0, 'f', 1);
+}
+
 } // namespace
 
 QString deckName(Deck deck)
@@ -85,10 +91,37 @@ QString levelDelta(float peakOfA, float peakOfB)
 {
     if (peakOfA <= 0 || peakOfB <= 0)
         return emDash;
-    const qint64 tenths = std::llround(200 * std::log10(double { peakOfB } / double { peakOfA }));
-    return QCoreApplication::translate("epr::ComparePlayer", "%1%2 dB")
-        .arg(signOf(tenths))
-        .arg(static_cast<double>(std::abs(tenths)) / 10.0, 0, 'f', 1);
+    return decibelDelta(0, 20 * std::log10(double { peakOfB } / double { peakOfA }));
+}
+
+QString decibelDelta(double levelOfA, double levelOfB)
+{
+    return withTenths(QCoreApplication::translate("epr::ComparePlayer", "%1%2 dB"), levelOfB - levelOfA);
+}
+
+QString startDelta(qint64 bLaterMs)
+{
+    constexpr qint64 leastMs = 5; // what is shown as more than nothing
+    if (std::abs(bLaterMs) < leastMs)
+        return {};
+    return QCoreApplication::translate("epr::ComparePlayer", "start %1%2 s")
+        .arg(signOf(bLaterMs))
+        .arg(static_cast<double>(std::abs(bLaterMs)) / 1000.0, 0, 'f', 2);
+}
+
+QString loudnessDelta(double loudnessOfA, double loudnessOfB)
+{
+    if (!std::isfinite(loudnessOfA) || !std::isfinite(loudnessOfB))
+        return {};
+    return withTenths(QCoreApplication::translate("epr::ComparePlayer", "%1%2 LU"), loudnessOfB - loudnessOfA);
+}
+
+QString bandwidthDelta(qint32 bandwidthOfA, qint32 bandwidthOfB)
+{
+    if (bandwidthOfA <= 0 || bandwidthOfB <= 0)
+        return {};
+    return withTenths(QCoreApplication::translate("epr::ComparePlayer", "%1%2 kHz"),
+                      (bandwidthOfB - bandwidthOfA) / 1000.0);
 }
 
 QString deckProblem(Deck deck, const QString &problem)

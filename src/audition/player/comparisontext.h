@@ -36,6 +36,16 @@ QString bitrateDelta(const TrackInfo &a, const TrackInfo &b);
 /// dash when one of them is 0, which stands for silence as well as for unknown.
 QString levelDelta(float peakOfA, float peakOfB);
 
+/// The same of two levels that are in decibels already.
+QString decibelDelta(double levelOfA, double levelOfB);
+
+/// How much later in its file B has the same moment: "start +1.40 s"; nothing for none.
+QString startDelta(qint64 bLaterMs);
+
+/// "-2.1 LU" of two loudnesses in LUFS, and "-4.5 kHz" of two bandwidths in Hz; nothing when one of them is not known.
+QString loudnessDelta(double loudnessOfA, double loudnessOfB);
+QString bandwidthDelta(qint32 bandwidthOfA, qint32 bandwidthOfB);
+
 /// For the log: why a deck stays silent, and why it has no waveform.
 QString deckProblem(Deck deck, const QString &problem);
 QString previewProblem(const QString &problem);

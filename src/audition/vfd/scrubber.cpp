@@ -90,7 +90,11 @@ QString Scrubber::valueText() const
 {
     if (!isSeekable())
         return caption();
-    return tr("%1 of %2").arg(positionText(std::min(m_positionMs, m_durationMs)), positionText(m_durationMs));
+    const QString place =
+        tr("%1 of %2").arg(positionText(std::min(m_positionMs, m_durationMs)), positionText(m_durationMs));
+    return m_marks.isEmpty()
+        ? place
+        : tr("%1, %2").arg(place, tr("%n difference(s)", nullptr, static_cast<int>(m_marks.size())));
 }
 
 QSize Scrubber::sizeHint() const
@@ -108,6 +112,7 @@ void Scrubber::clear()
     m_durationMs = 0;
     m_positionMs = 0;
     m_isDragging = false;
+    m_marks.clear();
     setState(State::NoSignal);
 }
 
@@ -120,6 +125,12 @@ void Scrubber::setEnvelope(const Envelope &envelope)
 {
     setState(State::Ready);
     m_envelope = envelope;
+}
+
+void Scrubber::setMarks(const QList<std::pair<qint64, qint64>> &spansMs)
+{
+    m_marks = spansMs;
+    update();
 }
 
 void Scrubber::setUnavailable()
@@ -269,8 +280,10 @@ void Scrubber::paintEvent(QPaintEvent *)
     painter.drawPixmap(0, 0, m_glass.pictureFor(*this, drawGlass));
     if (m_state == State::Ready)
         paintWaves(painter);
-    if (isSeekable())
+    if (isSeekable()) {
+        paintMarks(painter);
         paintCursor(painter);
+    }
     painter.setOpacity(1);
     paintCaption(painter);
     if (isSeekable())
@@ -291,6 +304,28 @@ void Scrubber::paintWaves(QPainter &painter)
     painter.setClipRect(QRectF(x, 0, width() - x, height()));
     painter.drawPixmap(0, 0, drawn(m_unplayed, colour::waveUnplayed));
     painter.setClipping(false);
+}
+
+// A tint over the wave, with bars above and below where no wave gets to: these are seen without colour too, and are
+// wide enough where the stretch itself is a pixel.
+void Scrubber::paintMarks(QPainter &painter) const
+{
+    constexpr qreal leastBar = 3;
+    constexpr qreal barHeight = 3;
+    const auto xOf = [this](qint64 ms) {
+        return static_cast<qreal>(std::clamp<qint64>(ms, 0, m_durationMs)) * (width() - 1)
+            / static_cast<qreal>(m_durationMs);
+    };
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    for (const auto &[startMs, endMs] : m_marks) {
+        const qreal left = std::floor(xOf(startMs));
+        const qreal spanWidth = std::max(std::ceil(xOf(endMs)) - left, 1.0);
+        const qreal barWidth = std::max(spanWidth, leastBar);
+        const qreal bar = std::clamp(left - (barWidth - spanWidth) / 2, 0.0, std::max(width() - barWidth, 0.0));
+        painter.fillRect(QRectF(left, 1, spanWidth, height() - 2), withAlpha(colour::mark, 70));
+        painter.fillRect(QRectF(bar, 1, barWidth, barHeight), colour::mark);
+        painter.fillRect(QRectF(bar, height() - 1 - barHeight, barWidth, barHeight), colour::mark);
+    }
 }
 
 void Scrubber::paintCaption(QPainter &painter) const

@@ -7,6 +7,8 @@
 
 #include <QWidget>
 
+#include <utility>
+
 namespace epr::vfd {
 
 /// The waveform of a deck with its play position. A click, a drag or a key asks for a new one; the cursor goes there at
@@ -24,13 +26,16 @@ public:
     qint64 durationMs() const { return m_durationMs; }
     qint64 positionMs() const { return m_positionMs; }
     qint64 positionAt(qreal x) const; ///< the left edge is 0, the last pixel the duration
-    QString valueText() const; ///< "0:01:23 of 0:04:05", or what is shown instead of a waveform
+    QString valueText()
+        const; ///< "0:01:23 of 0:04:05", with how many differences are marked, or what is shown instead of a waveform
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
     void clear(); ///< no file: forgets waveform, duration and position
     void setAnalysing();
     void setEnvelope(const Envelope &envelope);
+    void setMarks(
+        const QList<std::pair<qint64, qint64>> &spansMs); ///< stretches to point out, from and to; clear() forgets them
     void setUnavailable(); ///< there is a file but no waveform of it
     void setDurationMs(qint64 durationMs); ///< 0 = unknown
     void setPositionMs(qint64 positionMs); ///< passed over while the mouse holds the cursor
@@ -57,12 +62,14 @@ private:
     QString caption() const;
 
     void paintWaves(QPainter &painter);
+    void paintMarks(QPainter &painter) const;
     void paintCaption(QPainter &painter) const;
     void paintCursor(QPainter &painter) const;
     void paintHover(QPainter &painter) const;
 
     State m_state = State::NoSignal;
     Envelope m_envelope;
+    QList<std::pair<qint64, qint64>> m_marks;
     qint64 m_durationMs = 0;
     qint64 m_positionMs = 0;
     qreal m_hoverX = -1; ///< below 0 = the pointer is elsewhere

@@ -39,6 +39,7 @@ inline constexpr QColor buttonTop(42, 51, 52);
 inline constexpr QColor buttonBottom(24, 30, 31);
 
 inline constexpr QColor waveUnplayed(42, 122, 108);
+inline constexpr QColor mark(255, 190, 110); ///< where two copies differ
 inline constexpr QColor cursor(236, 255, 250);
 inline constexpr QColor focus(255, 196, 92);
 
