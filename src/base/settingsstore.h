@@ -43,6 +43,7 @@ inline constexpr Setting<QStringList> resultsColumns { "results/columns" };
 inline constexpr Setting<bool> csvMark { "reports/csvByteOrderMark" };
 inline constexpr Setting<bool> showPlayer { "audition/showPlayer", on };
 inline constexpr Setting<bool> linkDecks { "audition/linked", on };
+inline constexpr Setting<bool> sameLoudness { "audition/sameLoudness" };
 inline constexpr Setting<QString> updateUrl { "updates/url", metadata::defaultUpdateUrl };
 inline constexpr Setting<bool> checkForUpdatesOnStartup { "updates/checkOnStartup", on };
 inline constexpr Setting<QDateTime> lastUpdateCheck { "updates/lastChecked" };

@@ -180,6 +180,7 @@ struct Envelope {
     QList<float> peak; ///< the larger of left and right
     qint64 durationMs = 0; ///< 0 = unknown
     float raisedBy = 1; ///< the values are those of the sound, times this
+    double loudness = noLevel; ///< LUFS (EBU R 128) of what they cover
 
     bool operator==(const Envelope &) const = default;
 };

@@ -21,12 +21,13 @@ struct LoudnessMeter::State {
 };
 
 // As a histogram the measurement takes the same memory whatever the length, and is off by a tenth of a dB at most.
-LoudnessMeter::LoudnessMeter(int channels, int sampleRate)
+LoudnessMeter::LoudnessMeter(int channels, int sampleRate, Measure measure)
 {
     if (channels < 1 || sampleRate < 1)
         return;
+    const int mode = measure == Measure::Loudness ? EBUR128_MODE_I : EBUR128_MODE_I | EBUR128_MODE_TRUE_PEAK;
     ebur128_state *meter = ebur128_init(static_cast<unsigned>(channels), static_cast<unsigned long>(sampleRate),
-                                        EBUR128_MODE_I | EBUR128_MODE_TRUE_PEAK | EBUR128_MODE_HISTOGRAM);
+                                        mode | EBUR128_MODE_HISTOGRAM);
     if (meter == nullptr)
         return;
     m_state = std::make_unique<State>(meter);

@@ -13,7 +13,10 @@ namespace epr {
 /// loudspeakers that it will be heard from.
 class LoudnessMeter final {
 public:
-    LoudnessMeter(int channels, int sampleRate); ///< rate in Hz; what cannot be measured leaves noLevel
+    enum class Measure { Loudness, LoudnessAndTruePeak }; ///< the peak costs several times the loudness
+
+    /// Rate in Hz; what cannot be measured leaves noLevel.
+    LoudnessMeter(int channels, int sampleRate, Measure measure = Measure::LoudnessAndTruePeak);
 
     ~LoudnessMeter();
     Q_DISABLE_COPY_MOVE(LoudnessMeter)

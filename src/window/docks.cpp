@@ -115,6 +115,7 @@ PlayerDock::PlayerDock(QWidget *parent)
     , m_switch(make(tr("Switch A / B"), Qt::Key_X, tr("Cut between the two decks without losing your place."),
                     &ComparePlayer::swapMonitor))
     , m_link(new QAction(tr("Keep Decks in Sync"), this))
+    , m_sameLoudness(new QAction(tr("Same Loudness"), this))
 {
     setObjectName(u"playerDock"_s);
     setWidget(m_player);
@@ -123,6 +124,11 @@ PlayerDock::PlayerDock(QWidget *parent)
     m_link->setShortcut(Qt::CTRL | Qt::Key_L);
     connect(m_link, &QAction::toggled, m_player, &ComparePlayer::setLinked);
     connect(m_player, &ComparePlayer::linkedChanged, m_link, &QAction::setChecked);
+    m_sameLoudness->setStatusTip(tr("Turn the louder of the two copies down."));
+    m_sameLoudness->setCheckable(true);
+    m_sameLoudness->setShortcut(Qt::Key_S);
+    connect(m_sameLoudness, &QAction::toggled, m_player, &ComparePlayer::setSameLoudness);
+    connect(m_player, &ComparePlayer::sameLoudnessChanged, m_sameLoudness, &QAction::setChecked);
     toggleViewAction()->setShortcut(Qt::Key_F8);
     connect(this, &QDockWidget::visibilityChanged, this, [this](bool isVisible) { m_isInSight = isVisible; });
     // Later, because a dock that becomes a window of its own is hidden for a moment.
@@ -137,7 +143,7 @@ void PlayerDock::addCommandsTo(QMenu *menu) const
 {
     menu->addAction(m_playPause);
     menu->addSeparator();
-    menu->addActions({ m_listenToA, m_listenToB, m_switch, m_link });
+    menu->addActions({ m_listenToA, m_listenToB, m_switch, m_link, m_sameLoudness });
 }
 
 void PlayerDock::load(Deck deck, const TrackInfo &track)

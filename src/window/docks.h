@@ -62,6 +62,7 @@ private:
     QAction *m_listenToB;
     QAction *m_switch;
     QAction *m_link;
+    QAction *m_sameLoudness;
 };
 
 } // namespace epr

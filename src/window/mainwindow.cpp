@@ -350,6 +350,7 @@ void MainWindow::restoreSettings()
     const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();
     m_playerDock->setVisible(store.value(settings::showPlayer) && hasRoom);
     m_playerDock->player()->setLinked(store.value(settings::linkDecks));
+    m_playerDock->player()->setSameLoudness(store.value(settings::sameLoudness));
 }
 
 void MainWindow::connectScan()
@@ -408,6 +409,7 @@ void MainWindow::saveSettings() const
     store.set(settings::quarantineRoot, m_quarantineRoot);
     store.set(settings::showPlayer, !m_playerDock->isHidden());
     store.set(settings::linkDecks, m_playerDock->player()->isLinked());
+    store.set(settings::sameLoudness, m_playerDock->player()->hasSameLoudness());
 }
 
 void MainWindow::setScanning(bool scanning)

@@ -19,7 +19,11 @@ struct FakeDeck final : DeckPlayback {
     bool hasEnded() const override { return at >= length; }
     bool hasFailed() const override { return false; }
     void setSource(const QString &path) override { source = path, at = 0, playing = false; }
-    void play() override { playing = !source.isEmpty(), at = hasEnded() ? 0 : at; }
+    void play() override
+    {
+        playing = !source.isEmpty(), at = hasEnded() ? 0 : at;
+        Q_EMIT playingChanged();
+    }
     void pause() override { playing = false; }
     void stop() override { at = 0, playing = false; }
     void setPosition(qint64 ms) override { at = std::min(ms, length), playing = playing && at < length; }
@@ -158,6 +162,30 @@ private Q_SLOTS:
             QCOMPARE(fake.source, seen.player->track(deck).path);
         }
         QCOMPARE(told, story);
+    }
+
+    // Steps of half a decibel while it plays.
+    void theLouderCopyIsTurnedDown()
+    {
+        Story seen;
+        for (const QString &command : { u"loadA"_s, u"loadB"_s, u"play"_s })
+            seen.run(command);
+        SoundMeasures loud;
+        loud.loudness = -8;
+        SoundMeasures soft;
+        soft.loudness = -14;
+        seen.player->setSameLoudness(true);
+        seen.player->showMeasures(Deck::A, loud);
+        QCOMPARE(seen.decks.a->volume, 1.0F); // the other's is not known
+        seen.player->showMeasures(Deck::B, soft);
+        QVERIFY(seen.decks.a->volume > 0.9F && seen.decks.a->volume < 0.95F);
+        QTRY_COMPARE(std::lround(1000 * seen.decks.a->volume), 501);
+        seen.run(u"monitorB"_s);
+        QVERIFY(seen.decks.a->volume == 0.0F && seen.decks.b->volume == 1.0F); // never louder than the file
+        seen.player->pause();
+        seen.player->setSameLoudness(false);
+        seen.run(u"monitorA"_s);
+        QCOMPARE(seen.decks.a->volume, 1.0F);
     }
 
     void drift_data()

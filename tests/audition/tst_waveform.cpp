@@ -169,6 +169,25 @@ private Q_SLOTS:
             QCOMPARE(spied.loaded.value(deck).value(1).value<Envelope>().peak.size(), 75);
     }
 
+    // Of a square wave, and of one that has half its level.
+    void measuresLoudness()
+    {
+        Spied spied;
+        for (const int deck : { 0, 1 }) {
+            const int swing = 64 >> deck;
+            const QByteArray period =
+                QByteArray(8, static_cast<char>(128 + swing)) + QByteArray(8, static_cast<char>(128 - swing));
+            QByteArray file = test::waveOf('\0', 3);
+            const qsizetype samples = 3 * 8000;
+            file.replace(file.size() - samples, samples, period.repeated(samples / period.size()));
+            test::writeFile(m_dir.filePath(u"square.wav"_s), file);
+            spied.loader.request(deck, m_dir.filePath(u"square.wav"_s));
+            QTRY_COMPARE(spied.loaded.size(), deck + 1);
+        }
+        const auto loudness = [&](int deck) { return spied.loaded.at(deck).at(1).value<Envelope>().loudness; };
+        QVERIFY2(std::abs(loudness(0) - loudness(1) - 6.02) < 0.15, qPrintable(QString::number(loudness(0))));
+    }
+
     void whoeverWaitsFindsTheFileClosed()
     {
         const QString path = wave(u"hour.wav"_s, 3600, 0);

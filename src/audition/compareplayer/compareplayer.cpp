@@ -41,8 +41,9 @@ ComparePlayer::ComparePlayer(Playbacks playbacks, QWidget *parent)
     createViews();
     connectTransport();
     connectPreviews();
-    for (const Deck deck : bothDecks) {
+    for (const Deck deck : bothDecks)
         m_sides[deck].playback = std::move(playbacks[deck]);
+    for (const Deck deck : bothDecks) {
         connectDeck(deck);
         showTrack(deck);
     }
@@ -72,8 +73,7 @@ void ComparePlayer::load(Deck deck, const TrackInfo &track)
         setOffset({});
     const bool isToPlay = !side.waits && (side.playback->isPlaying() || (m_linked && isAnyPlaying()));
     side.track = track;
-    side.peak = 0;
-    side.measures = {};
+    side.forgetSound();
     side.awaitsPreview = true;
     side.view->setProblem({});
     side.playback->setSource(track.path);
@@ -104,8 +104,7 @@ void ComparePlayer::clear(Deck deck)
     side.playback->stop();
     side.playback->setSource({});
     side.track = {};
-    side.peak = 0;
-    side.measures = {};
+    side.forgetSound();
     side.awaitsPreview = false;
     side.view->setProblem({});
     m_previews.cancel(static_cast<int>(deck));
@@ -193,6 +192,7 @@ void ComparePlayer::showMeasures(Deck deck, const SoundMeasures &measures)
 {
     m_sides[deck].measures = measures;
     showDeltas();
+    turnDown();
 }
 
 void ComparePlayer::setKept(Deck deck, bool kept)
@@ -214,6 +214,15 @@ void ComparePlayer::setLinked(bool linked)
     m_transport->setLinked(linked);
     if (hasChanged)
         Q_EMIT linkedChanged(linked);
+}
+
+void ComparePlayer::setSameLoudness(bool same)
+{
+    const bool hasChanged = std::exchange(m_sameLoudness, same) != same;
+    m_transport->setSameLoudness(same);
+    turnDown();
+    if (hasChanged)
+        Q_EMIT sameLoudnessChanged(same);
 }
 
 // A correction interrupts the deck for as long as its engine takes to seek, so it has to be worth it. The limit is a
@@ -284,6 +293,7 @@ void ComparePlayer::connectTransport()
     connect(m_transport, &TransportView::playPauseRequested, this, &ComparePlayer::playPause);
     connect(m_transport, &TransportView::stopRequested, this, &ComparePlayer::stop);
     connect(m_transport, &TransportView::linkRequested, this, &ComparePlayer::setLinked);
+    connect(m_transport, &TransportView::sameLoudnessRequested, this, &ComparePlayer::setSameLoudness);
     connect(m_transport, &TransportView::monitorRequested, this, &ComparePlayer::setMonitor);
 }
 
@@ -306,7 +316,9 @@ void ComparePlayer::connectPreviews()
         side.awaitsPreview = false;
         side.view->setEnvelope(envelope);
         side.peak = *std::max_element(envelope.peak.begin(), envelope.peak.end()) / envelope.raisedBy;
+        side.previewLoudness = envelope.loudness;
         showDeltas();
+        turnDown();
     });
     connect(&m_previews, &WaveformLoader::failed, this,
             [this](int deck, const QString &error) { giveUpPreview(static_cast<Deck>(deck), error); });
@@ -326,9 +338,31 @@ void ComparePlayer::setMonitor(Deck deck)
 void ComparePlayer::showMonitor()
 {
     m_transport->setMonitor(m_monitor);
-    for (const Deck deck : bothDecks) {
-        m_sides[deck].playback->setVolume(deck == m_monitor ? 1.0F : 0.0F);
+    for (const Deck deck : bothDecks)
         m_sides[deck].view->setMonitored(deck == m_monitor);
+    setVolumes();
+}
+
+// By half a decibel at a time while something plays, so that what is heard does not jump.
+void ComparePlayer::turnDown()
+{
+    constexpr double stepDb = 0.5;
+    for (const Deck deck : bothDecks) {
+        Side &side = m_sides[deck];
+        const double louderBy = side.loudness() - m_sides[otherDeck(deck)].loudness();
+        const double wantedDb = m_sameLoudness && std::isfinite(louderBy) ? std::max(louderBy, 0.0) : 0.0;
+        const double nowDb = side.turnedDownBy;
+        side.turnedDownBy = isAnyPlaying() ? std::clamp(wantedDb, nowDb - stepDb, nowDb + stepDb) : wantedDb;
+        side.view->setTurnedDown(wantedDb);
+    }
+    setVolumes();
+}
+
+void ComparePlayer::setVolumes()
+{
+    for (const Deck deck : bothDecks) {
+        const double gain = std::pow(10, -m_sides[deck].turnedDownBy / 20);
+        m_sides[deck].playback->setVolume(deck == m_monitor ? static_cast<float>(gain) : 0.0F);
     }
 }
 
@@ -341,6 +375,7 @@ void ComparePlayer::showTrack(Deck deck)
         side.view->setDurationMs(side.playback->duration());
     side.view->setPositionMs(side.playback->position());
     showDeltas();
+    turnDown();
     Q_EMIT tracksChanged();
 }
 
@@ -362,6 +397,7 @@ void ComparePlayer::showDeltas()
 void ComparePlayer::levelTick()
 {
     joinLeader();
+    turnDown();
     for (const Deck deck : bothDecks) {
         if (m_sides[deck].playback->isPlaying())
             m_sides[deck].view->showLevelsAt(m_sides[deck].playback->position());

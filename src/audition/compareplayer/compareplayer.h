@@ -35,6 +35,7 @@ public:
     ~ComparePlayer() override;
 
     bool isLinked() const { return m_linked; }
+    bool hasSameLoudness() const { return m_sameLoudness; }
     Deck monitor() const { return m_monitor; }
     const TrackInfo &track(Deck deck) const { return m_sides[deck].track; } ///< the empty record = none
     const DeckPlayback &playback(Deck deck) const { return *m_sides[deck].playback; }
@@ -66,6 +67,9 @@ public Q_SLOTS:
     void monitorDeckB() { setMonitor(Deck::B); }
     void swapMonitor() { setMonitor(otherDeck(m_monitor)); }
     void setLinked(bool linked);
+    /// Turns the louder of two copies down to the other's loudness (EBU R 128), once both are known. What the decks
+    /// show stays that of the files.
+    void setSameLoudness(bool same);
     /// Called once a second while linked: takes the deck that is not monitored back to the one that is when they have
     /// drifted apart. The monitored one is never moved, so that what is heard does not jump.
     void syncTick();
@@ -73,6 +77,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     void logMessage(const QString &message);
     void linkedChanged(bool linked);
+    void sameLoudnessChanged(bool same);
     void tracksChanged(); ///< a deck was loaded or cleared
 
 private:
@@ -84,6 +89,11 @@ private:
         bool waits = false; ///< at its start, until the linked deck that plays gets to what it starts with
         float peak = 0; ///< of full scale, 0 = unknown
         SoundMeasures measures;
+        double previewLoudness = noLevel; ///< LUFS of what the waveform shows, 40 minutes at most
+        double turnedDownBy = 0; ///< dB, at the moment
+
+        void forgetSound() { peak = 0, measures = {}, previewLoudness = noLevel, turnedDownBy = 0; }
+        double loudness() const { return measures.loudness > noLevel ? measures.loudness : previewLoudness; }
 
         bool hasFile() const { return !track.path.isEmpty(); }
     };
@@ -101,6 +111,8 @@ private:
     void joinLeader();
     void setMonitor(Deck deck);
     void showMonitor();
+    void turnDown();
+    void setVolumes();
     void showTrack(Deck deck);
     void showDeltas();
     void levelTick();
@@ -113,6 +125,7 @@ private:
     TransportView *m_transport = nullptr;
     Deck m_monitor = Deck::A;
     bool m_linked = false;
+    bool m_sameLoudness = false;
     std::optional<qint64> m_offsetMs; ///< of B
     QTimer m_syncTimer;
     QTimer m_levelTimer; ///< runs while a deck plays

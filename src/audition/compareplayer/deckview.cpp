@@ -51,6 +51,13 @@ void DeckView::setKept(bool kept)
     m_kept->setVisible(kept);
 }
 
+void DeckView::setTurnedDown(double db)
+{
+    constexpr double least = 0.05; // what is shown as more than nothing
+    m_turnedDown->setText(db < least ? QString() : comparisontext::decibelDelta(db, 0));
+    m_turnedDown->setVisible(db >= least);
+}
+
 void DeckView::setEnvelope(const Envelope &envelope)
 {
     m_envelope = envelope;
@@ -117,6 +124,10 @@ void DeckView::createWidgets()
     m_kept->setObjectName(u"deckKept"_s);
     m_kept->setText(tr("KEEP"));
     m_kept->hide();
+    m_turnedDown = new vfd::Badge(this);
+    m_turnedDown->setObjectName(u"deckTurnedDown"_s);
+    m_turnedDown->setToolTip(tr("This copy is the louder one, and turned down by so much."));
+    m_turnedDown->hide();
     m_file = createSmallLabel(u"deckFile"_s);
     m_file->setElideMode(Qt::ElideMiddle);
     m_folder = createSmallLabel(u"deckFolder"_s);
@@ -158,6 +169,7 @@ void DeckView::layOutWidgets()
     auto *texts = new QHBoxLayout;
     texts->addWidget(m_heading);
     texts->addWidget(m_kept);
+    texts->addWidget(m_turnedDown);
     texts->addWidget(m_title, 3);
     texts->addWidget(m_levels, 1);
     auto *place = new QHBoxLayout;

@@ -28,6 +28,7 @@ public:
 
     void setTrack(const TrackInfo &track); ///< the empty record = no file
     void setKept(bool kept); ///< marks the file as the copy to keep
+    void setTurnedDown(double db); ///< that it is heard so much softer than the file is
     void setEnvelope(const Envelope &envelope);
     void setMarks(const QList<std::pair<qint64, qint64>> &spansMs); ///< stretches to point out, until the next track
     void setPreviewUnavailable();
@@ -56,6 +57,7 @@ private:
     Envelope m_envelope;
     vfd::ElidingLabel *m_heading = nullptr;
     vfd::Badge *m_kept = nullptr;
+    vfd::Badge *m_turnedDown = nullptr;
     vfd::ElidingLabel *m_title = nullptr;
     vfd::ElidingLabel *m_file = nullptr;
     vfd::ElidingLabel *m_folder = nullptr;

@@ -37,6 +37,11 @@ void TransportView::setLinked(bool linked)
     m_link->setLit(linked);
 }
 
+void TransportView::setSameLoudness(bool same)
+{
+    m_loudness->setLit(same);
+}
+
 void TransportView::setMonitor(Deck deck)
 {
     for (const Deck each : bothDecks)
@@ -77,6 +82,13 @@ void TransportView::createLamps()
     m_link->setToolTip(tr("Keep both decks at the same position so the A/B switch\ncompares the same moment of the "
                           "recording."));
     connect(m_link, &vfd::Lamp::clicked, this, [this] { Q_EMIT linkRequested(!m_link->isLit()); });
+    m_loudness = new vfd::Lamp(tr("LEVEL"), this);
+    m_loudness->setObjectName(u"loudnessLamp"_s);
+    m_loudness->setAccessibleName(tr("Same loudness"));
+    m_loudness->setToolTip(
+        tr("Same loudness: turn the louder copy down, so that the louder one does not\nseem the better "
+           "one (shortcut: S)."));
+    connect(m_loudness, &vfd::Lamp::clicked, this, [this] { Q_EMIT sameLoudnessRequested(!m_loudness->isLit()); });
     for (const Deck deck : bothDecks) {
         const QString name = comparisontext::deckName(deck);
         auto *lamp = new vfd::Lamp(name, this);
@@ -127,17 +139,18 @@ void TransportView::layOutWidgets()
         moreDeltas->addWidget(badge, 1);
     m_rows = new QGridLayout(this);
     m_rows->setHorizontalSpacing(6);
-    constexpr int columns = 6; // three buttons in the first row, pairs below
-    m_rows->addWidget(m_play, 0, 0, 1, 2);
-    m_rows->addWidget(m_stop, 0, 2, 1, 2);
-    m_rows->addWidget(m_link, 0, 4, 1, 2);
+    constexpr int columns = 12; // four buttons in the first row, the monitor's below
+    constexpr int quarter = columns / 4;
+    int column = 0;
+    for (vfd::Lamp *lamp : { m_play, m_stop, m_link, m_loudness })
+        m_rows->addWidget(lamp, 0, quarter * column++, 1, quarter);
     m_rows->addWidget(caption, 1, 0, 1, columns);
-    m_rows->addWidget(m_monitorLamps.a, 2, 0, 1, 3);
-    m_rows->addWidget(m_monitorLamps.b, 2, 3, 1, 3);
+    m_rows->addWidget(m_monitorLamps.a, 2, 0, 1, columns / 2);
+    m_rows->addWidget(m_monitorLamps.b, 2, columns / 2, 1, columns / 2);
     m_rows->addLayout(deltas, 3, 0, 1, columns);
     m_rows->addLayout(moreDeltas, 4, 0, 1, columns);
-    for (int column = 0; column < columns; ++column)
-        m_rows->setColumnStretch(column, 1);
+    for (int each = 0; each < columns; ++each)
+        m_rows->setColumnStretch(each, 1);
     m_rows->setRowStretch(1, 1);
 }
 

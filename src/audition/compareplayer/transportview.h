@@ -33,6 +33,7 @@ public:
 
     void setPlaying(bool playing);
     void setLinked(bool linked);
+    void setSameLoudness(bool same);
     void setMonitor(Deck deck);
     void setDeltas(const Deltas &deltas);
 
@@ -40,6 +41,7 @@ Q_SIGNALS:
     void playPauseRequested();
     void stopRequested();
     void linkRequested(bool linked);
+    void sameLoudnessRequested(bool same);
     void monitorRequested(epr::Deck deck);
 
 private:
@@ -51,6 +53,7 @@ private:
     vfd::Lamp *m_play = nullptr;
     vfd::Lamp *m_stop = nullptr;
     vfd::Lamp *m_link = nullptr;
+    vfd::Lamp *m_loudness = nullptr;
     PerDeck<vfd::Lamp *> m_monitorLamps;
     vfd::Badge *m_durationDelta = nullptr;
     vfd::Badge *m_bitrateDelta = nullptr;

@@ -3,6 +3,8 @@
 #include "waveformloader.h"
 
 #include "backgroundwork.h"
+#include "decoding.h"
+#include "loudness.h"
 #include "mediabackend.h"
 
 #include <QAudioBuffer>
@@ -132,6 +134,31 @@ Envelope EnvelopeBuilder::take()
     return envelope;
 }
 
+/// Measures the loudness of buffers of the first one's rate and number of channels.
+class BufferLoudness final {
+public:
+    void add(const QAudioBuffer &buffer)
+    {
+        const QAudioFormat format = buffer.format();
+        if (!m_meter) {
+            m_format = format;
+            m_meter.emplace(format.channelCount(), format.sampleRate(), LoudnessMeter::Measure::Loudness);
+        }
+        if (format != m_format)
+            return;
+        QList<float> samples = interleavedSamples(buffer);
+        std::replace_if(
+            samples.begin(), samples.end(), [](float sample) { return !std::isfinite(sample); }, 0.0F);
+        m_meter->add(samples);
+    }
+
+    [[nodiscard]] double loudness() const { return m_meter ? m_meter->loudness() : noLevel; }
+
+private:
+    QAudioFormat m_format;
+    std::optional<LoudnessMeter> m_meter;
+};
+
 /// The one file that the loader's thread has open, for whoever has to wait until it is closed.
 class OpenPreview final {
 public:
@@ -204,11 +231,13 @@ private:
         if (!isWanted(request))
             return;
         EnvelopeBuilder builder;
+        BufferLoudness loudness;
         FileDecoding decoding(
             [&](const QAudioBuffer &buffer) {
                 if (!isWanted(request))
                     return false;
                 builder.add(buffer);
+                loudness.add(buffer);
                 return !builder.isFull();
             },
             m_watchdogMs);
@@ -220,6 +249,7 @@ private:
             return;
         Envelope envelope = builder.take();
         envelope.durationMs = decoding.durationMs();
+        envelope.loudness = loudness.loudness();
         Q_EMIT decoded(request, envelope, decoding.error());
     }
 
