@@ -10,6 +10,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <span>
 
 namespace epr {
 
@@ -40,9 +41,7 @@ const QString &containers()
 
 QStringList arguments(const DecodeRequest &request)
 {
-    QStringList list { u"-nostdin"_s,  u"-loglevel"_s,         u"error"_s,   u"-protocol_whitelist"_s,
-                       u"file,pipe"_s, u"-format_whitelist"_s, containers(), u"-i"_s,
-                       request.path };
+    QStringList list = ffmpegInput(request.path);
     if (request.seconds > 0)
         list << u"-t"_s << QString::number(request.seconds);
     return list << u"-ac"_s << u"1"_s << u"-ar"_s << QString::number(request.sampleRate) << u"-f"_s << u"f32le"_s
@@ -102,22 +101,23 @@ float scaled(float value)
     return value;
 }
 
-template <typename Sample> QList<float> mixed(const QAudioBuffer &buffer)
+template <typename Sample> QList<float> scaledSamples(const QAudioBuffer &buffer)
 {
-    const int channels = buffer.format().channelCount();
-    const float share = 1.0F / static_cast<float>(channels);
-    const Sample *sample = buffer.constData<Sample>();
-    QList<float> mono(buffer.frameCount());
-    for (float &value : mono) {
-        float sum = 0.0F;
-        for (int channel = 0; channel < channels; ++channel)
-            sum += scaled(*sample++);
-        value = sum * share;
-    }
-    return mono;
+    const std::span<const Sample> source(buffer.constData<Sample>(), static_cast<std::size_t>(buffer.sampleCount()));
+    QList<float> samples(buffer.sampleCount());
+    std::ranges::transform(source, samples.begin(), [](Sample sample) { return scaled(sample); });
+    return samples;
 }
 
 } // namespace
+
+QStringList ffmpegInput(const QString &path)
+{
+    return {
+        u"-nostdin"_s, u"-loglevel"_s, u"error"_s, u"-protocol_whitelist"_s, u"file,pipe"_s, u"-format_whitelist"_s,
+        containers(),  u"-i"_s,        path
+    };
+}
 
 tl::expected<QList<float>, ToolFailure> decodeWithFfmpegTool(const QString &tool, const DecodeRequest &request,
                                                              const ToolTimeouts &timeouts)
@@ -171,22 +171,37 @@ bool decodeWithFfmpeg(const QString &path, int sampleRate, int seconds, QList<fl
     return true;
 }
 
-QList<float> monoSamples(const QAudioBuffer &buffer)
+QList<float> interleavedSamples(const QAudioBuffer &buffer)
 {
-    if (buffer.format().channelCount() <= 0 || buffer.frameCount() <= 0)
-        return {};
     switch (buffer.format().sampleFormat()) {
     case QAudioFormat::UInt8:
-        return mixed<quint8>(buffer);
+        return scaledSamples<quint8>(buffer);
     case QAudioFormat::Int16:
-        return mixed<qint16>(buffer);
+        return scaledSamples<qint16>(buffer);
     case QAudioFormat::Int32:
-        return mixed<qint32>(buffer);
+        return scaledSamples<qint32>(buffer);
     case QAudioFormat::Float:
-        return mixed<float>(buffer);
+        return scaledSamples<float>(buffer);
     default:
         return {};
     }
+}
+
+QList<float> monoSamples(const QAudioBuffer &buffer)
+{
+    const int channels = buffer.format().channelCount();
+    if (channels <= 0 || buffer.frameCount() <= 0)
+        return {};
+    const QList<float> samples = interleavedSamples(buffer);
+    const float share = 1.0F / static_cast<float>(channels);
+    QList<float> mono(samples.size() / channels);
+    for (auto sample = samples.cbegin(); float &value : mono) {
+        float sum = 0.0F;
+        for (int channel = 0; channel < channels; ++channel)
+            sum += *sample++;
+        value = sum * share;
+    }
+    return mono;
 }
 
 QtDecodeLimits qtDecodeLimits(int seconds)

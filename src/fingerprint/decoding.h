@@ -20,6 +20,9 @@ QString findFfmpeg();
 QString ffmpegPath();
 bool hasFfmpeg();
 
+/// What ffmpeg is told about a file that it shall read: to open nothing else, and to say of errors alone.
+QStringList ffmpegInput(const QString &path);
+
 /// Decodes the first seconds of a file, all of it when seconds is below 1, to mono samples at sampleRate Hz. True on
 /// success, with error empty and durationMs that of the samples; on failure only error is set, and hasRefused when it
 /// was ffmpeg itself that found no audio in the file. Blocks the thread.
@@ -58,6 +61,9 @@ struct QtDecodeOutcome {
 
 /// The same with given limits.
 QtDecodeOutcome decodeWithQt(const QString &path, const QtDecodeLimits &limits, Analyser &analyser);
+
+/// The samples of a buffer, -1 to 1, the channels in turn. Empty for a sample format that is not known here.
+QList<float> interleavedSamples(const QAudioBuffer &buffer);
 
 /// Mixes interleaved samples of a buffer down to mono, -1 to 1: the mean of the channels. Empty when the buffer has no
 /// frames or a sample format that is not known here.

@@ -72,8 +72,14 @@ RunningTool::RunningTool(const ToolRun &run)
     : m_run(run)
 {
     m_output.reserve(run.expectedBytes);
-    if (run.take)
+    if (run.take && run.messages == nullptr)
         m_process->setProcessChannelMode(QProcess::MergedChannels);
+#ifdef Q_OS_WIN
+    constexpr unsigned long belowNormal = 0x4000; // BELOW_NORMAL_PRIORITY_CLASS
+    if (run.isLowPriority)
+        m_process->setCreateProcessArgumentsModifier(
+            [](QProcess::CreateProcessArguments *arguments) { arguments->flags |= belowNormal; });
+#endif
     QObject::connect(m_process.get(), &QProcess::readyReadStandardOutput, [this] { takeOutput(); });
     QObject::connect(m_process.get(), &QProcess::readyReadStandardError, [this] { takeMessages(); });
 }
@@ -106,8 +112,10 @@ tl::expected<QByteArray, ToolFailure> RunningTool::waitForOutput()
     if (!m_verdict.isEmpty())
         m_process->waitForFinished(m_run.timeouts.killMs);
     takeOutput();
-    if (!m_run.take) // which gets the messages as well
+    if (!m_run.take || m_run.messages != nullptr) // take() gets the messages as well
         takeMessages();
+    if (m_run.messages != nullptr)
+        *m_run.messages = m_messages;
     const bool isDone = m_process->exitStatus() == QProcess::NormalExit && m_process->exitCode() == 0;
     if (m_verdict.isEmpty() && isDone)
         return m_output;

@@ -53,6 +53,8 @@ struct ToolRun {
     /// For a tool that writes results one by one: gets what it wrote, messages in their place between, as it comes, and
     /// takes away the results in it. Each result has waitMs and maxBytes to itself. False ends the tool.
     std::function<bool(QByteArray &unread)> take = {};
+    QByteArray *messages = nullptr; ///< gets them, 64 KiB at most, and take() none of them
+    bool isLowPriority = false; ///< on Windows; elsewhere a tool has the priority of the thread that starts it
 };
 
 /// Why a tool gave nothing.
