@@ -35,6 +35,16 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
     </message>
 </context>
 <context>
+    <name>epr::DifferenceMaker</name>
+    <message numerus="yes">
+        <source>The difference of files of more than %n minute(s) is not made.</source>
+        <translation>
+            <numerusform>The difference of files of more than %n minute is not made.</numerusform>
+            <numerusform>The difference of files of more than %n minutes is not made.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::MainWindow</name>
     <message numerus="yes">
         <source>incomplete: %n folder(s) could not be read</source>

@@ -112,6 +112,9 @@ PlayerDock::PlayerDock(QWidget *parent)
                        &ComparePlayer::monitorDeckA))
     , m_listenToB(make(tr("Listen to Deck B"), Qt::Key_B, tr("Hear deck B. Deck A plays on without sound."),
                        &ComparePlayer::monitorDeckB))
+    , m_listenToDifference(make(tr("Listen to the Difference"), Qt::Key_D,
+                                tr("Hear what is left of deck A when deck B is taken away."),
+                                &ComparePlayer::monitorDifference))
     , m_switch(make(tr("Switch A / B"), Qt::Key_X, tr("Cut between the two decks without losing your place."),
                     &ComparePlayer::swapMonitor))
     , m_link(new QAction(tr("Keep Decks in Sync"), this))
@@ -143,7 +146,7 @@ void PlayerDock::addCommandsTo(QMenu *menu) const
 {
     menu->addAction(m_playPause);
     menu->addSeparator();
-    menu->addActions({ m_listenToA, m_listenToB, m_switch, m_link, m_sameLoudness });
+    menu->addActions({ m_listenToA, m_listenToB, m_listenToDifference, m_switch, m_link, m_sameLoudness });
 }
 
 void PlayerDock::load(Deck deck, const TrackInfo &track)

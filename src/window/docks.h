@@ -60,6 +60,7 @@ private:
     QAction *m_playPause;
     QAction *m_listenToA;
     QAction *m_listenToB;
+    QAction *m_listenToDifference;
     QAction *m_switch;
     QAction *m_link;
     QAction *m_sameLoudness;

@@ -4,6 +4,7 @@
 
 #include "comparisontext.h"
 #include "deckview.h"
+#include "differencemonitor.h"
 #include "mediadeck.h"
 #include "transportview.h"
 
@@ -37,6 +38,7 @@ ComparePlayer::ComparePlayer(QWidget *parent)
 
 ComparePlayer::ComparePlayer(Playbacks playbacks, QWidget *parent)
     : QWidget(parent)
+    , m_difference(new DifferenceMonitor(this))
 {
     createViews();
     connectTransport();
@@ -69,8 +71,10 @@ void ComparePlayer::load(Deck deck, const TrackInfo &track)
     Side &side = m_sides[deck];
     const bool isSame = side.track.path == track.path;
     const qint64 positionMs = side.playback->position();
-    if (!isSame)
+    if (!isSame) {
         setOffset({});
+        m_difference->forget();
+    }
     const bool isToPlay = !side.waits && (side.playback->isPlaying() || (m_linked && isAnyPlaying()));
     side.track = track;
     side.forgetSound();
@@ -100,6 +104,7 @@ void ComparePlayer::loadIntoFreeDeck(const TrackInfo &track)
 void ComparePlayer::clear(Deck deck)
 {
     setOffset({});
+    m_difference->forget();
     Side &side = m_sides[deck];
     side.playback->stop();
     side.playback->setSource({});
@@ -115,6 +120,7 @@ void ComparePlayer::release(const QStringList &paths)
 {
     clearWhere([&paths](const QString &path) { return paths.contains(path); });
     m_previews.awaitClosed(paths);
+    static_cast<void>(m_difference->awaitClosed());
 }
 
 void ComparePlayer::clearVanished()
@@ -295,6 +301,12 @@ void ComparePlayer::connectTransport()
     connect(m_transport, &TransportView::linkRequested, this, &ComparePlayer::setLinked);
     connect(m_transport, &TransportView::sameLoudnessRequested, this, &ComparePlayer::setSameLoudness);
     connect(m_transport, &TransportView::monitorRequested, this, &ComparePlayer::setMonitor);
+    connect(m_transport, &TransportView::differenceRequested, this, &ComparePlayer::monitorDifference);
+    connect(m_difference, &DifferenceMonitor::changed, this, &ComparePlayer::showDifference);
+    connect(m_difference, &DifferenceMonitor::failed, this, [this](const QString &error) {
+        m_sides.b.view->setProblem(error);
+        Q_EMIT logMessage(comparisontext::differenceProblem(error));
+    });
 }
 
 void ComparePlayer::connectDeck(Deck deck)
@@ -331,13 +343,31 @@ bool ComparePlayer::isAnyPlaying() const
 
 void ComparePlayer::setMonitor(Deck deck)
 {
+    m_difference->leave();
     if (std::exchange(m_monitor, deck) != deck)
         showMonitor();
 }
 
+void ComparePlayer::monitorDifference()
+{
+    if (!areBothLoaded())
+        return;
+    m_difference->listen({ { m_sides.a.track.path, m_sides.b.track.path },
+                           { m_sides.a.track.stream.sampleRate, m_sides.b.track.stream.sampleRate },
+                           m_offsetMs.value_or(0) });
+}
+
+void ComparePlayer::showDifference()
+{
+    m_transport->setDifference(m_difference->isPreparing(),
+                               m_difference->isHeard() ? m_difference->remainderDb() : std::nullopt);
+    showMonitor();
+    levelTick();
+}
+
 void ComparePlayer::showMonitor()
 {
-    m_transport->setMonitor(m_monitor);
+    m_transport->setMonitor(m_difference->isHeard() ? std::nullopt : std::optional(m_monitor));
     for (const Deck deck : bothDecks)
         m_sides[deck].view->setMonitored(deck == m_monitor);
     setVolumes();
@@ -361,8 +391,9 @@ void ComparePlayer::turnDown()
 void ComparePlayer::setVolumes()
 {
     for (const Deck deck : bothDecks) {
+        const bool isHeard = deck == m_monitor && !m_difference->isHeard();
         const double gain = std::pow(10, -m_sides[deck].turnedDownBy / 20);
-        m_sides[deck].playback->setVolume(deck == m_monitor ? static_cast<float>(gain) : 0.0F);
+        m_sides[deck].playback->setVolume(isHeard ? static_cast<float>(gain) : 0.0F);
     }
 }
 
@@ -398,6 +429,9 @@ void ComparePlayer::levelTick()
 {
     joinLeader();
     turnDown();
+    const Deck guide = leader();
+    m_difference->follow(guide == Deck::A ? m_sides.a.playback->position() : counterpart(Deck::A),
+                         m_sides[guide].playback->isPlaying());
     for (const Deck deck : bothDecks) {
         if (m_sides[deck].playback->isPlaying())
             m_sides[deck].view->showLevelsAt(m_sides[deck].playback->position());
@@ -411,6 +445,7 @@ void ComparePlayer::onPlayingChanged(Deck deck)
         side.view->setProblem({}); // what plays has none any more: an output has come, say
     else
         side.view->resetLevels();
+    levelTick();
     m_transport->setPlaying(isAnyPlaying());
     if (isAnyPlaying())
         m_levelTimer.start();

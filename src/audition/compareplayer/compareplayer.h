@@ -18,6 +18,7 @@
 namespace epr {
 
 class DeckView;
+class DifferenceMonitor;
 class TransportView;
 
 /// The two-deck player. Both decks play at once; which one is monitored, that is heard, is a matter of volume only.
@@ -63,6 +64,8 @@ public Q_SLOTS:
     void playPause();
     void pause();
     void stop();
+    /// Both decks fall silent, and what is left of A when B is taken away is heard, once it is made.
+    void monitorDifference();
     void monitorDeckA() { setMonitor(Deck::A); }
     void monitorDeckB() { setMonitor(Deck::B); }
     void swapMonitor() { setMonitor(otherDeck(m_monitor)); }
@@ -113,6 +116,7 @@ private:
     void showMonitor();
     void turnDown();
     void setVolumes();
+    void showDifference();
     void showTrack(Deck deck);
     void showDeltas();
     void levelTick();
@@ -123,6 +127,7 @@ private:
 
     PerDeck<Side> m_sides;
     TransportView *m_transport = nullptr;
+    DifferenceMonitor *m_difference = nullptr;
     Deck m_monitor = Deck::A;
     bool m_linked = false;
     bool m_sameLoudness = false;

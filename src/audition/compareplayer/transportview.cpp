@@ -42,10 +42,18 @@ void TransportView::setSameLoudness(bool same)
     m_loudness->setLit(same);
 }
 
-void TransportView::setMonitor(Deck deck)
+void TransportView::setMonitor(std::optional<Deck> deck)
 {
     for (const Deck each : bothDecks)
         m_monitorLamps[each]->setLit(each == deck);
+    m_difference->setLit(!deck);
+}
+
+void TransportView::setDifference(bool isPreparing, std::optional<double> remainderDb)
+{
+    m_caption->setText(isPreparing       ? tr("PREPARING\u2026")
+                           : remainderDb ? tr("LEFT OF A: %1").arg(comparisontext::decibelDelta(0, *remainderDb))
+                                         : tr("MONITOR"));
 }
 
 void TransportView::setDeltas(const Deltas &deltas)
@@ -99,6 +107,14 @@ void TransportView::createLamps()
         connect(lamp, &vfd::Lamp::clicked, this, [this, deck] { Q_EMIT monitorRequested(deck); });
         m_monitorLamps[deck] = lamp;
     }
+    m_difference = new vfd::Lamp(tr("A \u2212 B"), this);
+    m_difference->setObjectName(u"differenceLamp"_s);
+    m_difference->setToolTip(
+        tr("Listen to what is left of deck A when deck B is taken away,\naligned and matched in level "
+           "(shortcut: D)."));
+    m_difference->setAccessibleName(tr("Listen to the difference"));
+    m_difference->setAutoExclusive(true);
+    connect(m_difference, &vfd::Lamp::clicked, this, &TransportView::differenceRequested);
 }
 
 void TransportView::createDeltas()
@@ -119,10 +135,10 @@ void TransportView::createDeltas()
 
 void TransportView::layOutWidgets()
 {
-    auto *caption = new vfd::ElidingLabel(this);
-    caption->setText(tr("MONITOR"));
-    caption->setTone(vfd::ElidingLabel::Tone::Soft);
-    caption->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
+    m_caption = new vfd::ElidingLabel(this);
+    m_caption->setText(tr("MONITOR"));
+    m_caption->setTone(vfd::ElidingLabel::Tone::Soft);
+    m_caption->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
     auto *deltas = new QHBoxLayout; // a row of their own: below a lamp they would seem to belong to its deck
     deltas->setSpacing(4);
     auto *deltaCaption = new vfd::ElidingLabel(this);
@@ -144,9 +160,11 @@ void TransportView::layOutWidgets()
     int column = 0;
     for (vfd::Lamp *lamp : { m_play, m_stop, m_link, m_loudness })
         m_rows->addWidget(lamp, 0, quarter * column++, 1, quarter);
-    m_rows->addWidget(caption, 1, 0, 1, columns);
-    m_rows->addWidget(m_monitorLamps.a, 2, 0, 1, columns / 2);
-    m_rows->addWidget(m_monitorLamps.b, 2, columns / 2, 1, columns / 2);
+    m_rows->addWidget(m_caption, 1, 0, 1, columns);
+    constexpr int third = columns / 3;
+    column = 0;
+    for (vfd::Lamp *lamp : { m_monitorLamps.a, m_monitorLamps.b, m_difference })
+        m_rows->addWidget(lamp, 2, third * column++, 1, third);
     m_rows->addLayout(deltas, 3, 0, 1, columns);
     m_rows->addLayout(moreDeltas, 4, 0, 1, columns);
     for (int each = 0; each < columns; ++each)

@@ -5,12 +5,15 @@
 #include "deck.h"
 #include "panel.h"
 
+#include <optional>
+
 class QGridLayout;
 
 namespace epr {
 
 namespace vfd {
 class Badge;
+class ElidingLabel;
 class Lamp;
 } // namespace vfd
 
@@ -34,7 +37,8 @@ public:
     void setPlaying(bool playing);
     void setLinked(bool linked);
     void setSameLoudness(bool same);
-    void setMonitor(Deck deck);
+    void setMonitor(std::optional<Deck> deck); ///< nothing = what is heard is the difference
+    void setDifference(bool isPreparing, std::optional<double> remainderDb); ///< how loud it is, while it is heard
     void setDeltas(const Deltas &deltas);
 
 Q_SIGNALS:
@@ -43,6 +47,7 @@ Q_SIGNALS:
     void linkRequested(bool linked);
     void sameLoudnessRequested(bool same);
     void monitorRequested(epr::Deck deck);
+    void differenceRequested();
 
 private:
     void createLamps();
@@ -55,6 +60,8 @@ private:
     vfd::Lamp *m_link = nullptr;
     vfd::Lamp *m_loudness = nullptr;
     PerDeck<vfd::Lamp *> m_monitorLamps;
+    vfd::Lamp *m_difference = nullptr;
+    vfd::ElidingLabel *m_caption = nullptr;
     vfd::Badge *m_durationDelta = nullptr;
     vfd::Badge *m_bitrateDelta = nullptr;
     vfd::Badge *m_levelDelta = nullptr;

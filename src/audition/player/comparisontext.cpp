@@ -134,4 +134,9 @@ QString previewProblem(const QString &problem)
     return QCoreApplication::translate("epr::DeckPair", "Preview: %1").arg(problem);
 }
 
+QString differenceProblem(const QString &problem)
+{
+    return QCoreApplication::translate("epr::DeckPair", "Difference: %1").arg(problem);
+}
+
 } // namespace epr::comparisontext

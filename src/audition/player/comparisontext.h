@@ -46,8 +46,9 @@ QString startDelta(qint64 bLaterMs);
 QString loudnessDelta(double loudnessOfA, double loudnessOfB);
 QString bandwidthDelta(qint32 bandwidthOfA, qint32 bandwidthOfB);
 
-/// For the log: why a deck stays silent, and why it has no waveform.
+/// For the log: why a deck stays silent, why it has no waveform, and why the two have no difference.
 QString deckProblem(Deck deck, const QString &problem);
 QString previewProblem(const QString &problem);
+QString differenceProblem(const QString &problem);
 
 } // namespace epr::comparisontext
