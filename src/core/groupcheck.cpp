@@ -9,6 +9,14 @@ namespace epr {
 
 namespace {
 
+bool hasFailed(const MatchGroup &group, qint32 member)
+{
+    const auto measures = group.check.measures.constFind(member);
+    return measures != group.check.measures.cend() && !measures->error.isEmpty();
+}
+
+} // namespace
+
 PairCheck mirrored(PairCheck pair)
 {
     std::swap(pair.first, pair.second);
@@ -20,14 +28,6 @@ PairCheck mirrored(PairCheck pair)
     }
     return pair;
 }
-
-bool hasFailed(const MatchGroup &group, qint32 member)
-{
-    const auto measures = group.check.measures.constFind(member);
-    return measures != group.check.measures.cend() && !measures->error.isEmpty();
-}
-
-} // namespace
 
 std::optional<PairCheck> pairCheck(const MatchGroup &group, qint32 first, qint32 second)
 {

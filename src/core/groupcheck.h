@@ -16,6 +16,9 @@ enum class CheckState {
     Failed, ///< one of the two could not be decoded
 };
 
+/// The same comparison with first and second exchanged.
+PairCheck mirrored(PairCheck pair);
+
 /// The comparison of two members, as first and second; nothing if it was not made.
 std::optional<PairCheck> pairCheck(const MatchGroup &group, qint32 first, qint32 second);
 

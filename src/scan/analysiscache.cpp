@@ -347,36 +347,46 @@ bool AnalysisCache::clear(QString *error)
 {
     if (!isOpen() || !execute(u"DELETE FROM tracks"_s, error))
         return false;
-    execute(u"DELETE FROM content_keys"_s, nullptr);
+    for (const auto table : { "content_keys"_L1, "whole_measures"_L1, "whole_pairs"_L1 })
+        execute("DELETE FROM "_L1 + table, nullptr);
     execute(u"VACUUM"_s, nullptr);
     return true;
 }
 
+// Files that were checked over their whole length have rows of their own, also those of a scan without the cache.
 int AnalysisCache::pruneMissing()
 {
     if (!isOpen())
         return 0;
+    const QStringList missing = missingPaths(u"tracks"_s);
+    const QStringList all = missing + missingPaths(u"whole_measures"_s);
+    if (!all.isEmpty())
+        removeRows(all);
+    return static_cast<int>(missing.size());
+}
+
+QStringList AnalysisCache::missingPaths(const QString &table)
+{
     QStringList missing;
     QSqlQuery paths(m_db);
     paths.setForwardOnly(true);
-    paths.exec(u"SELECT path FROM tracks"_s);
+    paths.exec("SELECT path FROM "_L1 + table);
     while (paths.next()) {
         const QString path = paths.value(0).toString();
         if (!QFileInfo::exists(path))
             missing.append(path);
     }
-    paths.finish();
-    if (!missing.isEmpty())
-        removeRows(missing);
-    return static_cast<int>(missing.size());
+    return missing;
 }
 
 void AnalysisCache::removeRows(const QStringList &paths)
 {
     m_db.transaction();
-    for (const auto table : { "tracks"_L1, "content_keys"_L1 }) {
+    for (const auto rows : { "tracks WHERE path"_L1, "content_keys WHERE path"_L1, "whole_measures WHERE path"_L1,
+                             "whole_pairs WHERE path"_L1, "whole_pairs WHERE other_path"_L1 }) {
         QSqlQuery remove(m_db);
-        remove.prepare("DELETE FROM %1 WHERE path = ?"_L1.arg(table));
+        if (!remove.prepare("DELETE FROM %1 = ?"_L1.arg(rows)))
+            continue; // earlier versions have fewer tables
         for (const QString &path : paths) {
             remove.addBindValue(path);
             remove.exec();

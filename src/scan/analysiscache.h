@@ -80,6 +80,7 @@ private:
     void storeWhole(TrackInfo track, FingerprintEngine engine);
     [[nodiscard]] bool touchBatch(std::span<const TrackInfo *const> tracks, FingerprintEngine engine);
     void noteStoreError(const QSqlError &error);
+    QStringList missingPaths(const QString &table);
     void removeRows(const QStringList &paths);
     void noteError(const QSqlError &error);
 

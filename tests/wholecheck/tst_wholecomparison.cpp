@@ -1,0 +1,143 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "comparison.h"
+#include "rows.h"
+
+#include <QTest>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+
+using namespace epr;
+using Kind = SoundDifference::Kind;
+
+Q_DECLARE_METATYPE(Kind)
+
+namespace {
+
+constexpr int rate = 11025;
+using Sound = std::vector<float>;
+
+/// Notes of chance, a few a second, in some voices: never the same twice.
+Sound music(int seconds, unsigned seed = 1)
+{
+    std::mt19937 random(seed);
+    Sound sound(static_cast<std::size_t>(seconds * rate));
+    for (int voice = 0; voice < 4; ++voice) {
+        for (std::size_t begin = 0; begin < sound.size();) {
+            const auto length = rate / 8 + random() % (rate / 2);
+            const double pitch = 150 * std::pow(2.0, static_cast<double>(random() % 55) / 12);
+            for (std::size_t i = 0; i < length && begin + i < sound.size(); ++i) {
+                const double time = static_cast<double>(i) / rate;
+                const double tone = std::sin(2 * std::numbers::pi * pitch * time)
+                    + 0.4 * std::sin(4 * std::numbers::pi * pitch * time)
+                    + 0.1 * (static_cast<double>(random() % 1000) / 500 - 1);
+                sound[begin + i] += static_cast<float>(0.15 * std::exp(-3 * time) * tone);
+            }
+            begin += length;
+        }
+    }
+    return sound;
+}
+
+SoundProfile profileOf(const Sound &sound)
+{
+    SoundProfiler profiler(1, rate);
+    profiler.feed(sound);
+    return profiler.finish();
+}
+
+auto at(Sound &sound, double seconds)
+{
+    return sound.begin() + std::lround(seconds * rate);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Sound)
+
+class TestWholeComparison : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void harmlessChangesAreNone_data();
+    void harmlessChangesAreNone();
+    void faultsAreFound_data();
+    void faultsAreFound();
+};
+
+void TestWholeComparison::harmlessChangesAreNone_data()
+{
+    const test::Rows<Sound> row("copy");
+    const Sound original = music(60);
+    row("the same", original);
+    Sound copy = original;
+    copy.insert(copy.begin(), 3 * rate, 0.0F);
+    row("silence before", copy);
+    copy = original;
+    copy.resize(copy.size() + 5 * rate);
+    row("silence behind", copy);
+    copy = original;
+    for (float &sample : copy)
+        sample *= 0.2F;
+    row("quieter", copy);
+    copy.clear();
+    for (double place = 0; place < static_cast<double>(original.size()) - 1; place += 1.003)
+        copy.push_back(original[static_cast<std::size_t>(place)]);
+    row("0.3 % faster", copy);
+}
+
+void TestWholeComparison::harmlessChangesAreNone()
+{
+    QFETCH(const Sound, copy);
+    const PairCheck check = compareWhole(profileOf(music(60)), profileOf(copy));
+    QVERIFY(check.isAligned);
+    QVERIFY2(check.differences.isEmpty(), qPrintable(QString::number(check.differences.size())));
+}
+
+void TestWholeComparison::faultsAreFound_data()
+{
+    const test::Rows<Sound, Kind, double, double> row("copy", "kind", "from", "to");
+    const Sound original = music(60);
+    const Sound stranger = music(60, 2);
+    Sound copy = original;
+    std::fill(at(copy, 20), at(copy, 20.5), 0.0F);
+    row("muted", copy, Kind::Silent, 20, 20.5);
+    copy = original;
+    std::fill(at(copy, 40), copy.end(), 0.0F);
+    row("silent to the end", copy, Kind::Silent, 40, 60);
+    copy = original;
+    std::copy(stranger.begin(), stranger.begin() + 20 * rate, at(copy, 40));
+    row("another ending", copy, Kind::OtherEnding, 40, 60);
+    copy = original;
+    copy.erase(at(copy, 50), copy.end());
+    row("stops earlier", copy, Kind::StopsEarlier, 50, 60);
+    copy = original;
+    copy.erase(copy.begin(), at(copy, 4));
+    row("starts later", copy, Kind::StartsLater, 0, 4);
+    copy = original;
+    copy.erase(at(copy, 30), at(copy, 32));
+    row("a jump", copy, Kind::Skips, 30, 32);
+}
+
+void TestWholeComparison::faultsAreFound()
+{
+    QFETCH(const Sound, copy);
+    QFETCH(const Kind, kind);
+    QFETCH(const double, from);
+    QFETCH(const double, to);
+    const PairCheck check = compareWhole(profileOf(music(60)), profileOf(copy));
+    QVERIFY(check.isAligned);
+    QCOMPARE(check.differences.size(), 1);
+    const SoundDifference &difference = check.differences.first();
+    QCOMPARE(difference.kind, kind);
+    QVERIFY(difference.isInSecond);
+    QVERIFY2(std::abs(static_cast<double>(difference.firstStartMs) / 1000 - from) < 0.3,
+             qPrintable(QString::number(difference.firstStartMs)));
+    QVERIFY2(std::abs(static_cast<double>(difference.firstEndMs) / 1000 - to) < 0.3,
+             qPrintable(QString::number(difference.firstEndMs)));
+}
+
+QTEST_GUILESS_MAIN(TestWholeComparison)
+#include "tst_wholecomparison.moc"
