@@ -45,6 +45,44 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
     </message>
 </context>
 <context>
+    <name>epr::GroupCheck</name>
+    <message numerus="yes">
+        <source>%Ln copy(s) differ</source>
+        <translation>
+            <numerusform>%Ln copy differs</numerusform>
+            <numerusform>%Ln copies differ</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln copy(s) could not be checked</source>
+        <translation>
+            <numerusform>%Ln copy could not be checked</numerusform>
+            <numerusform>%Ln copies could not be checked</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln clipped sample(s), the kept copy %1</source>
+        <translation>
+            <numerusform>%Ln clipped sample, the kept copy %1</numerusform>
+            <numerusform>%Ln clipped samples, the kept copy %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln decoding error(s), the kept copy %1</source>
+        <translation>
+            <numerusform>%Ln decoding error, the kept copy %1</numerusform>
+            <numerusform>%Ln decoding errors, the kept copy %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>the kept copy has %Ln decoding error(s), %1 none</source>
+        <translation>
+            <numerusform>the kept copy has %Ln decoding error, %1 none</numerusform>
+            <numerusform>the kept copy has %Ln decoding errors, %1 none</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::MainWindow</name>
     <message numerus="yes">
         <source>incomplete: %n folder(s) could not be read</source>
@@ -66,6 +104,13 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
 </context>
 <context>
     <name>epr::RemovalDialog</name>
+    <message numerus="yes">
+        <source>%Ln of them were not compared with the kept copy over their whole length.</source>
+        <translation>
+            <numerusform>%Ln of them was not compared with the kept copy over its whole length.</numerusform>
+            <numerusform>%Ln of them were not compared with the kept copy over their whole length.</numerusform>
+        </translation>
+    </message>
     <message numerus="yes">
         <source>%Ln of them are hidden by the filter at the moment.</source>
         <translation>
@@ -140,6 +185,37 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
         <translation>
             <numerusform>Could not decode %n more file.</numerusform>
             <numerusform>Could not decode %n more files.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>epr::WholeCheckCommand</name>
+    <message numerus="yes">
+        <source>%Ln group(s) alike to the end</source>
+        <translation>
+            <numerusform>%Ln group alike to the end</numerusform>
+            <numerusform>%Ln groups alike to the end</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln copy(s) unticked</source>
+        <translation>
+            <numerusform>%Ln copy unticked</numerusform>
+            <numerusform>%Ln copies unticked</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln group(s) were compared over their first %1.</source>
+        <translation>
+            <numerusform>%Ln group was compared over its first %1.</numerusform>
+            <numerusform>%Ln groups were compared over their first %1.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln group(s) were found by their tags alone.</source>
+        <translation>
+            <numerusform>%Ln group was found by its tags alone.</numerusform>
+            <numerusform>%Ln groups were found by their tags alone.</numerusform>
         </translation>
     </message>
 </context>

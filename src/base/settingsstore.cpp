@@ -22,6 +22,7 @@ template <typename Options, typename Visitor> void visitScanKeys(Options &option
     visit("detect/acoustic"_L1, options.detectAcoustic);
     visit("detect/metadata"_L1, options.detectMetadata);
     visit("detect/thorough"_L1, options.compareThoroughly);
+    visit("detect/checkWhole"_L1, options.checkWhole);
     visit("detect/threshold"_L1, options.threshold);
     visit("detect/chromaprintThreshold"_L1, options.chromaprintThreshold);
     visit("detect/durationTolerance"_L1, options.durationTolerance);

@@ -26,7 +26,7 @@ struct SwitchOption {
     bool ScanOptions::*field;
 };
 
-constexpr std::array<SwitchOption, 6> switchOptions { {
+constexpr std::array<SwitchOption, 7> switchOptions { {
     { "identical", QT_TRANSLATE_NOOP("epr::Cli", "Find identical files."), &ScanOptions::detectIdentical },
     { "same-audio", QT_TRANSLATE_NOOP("epr::Cli", "Find the same audio under different tags."),
       &ScanOptions::detectSameAudio },
@@ -36,6 +36,9 @@ constexpr std::array<SwitchOption, 6> switchOptions { {
       &ScanOptions::compareThoroughly },
     { "metadata", QT_TRANSLATE_NOOP("epr::Cli", "Find matching artist, title and duration."),
       &ScanOptions::detectMetadata },
+    { "check-whole",
+      QT_TRANSLATE_NOOP("epr::Cli", "Then check groups found by sound or by tags over their whole length."),
+      &ScanOptions::checkWhole },
     { "cache", QT_TRANSLATE_NOOP("epr::Cli", "Reuse and remember analysis results."), &ScanOptions::useCache },
 } };
 

@@ -49,7 +49,7 @@ bool writeReports(const CliRequest &request, const terminal::ScanResult &result)
 
 int scan(const CliRequest &request)
 {
-    const terminal::ScanResult result = terminal::runScan(request.options, request.verbose);
+    terminal::ScanResult result = terminal::runScan(request.options, request.verbose);
     if (!result.failure.isEmpty())
         return refuse(result.failure);
     reportProblems(result.tracks);
@@ -58,6 +58,8 @@ int scan(const CliRequest &request)
                           ? QCoreApplication::translate("epr::Cli", "Stopped before the end; nothing is reported.")
                           : QCoreApplication::translate("epr::Cli", "Stopped before the end; no report is written."));
 
+    const bool wasChecked =
+        !request.options.checkWhole || terminal::checkWholeLength(result, request.options, request.verbose);
     // The files first: whoever reads the standard output may close it early, which ends the program.
     const bool written = writeReports(request, result);
     QTextStream out(stdout);
@@ -65,6 +67,9 @@ int scan(const CliRequest &request)
     out.flush();
     if (result.unreadableFolders > 0) // said once more for whoever keeps the result in a file and looks at errors only
         return refuse(incompleteText(result.unreadableFolders));
+    if (!wasChecked)
+        return refuse(QCoreApplication::translate(
+            "epr::Cli", "The check over the whole length was stopped; not all groups are checked."));
     if (!written)
         return NotCompleted;
     return result.groups.isEmpty() ? NoDuplicates : DuplicatesFound;

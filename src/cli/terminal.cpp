@@ -2,13 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "terminal.h"
 
+#include "analysiscache.h"
 #include "checktext.h"
 #include "displaytext.h"
+#include "groupcheck.h"
 #include "missingpart.h"
 #include "review.h"
 #include "scancontroller.h"
+#include "wholechecker.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <atomic>
 #include <csignal>
@@ -108,14 +113,14 @@ extern "C" void onInterrupt(int signalNumber)
         controller->cancel();
 }
 
-/// While one exists, Ctrl-C (or a polite request to terminate) cancels the controller's scan. A second one ends the
-/// process at once. At most one at a time.
+/// While one exists, Ctrl-C (or a polite request to terminate) cancels the controller's scan, if there is one. A second
+/// one ends the process at once. At most one at a time.
 class InterruptGuard final {
 public:
-    explicit InterruptGuard(ScanController &controller)
+    explicit InterruptGuard(ScanController *controller)
     {
         interrupted = false;
-        activeController = &controller;
+        activeController = controller;
         std::signal(SIGINT, onInterrupt);
         std::signal(SIGTERM, onInterrupt);
     }
@@ -148,6 +153,42 @@ void connectLog(ScanController &controller, StatusLine &status, bool verbose)
         status.clear();
         QTextStream(stderr) << printable(message) << '\n';
     });
+}
+
+void connectLog(WholeChecker &checker, StatusLine &status, bool verbose)
+{
+    if (!verbose)
+        return;
+    QObject::connect(&checker, &WholeChecker::logMessage, &checker, [&status](const QString &message) {
+        status.clear();
+        QTextStream(stderr) << printable(message) << '\n';
+    });
+}
+
+void connectResults(WholeChecker &checker, StatusLine &status, ScanResult &result)
+{
+    QObject::connect(&checker, &WholeChecker::checked, &checker,
+                     [&result](int number, const GroupCheck &check) { result.groups[number].check = check; });
+    QObject::connect(&checker, &WholeChecker::progressChanged, &checker, [&status](const CheckProgress &progress) {
+        status.setProgress(static_cast<int>(progress.filesDone), static_cast<int>(progress.files),
+                           nativePath(progress.path));
+    });
+}
+
+/// The groups to check, numbered by their positions.
+QList<CheckItem> checkItems(const ScanResult &result)
+{
+    QList<CheckItem> items;
+    for (int number = 0; number < result.groups.size(); ++number) {
+        const MatchGroup &group = result.groups.at(number);
+        if (!isWorthChecking(group))
+            continue;
+        CheckItem item { number, group.keep, group.members, {} };
+        for (const qint32 member : group.members)
+            item.tracks << result.tracks.at(member);
+        items << item;
+    }
+    return items;
 }
 
 void connectOutcome(ScanController &controller, ScanResult &result)
@@ -237,12 +278,40 @@ ScanResult runScan(const ScanOptions &options, bool verbose)
     connectLog(controller, status, verbose);
     connectOutcome(controller, result);
 
-    const InterruptGuard guard(controller);
+    const InterruptGuard guard(&controller);
     controller.start(options);
     // Groups that lack a method must not pass for the whole answer, least of all when there are none.
     result.cancelled = result.cancelled || guard.wasInterrupted();
     status.clear();
     return result;
+}
+
+bool checkWholeLength(ScanResult &result, const ScanOptions &options, bool verbose)
+{
+    StatusLine status;
+    WholeChecker checker(options.useCache ? AnalysisCache::defaultFilePath() : QString());
+    connectLog(checker, status, verbose);
+    connectResults(checker, status, result);
+    QEventLoop loop;
+    bool wasStopped = false;
+    QObject::connect(&checker, &WholeChecker::finished, &loop, [&](bool stopped) {
+        wasStopped = stopped;
+        loop.quit();
+    });
+    const InterruptGuard guard(nullptr);
+    QTimer interruption; // a signal handler must not call the checker
+    QObject::connect(&interruption, &QTimer::timeout, &checker, [&] {
+        if (guard.wasInterrupted())
+            checker.stop();
+    });
+    constexpr std::chrono::milliseconds interval { 100 };
+    interruption.start(interval);
+    status.setPhase(QCoreApplication::translate("epr::Cli", "Checking whole files"));
+    checker.check(checkItems(result));
+    if (checker.isRunning())
+        loop.exec();
+    status.clear();
+    return !wasStopped;
 }
 
 void writeTextReport(QTextStream &out, const ScanResult &result)

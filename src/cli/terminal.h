@@ -50,6 +50,10 @@ struct ScanResult {
 /// when `verbose`. Ctrl-C cancels it.
 ScanResult runScan(const ScanOptions &options, bool verbose);
 
+/// Checks the groups that were found by sound or by tags over their whole length, several at a time, with progress as
+/// a scan's. Ctrl-C stops it, which leaves the rest unchecked. False if it was stopped.
+bool checkWholeLength(ScanResult &result, const ScanOptions &options, bool verbose);
+
 /// Writes the groups as readable text, one line per copy, and a summary line at the end.
 void writeTextReport(QTextStream &out, const ScanResult &result);
 

@@ -11,6 +11,7 @@
 #include "settingsstore.h"
 #include "systempaths.h"
 #include "undomanifest.h"
+#include "wholecheckcommand.h"
 
 #include <QCoreApplication>
 #include <QDirIterator>
@@ -195,14 +196,18 @@ std::optional<qint64> CleanupCommand::totalOnDisk(const QStringList &paths)
 
 std::optional<RemovalMode> CleanupCommand::askMode(Request &request, qint64 bytes)
 {
-    RemovalDialog dialog({ request.paths.size(), sizeText(bytes), request.places.hiddenTicks },
-                         request.places.quarantineRoot, window());
+    RemovalDialog dialog(
+        { request.paths.size(), sizeText(bytes), request.places.hiddenTicks, uncheckedTicks(m_review) },
+        request.places.quarantineRoot, window());
     connect(&dialog, &RemovalDialog::quarantineRootChosen, this, [this, &request, &dialog](const QString &folder) {
         request.places.quarantineRoot = folder;
         Q_EMIT quarantineRootChosen(folder);
         warnIfScanned(folder, request.places.scanRoots, &dialog);
     });
-    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.mode()) : std::nullopt;
+    const bool isAccepted = dialog.exec() == QDialog::Accepted;
+    if (dialog.isCheckWanted())
+        Q_EMIT checkWanted();
+    return isAccepted ? std::optional(dialog.mode()) : std::nullopt;
 }
 
 bool CleanupCommand::confirmDeletion(qsizetype files)

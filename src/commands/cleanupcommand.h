@@ -45,6 +45,7 @@ public:
 Q_SIGNALS:
     void wholeGroupTicked(int group); ///< the group for which a removal was refused
     void quarantineRootChosen(const QString &folder);
+    void checkWanted(); ///< of the ticked copies, before they go
     void aboutToRemove(const QStringList &paths); ///< whoever holds one open must let go of it
     void filesRestored(int files); ///< are back in the library, but not in the review
     void filesRemoved(); ///< the tree is up to date again; whoever holds one of its files should look whether it exists

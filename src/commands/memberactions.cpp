@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "memberactions.h"
 
+#include "checktext.h"
 #include "displaytext.h"
 #include "review.h"
 
@@ -46,10 +47,34 @@ QString hashLine(const QString &name, const QString &hash)
     return htmlLine(name, u"<small>%1</small>"_s.arg(hashText(hash)));
 }
 
-void showFileDetails(const TrackInfo &track, QWidget *parent)
+QString silenceText(const SoundMeasures &measures)
 {
-    QMessageBox box(QMessageBox::NoIcon, QCoreApplication::translate("epr::FileDetails", "File details"),
-                    fileDetailsHtml(track), QMessageBox::Ok, parent);
+    return QCoreApplication::translate("epr::FileDetails", "%1 at the start, %2 at the end")
+        .arg(lengthText(measures.silentStartMs), lengthText(measures.silentEndMs));
+}
+
+QString checkLines(const SoundMeasures &measures, const QStringList &remarks)
+{
+    QString lines;
+    if (!remarks.isEmpty())
+        lines += line(QCoreApplication::translate("epr::FileDetails", "Check"), remarks.join(", "_L1));
+    if (measures.durationMs <= 0)
+        return lines;
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Decoded length"), durationText(measures.durationMs));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Loudness"), loudnessText(measures.loudness));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "True peak"), truePeakText(measures.truePeak));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Bandwidth"), bandwidthText(measures.bandwidthHz));
+    lines +=
+        line(QCoreApplication::translate("epr::FileDetails", "Clipped samples"), countText(measures.clippedSamples));
+    lines += line(QCoreApplication::translate("epr::FileDetails", "Silence"), silenceText(measures));
+    return lines
+        + line(QCoreApplication::translate("epr::FileDetails", "Decoding errors"), countText(measures.decodingErrors));
+}
+
+void showFileDetails(const QString &html, QWidget *parent)
+{
+    QMessageBox box(QMessageBox::NoIcon, QCoreApplication::translate("epr::FileDetails", "File details"), html,
+                    QMessageBox::Ok, parent);
     box.setTextFormat(Qt::RichText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.exec();
@@ -77,7 +102,7 @@ MemberActions::MemberActions(Review &review, QWidget *window)
     , keep(make(tr("Keep this copy instead"), Qt::CTRL | Qt::Key_K,
                 tr("Make this copy the one of its group that stays."), [this](const TrackInfo &) { keepMember(); }))
     , showDetails(make(tr("File details..."), Qt::ALT | Qt::Key_Return, tr("Show all that is known of this copy."),
-                       [this](const TrackInfo &track) { showFileDetails(track, this->window()); }))
+                       [this](const TrackInfo &track) { showDetailsOf(track); }))
     , m_review(review)
     , m_menu(new QMenu(window))
     , m_groupMenu(new QMenu(window))
@@ -104,6 +129,14 @@ void MemberActions::setMember(int group, int member)
     m_group = group;
     m_member = member;
     refresh();
+}
+
+void MemberActions::addToMenus(const QList<QAction *> &commands)
+{
+    for (QMenu *menu : { m_menu, m_groupMenu }) {
+        menu->addSeparator();
+        menu->addActions(commands);
+    }
 }
 
 void MemberActions::popup(const QPoint &globalPos)
@@ -162,7 +195,16 @@ void MemberActions::openMember(const QString &path)
         Q_EMIT statusMessage(tr("Could not open %1.").arg(nativePath(path)));
 }
 
-QString fileDetailsHtml(const TrackInfo &track)
+void MemberActions::showDetailsOf(const TrackInfo &track)
+{
+    const MatchGroup &group = m_review.groups().at(m_group);
+    const qint32 member = group.members.at(m_member);
+    showFileDetails(fileDetailsHtml(track, group.check.measures.value(member),
+                                    checkTexts(group, member) + measureTexts(group, member)),
+                    window());
+}
+
+QString fileDetailsHtml(const TrackInfo &track, const SoundMeasures &measures, const QStringList &remarks)
 {
     QString lines = line(QCoreApplication::translate("epr::FileDetails", "File"), track.fileName);
     lines += line(QCoreApplication::translate("epr::FileDetails", "Folder"), nativePath(folderOf(track)));
@@ -177,6 +219,7 @@ QString fileDetailsHtml(const TrackInfo &track)
     lines += line(QCoreApplication::translate("epr::FileDetails", "Modified"), dateTimeText(track.mtime));
     lines += hashLine(QCoreApplication::translate("epr::FileDetails", "SHA-256 of the file"), track.fullHash);
     lines += hashLine(QCoreApplication::translate("epr::FileDetails", "SHA-256 of the audio"), track.audioHash);
+    lines += checkLines(measures, remarks);
     if (!track.error.isEmpty())
         lines += line(QCoreApplication::translate("epr::FileDetails", "Note"), track.error);
     return u"<table cellspacing='2'>%1</table>"_s.arg(lines);

@@ -25,6 +25,7 @@ public:
 
     void setMember(int group, int member); ///< positions in the review; -1 = a group's own row, or nowhere
     void popup(const QPoint &globalPos);
+    void addToMenus(const QList<QAction *> &commands); ///< of the member and of the group
 
     QAction *const loadIntoDeckA;
     QAction *const loadIntoDeckB;
@@ -46,6 +47,7 @@ private:
     void refresh();
     void compareMember();
     void keepMember();
+    void showDetailsOf(const TrackInfo &track);
     void openMember(const QString &path);
 
     Review &m_review;
@@ -55,7 +57,8 @@ private:
     int m_member = -1;
 };
 
-/// Everything the operator may want to know of a file, as a rich-text table.
-QString fileDetailsHtml(const TrackInfo &track);
+/// Everything the operator may want to know of a file, as a rich-text table: with what a check over the whole length
+/// measured and what it has to remark.
+QString fileDetailsHtml(const TrackInfo &track, const SoundMeasures &measures = {}, const QStringList &remarks = {});
 
 } // namespace epr

@@ -61,6 +61,8 @@ RemovalDialog::RemovalDialog(const Selection &selection, const QString &quaranti
     if (selection.hidden > 0)
         layout->addWidget(new QLabel(
             tr("%Ln of them are hidden by the filter at the moment.", nullptr, static_cast<int>(selection.hidden))));
+    if (selection.unchecked > 0)
+        layout->addWidget(createCheckRow(selection.unchecked));
     layout->addWidget(createChoices());
     layout->addWidget(change, 0, Qt::AlignLeft);
     layout->addWidget(createButtons());
@@ -71,6 +73,27 @@ RemovalMode RemovalDialog::mode() const
     if (m_recycleBin->isChecked())
         return RemovalMode::RecycleBin;
     return m_delete->isChecked() ? RemovalMode::Delete : RemovalMode::Quarantine;
+}
+
+// Hours may pass before all is checked, so the dialog does not wait for it.
+QWidget *RemovalDialog::createCheckRow(qint64 unchecked)
+{
+    auto *text = new QLabel(tr("%Ln of them were not compared with the kept copy over their whole length.", nullptr,
+                               static_cast<int>(unchecked)));
+    text->setWordWrap(true);
+    auto *button = new QPushButton(tr("Check &These First"));
+    button->setObjectName(u"checkFirstButton"_s);
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [this] {
+        m_isCheckWanted = true;
+        reject();
+    });
+    auto *row = new QWidget;
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(text, 1);
+    layout->addWidget(button);
+    return row;
 }
 
 QGroupBox *RemovalDialog::createChoices()

@@ -21,11 +21,13 @@ public:
         qsizetype files = 0;
         QString total; ///< their size for display
         qint64 hidden = 0; ///< of the files, those that are not in sight
+        qint64 unchecked = 0; ///< of the files, those that a check over the whole length would tell more of
     };
 
     RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent = nullptr);
 
     RemovalMode mode() const;
+    bool isCheckWanted() const { return m_isCheckWanted; } ///< before anything is removed; the dialog was rejected
     QString quarantineRoot() const { return m_quarantineRoot; }
 
 Q_SIGNALS:
@@ -34,11 +36,13 @@ Q_SIGNALS:
 private:
     QGroupBox *createChoices();
     QWidget *createButtons();
+    QWidget *createCheckRow(qint64 unchecked);
     void chooseQuarantineRoot();
     void explain(const QString &html);
     void warnIfSynchronised();
 
     QString m_quarantineRoot;
+    bool m_isCheckWanted = false;
     QLabel *m_hint;
     QLabel *m_synchronised;
     QRadioButton *m_quarantine;

@@ -28,7 +28,7 @@ MissingPart missingPart(const MatchGroup &group, qint32 member)
     const qint64 most = (kept->endMs - kept->startMs) * mostPercentAtEnd;
     return { .atStartMs = span->isPlaced && kept->isPlaced && atStart > mostAtStartMs ? atStart : 0,
              .atEndMs = !isGuess && atEnd * 100 > most ? atEnd : 0,
-             .isUncertain = isGuess && qAbs(atEnd) * 100 > most };
+             .isUncertain = isGuess && qAbs(atEnd) * 100 > most && checkState(group, member) != CheckState::Alike };
 }
 
 QString missingText(const MatchGroup &group, qint32 member)

@@ -148,6 +148,7 @@ struct ScanOptions {
     bool detectSameAudio = true;
     bool detectAcoustic = true;
     bool detectMetadata = false;
+    bool checkWhole = false; ///< afterwards, the groups that were found by sound or tags over their whole length
     bool compareThoroughly = false; ///< with detectAcoustic, also copies that start or end elsewhere
     FingerprintEngine fingerprintEngine = FingerprintEngine::Fpcalc; ///< any value but this is the built-in analysis
     qint32 fingerprintSeconds = 60;

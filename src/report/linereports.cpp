@@ -60,12 +60,12 @@ SoundMeasures measuresOf(const ReportMember &member)
 
 QString levelField(double level)
 {
-    return quoted(std::isfinite(level) ? QString::number(level, 'f', 1) : QString());
+    return std::isfinite(level) ? QString::number(level, 'f', 1) : QString();
 }
 
 QString countField(qint64 count)
 {
-    return quoted(count > 0 ? QString::number(count) : QString());
+    return count > 0 ? QString::number(count) : QString();
 }
 
 // Only there where one of them has something to say.
@@ -86,8 +86,10 @@ std::vector<CsvColumn> columnsFor(const ReportContent &content)
     std::vector<CsvColumn> columns(csvColumns.begin(), csvColumns.end());
     for (const CsvColumn &column : furtherColumns) {
         const auto isTold = [&](const MatchGroup &group) {
-            return std::ranges::any_of(membersOf(group, content.tracks),
-                                       [&](const ReportMember &member) { return column.field(member) != quoted({}); });
+            return std::ranges::any_of(membersOf(group, content.tracks), [&](const ReportMember &member) {
+                const QString field = column.field(member);
+                return !field.isEmpty() && field != quoted({});
+            });
         };
         if (std::ranges::any_of(content.groups, isTold))
             columns.push_back(column);

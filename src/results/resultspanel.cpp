@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultspanel.h"
 
+#include "checkbar.h"
 #include "displaytext.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
@@ -124,6 +125,13 @@ void ResultsPanel::showGroup(int group)
     m_view->setCurrentIndex(m_model->groupIndex(group));
 }
 
+void ResultsPanel::showMember(int group, int member)
+{
+    if (!m_model->memberIndex(group, member).isValid())
+        m_filterEdit->clear();
+    m_view->setCurrentIndex(m_model->memberIndex(group, member));
+}
+
 void ResultsPanel::createFilterRow()
 {
     m_filterEdit = new FilterEdit(this);
@@ -158,6 +166,8 @@ void ResultsPanel::layOutWidgets()
     filterRow->addWidget(label);
     filterRow->addWidget(m_filterEdit);
 
+    m_checkBar = new CheckBar(this);
+    connect(m_checkBar, &CheckBar::focusGivenUp, this, &ResultsPanel::focusResults);
     m_summary = new QLabel(this);
     m_summary->setObjectName(u"summaryLabel"_s);
     m_summary->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -167,6 +177,7 @@ void ResultsPanel::layOutWidgets()
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(filterRow);
+    layout->addWidget(m_checkBar);
     layout->addWidget(m_view, 1);
     layout->addWidget(m_summary);
 }

@@ -11,6 +11,7 @@ class QLineEdit;
 
 namespace epr {
 
+class CheckBar;
 class ResultsModel;
 class ResultsView;
 class Review;
@@ -39,7 +40,9 @@ public:
     qint64 hiddenTicks() const; ///< ticked copies that the filter hides
     void addTreeAction(QAction *action); ///< its key then works in the tree
     ResultsView *view() const { return m_view; }
+    CheckBar *checkBar() const { return m_checkBar; }
     void showGroup(int group); ///< makes it the current row, whatever the filter says
+    void showMember(int group, int member); ///< the same
 
 Q_SIGNALS:
     /// Positions in the review. The member is -1 on a group's own row, both are while nothing is current.
@@ -68,6 +71,7 @@ private:
     int m_unreadableFolders = 0;
     int m_restored = 0; ///< files that came back since the last scan
     QLineEdit *m_filterEdit = nullptr;
+    CheckBar *m_checkBar = nullptr;
     ResultsView *m_view = nullptr;
     ReviewPlace *m_place = nullptr;
     QLabel *m_summary = nullptr;

@@ -201,6 +201,10 @@ QWidget *DetectionTab::createMethods()
                           tr("Broadest and least certain. Will flag legitimately different versions, so always review "
                              "these groups."));
     layout->addWidget(m_metadata);
+    layout->addWidget(
+        checkBox(&ScanOptions::checkWhole, tr("Check &groups over their whole length after a scan"),
+                 tr("Decodes every copy that was found by sound or by tags to its end, behind the review. Copies that "
+                    "differ from the one to keep are marked and unticked.")));
     return group;
 }
 

@@ -6,6 +6,7 @@
 #include "displaytext.h"
 
 #include <QDeadlineTimer>
+#include <QSet>
 #include <QThread>
 
 #include <algorithm>
@@ -242,8 +243,9 @@ void WholeChecker::stop()
 
 bool WholeChecker::release(const QStringList &paths)
 {
-    const auto hasOne = [&paths](const CheckItem &item) {
-        return std::ranges::any_of(item.tracks, [&](const TrackInfo &track) { return paths.contains(track.path); });
+    const QSet<QString> wanted(paths.cbegin(), paths.cend()); // a clean-up may have tens of thousands
+    const auto hasOne = [&wanted](const CheckItem &item) {
+        return std::ranges::any_of(item.tracks, [&](const TrackInfo &track) { return wanted.contains(track.path); });
     };
     std::vector<const Slot *> asked;
     for (Slot &slot : m_slots) {

@@ -3,6 +3,7 @@
 #include "mainactions.h"
 
 #include "application.h"
+#include "checkdesk.h"
 #include "docks.h"
 #include "memberactions.h"
 
@@ -97,13 +98,13 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),
             { { selectDuplicates, clearSelection, invertSelection },
-              { member.keep, member.showDetails, member.copyPath },
+              { member.keep, parts.checks->keepBetter, member.showDetails, member.copyPath },
               { filterResults, nextGroup, previousGroup } });
     QMenu *player = bar->addMenu(QCoreApplication::translate("epr::MainMenus", "&Player"));
     parts.player->addCommandsTo(player);
-    fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup } });
+    fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup, parts.checks->nextDifference } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Tools"),
-            { { removeSelected, undoCleanup }, { settings, clearCache } });
+            { { parts.checks->checkAll, parts.checks->checkGroup }, { removeSelected, undoCleanup }, { settings, clearCache } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Help"),
             { { shortcuts, checkForUpdates }, { website, about } });
 }

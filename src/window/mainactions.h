@@ -9,6 +9,7 @@ class QToolBar;
 
 namespace epr {
 
+class CheckDesk;
 class MemberActions;
 class PlayerDock;
 
@@ -34,6 +35,7 @@ public:
         QList<QAction *> protection; ///< of folders
         QList<QAction *> views; ///< that show and hide parts of the window
         QList<QAction *> columns; ///< the same for columns of the results
+        const CheckDesk *checks;
     };
 
     explicit MainActions(QWidget *window);

@@ -4,6 +4,7 @@
 
 #include "application.h"
 #include "backgroundwork.h"
+#include "checkdesk.h"
 #include "cleanupcommand.h"
 #include "commands.h"
 #include "compareplayer.h"
@@ -53,6 +54,7 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowIcon(startup::applicationIcon());
     createPanels();
     placeDocks(this, m_playerDock, m_log);
+    m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     connectActions();
     createMenus();
     placeOnScreen();
@@ -116,6 +118,7 @@ void MainWindow::onStartScan()
     }
     if (m_cleanup->isRunning() || !m_cleanup->confirmScan(m_quarantineRoot, folders))
         return;
+    m_checks->stop();
     m_review->clear();
     m_scanRoots = options.roots;
     m_playerDock->player()->stop();
@@ -155,6 +158,7 @@ void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<Matc
 {
     setScanning(false);
     m_review->setResults(tracks, groups);
+    m_checks->follow(m_options);
     m_resultsPanel->setState(cancelled ? ResultsPanel::State::Cancelled : ResultsPanel::State::Finished);
     refreshActions();
     const QString elapsed = elapsedText(elapsedMs);
@@ -211,7 +215,7 @@ void MainWindow::onRemoveSelected()
 
 void MainWindow::onUndoPrevious()
 {
-    m_cleanup->undoPreviousCleanup();
+    m_checks->undo([this] { m_cleanup->undoPreviousCleanup(); });
 }
 
 void MainWindow::onExportReport()
@@ -321,7 +325,8 @@ void MainWindow::createMenus()
           m_playerDock,
           m_folderPanel->protectActions(),
           { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
-          m_resultsPanel->view()->columnActions() });
+          m_resultsPanel->view()->columnActions(),
+          m_checks });
 }
 
 // Nine tenths of the screen up to a size beyond which lines only get too long to read.
@@ -382,7 +387,7 @@ void MainWindow::connectPlayer()
 void MainWindow::connectCommands()
 {
     for (const Command *command :
-         std::initializer_list<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates }) {
+         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates } + m_checks->commands()) {
         connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
         connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);
         connect(command, &Command::logLineWanted, m_log, &ActivityLog::showFrom);

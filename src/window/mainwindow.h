@@ -12,6 +12,7 @@ class QThread;
 namespace epr {
 
 class ActivityLog;
+class CheckDesk;
 class CleanupCommand;
 class Command;
 class ExportCommand;
@@ -105,6 +106,7 @@ private:
     ActivityLog *m_log = nullptr;
     PlayerDock *m_playerDock = nullptr;
     ScanStrip *m_strip = nullptr;
+    CheckDesk *m_checks = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };

@@ -38,14 +38,14 @@ private Q_SLOTS:
             saved.detectIdentical = false;
             const QStringList line = words("echoprune-scan " + switches) << library();
             const ScanOptions o = parseCommandLine(line, saved).options;
-            return QList<bool> { o.detectIdentical, o.detectSameAudio,     o.detectAcoustic,   o.detectMetadata,
-                                 o.useCache,        !o.onlyPossibleCopies, o.compareThoroughly };
+            return QList<bool> { o.detectIdentical, o.detectSameAudio,     o.detectAcoustic,    o.detectMetadata,
+                                 o.useCache,        !o.onlyPossibleCopies, o.compareThoroughly, o.checkWhole };
         };
-        QCOMPARE(optionsOf(""), (QList<bool> { false, true, true, false, true, false, false }));
+        QCOMPARE(optionsOf(""), (QList<bool> { false, true, true, false, true, false, false, false }));
         QCOMPARE(optionsOf("--identical --no-same-audio --no-acoustic"),
-                 (QList<bool> { true, false, false, false, true, false, false }));
-        QCOMPARE(optionsOf("--metadata --no-cache --hash-all --thorough"),
-                 (QList<bool> { false, true, true, true, false, true, true }));
+                 (QList<bool> { true, false, false, false, true, false, false, false }));
+        QCOMPARE(optionsOf("--metadata --no-cache --hash-all --thorough --check-whole"),
+                 (QList<bool> { false, true, true, true, false, true, true, true }));
         const QStringList marked = words("echoprune-scan --report o.csv --report o.html") << library();
         for (const bool on : { true, false }) {
             const QStringList off = on ? QStringList() : QStringList(u"--no-csv-bom"_s);

@@ -166,7 +166,7 @@ private Q_SLOTS:
         check.pairs = { { 1, 0, true, 0, { { SoundDifference::Kind::Silent, true, 0, 0, 20000, 21000 } } } };
         const QString csv = write(ReportFormat::Csv, groups);
         QVERIFY(csv.section(u'\n', 0, 0).endsWith(u",Modified,Check,Loudness (LUFS)"_s));
-        QVERIFY(csv.contains(u",\"silent 0:20-0:21; 4.7 dB louder than the kept copy\",\"-9.3\"\n"_s));
+        QVERIFY(csv.contains(u",\"silent 0:20-0:21; 4.7 dB louder than the kept copy\",-9.3\n"_s));
         const QJsonDocument json = QJsonDocument::fromJson(write(ReportFormat::Json, groups).toUtf8());
         const QJsonValue files = json["duplicateGroups"_L1][0]["files"_L1];
         QCOMPARE(files[0]["check"_L1]["differences"_L1][0]["kind"_L1], u"silent"_s);

@@ -53,6 +53,7 @@ private Q_SLOTS:
             [](auto &o) { o.detectAcoustic = false; });
         row("Also find copies that start or end elsewhere, and processed ones", "checked", true,
             [](auto &o) { o.compareThoroughly = true; });
+        row("Check groups over their whole length after a scan", "checked", true, [](auto &o) { o.checkWhole = true; });
         row("Matching artist, title and duration", "checked", true, [](auto &o) { o.detectMetadata = true; });
         row("Acoustic match threshold:", "value", 0.31, [](auto &o) { o.threshold = 0.31; });
         row("Duration tolerance (acoustic):", "value", 25, [](auto &o) { o.durationTolerance = 25; });

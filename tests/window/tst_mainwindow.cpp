@@ -14,6 +14,8 @@
 #include <QMenuBar>
 #include <QThread>
 
+#include <cmath>
+
 using namespace epr;
 using namespace epr::test;
 
@@ -54,6 +56,36 @@ QString matchOf(const MainWindow &window, int member)
 {
     const QAbstractItemModel *rows = resultsOf(window)->model();
     return rows->index(member, ResultsModel::MatchColumn, rows->index(0, 0)).data().toString();
+}
+
+/// Twelve seconds of four voices and noise; a part from the sixth second on is silent.
+QByteArray melody(int silentSeconds = 0)
+{
+    constexpr int rate = 8000;
+    QByteArray samples;
+    for (int i = 0; i < 12 * rate; ++i) {
+        double value = 112 + static_cast<int>((static_cast<unsigned>(i) * 1103515245U + 12345U) >> 16 & 31U);
+        for (int voice = 0; voice < 4; ++voice) {
+            const int note = i / (1500 + 400 * voice);
+            const double pitch = 150 * std::pow(2, note * (note + 7919 + voice) * 31 % 47 / 12.0);
+            value += 18 * std::sin(i * pitch * 6.2832 / rate);
+        }
+        const bool isSilent = i >= 6 * rate && i < (6 + silentSeconds) * rate;
+        samples += static_cast<char>(isSilent ? 0x80 : static_cast<int>(value));
+    }
+    return waveOf(0, 12).replace(44, samples.size(), samples);
+}
+
+TrackInfo trackOf(const QString &path)
+{
+    TrackInfo track;
+    track.path = path;
+    track.fileName = QFileInfo(path).fileName();
+    track.suffix = u"wav"_s;
+    track.size = QFileInfo(path).size();
+    track.mtime = QFileInfo(path).lastModified();
+    track.stream.durationMs = 12000;
+    return track;
 }
 
 void press(const QKeyCombination &keys)
@@ -330,6 +362,47 @@ private Q_SLOTS:
         QVERIFY(member->showDetails->isEnabled());
         press(Qt::CTRL | Qt::Key_Up);
         QCOMPARE(current(), u"a"_s);
+    }
+
+    void groupsAreCheckedOverTheirWholeLength()
+    {
+        const QStringList names { u"a.wav"_s, u"b.wav"_s, u"c.wav"_s };
+        QList<TrackInfo> tracks;
+        for (const QString &name : names) {
+            writeFile(m_folder->filePath(name), melody(name == u"b.wav"_s ? 2 : 0));
+            tracks << trackOf(m_folder->filePath(name));
+        }
+        MainWindow window;
+        window.show();
+        const auto *text = window.findChild<QLabel *>(u"checkText"_s);
+        window.onScanFinished(tracks,
+                              { { .id = 1, .matchType = MatchType::SameRecording, .members = { 0, 1, 2 }, .keep = 0 } },
+                              false, 1);
+        QCOMPARE(text->text(), u"1 group(s) were compared over their first 60 s."_s);
+        QVERIFY(text->isVisible());
+        auto *check = window.findChild<QPushButton *>(u"checkWholeButton"_s);
+        check->setFocus();
+        check->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!text->isVisible(), 30000);
+        QCOMPARE(window.focusWidget(), resultsOf(window));
+        QCOMPARE(matchOf(window, 1), u"silent 0:06-0:08"_s);
+        QCOMPARE(matchOf(window, 2), u"alike to the end"_s);
+        QVERIFY(logs(window,
+                     u"Checked over the whole length: 0 group(s) alike to the end, 1 with copies that differ, 1 "
+                     "copy(s) unticked."_s));
+        const auto *review = window.findChild<Review *>();
+        QVERIFY(!review->isTicked(0, 1) && review->isTicked(0, 2));
+
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        press(Qt::Key_F3);
+        const ComparePlayer *player = window.findChild<ComparePlayer *>();
+        QCOMPARE(player->track(Deck::A).path, tracks.at(0).path);
+        QCOMPARE(player->track(Deck::B).path, tracks.at(1).path);
+        QCOMPARE(resultsOf(window)->currentIndex().row(), 1);
+        window.findChild<Review *>()->setKeeper(0, 1);
+        QCOMPARE(matchOf(window, 0), u"the kept copy is silent 0:06-0:08"_s);
+        press(Qt::CTRL | Qt::SHIFT | Qt::Key_K);
+        QVERIFY(review->isKeeper(0, 0));
     }
 
 private:
