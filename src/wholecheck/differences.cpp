@@ -172,10 +172,16 @@ void Differences::addGap(const Span &span)
         add(Kind::Skips, !isInSecond, span);
 }
 
-/// Whether what one has more is what it has directly before or after, too.
-bool Differences::isRepeat(qsizetype, qsizetype, bool) const
+/// Whether what one has more is what it has directly before or after, too. Where the repetition begins cannot be told
+/// to the frame, so that it may be partly the one and partly the other.
+bool Differences::isRepeat(qsizetype begin, qsizetype end, bool inSecond) const
 {
-    return false;
+    const qsizetype frames = inSecond ? m_distance.secondFrames() : m_distance.firstFrames();
+    const qsizetype length = end - begin;
+    qsizetype same = 0;
+    for (qsizetype frame = std::max<qsizetype>(begin - length, 0); frame < std::min(end, frames - length); ++frame)
+        same += m_distance.within(inSecond, frame, frame + length) < alike ? 1 : 0;
+    return 5 * same > 4 * length;
 }
 
 void Differences::findAtEnds()

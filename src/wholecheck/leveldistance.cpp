@@ -78,33 +78,47 @@ void LevelDistance::learnBias(qsizetype begin, qsizetype end, qsizetype offset)
     m_gain = median(sorted);
 }
 
+LevelDistance::Moment LevelDistance::inFirst(qsizetype frame) const
+{
+    return { m_first.frame(frame), m_firstPeaks[static_cast<std::size_t>(frame)] };
+}
+
+LevelDistance::Moment LevelDistance::inSecond(qsizetype frame) const
+{
+    return { m_second.frame(frame), m_secondPeaks[static_cast<std::size_t>(frame)] };
+}
+
 float LevelDistance::at(qsizetype frame, qsizetype offset) const
 {
-    float least = exactlyAt(frame, frame + offset);
+    const Moment first = inFirst(frame);
+    float least = between(first, inSecond(frame + offset), m_bias, m_gain);
     for (const qsizetype other : { frame + offset - 1, frame + offset + 1 })
         if (other >= 0 && other < secondFrames())
-            least = std::min(least, exactlyAt(frame, other));
+            least = std::min(least, between(first, inSecond(other), m_bias, m_gain));
     return least;
 }
 
-// The middle one of the bands' differences is what the sound was turned up or down by at this moment.
-float LevelDistance::exactlyAt(qsizetype frame, qsizetype other) const
+float LevelDistance::within(bool isInSecond, qsizetype frame, qsizetype other) const
 {
-    const auto first = m_first.frame(frame);
-    const auto second = m_second.frame(other);
-    const float peak = std::max(m_firstPeaks[static_cast<std::size_t>(frame)],
-                                m_secondPeaks[static_cast<std::size_t>(other)] + m_gain);
+    return isInSecond ? between(inSecond(frame), inSecond(other), {}, 0)
+                      : between(inFirst(frame), inFirst(other), {}, 0);
+}
+
+// The middle one of the bands' differences is what the sound was turned up or down by at this moment.
+float LevelDistance::between(const Moment &first, const Moment &second, const Bands &bias, float gain)
+{
+    const float peak = std::max(first.peak, second.peak + gain);
     const float floor = std::max(peak - maskedBelow, leastDb);
     Bands differences;
     for (std::size_t band = 0; band < BandLevels::bands; ++band)
         differences[band] =
-            std::max(decibels(first[band]), floor) - std::max(decibels(second[band]) + m_bias[band], floor);
+            std::max(decibels(first.levels[band]), floor) - std::max(decibels(second.levels[band]) + bias[band], floor);
     Bands sorted = differences;
-    const float gain = median(sorted);
+    const float change = median(sorted);
     float sum = 0;
     for (const float difference : differences)
-        sum += std::abs(difference - gain);
-    return sum / BandLevels::bands + std::max(std::abs(gain) - gainLeeway, 0.0F);
+        sum += std::abs(difference - change);
+    return sum / BandLevels::bands + std::max(std::abs(change) - gainLeeway, 0.0F);
 }
 
 float LevelDistance::mean(qsizetype begin, qsizetype end, qsizetype offset) const

@@ -30,13 +30,23 @@ public:
     /// Mean over a stretch, as far as both are there.
     float mean(qsizetype begin, qsizetype end, qsizetype offset) const;
 
+    /// The same of two frames of one recording.
+    float within(bool isInSecond, qsizetype frame, qsizetype other) const;
+
     float firstLevel(qsizetype frame) const; ///< dB of full scale, of the loudest band
     float secondLevel(qsizetype frame) const;
 
 private:
     using Bands = std::array<float, BandLevels::bands>;
 
-    float exactlyAt(qsizetype frame, qsizetype other) const;
+    struct Moment {
+        std::span<const quint8, BandLevels::bands> levels;
+        float peak = 0; ///< dB
+    };
+
+    Moment inFirst(qsizetype frame) const;
+    Moment inSecond(qsizetype frame) const;
+    static float between(const Moment &first, const Moment &second, const Bands &bias, float gain);
 
     const BandLevels &m_first;
     const BandLevels &m_second;

@@ -108,7 +108,8 @@ Result<SoundProfile> decodedByFfmpeg(const QString &path, const std::atomic<bool
                   .writesAllTheTime = true,
                   .leaveOff = &stop,
                   .take = [&stream](QByteArray &unread) { return stream.take(unread); },
-                  .messages = &messages };
+                  .messages = &messages,
+                  .isLowPriority = true };
     if (const auto output = runTool(run); !output)
         return failure(failedText(output.error().text));
     Result<SoundProfile> profile = finished(stream.profiler());
