@@ -133,7 +133,7 @@ QString Pairs::compared(const QString &first, const QString &second)
     QStringList texts;
     for (const SoundDifference &difference : check.differences)
         texts << u"%1%2:%3-%4:%5-%6"_s.arg(static_cast<int>(difference.kind))
-                     .arg(difference.isInSecond ? u'b' : u'a')
+                     .arg(difference.isInSecond ? QChar(u'b') : QChar(u'a'))
                      .arg(difference.firstStartMs)
                      .arg(difference.firstEndMs)
                      .arg(difference.secondStartMs)
