@@ -52,12 +52,13 @@ bool isInvisibleMark(QChar c)
         || (unit >= 0x2066 && unit <= 0x2069);
 }
 
-QString memberLine(const TrackInfo &track, const MatchGroup &group, qint32 member)
+QString memberLine(const QList<TrackInfo> &tracks, const MatchGroup &group, qint32 member)
 {
+    const TrackInfo &track = tracks.at(member);
     const QString action = member == group.keep ? QCoreApplication::translate("epr::Cli", "KEEP")
                                                 : QCoreApplication::translate("epr::Cli", "duplicate");
     QStringList facts { durationText(track.stream), missingText(group, member), qualityText(track),
-                        sizeText(track.size) };
+                        sizeText(track.size), editText(group, member, tracks) };
     facts += checkTexts(group, member) + measureTexts(group, member);
     facts.removeAll(QString());
     return u"  %1  %2  (%3)\n"_s.arg(action.leftJustified(9), printable(nativePath(track.path)),
@@ -77,7 +78,7 @@ void writeGroup(QTextStream &out, const QList<TrackInfo> &tracks, const MatchGro
             out << "  " << printable(remark) << '\n';
     }
     for (const qint32 member : group.members)
-        out << memberLine(tracks.at(member), group, member);
+        out << memberLine(tracks, group, member);
     out << '\n';
 }
 

@@ -47,6 +47,14 @@ QString missingText(const MatchGroup &group, qint32 member)
     return texts.join(", "_L1);
 }
 
+QString editText(const MatchGroup &group, qint32 member, const QList<TrackInfo> &tracks)
+{
+    const qint32 other = group.edits.value(member, -1);
+    return other >= 0 && other < tracks.size()
+        ? QCoreApplication::translate("epr::MatchType", "may be an edit of %1").arg(tracks.at(other).fileName)
+        : QString();
+}
+
 namespace {
 
 // A group with a less certain link keeps the name of that.

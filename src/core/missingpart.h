@@ -24,6 +24,9 @@ MissingPart missingPart(const MatchGroup &group, qint32 member);
 /// "starts 5.0 s later, ends 1:12 earlier" or "length uncertain", translated; empty if nothing is missing.
 QString missingText(const MatchGroup &group, qint32 member);
 
+/// "may be an edit of NAME", translated; of most members nothing.
+QString editText(const MatchGroup &group, qint32 member, const QList<TrackInfo> &tracks);
+
 /// The label of the group's match type; of the same recording in other lengths one of its own.
 QString groupLabel(const MatchGroup &group);
 

@@ -126,6 +126,8 @@ struct MatchGroup {
     qint64 reclaimableBytes = 0; ///< freed by removing every member but keep
     QHash<qint32, MemberSpan>
         spans = {}; ///< by track index; only of members of known duration whose lengths may differ
+    QHash<qint32, qint32>
+        edits = {}; ///< by track index of a member: a track outside that may be an edit of it, or it of that
     GroupCheck check = {}; ///< over the whole length, once that was done
 
     bool operator==(const MatchGroup &) const = default;

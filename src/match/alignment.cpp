@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "alignment.h"
 
-#include "bitkernel.h"
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <optional>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -19,7 +19,8 @@ constexpr qsizetype wordsPerBlock = 16; // about two seconds
 constexpr qsizetype leastOverlap = 80; // words, about ten seconds
 constexpr quint32 mostRepeats = 8; // of a key in one recording; a held tone votes for everything
 constexpr quint32 leastVotes = 3;
-constexpr int peakCount = 3;
+constexpr std::size_t peakCount = 3; // that may be alignments
+constexpr std::size_t mostParts = 4; // of an edit
 constexpr qsizetype stepsAround = 2; // a peak
 
 struct BlockCounts {
@@ -140,11 +141,13 @@ inline std::size_t Aligner::slotOf(quint32 key) const
 std::optional<Alignment> Aligner::alignWith(const Fingerprint &second)
 {
     setWordSequence(m_second, second, m_rules.engine);
+    m_peaks.clear();
     if (m_first.words.empty() || m_second.words.empty() || m_second.perHop != m_first.perHop)
         return std::nullopt;
     vote();
+    takePeaks();
     std::optional<Alignment> best;
-    for (const qsizetype peak : takePeaks())
+    for (const qsizetype peak : std::span(m_peaks).first(std::min(m_peaks.size(), peakCount)))
         for (qsizetype offset = peak - stepsAround; offset <= peak + stepsAround; ++offset)
             if (const std::optional<Alignment> found = compare(offset))
                 if (!best || found->bitErrorRate < best->bitErrorRate)
@@ -182,13 +185,12 @@ void Aligner::vote()
 }
 
 /// The offsets with the most votes, their neighbours' included. What lies around one that was taken is not taken again.
-std::vector<qsizetype> Aligner::takePeaks()
+void Aligner::takePeaks()
 {
     const auto votesAt = [this](std::size_t i) {
         return (i > 0 ? m_votes[i - 1] : 0) + m_votes[i] + (i + 1 < m_votes.size() ? m_votes[i + 1] : 0);
     };
-    std::vector<qsizetype> peaks;
-    while (peaks.size() < peakCount) {
+    while (m_peaks.size() < mostParts) {
         quint32 most = leastVotes - 1;
         qsizetype peak = 0;
         for (std::size_t i = 0; i < m_votes.size(); ++i)
@@ -198,9 +200,17 @@ std::vector<qsizetype> Aligner::takePeaks()
             break;
         const auto end = std::min(peak + stepsAround + 1, static_cast<qsizetype>(m_votes.size()));
         std::fill(m_votes.begin() + std::max<qsizetype>(0, peak - stepsAround), m_votes.begin() + end, 0);
-        peaks.push_back(peak - m_first.size() + 1);
+        m_peaks.push_back(peak - m_first.size() + 1);
     }
-    return peaks;
+}
+
+MaskedBits Aligner::bitsOf(qsizetype at, qsizetype offset, qsizetype count, qsizetype silent) const
+{
+    MaskedBits bits =
+        bitKernel().masked({ m_first.words.data() + at, m_first.mask.data() + at },
+                           { m_second.words.data() + at + offset, m_second.mask.data() + at + offset }, count);
+    bits.trusted -= 32 * silent;
+    return bits;
 }
 
 /// Strangers are given up as soon as too many blocks differ, whatever may come.
@@ -217,10 +227,7 @@ std::optional<Alignment> Aligner::compare(qsizetype offset) const
         const qint64 silent = silentInBoth(m_first, at, m_second, at + offset, count);
         if (silent == count)
             continue;
-        MaskedBits bits =
-            bitKernel().masked({ m_first.words.data() + at, m_first.mask.data() + at },
-                               { m_second.words.data() + at + offset, m_second.mask.data() + at + offset }, count);
-        bits.trusted -= 32 * silent;
+        const MaskedBits bits = bitsOf(at, offset, count, silent);
         sum.bits.differing += bits.differing;
         sum.bits.trusted += bits.trusted;
         sum.compared += count - silent;
@@ -238,6 +245,68 @@ std::optional<Alignment> Aligner::compare(qsizetype offset) const
         return std::nullopt;
     return Alignment { .offsetMs = std::llround(static_cast<double>(offset) * m_first.msPerWord()),
                        .bitErrorRate = differing };
+}
+
+/// For each block of the second.
+std::vector<bool> Aligner::agreeingBlocks(qsizetype offset) const
+{
+    const qsizetype block = wordsPerBlock * m_first.perHop;
+    std::vector<bool> agreeing(static_cast<std::size_t>(m_second.size() / block));
+    qsizetype at = -offset;
+    for (std::size_t i = 0; i < agreeing.size(); ++i, at += block) {
+        if (at < 0 || at + block > m_first.size())
+            continue;
+        const qint64 silent = silentInBoth(m_first, at, m_second, at + offset, block);
+        const MaskedBits bits = bitsOf(at, offset, block, silent);
+        agreeing[i] = silent < block && ratio(bits.differing, bits.trusted) <= m_rules.blockThreshold;
+    }
+    return agreeing;
+}
+
+/// The offset near a peak at which the most blocks agree that lie at no other yet, and which these are; nothing if that
+/// are too few.
+std::vector<bool> Aligner::partNear(qsizetype peak, const Places &places) const
+{
+    constexpr qsizetype leastGain = 2; // blocks
+    qsizetype mostGained = leastGain - 1;
+    std::vector<bool> best;
+    for (qsizetype offset = peak - stepsAround; offset <= peak + stepsAround; ++offset) {
+        std::vector<bool> agreeing = agreeingBlocks(offset);
+        qsizetype gained = 0;
+        for (std::size_t i = 0; i < agreeing.size(); ++i)
+            gained += agreeing[i] && !places[i] ? 1 : 0;
+        if (gained > mostGained)
+            std::tie(mostGained, best) = std::pair(gained, std::move(agreeing));
+    }
+    return best;
+}
+
+// What one of the two has beyond the other's ends is not compared, so that it does not count.
+bool Aligner::mayBeEdit() const
+{
+    constexpr qsizetype leastApart = 8; // hops, about a second
+    constexpr double leastCovered = 0.8;
+    const qsizetype block = wordsPerBlock * m_first.perHop;
+    Places places(static_cast<std::size_t>(m_second.size() / block));
+    std::vector<qsizetype> parts;
+    for (const qsizetype peak : m_peaks) {
+        const auto isNear = [&](qsizetype part) { return qAbs(peak - part) < leastApart * m_first.perHop; };
+        const auto agreeing = std::ranges::any_of(parts, isNear) ? std::vector<bool>() : partNear(peak, places);
+        for (std::size_t i = 0; i < agreeing.size(); ++i)
+            if (agreeing[i] && !places[i])
+                places[i] = peak;
+        if (!agreeing.empty())
+            parts.push_back(peak);
+    }
+    if (parts.size() < 2)
+        return false;
+    const auto isPlaced = [](const std::optional<qsizetype> &offset) { return offset.has_value(); };
+    const qsizetype begin = std::max<qsizetype>(0, **std::ranges::find_if(places, isPlaced));
+    const qsizetype end =
+        std::min(m_second.size(), m_first.size() + **std::find_if(places.rbegin(), places.rend(), isPlaced));
+    const qsizetype covered = block * std::ranges::count_if(places, isPlaced);
+    return 2 * covered >= std::max(m_first.size(), m_second.size())
+        && static_cast<double>(covered) >= leastCovered * static_cast<double>(end - begin - block);
 }
 
 } // namespace epr

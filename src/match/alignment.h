@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "bitkernel.h"
 #include "records.h"
 
 #include <array>
@@ -73,6 +74,10 @@ public:
     /// that have less than half of the longer fingerprint in common.
     std::optional<Alignment> alignWith(const Fingerprint &second);
 
+    /// Whether the one that was last found not to lie anywhere may be an edit of the first, or the first of it: some
+    /// stretches of the two agree, at different offsets, and next to nothing lies between them.
+    bool mayBeEdit() const;
+
 private:
     struct Key {
         quint32 value = 0;
@@ -84,7 +89,11 @@ private:
     bool mayHave(quint32 key) const;
     std::size_t slotOf(quint32 key) const;
     void vote();
-    std::vector<qsizetype> takePeaks();
+    void takePeaks();
+    MaskedBits bitsOf(qsizetype at, qsizetype offset, qsizetype count, qsizetype silent) const;
+    using Places = std::vector<std::optional<qsizetype>>; ///< offset of each block of the second, as far as it has one
+    std::vector<bool> agreeingBlocks(qsizetype offset) const;
+    std::vector<bool> partNear(qsizetype peak, const Places &places) const;
     std::optional<Alignment> compare(qsizetype offset) const;
 
     AlignmentRules m_rules;
@@ -95,6 +104,7 @@ private:
     std::vector<qint32> m_nextPlace; ///< of the same key, for each key of each word; -1 ends
     std::vector<std::pair<quint32, qint32>> m_shared; ///< slot and position in the second
     std::vector<quint32> m_votes; ///< per offset, from the smallest possible
+    std::vector<qsizetype> m_peaks; ///< offsets, the one with the most votes first
 };
 
 } // namespace epr

@@ -118,6 +118,28 @@ void finishGroup(MatchGroup &group, bool aligned, const QList<TrackInfo> &tracks
     group.confidence = confidenceOf(group.matchType);
 }
 
+/// Notes in each group what may be an edit of a member, and returns the pairs of which neither is in a group.
+EditPairs noteEdits(QList<MatchGroup> &groups, MatchUnion &sets)
+{
+    QHash<qint32, MatchGroup *> groupOf;
+    for (MatchGroup &group : groups)
+        groupOf.insert(sets.findRoot(group.members.first()), &group);
+    EditPairs single;
+    for (const auto &[a, b] : sets.edits()) {
+        MatchGroup *const groupOfA = groupOf.value(sets.findRoot(a));
+        MatchGroup *const groupOfB = groupOf.value(sets.findRoot(b));
+        if (!groupOfA && !groupOfB)
+            single.append({ a, b });
+        if (groupOfA == groupOfB)
+            continue;
+        if (groupOfA && !groupOfA->edits.contains(a))
+            groupOfA->edits.insert(a, b);
+        if (groupOfB && !groupOfB->edits.contains(b))
+            groupOfB->edits.insert(b, a);
+    }
+    return single;
+}
+
 bool comesBefore(const MatchGroup &a, const MatchGroup &b)
 {
     return a.matchType != b.matchType ? a.matchType < b.matchType : a.reclaimableBytes > b.reclaimableBytes;
@@ -143,7 +165,8 @@ QList<MatchGroup> groupSets(MatchUnion &sets, const QList<TrackInfo> &tracks, co
 // From the most certain method to the least. Each pass looks at all tracks, also at those already linked: a group takes
 // the type of its weakest link.
 QList<MatchGroup> buildMatchGroups(const QList<TrackInfo> &tracks, const ScanOptions &options,
-                                   const std::atomic<qint32> &cancelFlag, const ProgressFn &progress)
+                                   const std::atomic<qint32> &cancelFlag, const ProgressFn &progress,
+                                   EditPairs *singleEdits)
 {
     if (tracks.size() < 2)
         return {};
@@ -166,6 +189,9 @@ QList<MatchGroup> buildMatchGroups(const QList<TrackInfo> &tracks, const ScanOpt
         linkEqualSongs(tracks, options.metadataTolerance, sets);
     }
     QList<MatchGroup> groups = groupSets(sets, tracks, options);
+    EditPairs single = noteEdits(groups, sets);
+    if (singleEdits)
+        *singleEdits = std::move(single);
     report(progress, Complete, QT_TRANSLATE_NOOP("QObject", "Grouping complete"));
     return groups;
 }

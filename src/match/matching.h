@@ -6,16 +6,21 @@
 #include "records.h"
 
 #include <atomic>
+#include <utility>
 
 namespace epr {
 
 class MatchUnion;
 
+/// Pairs of tracks, in ascending order, of which one may be an edit of the other.
+using EditPairs = QList<std::pair<qint32, qint32>>;
+
 /// Finds the duplicates among analysed tracks by the methods that the options enable. A cancelFlag other than zero
 /// skips the passes that compare by similarity; what has been found by then is still returned. Progress is reported on
-/// the calling thread.
+/// the calling thread. What may be an edit is noted in the groups, or where neither is in one, in singleEdits.
 QList<MatchGroup> buildMatchGroups(const QList<TrackInfo> &tracks, const ScanOptions &options,
-                                   const std::atomic<qint32> &cancelFlag, const ProgressFn &progress = {});
+                                   const std::atomic<qint32> &cancelFlag, const ProgressFn &progress = {},
+                                   EditPairs *singleEdits = nullptr);
 
 /// Turns the sets of two and more tracks into numbered groups: members in path order, the copy to keep chosen, groups
 /// by certainty and then by the space they would free. Groups equal in both stand in the order of their lowest track

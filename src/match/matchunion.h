@@ -5,6 +5,7 @@
 #include "records.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace epr {
@@ -70,6 +71,10 @@ public:
         node(a).isAligned = node(b).isAligned = true;
     }
 
+    /// Two tracks, in ascending order, of which one may be an edit of the other. It links nothing.
+    void noteEdit(qint32 a, qint32 b) { m_edits.emplace_back(a, b); }
+    const std::vector<std::pair<qint32, qint32>> &edits() const { return m_edits; }
+
 private:
     struct Node {
         qint32 parent = 0;
@@ -93,6 +98,7 @@ private:
     }
 
     std::vector<Node> m_nodes;
+    std::vector<std::pair<qint32, qint32>> m_edits;
 };
 
 } // namespace epr

@@ -225,13 +225,15 @@ void linkAligned(std::span<const Pair> candidates, const QList<TrackInfo> &track
     constexpr qsizetype pairsAtOnce = 64; // of a thread, mostly with one first track
     constexpr std::size_t batchPerThread = 4096;
     std::vector<Aligner> aligners(static_cast<std::size_t>(threads), Aligner(rules));
-    std::vector<char> isSame;
+    constexpr std::size_t mostEdits = 100'000; // that are told of
+    enum class Found : char { Nothing, Copy, Edit };
+    std::vector<Found> found;
     const auto total = std::ssize(candidates);
-    for (std::span<const Pair> rest = candidates; !rest.empty(); rest = rest.subspan(isSame.size())) {
+    for (std::span<const Pair> rest = candidates; !rest.empty(); rest = rest.subspan(found.size())) {
         if (!checkpoint.pass(comparing, total - std::ssize(rest), total))
             return;
-        isSame.assign(std::min(rest.size(), batchPerThread * static_cast<std::size_t>(threads)), 0);
-        const qsizetype count = std::ssize(isSame);
+        found.assign(std::min(rest.size(), batchPerThread * static_cast<std::size_t>(threads)), Found::Nothing);
+        const qsizetype count = std::ssize(found);
         forEachOnThreads(threads, (count + pairsAtOnce - 1) / pairsAtOnce, [&](int thread, qsizetype turn) {
             Aligner &aligner = aligners[static_cast<std::size_t>(thread)];
             qint32 prepared = -1;
@@ -243,12 +245,18 @@ void linkAligned(std::span<const Pair> candidates, const QList<TrackInfo> &track
                     continue;
                 if (std::exchange(prepared, firstOf(pair)) != firstOf(pair))
                     aligner.setFirst(tracks[firstOf(pair)].fingerprint);
-                isSame[static_cast<std::size_t>(i)] = aligner.alignWith(tracks[secondOf(pair)].fingerprint) ? 1 : 0;
+                if (aligner.alignWith(tracks[secondOf(pair)].fingerprint))
+                    found[static_cast<std::size_t>(i)] = Found::Copy;
+                else if (aligner.mayBeEdit())
+                    found[static_cast<std::size_t>(i)] = Found::Edit;
             }
         });
-        for (std::size_t i = 0; i < isSame.size() && !checkpoint.isCancelled(); ++i)
-            if (isSame[i] != 0 && unions.findRoot(firstOf(rest[i])) != unions.findRoot(secondOf(rest[i])))
+        for (std::size_t i = 0; i < found.size() && !checkpoint.isCancelled(); ++i) {
+            if (found[i] == Found::Copy && unions.findRoot(firstOf(rest[i])) != unions.findRoot(secondOf(rest[i])))
                 unions.linkAligned(firstOf(rest[i]), secondOf(rest[i]));
+            else if (found[i] == Found::Edit && unions.edits().size() < mostEdits)
+                unions.noteEdit(firstOf(rest[i]), secondOf(rest[i]));
+        }
     }
 }
 

@@ -74,7 +74,7 @@ void writeAction(QTextStream &out, const ReportMember &member)
         out << "<td>"_L1 << missing.toHtmlEscaped();
     else
         out << "<td class=\"dupe\">remove"_L1;
-    for (const QString &text : member.checked())
+    for (const QString &text : member.checked() + member.edit())
         out << "<div class=\"path\">"_L1 << text.toHtmlEscaped() << "</div>"_L1;
     out << "</td>"_L1;
 }

@@ -84,6 +84,8 @@ QJsonObject fileObject(const ReportMember &member)
         { u"sha256"_s, track.fullHash },
         { u"audioSha256"_s, track.audioHash },
     };
+    if (const qint32 other = member.group.edits.value(member.index, -1); other >= 0 && other < member.tracks.size())
+        object.insert(u"mayBeEditOf"_s, member.tracks.at(other).path);
     if (track.stream.durationIsGuess)
         object.insert(u"durationIsGuess"_s, true);
     if (const MissingPart missing = missingPart(member.group, member.index); missing.isKnown()) {

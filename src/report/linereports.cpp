@@ -71,6 +71,7 @@ QString countField(qint64 count)
 // Only there where one of them has something to say.
 constexpr std::array furtherColumns {
     CsvColumn { "Missing"_L1, [](const ReportMember &m) { return quoted(m.missing()); } },
+    CsvColumn { "Remark"_L1, [](const ReportMember &m) { return quoted(m.edit().join(QString())); } },
     CsvColumn { "Duration is a guess"_L1,
                 [](const ReportMember &m) { return quoted(m.track.stream.durationIsGuess ? u"yes"_s : QString()); } },
     CsvColumn { "Check"_L1, [](const ReportMember &m) { return quoted(m.checked().join("; "_L1)); } },

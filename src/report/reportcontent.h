@@ -26,9 +26,15 @@ struct ReportMember {
     const TrackInfo &track;
     bool keep;
     qint32 index; ///< of the track
+    const QList<TrackInfo> &tracks;
 
     QString missing() const { return missingText(group, index); } ///< of the copy to keep; mostly nothing
     QStringList checked() const { return checkTexts(group, index) + measureTexts(group, index); } ///< as mostly
+    QStringList edit() const ///< mostly nothing
+    {
+        const QString text = editText(group, index, tracks);
+        return text.isEmpty() ? QStringList() : QStringList(text);
+    }
 };
 
 /// In the group's order, without members that refer to no track.
@@ -37,7 +43,7 @@ inline std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<
     std::vector<ReportMember> members;
     for (const qint32 member : group.members) {
         if (member >= 0 && member < tracks.size())
-            members.push_back({ group, tracks.at(member), member == group.keep, member });
+            members.push_back({ group, tracks.at(member), member == group.keep, member, tracks });
     }
     return members;
 }

@@ -69,7 +69,7 @@ void ResultsModel::setLoaded(const PerDeck<QString> &paths)
 bool ResultsModel::hasRemarks() const
 {
     return std::ranges::any_of(m_review.groups(), [](const MatchGroup &group) {
-        return group.check.isDone()
+        return group.check.isDone() || !group.edits.isEmpty()
             || std::ranges::any_of(group.members, [&](qint32 member) { return missingPart(group, member).isAny(); });
     });
 }
@@ -290,15 +290,22 @@ QString ResultsModel::matchText(int group, int member) const
     if (checkState(record, track) == CheckState::Differs)
         texts.removeFirst();
     texts.removeAll(QString());
-    return texts.isEmpty() ? tr("duplicate") : texts.join(", "_L1);
+    if (texts.isEmpty())
+        texts << tr("duplicate");
+    if (const QString edit = editText(record, track, m_review.tracks()); !edit.isEmpty())
+        texts << edit;
+    return texts.join(", "_L1);
 }
 
 QString ResultsModel::matchToolTip(int group, int member) const
 {
     const MatchGroup &record = m_review.groups().at(group);
     const qint32 track = record.members.at(member);
-    const QStringList texts = checkTexts(record, track) + measureTexts(record, track);
-    return texts.isEmpty() ? matchText(group, member) : plainToolTip(texts.join(u'\n'));
+    QStringList texts = checkTexts(record, track) + measureTexts(record, track);
+    if (texts.isEmpty())
+        return plainToolTip(matchText(group, member));
+    texts << editText(record, track, m_review.tracks());
+    return plainToolTip(texts.join(u'\n').trimmed());
 }
 
 QVariant ResultsModel::matchTextColour(int group, int member) const

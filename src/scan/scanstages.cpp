@@ -181,19 +181,39 @@ QList<TrackInfo> leaveOutSilence(QList<TrackInfo> tracks, const ScanOptions &opt
     return tracks;
 }
 
+namespace {
+
+// They are in no group, so that there is no row to say it in.
+void logEdits(const EditPairs &pairs, const QList<TrackInfo> &tracks, const StageContext &context)
+{
+    constexpr qsizetype mostNamed = 100;
+    for (const auto &[first, second] : pairs.first(std::min(pairs.size(), mostNamed))) {
+        context.log(QCoreApplication::translate("epr::ScanController", "One may be an edit of the other: %1, %2")
+                        .arg(nativePath(tracks.at(first).path), nativePath(tracks.at(second).path)));
+    }
+    if (pairs.size() > mostNamed) {
+        context.log(QCoreApplication::translate("epr::ScanController", "%n more pair(s) of files may be edits.",
+                                                nullptr, static_cast<int>(pairs.size() - mostNamed)));
+    }
+}
+
+} // namespace
+
 QList<MatchGroup> groupDuplicates(const QList<TrackInfo> &tracks, const ScanOptions &options,
                                   const StageContext &context)
 {
     context.step({ .number = stepCount(options), .count = stepCount(options) });
     context.phase(QCoreApplication::translate("epr::ScanController", "Grouping duplicates"));
     QString phase;
-    const QList<MatchGroup> groups =
-        buildMatchGroups(tracks, options, context.cancelFlag, [&](int step, int total, const QString &text) {
-            context.waitWhilePaused();
-            if (text != std::exchange(phase, text))
-                context.phase(text);
-            context.progress(step, total, text);
-        });
+    const auto report = [&](int step, int total, const QString &text) {
+        context.waitWhilePaused();
+        if (text != std::exchange(phase, text))
+            context.phase(text);
+        context.progress(step, total, text);
+    };
+    EditPairs singleEdits;
+    const QList<MatchGroup> groups = buildMatchGroups(tracks, options, context.cancelFlag, report, &singleEdits);
+    logEdits(singleEdits, tracks, context);
     qint64 reclaimable = 0;
     for (const MatchGroup &group : groups)
         reclaimable += group.reclaimableBytes;

@@ -131,6 +131,55 @@ private Q_SLOTS:
         }
     }
 
+    void editsAreNoticed_data()
+    {
+        const test::Rows<Parts, Parts, bool> row("first", "second", "isEdit");
+        const Parts minute { { 1, 0, 960 } };
+        constexpr int n = noiseOfCopies;
+        row("a part is left out", minute, { { 1, 0, 320, n }, { 1, 480, 1120, n } }, true);
+        row("a part is repeated", minute, { { 1, 0, 400, n }, { 1, 304, 864, n } }, true);
+        row("two parts are left out", minute, { { 1, 0, 240, n }, { 1, 320, 560, n }, { 1, 720, 1200, n } }, true);
+        row("silence is left out", { { 1, 0, 480 }, { silence, 0, 200 }, { 1, 480, 760 } }, minute, true);
+        row("another ending", minute, { { 1, 0, 600, n }, { 2, 0, 360 } }, false);
+        row("much else in between", { { 1, 0, 240 }, { 2, 0, 480 }, { 1, 240, 480 } },
+            { { 1, 0, 240, n }, { 3, 0, 400 }, { 1, 240, 480, n } }, false);
+        row("a jingle here and there", minute, { { 1, 0, 80 }, { 2, 0, 400 }, { 1, 160, 240 }, { 3, 0, 400 } }, false);
+        row("another recording", minute, { { 2, 0, 960 } }, false);
+    }
+
+    void editsAreNoticed()
+    {
+        QFETCH(const Parts, first);
+        QFETCH(const Parts, second);
+        QFETCH(const bool, isEdit);
+        for (const FingerprintEngine engine : { FingerprintEngine::BuiltIn, FingerprintEngine::Fpcalc }) {
+            Aligner aligner(alignmentRules(optionsFor(engine)));
+            for (const bool swapped : { false, true }) {
+                aligner.setFirst(fingerprintOf(swapped ? second : first, engine));
+                QVERIFY(!aligner.alignWith(fingerprintOf(swapped ? first : second, engine)));
+                QCOMPARE(aligner.mayBeEdit(), isEdit);
+            }
+        }
+    }
+
+    void editsAreTold()
+    {
+        const ScanOptions options = optionsFor(FingerprintEngine::Fpcalc, 2);
+        QList<TrackInfo> tracks;
+        for (const quint32 recording : { 1U, 2U })
+            tracks << trackOf({ { recording, 0, 960 } }, options.fingerprintEngine, 200000)
+                   << trackOf({ { recording, 0, 320, 3 }, { recording, 480, 1120, 3 } }, options.fingerprintEngine,
+                              190000);
+        tracks << trackOf({ { 2, 4, 964, noiseOfCopies } }, options.fingerprintEngine, 200000);
+        tracks[3].fileName = u"edit.mp3"_s;
+        EditPairs single;
+        const QList<MatchGroup> groups = buildMatchGroups(tracks, options, std::atomic<qint32>(0), {}, &single);
+        QCOMPARE(single, EditPairs({ { 0, 1 } }));
+        QCOMPARE(groups.size(), 1);
+        QCOMPARE(groups.first().members, QList<qint32>({ 2, 4 }));
+        QCOMPARE(editText(groups.first(), 4, tracks), u"may be an edit of edit.mp3"_s);
+    }
+
     void linksAreThoseOfCopiesWhateverTheThreads()
     {
         for (const FingerprintEngine engine : { FingerprintEngine::BuiltIn, FingerprintEngine::Fpcalc }) {

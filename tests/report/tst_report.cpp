@@ -146,12 +146,15 @@ private Q_SLOTS:
         QVERIFY(!write(ReportFormat::Csv, groups).contains(u"Missing"_s));
     }
 
-    void guessesAreMarked()
+    void guessesAndEditsAreMarked()
     {
-        const QList<MatchGroup> groups { someGroups(1).first(), { 2, MatchType::SameSong, { 3, 1 }, 1, 1, 1 } };
+        QList<MatchGroup> groups { someGroups(1).first(), { 2, MatchType::SameSong, { 3, 1 }, 1, 1, 1 } };
+        groups[1].edits.insert(3, 2);
         const QStringList rows = write(ReportFormat::Csv, groups).split(u'\n');
-        QVERIFY(rows.first().endsWith(u",Modified,Duration is a guess"_s));
-        QCOMPARE(rows.filter(u",\"yes\""_s).size(), 1);
+        QVERIFY(rows.first().endsWith(u",Modified,Remark,Duration is a guess"_s));
+        QCOMPARE(rows.filter(u",\"may be an edit of plain name.mp3\",\"yes\""_s).size(), 1);
+        QCOMPARE(write(ReportFormat::Html, groups).count(u">may be an edit of plain name.mp3<"_s), 1);
+        QCOMPARE(write(ReportFormat::Json, groups).count(u"\"mayBeEditOf\": \"/music/plain name.mp3\""_s), 1);
         QCOMPARE(write(ReportFormat::Html, groups).count(u"<td>~0:00</td>"_s), 1);
         QCOMPARE(write(ReportFormat::Json, groups).count(u"\"durationIsGuess\": true"_s), 1);
     }
