@@ -281,7 +281,8 @@ std::vector<bool> Aligner::partNear(qsizetype peak, const Places &places) const
     return best;
 }
 
-// What one of the two has beyond the other's ends is not compared, so that it does not count.
+// What one of the two has beyond the other's ends is not compared, so that it does not count, nor what the longer one
+// has between the parts.
 bool Aligner::mayBeEdit() const
 {
     constexpr qsizetype leastApart = 8; // hops, about a second
@@ -301,12 +302,14 @@ bool Aligner::mayBeEdit() const
     if (parts.size() < 2)
         return false;
     const auto isPlaced = [](const std::optional<qsizetype> &offset) { return offset.has_value(); };
-    const qsizetype begin = std::max<qsizetype>(0, **std::ranges::find_if(places, isPlaced));
-    const qsizetype end =
-        std::min(m_second.size(), m_first.size() + **std::find_if(places.rbegin(), places.rend(), isPlaced));
+    const qsizetype firstOffset = **std::ranges::find_if(places, isPlaced);
+    const qsizetype lastOffset = **std::find_if(places.rbegin(), places.rend(), isPlaced);
+    const qsizetype length =
+        std::min(m_second.size(), m_first.size() + lastOffset) - std::max<qsizetype>(0, firstOffset);
+    const qsizetype shorter = std::min(length, length - lastOffset + firstOffset) - block;
     const qsizetype covered = block * std::ranges::count_if(places, isPlaced);
     return 2 * covered >= std::max(m_first.size(), m_second.size())
-        && static_cast<double>(covered) >= leastCovered * static_cast<double>(end - begin - block);
+        && static_cast<double>(covered) >= leastCovered * static_cast<double>(shorter);
 }
 
 } // namespace epr
