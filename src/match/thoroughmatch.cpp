@@ -50,25 +50,18 @@ public:
     {
     }
 
-    /// The counts lie all over the memory. Looking at those of many pairs first lets the processor fetch them at once.
     void add(std::span<const Pair> pairs)
     {
-        for (; !pairs.empty(); pairs = pairs.subspan(std::min(pairs.size(), pairsAtOnce))) {
-            std::array<std::pair<std::size_t, quint8>, pairsAtOnce> known;
-            const std::span<const Pair> now = pairs.first(std::min(pairs.size(), pairsAtOnce));
-            std::ranges::transform(now, known.begin(), [this](Pair pair) {
-                const std::size_t place = placeOf(pair);
-                return std::pair(place, m_bytes[place / 2].load(std::memory_order_relaxed));
-            });
-            for (std::size_t i = 0; i < now.size(); ++i)
-                increment(known[i].first, known[i].second);
-        }
+        lookUp(pairs, [this](Pair, std::size_t place, quint8 known) { increment(place, known); });
     }
 
-    quint8 atMost(Pair pair) const
+    /// Calls visit(pair) for those that may be there as often.
+    template <typename Visit> void forEachFrequent(std::span<const Pair> pairs, quint8 least, const Visit &visit) const
     {
-        const std::size_t place = placeOf(pair);
-        return countIn(m_bytes[place / 2].load(std::memory_order_relaxed), place);
+        lookUp(pairs, [&](Pair pair, std::size_t place, quint8 known) {
+            if (countIn(known, place) >= least)
+                visit(pair);
+        });
     }
 
     /// How many counts there are of each value.
@@ -85,6 +78,21 @@ private:
     static constexpr std::size_t pairsAtOnce = 64;
 
     static quint8 countIn(quint8 byte, std::size_t place) { return place % 2 == 0 ? byte & most : byte >> 4; }
+
+    /// The counts lie all over the memory. Looking at those of many pairs first lets the processor fetch them at once.
+    template <typename Take> void lookUp(std::span<const Pair> pairs, const Take &take) const
+    {
+        for (; !pairs.empty(); pairs = pairs.subspan(std::min(pairs.size(), pairsAtOnce))) {
+            std::array<std::pair<std::size_t, quint8>, pairsAtOnce> known;
+            const std::span<const Pair> now = pairs.first(std::min(pairs.size(), pairsAtOnce));
+            std::ranges::transform(now, known.begin(), [this](Pair pair) {
+                const std::size_t place = placeOf(pair);
+                return std::pair(place, m_bytes[place / 2].load(std::memory_order_relaxed));
+            });
+            for (std::size_t i = 0; i < now.size(); ++i)
+                take(now[i], known[i].first, known[i].second);
+        }
+    }
 
     void increment(std::size_t place, quint8 known)
     {
@@ -165,6 +173,37 @@ template <typename Visit> void forEachPair(std::span<const quint32> tracks, cons
             visit(pairOf(tracks[i], tracks[j]));
 }
 
+/// Collects the pairs of each thread and hands on many at once, as take(thread, pairs).
+class PairBatches final {
+public:
+    explicit PairBatches(int threads)
+        : m_pairs(static_cast<std::size_t>(threads))
+    {
+    }
+
+    template <typename Take> void add(int thread, std::span<const quint32> tracks, const Take &take)
+    {
+        constexpr std::size_t pairsAtOnce = 1024;
+        std::vector<Pair> &pairs = m_pairs[static_cast<std::size_t>(thread)];
+        forEachPair(tracks, [&pairs](Pair pair) { pairs.push_back(pair); });
+        if (pairs.size() < pairsAtOnce)
+            return;
+        take(thread, pairs);
+        pairs.clear();
+    }
+
+    template <typename Take> void finish(const Take &take)
+    {
+        for (int thread = 0; std::vector<Pair> & pairs : m_pairs) {
+            take(thread++, pairs);
+            pairs.clear();
+        }
+    }
+
+private:
+    std::vector<std::vector<Pair>> m_pairs;
+};
+
 /// How many keys two tracks must share. In a larger library more pairs share some by chance. More than usual are asked
 /// for where the pairs would not fit into the memory.
 quint8 leastSharedKeys(qsizetype trackCount, const PairCounts &counts)
@@ -189,29 +228,24 @@ std::vector<Pair> findCandidates(const QList<TrackInfo> &tracks, FingerprintEngi
     if (!index.count(checkpoint))
         return {};
     PairCounts counts(index.keyCount());
-    constexpr std::size_t pairsAtOnce = 1024;
-    std::vector<std::vector<Pair>> pairsOf(static_cast<std::size_t>(threads));
-    const auto countPairs = [&](int thread, std::span<const quint32> list) {
-        std::vector<Pair> &pairs = pairsOf[static_cast<std::size_t>(thread)];
-        forEachPair(list, [&pairs](Pair pair) { pairs.push_back(pair); });
-        if (pairs.size() < pairsAtOnce)
-            return;
-        counts.add(pairs);
-        pairs.clear();
+    PairBatches batches(threads);
+    const auto forEachBatch = [&](ProgressSlice slice, const auto &take) {
+        const auto addList = [&](int thread, std::span<const quint32> list) { batches.add(thread, list, take); };
+        const bool isComplete = index.forEachList(checkpoint, slice, addList);
+        batches.finish(take);
+        return isComplete;
     };
-    if (!index.forEachList(checkpoint, countingPairs, countPairs))
+    if (!forEachBatch(countingPairs, [&](int, std::span<const Pair> pairs) { counts.add(pairs); }))
         return {};
-    for (const std::vector<Pair> &pairs : pairsOf)
-        counts.add(pairs);
     const quint8 least = leastSharedKeys(tracks.size(), counts);
     std::vector<PairList> lists(static_cast<std::size_t>(threads), PairList(least));
-    const auto collectPairs = [&](int thread, std::span<const quint32> list) {
-        forEachPair(list, [&](Pair pair) {
-            if (counts.atMost(pair) >= least && unions.root(firstOf(pair)) != unions.root(secondOf(pair)))
+    const auto collectPairs = [&](int thread, std::span<const Pair> pairs) {
+        counts.forEachFrequent(pairs, least, [&](Pair pair) {
+            if (unions.root(firstOf(pair)) != unions.root(secondOf(pair)))
                 lists[static_cast<std::size_t>(thread)].add(pair);
         });
     };
-    if (!index.forEachList(checkpoint, collectingPairs, collectPairs))
+    if (!forEachBatch(collectingPairs, collectPairs))
         return {};
     for (std::size_t other = 1; other < lists.size(); ++other)
         lists.front().append(std::move(lists[other]));
