@@ -8,9 +8,7 @@
 #include "wholefile.h"
 
 #include <QCoreApplication>
-#include <QDataStream>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QHash>
 #include <QTextStream>
 
@@ -35,41 +33,6 @@ double sizeOf(const SoundProfile &profile)
         + 16.0 * static_cast<double>(profile.fingerprint.words.size());
 }
 
-/// Profiles of earlier runs, in the folder that the first argument names.
-QString keptFile(const QString &path)
-{
-    const QStringList arguments = QCoreApplication::arguments();
-    return arguments.size() > 1 ? arguments.at(1) + u'/' + QString(path).replace(u'/', u'_') : QString();
-}
-
-bool readKept(const QString &path, SoundProfile &profile)
-{
-    QFile file(keptFile(path));
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    QDataStream stream(&file);
-    QByteArray levels;
-    stream >> profile.fingerprint.words >> profile.fingerprint.mask >> profile.fingerprint.alternative
-        >> profile.fingerprint.alternativeMask >> levels >> profile.measures.durationMs >> profile.measures.loudness
-        >> profile.measures.truePeak >> profile.measures.bandwidthHz;
-    profile.levels.levels.assign(levels.begin(), levels.end());
-    return stream.status() == QDataStream::Ok;
-}
-
-void keep(const QString &path, const SoundProfile &profile)
-{
-    QFile file(keptFile(path));
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    QDataStream stream(&file);
-    const auto &levels = profile.levels.levels;
-    stream << profile.fingerprint.words << profile.fingerprint.mask << profile.fingerprint.alternative
-           << profile.fingerprint.alternativeMask
-           << QByteArray(reinterpret_cast<const char *>(levels.data()), static_cast<qsizetype>(levels.size()))
-           << profile.measures.durationMs << profile.measures.loudness << profile.measures.truePeak
-           << profile.measures.bandwidthHz;
-}
-
 class Pairs final {
 public:
     const SoundProfile &profile(const QString &path);
@@ -90,10 +53,6 @@ const SoundProfile &Pairs::profile(const QString &path)
         return *known;
     if (m_order.size() > mostKept)
         m_profiles.remove(m_order.takeFirst());
-    if (SoundProfile kept; readKept(path, kept)) {
-        m_order.append(path);
-        return *m_profiles.insert(path, kept);
-    }
     QElapsedTimer timer;
     timer.start();
     const std::atomic<bool> stop = false;
@@ -107,7 +66,6 @@ const SoundProfile &Pairs::profile(const QString &path)
     m_costs.minutes += static_cast<double>(profile.measures.durationMs) / 60000;
     m_costs.bytes += sizeOf(profile);
     m_order.append(path);
-    keep(path, profile);
     return *m_profiles.insert(path, profile);
 }
 

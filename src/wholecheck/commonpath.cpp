@@ -45,8 +45,11 @@ void CommonPath::walk(qsizetype from, qsizetype offset, int direction)
         offset = followed(frame, offset);
         if (direction * (frame - searched) > 0 && isLost(frame, offset, direction)) {
             searched = frame;
-            if (const std::optional<qsizetype> found = foundAnew(frame, offset, direction)) {
-                frame = jump(frame, offset, *found, direction);
+            const std::optional<qsizetype> found = foundAnew(frame, offset, direction);
+            const std::optional<Jump> jump = found ? jumpTo(*found, frame, offset, direction) : std::nullopt;
+            if (jump) {
+                leave(frame, offset, jump->from, direction);
+                frame = jump->to;
                 offset = *found;
             }
         }
@@ -96,9 +99,10 @@ std::optional<qsizetype> CommonPath::foundAnew(qsizetype frame, qsizetype offset
     return best;
 }
 
-/// Chooses the frame at which the one offset ends, and beyond what either recording lacks the other one begins. Returns
-/// where that is.
-qsizetype CommonPath::jump(qsizetype frame, qsizetype before, qsizetype after, int direction)
+/// Chooses the frame at which the one offset ends, and beyond what either recording lacks the other one begins. Nothing
+/// if there is no such thing: in music that repeats itself the rest is also like a part that went before.
+std::optional<CommonPath::Jump> CommonPath::jumpTo(qsizetype after, qsizetype frame, qsizetype before,
+                                                   int direction) const
 {
     const qsizetype lacking = std::max<qsizetype>(0, direction > 0 ? before - after : after - before);
     const auto cost = [&](qsizetype at, qsizetype offset) {
@@ -114,12 +118,21 @@ qsizetype CommonPath::jump(qsizetype frame, qsizetype before, qsizetype after, i
         if (sum < least)
             std::tie(least, best) = std::pair(sum, at + direction);
     }
-    for (qsizetype at = begin; direction * (frame - at) > 0 || direction * (best - at) > 0; at += direction) {
-        const bool isBefore = direction * (best - at) > 0;
+    const qsizetype to = best + direction * lacking;
+    if (!m_distance.isInBoth(to, after) || !m_distance.isInBoth(to + direction * ahead, after))
+        return std::nullopt;
+    return Jump { best, to };
+}
+
+/// Puts right what was noted before a jump was noticed.
+void CommonPath::leave(qsizetype frame, qsizetype offset, qsizetype jumpsAt, int direction)
+{
+    const qsizetype begin = frame - direction * back;
+    for (qsizetype at = begin; direction * (frame - at) > 0 || direction * (jumpsAt - at) > 0; at += direction) {
+        const bool isBefore = direction * (jumpsAt - at) > 0;
         if (at >= 0 && at < m_distance.firstFrames() && (!isBefore || direction * (at - frame) >= 0))
-            m_offsets[static_cast<std::size_t>(at)] = isBefore && m_distance.isInBoth(at, before) ? before : nowhere;
+            m_offsets[static_cast<std::size_t>(at)] = isBefore && m_distance.isInBoth(at, offset) ? offset : nowhere;
     }
-    return best + direction * lacking;
 }
 
 } // namespace epr

@@ -20,11 +20,17 @@ public:
     const std::vector<qsizetype> &offsets() const { return m_offsets; }
 
 private:
+    struct Jump {
+        qsizetype from = 0; ///< the first frame that the old offset does not hold for any more
+        qsizetype to = 0; ///< the first that the new one holds for
+    };
+
     void walk(qsizetype from, qsizetype offset, int direction);
     qsizetype followed(qsizetype frame, qsizetype offset) const;
     bool isLost(qsizetype frame, qsizetype offset, int direction) const;
     std::optional<qsizetype> foundAnew(qsizetype frame, qsizetype offset, int direction) const;
-    qsizetype jump(qsizetype frame, qsizetype before, qsizetype after, int direction);
+    std::optional<Jump> jumpTo(qsizetype after, qsizetype frame, qsizetype before, int direction) const;
+    void leave(qsizetype frame, qsizetype offset, qsizetype jumpsAt, int direction);
 
     const LevelDistance &m_distance;
     const PlaceFinder &m_finder;

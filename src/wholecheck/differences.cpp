@@ -190,8 +190,10 @@ void Differences::findAtEnds()
     const qsizetype secondFrames = m_distance.secondFrames();
     const qsizetype secondBegin = m_begin + offset(m_begin);
     const qsizetype secondEnd = m_end + offset(m_end - 1);
-    addMissing(false, { 0, m_begin, 0, secondBegin }, m_begin > secondBegin);
-    addMissing(true, { m_end, firstFrames, secondEnd, secondFrames }, firstFrames - m_end > secondFrames - secondEnd);
+    for (const bool isInSecond : { false, true }) {
+        addMissing(false, { 0, m_begin, 0, secondBegin }, isInSecond);
+        addMissing(true, { m_end, firstFrames, secondEnd, secondFrames }, isInSecond);
+    }
 }
 
 /// Beyond the end of one recording: what the other one has there, if it is sound.

@@ -13,6 +13,8 @@ constexpr float maskedBelow = 30; // dB under the loudest band around; what is q
 constexpr float leastDb = -80; // of full scale
 constexpr qsizetype masksFor = 2; // frames to either side
 constexpr float gainLeeway = 6; // dB; a compressor turns a sound up and down by so much within a moment
+constexpr float dominantWithin = 6; // dB under the loudest band at the moment: no encoder gets those bands wrong
+constexpr float dominantLeeway = 8; // dB
 constexpr float silentDb = -70;
 constexpr qsizetype sampling = 3; // frames, for a mean
 
@@ -109,16 +111,27 @@ float LevelDistance::between(const Moment &first, const Moment &second, const Ba
 {
     const float peak = std::max(first.peak, second.peak + gain);
     const float floor = std::max(peak - maskedBelow, leastDb);
+    Bands louder; // of the two
     Bands differences;
-    for (std::size_t band = 0; band < BandLevels::bands; ++band)
-        differences[band] =
-            std::max(decibels(first.levels[band]), floor) - std::max(decibels(second.levels[band]) + bias[band], floor);
+    for (std::size_t band = 0; band < BandLevels::bands; ++band) {
+        const float one = decibels(first.levels[band]);
+        const float other = decibels(second.levels[band]) + bias[band];
+        louder[band] = std::max(one, other);
+        differences[band] = std::max(one, floor) - std::max(other, floor);
+    }
     Bands sorted = differences;
     const float change = median(sorted);
+    const float leastDominant = *std::ranges::max_element(louder) - dominantWithin;
     float sum = 0;
-    for (const float difference : differences)
-        sum += std::abs(difference - change);
-    return sum / BandLevels::bands + std::max(std::abs(change) - gainLeeway, 0.0F);
+    float dominant = 0;
+    for (std::size_t band = 0; band < BandLevels::bands; ++band) {
+        const float difference = std::abs(differences[band] - change);
+        sum += difference;
+        if (louder[band] > leastDominant)
+            dominant = std::max(dominant, difference);
+    }
+    return sum / BandLevels::bands + std::max(std::abs(change) - gainLeeway, 0.0F)
+        + std::max(dominant - dominantLeeway, 0.0F);
 }
 
 float LevelDistance::mean(qsizetype begin, qsizetype end, qsizetype offset) const

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void harmlessChangesAreNone();
     void faultsAreFound_data();
     void faultsAreFound();
+    void musicThatRepeatsItselfIsNoExcuse();
 };
 
 void TestWholeComparison::harmlessChangesAreNone_data()
@@ -111,6 +112,11 @@ void TestWholeComparison::faultsAreFound_data()
     std::fill(at(copy, 12), at(copy, 12.5), 0.0F);
     row("muted", copy, Kind::Silent, 12, 12.5);
     copy = sound;
+    for (qsizetype i = 0; i < rate / 2; ++i) // one band of many
+        *(at(copy, 12) + i) +=
+            static_cast<float>(0.25 * std::sin(2 * std::numbers::pi * 1000 * static_cast<double>(i) / rate));
+    row("a tone over the music", copy, Kind::Differs, 12, 12.5);
+    copy = sound;
     std::fill(at(copy, 18), copy.end(), 0.0F);
     row("silent to the end", copy, Kind::Silent, 18, 30);
     copy = sound;
@@ -146,6 +152,21 @@ void TestWholeComparison::faultsAreFound()
              qPrintable(QString::number(difference.firstStartMs)));
     QVERIFY2(std::abs(static_cast<double>(difference.firstEndMs) / 1000 - to) < 0.6,
              qPrintable(QString::number(difference.firstEndMs)));
+}
+
+// The silent rest is like what went before, once more from the start.
+void TestWholeComparison::musicThatRepeatsItselfIsNoExcuse()
+{
+    Sound sound = music(10);
+    for (int i = 0; i < 2; ++i)
+        sound.insert(sound.end(), sound.begin(), sound.begin() + 10 * rate);
+    Sound copy = sound;
+    std::fill(at(copy, 20), copy.end(), 0.0F);
+    const PairCheck check = compareWhole(profileOf(sound), profileOf(copy));
+    QVERIFY(check.isAligned);
+    QCOMPARE(check.differences.size(), 1);
+    QCOMPARE(check.differences.first().kind, Kind::Silent);
+    QVERIFY(std::abs(check.differences.first().secondStartMs - 20000) < 500);
 }
 
 QTEST_GUILESS_MAIN(TestWholeComparison)
