@@ -37,6 +37,7 @@ constexpr qsizetype mostMissingAtStart = 43; // frames with sound: a second
 constexpr qsizetype mostMissingAtEnd = 22;
 constexpr float silentDb = -60;
 constexpr float muchQuieter = 25; // dB
+constexpr qsizetype leastDropOut = 2; // frames
 
 class Differences final {
 public:
@@ -46,6 +47,8 @@ public:
 
 private:
     std::vector<bool> unlikeFrames() const;
+    void addDropOuts(std::vector<bool> &unlike) const;
+    bool isDroppedOut(qsizetype frame) const;
     void findInside();
     void findGaps();
     void findAtEnds();
@@ -103,7 +106,41 @@ std::vector<bool> Differences::unlikeFrames() const
                     unlike[static_cast<std::size_t>(frame)] = true;
         }
     }
+    addDropOuts(unlike);
     return unlike;
+}
+
+// They are too short for a mean, but nothing is left of the sound in them.
+void Differences::addDropOuts(std::vector<bool> &unlike) const
+{
+    qsizetype length = 0;
+    for (qsizetype frame = m_begin; frame < m_end; ++frame) {
+        length = isDroppedOut(frame) ? length + 1 : 0;
+        if (length >= leastDropOut)
+            std::fill_n(unlike.begin() + static_cast<std::ptrdiff_t>(frame - length + 1), length, true);
+    }
+}
+
+// The frames beside it count too: a copy may fall silent a little sooner, and an encoder sounds a little longer.
+bool Differences::isDroppedOut(qsizetype frame) const
+{
+    if (offset(frame) == CommonPath::nowhere)
+        return false;
+    const qsizetype other = frame + offset(frame);
+    float first = m_distance.firstLevel(frame);
+    float second = m_distance.secondLevel(other);
+    const bool isFirstSilent = first < silentDb;
+    if (!isFirstSilent && second >= silentDb)
+        return false;
+    for (const qsizetype beside : { -1, 1 }) {
+        if (!m_distance.isInBoth(frame + beside, offset(frame)))
+            return false;
+        if (isFirstSilent)
+            second = std::min(second, m_distance.secondLevel(other + beside));
+        else
+            first = std::min(first, m_distance.firstLevel(frame + beside));
+    }
+    return std::abs(first - second) > muchQuieter && (first < silentDb) != (second < silentDb);
 }
 
 void Differences::findInside()

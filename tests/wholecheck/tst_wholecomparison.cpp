@@ -117,6 +117,9 @@ void TestWholeComparison::faultsAreFound_data()
             static_cast<float>(0.25 * std::sin(2 * std::numbers::pi * 1000 * static_cast<double>(i) / rate));
     row("a tone over the music", copy, Kind::Differs, 12, 12.5);
     copy = sound;
+    std::fill(at(copy, 12), at(copy, 12.1), 0.0F);
+    row("a drop-out", copy, Kind::Silent, 12, 12.1);
+    copy = sound;
     std::fill(at(copy, 18), copy.end(), 0.0F);
     row("silent to the end", copy, Kind::Silent, 18, 30);
     copy = sound;
