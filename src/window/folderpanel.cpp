@@ -94,8 +94,7 @@ void showProtection(QListWidgetItem &folder)
         return;
     }
     folder.setText(
-        (isScanned(folder) ? FolderPanel::tr("%1 (protected)") : FolderPanel::tr("%1 (only protected)"))
-            .arg(path));
+        (isScanned(folder) ? FolderPanel::tr("%1 (protected)") : FolderPanel::tr("%1 (only protected)")).arg(path));
     folder.setIcon(lockIcon(*folder.listWidget()));
     folder.setToolTip(plainToolTip(
         FolderPanel::tr("%1\nNothing is removed from this folder and those in it, whatever is ticked.").arg(path)));

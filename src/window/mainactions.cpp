@@ -104,7 +104,9 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     parts.player->addCommandsTo(player);
     fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup, parts.checks->nextDifference } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Tools"),
-            { { parts.checks->checkAll, parts.checks->checkGroup }, { removeSelected, undoCleanup }, { settings, clearCache } });
+            { { parts.checks->checkAll, parts.checks->checkGroup },
+              { removeSelected, undoCleanup },
+              { settings, clearCache } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Help"),
             { { shortcuts, checkForUpdates }, { website, about } });
 }
