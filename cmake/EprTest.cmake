@@ -9,7 +9,7 @@
 set(EPR_TEST_ENVIRONMENT
   "QT_QPA_PLATFORM=offscreen" "LC_ALL=C.UTF-8"
   "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/lsan.supp:print_suppressions=0"
-  "TSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/tsan.supp:ignore_noninstrumented_modules=1")
+  "TSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/tsan.supp:ignore_noninstrumented_modules=1:history_size=7")
 
 function(epr_add_test name)
   cmake_parse_arguments(TEST "PLAYER" "TIMEOUT" "SOURCES;LINKS" ${ARGN})

@@ -383,7 +383,7 @@ private Q_SLOTS:
         auto *check = window.findChild<QPushButton *>(u"checkWholeButton"_s);
         check->setFocus();
         check->click();
-        QTRY_VERIFY_WITH_TIMEOUT(!text->isVisible(), 30000);
+        QTRY_VERIFY_WITH_TIMEOUT(!text->isVisible(), 120000);
         QCOMPARE(window.focusWidget(), resultsOf(window));
         QCOMPARE(matchOf(window, 1), u"silent 0:06-0:08"_s);
         QCOMPARE(matchOf(window, 2), u"alike to the end"_s);
