@@ -75,7 +75,7 @@ bool SoundStream::takeHeader(QByteArray &unread)
     if (unread.size() < static_cast<qsizetype>(begin))
         return true;
     unread.remove(0, begin);
-    m_frameBytes = static_cast<qsizetype>(channels * sizeof(float));
+    m_frameBytes = qsizetype { channels } * static_cast<qsizetype>(sizeof(float));
     m_mostFrames = longestFile * rate;
     m_profiler.emplace(static_cast<int>(channels), static_cast<int>(rate));
     return true;
