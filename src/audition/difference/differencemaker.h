@@ -30,7 +30,7 @@ class DifferenceMaker final : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr qint64 longestSeconds = 1200; ///< of either file, 20 minutes: the temporary files may grow to some GB
+    static constexpr qint64 longestSeconds = 1200; ///< of either file, 20 min: the temporary files may grow to some GB
 
     explicit DifferenceMaker(QObject *parent = nullptr);
     ~DifferenceMaker() override;
