@@ -116,6 +116,16 @@ struct MemberSpan {
     bool operator==(const MemberSpan &) const = default;
 };
 
+/// Why two members of a group belong together, as the pass that linked them found it.
+struct MatchLink {
+    qint32 first = -1; ///< track index, as second
+    qint32 second = -1;
+    MatchType type = MatchType::Unmatched;
+    double errorRate = 0; ///< of SameRecording: the share of unlike bits of the fingerprints where they lie best
+
+    bool operator==(const MatchLink &) const = default;
+};
+
 /// One set of duplicates. Members are indexes into the scan's track list, so the two lists travel together.
 struct MatchGroup {
     qint32 id = 0; ///< 1-based, in presentation order
@@ -128,6 +138,7 @@ struct MatchGroup {
         spans = {}; ///< by track index; only of members of known duration whose lengths may differ
     QHash<qint32, qint32>
         edits = {}; ///< by track index of a member: a track outside that may be an edit of it, or it of that
+    QList<MatchLink> links = {}; ///< between members; each of them is in at least one
     GroupCheck check = {}; ///< over the whole length, once that was done
 
     bool operator==(const MatchGroup &) const = default;
