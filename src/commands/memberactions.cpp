@@ -3,6 +3,7 @@
 #include "memberactions.h"
 
 #include "checktext.h"
+#include "copyrelation.h"
 #include "displaytext.h"
 #include "review.h"
 
@@ -199,12 +200,14 @@ void MemberActions::showDetailsOf(const TrackInfo &track)
 {
     const MatchGroup &group = m_review.groups().at(m_group);
     const qint32 member = group.members.at(m_member);
+    const QString relation = relationText(relationToKept(group, member, m_review.tracks()), m_review.tracks());
     showFileDetails(fileDetailsHtml(track, group.check.measures.value(member),
-                                    checkTexts(group, member) + measureTexts(group, member)),
+                                    checkTexts(group, member) + measureTexts(group, member), relation),
                     window());
 }
 
-QString fileDetailsHtml(const TrackInfo &track, const SoundMeasures &measures, const QStringList &remarks)
+QString fileDetailsHtml(const TrackInfo &track, const SoundMeasures &measures, const QStringList &remarks,
+                        const QString &relation)
 {
     QString lines = line(QCoreApplication::translate("epr::FileDetails", "File"), track.fileName);
     lines += line(QCoreApplication::translate("epr::FileDetails", "Folder"), nativePath(folderOf(track)));
@@ -217,6 +220,8 @@ QString fileDetailsHtml(const TrackInfo &track, const SoundMeasures &measures, c
     lines += line(QCoreApplication::translate("epr::FileDetails", "Quality"), qualityText(track));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Size"), sizeText(track.size));
     lines += line(QCoreApplication::translate("epr::FileDetails", "Modified"), dateTimeText(track.mtime));
+    if (!relation.isEmpty())
+        lines += line(QCoreApplication::translate("epr::FileDetails", "Relation"), relation);
     lines += hashLine(QCoreApplication::translate("epr::FileDetails", "SHA-256 of the file"), track.fullHash);
     lines += hashLine(QCoreApplication::translate("epr::FileDetails", "SHA-256 of the audio"), track.audioHash);
     lines += checkLines(measures, remarks);

@@ -58,7 +58,8 @@ private:
 };
 
 /// Everything the operator may want to know of a file, as a rich-text table: with what a check over the whole length
-/// measured and what it has to remark.
-QString fileDetailsHtml(const TrackInfo &track, const SoundMeasures &measures = {}, const QStringList &remarks = {});
+/// measured and what it has to remark, and how it belongs to the kept copy.
+QString fileDetailsHtml(const TrackInfo &track, const SoundMeasures &measures = {}, const QStringList &remarks = {},
+                        const QString &relation = {});
 
 } // namespace epr

@@ -225,19 +225,23 @@ bool acousticPrefilter(Words a, Words b, const AcousticRules &rules)
     return false;
 }
 
-bool sameRecording(const TrackInfo &a, const TrackInfo &b, const AcousticRules &rules)
+// The alternative is not asked once the main words agree: the rate may then be a little above the lowest.
+std::optional<double> sameRecording(const TrackInfo &a, const TrackInfo &b, const AcousticRules &rules)
 {
     const Fingerprint &first = a.fingerprint;
     const Fingerprint &second = b.fingerprint;
+    const auto unlessTooHigh = [&rules](double rate) {
+        return rate <= rules.threshold ? std::optional(rate) : std::nullopt;
+    };
     if (!acousticPrefilter(first.words, second.words, rules))
-        return false;
+        return std::nullopt;
     if (rules.engine == FingerprintEngine::Fpcalc)
-        return berAligned(first.words, second.words, rules.search) <= rules.threshold;
+        return unlessTooHigh(berAligned(first.words, second.words, rules.search));
     const MaskedWords primary { first.words, first.mask };
-    if (berMasked(primary, { second.words, second.mask }, rules.search) <= rules.threshold)
-        return true;
-    return !second.alternative.isEmpty()
-        && berMasked(primary, { second.alternative, second.alternativeMask }, rules.search) <= rules.threshold;
+    const auto rate = unlessTooHigh(berMasked(primary, { second.words, second.mask }, rules.search));
+    if (rate || second.alternative.isEmpty())
+        return rate;
+    return unlessTooHigh(berMasked(primary, { second.alternative, second.alternativeMask }, rules.search));
 }
 
 } // namespace epr

@@ -4,6 +4,7 @@
 
 #include "records.h"
 
+#include <optional>
 #include <span>
 
 namespace epr {
@@ -61,8 +62,8 @@ bool durationsAgree(qint64 aMs, qint64 bMs, qint32 tolerancePercent);
 /// A quick look at the beginning of two fingerprints; false if they are surely of different recordings.
 bool acousticPrefilter(Words a, Words b, const AcousticRules &rules);
 
-/// Whether two tracks are the same recording. Of the alternative fingerprints only b's is tried, so that the order of
-/// the tracks matters: a is the one that comes first in the scan's list.
-bool sameRecording(const TrackInfo &a, const TrackInfo &b, const AcousticRules &rules);
+/// The bit error rate of two tracks that are the same recording; nothing for others. Of the alternative fingerprints
+/// only b's is tried, so that the order of the tracks matters: a is the one that comes first in the scan's list.
+std::optional<double> sameRecording(const TrackInfo &a, const TrackInfo &b, const AcousticRules &rules);
 
 } // namespace epr

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
 
 namespace epr {
 
@@ -50,7 +51,8 @@ struct Found {
     qint64 place = 0;
     qint32 a = 0;
     qint32 b = 0;
-    bool isCompared = false; ///< false if earlier pairs made it likely that the two are in one set already
+    std::optional<double>
+        errorRate = {}; ///< not compared yet if earlier pairs made it likely that the two are in one set
 
     bool operator<(const Found &other) const { return place < other.place; }
 };
@@ -133,8 +135,9 @@ void Comparison::compareRow(std::span<const qint32> row, Found next, std::vector
         if (durationsAgree(first.stream.durationMs, second.stream.durationMs, m_durationTolerance)
             && m_unions.root(next.a) != m_unions.root(b)) {
             const qint32 like = likeness(next.a).load(std::memory_order_relaxed);
-            next.isCompared = like != likeness(b).load(std::memory_order_relaxed);
-            if (!next.isCompared || sameRecording(first, second, m_rules)) {
+            const bool isWorthIt = like != likeness(b).load(std::memory_order_relaxed);
+            next.errorRate = isWorthIt ? sameRecording(first, second, m_rules) : std::nullopt;
+            if (!isWorthIt || next.errorRate) {
                 likeness(b).store(like, std::memory_order_relaxed);
                 found.push_back(next);
             }
@@ -150,9 +153,12 @@ bool Comparison::link(std::vector<Found> &found)
     for (const Found &pair : found) {
         if (!lookUpTo(pair.place))
             return false;
-        if (m_unions.findRoot(pair.a) != m_unions.findRoot(pair.b)
-            && (pair.isCompared || sameRecording(m_tracks[pair.a], m_tracks[pair.b], m_rules)))
-            m_unions.link(pair.a, pair.b, MatchType::SameRecording);
+        if (m_unions.findRoot(pair.a) == m_unions.findRoot(pair.b))
+            continue;
+        const std::optional<double> errorRate =
+            pair.errorRate ? pair.errorRate : sameRecording(m_tracks[pair.a], m_tracks[pair.b], m_rules);
+        if (errorRate)
+            m_unions.link(pair.a, pair.b, MatchType::SameRecording, *errorRate);
     }
     return true;
 }

@@ -65,8 +65,8 @@ std::vector<qint32> countMembers(MatchUnion &sets)
     return countOf;
 }
 
-/// Members and match type only, by lowest track index. Counting first spares the allocations for the many tracks that
-/// are alone.
+/// Members, match type and links only, by lowest track index. Counting first spares the allocations for the many tracks
+/// that are alone.
 QList<MatchGroup> collectSets(MatchUnion &sets)
 {
     const std::vector<qint32> countOf = countMembers(sets);
@@ -84,6 +84,8 @@ QList<MatchGroup> collectSets(MatchUnion &sets)
         group.members.append(track);
         group.matchType = leastCertain(group.matchType, sets.method(track));
     }
+    for (const MatchLink &link : sets.links())
+        groups[groupOf[static_cast<std::size_t>(sets.findRoot(link.first))]].links.append(link);
     return groups;
 }
 

@@ -18,7 +18,9 @@ inline MatchType leastCertain(MatchType a, MatchType b)
 }
 
 /// Disjoint sets of tracks (by index into the scan's track list), joined by the links of all matching passes, with the
-/// least certain match type that touched each track.
+/// least certain match type that touched each track, and the links that joined two sets. The passes come in the order
+/// of certainty, so that of all ways between two tracks that could be told, these links are the one whose weakest link
+/// is the most certain.
 class MatchUnion final {
 public:
     explicit MatchUnion(qsizetype trackCount)
@@ -54,10 +56,11 @@ public:
     }
 
     /// Joins the sets of two tracks and records the type on both and on the joined set's root, also when they were in
-    /// one set already.
-    void link(qint32 a, qint32 b, MatchType type)
+    /// one set already. The error rate is that of MatchLink.
+    void link(qint32 a, qint32 b, MatchType type, double errorRate = 0)
     {
-        joinRoots(findRoot(a), findRoot(b));
+        if (joinRoots(findRoot(a), findRoot(b)))
+            m_links.push_back({ a, b, type, errorRate });
         for (const qint32 track : { findRoot(a), a, b })
             node(track).method = leastCertain(method(track), type);
     }
@@ -65,11 +68,14 @@ public:
     /// Whether the track was linked by its sound wherever that begins, so that its copies may differ in length.
     bool isAligned(qint32 track) const { return m_nodes[static_cast<std::size_t>(track)].isAligned; }
 
-    void linkAligned(qint32 a, qint32 b)
+    void linkAligned(qint32 a, qint32 b, double errorRate = 0)
     {
-        link(a, b, MatchType::SameRecording);
+        link(a, b, MatchType::SameRecording, errorRate);
         node(a).isAligned = node(b).isAligned = true;
     }
+
+    /// Those that joined two sets, one fewer than a set has tracks.
+    const std::vector<MatchLink> &links() const { return m_links; }
 
     /// Two tracks, in ascending order, of which one may be an edit of the other. It links nothing.
     void noteEdit(qint32 a, qint32 b) { m_edits.emplace_back(a, b); }
@@ -86,18 +92,20 @@ private:
     qint32 parent(qint32 track) const { return m_nodes[static_cast<std::size_t>(track)].parent; }
     Node &node(qint32 track) { return m_nodes[static_cast<std::size_t>(track)]; }
 
-    void joinRoots(qint32 a, qint32 b)
+    bool joinRoots(qint32 a, qint32 b)
     {
         if (a == b)
-            return;
+            return false;
         if (node(a).rank < node(b).rank)
             std::swap(a, b);
         if (node(a).rank == node(b).rank)
             ++node(a).rank;
         node(b).parent = a;
+        return true;
     }
 
     std::vector<Node> m_nodes;
+    std::vector<MatchLink> m_links;
     std::vector<std::pair<qint32, qint32>> m_edits;
 };
 

@@ -260,13 +260,16 @@ void linkAligned(std::span<const Pair> candidates, const QList<TrackInfo> &track
     constexpr std::size_t batchPerThread = 4096;
     std::vector<Aligner> aligners(static_cast<std::size_t>(threads), Aligner(rules));
     constexpr std::size_t mostEdits = 100'000; // that are told of
-    enum class Found : char { Nothing, Copy, Edit };
+    struct Found {
+        enum { Nothing, Copy, Edit } what = Nothing;
+        double errorRate = 0;
+    };
     std::vector<Found> found;
     const auto total = std::ssize(candidates);
     for (std::span<const Pair> rest = candidates; !rest.empty(); rest = rest.subspan(found.size())) {
         if (!checkpoint.pass(comparing, total - std::ssize(rest), total))
             return;
-        found.assign(std::min(rest.size(), batchPerThread * static_cast<std::size_t>(threads)), Found::Nothing);
+        found.assign(std::min(rest.size(), batchPerThread * static_cast<std::size_t>(threads)), Found());
         const qsizetype count = std::ssize(found);
         forEachOnThreads(threads, (count + pairsAtOnce - 1) / pairsAtOnce, [&](int thread, qsizetype turn) {
             Aligner &aligner = aligners[static_cast<std::size_t>(thread)];
@@ -279,16 +282,16 @@ void linkAligned(std::span<const Pair> candidates, const QList<TrackInfo> &track
                     continue;
                 if (std::exchange(prepared, firstOf(pair)) != firstOf(pair))
                     aligner.setFirst(tracks[firstOf(pair)].fingerprint);
-                if (aligner.alignWith(tracks[secondOf(pair)].fingerprint))
-                    found[static_cast<std::size_t>(i)] = Found::Copy;
+                if (const auto alignment = aligner.alignWith(tracks[secondOf(pair)].fingerprint))
+                    found[static_cast<std::size_t>(i)] = { Found::Copy, alignment->bitErrorRate };
                 else if (aligner.mayBeEdit())
-                    found[static_cast<std::size_t>(i)] = Found::Edit;
+                    found[static_cast<std::size_t>(i)].what = Found::Edit;
             }
         });
         for (std::size_t i = 0; i < found.size() && !checkpoint.isCancelled(); ++i) {
-            if (found[i] == Found::Copy && unions.findRoot(firstOf(rest[i])) != unions.findRoot(secondOf(rest[i])))
-                unions.linkAligned(firstOf(rest[i]), secondOf(rest[i]));
-            else if (found[i] == Found::Edit && unions.edits().size() < mostEdits)
+            if (found[i].what == Found::Copy && unions.findRoot(firstOf(rest[i])) != unions.findRoot(secondOf(rest[i])))
+                unions.linkAligned(firstOf(rest[i]), secondOf(rest[i]), found[i].errorRate);
+            else if (found[i].what == Found::Edit && unions.edits().size() < mostEdits)
                 unions.noteEdit(firstOf(rest[i]), secondOf(rest[i]));
         }
     }

@@ -10,6 +10,7 @@
 #include <QTextStream>
 
 #include <array>
+#include <vector>
 
 namespace epr {
 
@@ -107,6 +108,11 @@ void writeSize(QTextStream &out, const ReportMember &member)
     out << "<td>"_L1 << sizeText(member.track.size) << "</td>"_L1;
 }
 
+void writeRelation(QTextStream &out, const ReportMember &member)
+{
+    out << "<td>"_L1 << relationText(member.relation, member.tracks).toHtmlEscaped() << "</td>"_L1;
+}
+
 struct Column {
     QLatin1StringView heading;
     void (*write)(QTextStream &out, const ReportMember &member);
@@ -118,8 +124,18 @@ constexpr std::array columns {
     Column { "Quality"_L1, writeQuality },      Column { "Size"_L1, writeSize },
 };
 
+/// Behind the others, whose places readers may rely on; only where the scan noted links.
+std::vector<Column> columnsFor(const MatchGroup &group)
+{
+    std::vector<Column> all(columns.begin(), columns.end());
+    if (!group.links.isEmpty())
+        all.push_back({ "Relation"_L1, writeRelation });
+    return all;
+}
+
 void writeGroup(QTextStream &out, const MatchGroup &group, const QList<TrackInfo> &tracks)
 {
+    const std::vector<Column> shown = columnsFor(group);
     out << "<div class=\"group\"><h2>Group "_L1 << group.id << " &middot; "_L1
         << matchTypeLabel(group.matchType).toHtmlEscaped() << " <em>&middot; "_L1 << sizeText(group.reclaimableBytes)
         << " reclaimable</em>"_L1;
@@ -128,12 +144,12 @@ void writeGroup(QTextStream &out, const MatchGroup &group, const QList<TrackInfo
             out << "<br>"_L1 << remark.toHtmlEscaped();
     }
     out << "</h2>\n<table><tr>"_L1;
-    for (const Column &column : columns)
+    for (const Column &column : shown)
         out << "<th>"_L1 << column.heading << "</th>"_L1;
     out << "</tr>\n"_L1;
     for (const ReportMember &member : membersOf(group, tracks)) {
         out << "<tr>"_L1;
-        for (const Column &column : columns)
+        for (const Column &column : shown)
             column.write(out, member);
         out << "</tr>\n"_L1;
     }

@@ -67,6 +67,21 @@ QJsonObject checkObject(const ReportMember &member)
     return object;
 }
 
+constexpr std::array<QLatin1StringView, 4> relationKinds { "identicalFile"_L1, "sameAudio"_L1, "sameRecording"_L1,
+                                                           "sameSong"_L1 };
+
+QJsonObject relationObject(const CopyRelation &relation, const QList<TrackInfo> &tracks)
+{
+    QJsonObject object { { u"kind"_s, relationKinds.at(static_cast<std::size_t>(relation.type)) } };
+    if (relation.through >= 0)
+        object.insert(u"through"_s, tracks.value(relation.through).path);
+    else if (relation.type == MatchType::SameRecording)
+        object.insert(u"percentAlike"_s, percentAlike(relation.errorRate));
+    if (relation.longerMs)
+        object.insert(u"longerMs"_s, *relation.longerMs);
+    return object;
+}
+
 QJsonObject fileObject(const ReportMember &member)
 {
     const TrackInfo &track = member.track;
@@ -86,6 +101,8 @@ QJsonObject fileObject(const ReportMember &member)
     };
     if (const qint32 other = member.group.edits.value(member.index, -1); other >= 0 && other < member.tracks.size())
         object.insert(u"mayBeEditOf"_s, member.tracks.at(other).path);
+    if (member.relation.type != MatchType::Unmatched)
+        object.insert(u"relationToKept"_s, relationObject(member.relation, member.tracks));
     if (track.stream.durationIsGuess)
         object.insert(u"durationIsGuess"_s, true);
     if (const MissingPart missing = missingPart(member.group, member.index); missing.isKnown()) {

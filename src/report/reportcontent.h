@@ -3,6 +3,7 @@
 #pragma once
 
 #include "checktext.h"
+#include "copyrelation.h"
 #include "missingpart.h"
 #include "records.h"
 
@@ -27,6 +28,7 @@ struct ReportMember {
     bool keep;
     qint32 index; ///< of the track
     const QList<TrackInfo> &tracks;
+    CopyRelation relation; ///< to the copy to keep, where the scan noted links
 
     QString missing() const { return missingText(group, index); } ///< of the copy to keep; mostly nothing
     QStringList checked() const { return checkTexts(group, index) + measureTexts(group, index); } ///< as mostly
@@ -41,9 +43,13 @@ struct ReportMember {
 inline std::vector<ReportMember> membersOf(const MatchGroup &group, const QList<TrackInfo> &tracks)
 {
     std::vector<ReportMember> members;
+    const bool hasLinks = !group.links.isEmpty();
+    const QHash<qint32, CopyRelation> relations =
+        hasLinks ? relationsToKept(group, tracks) : QHash<qint32, CopyRelation>();
     for (const qint32 member : group.members) {
         if (member >= 0 && member < tracks.size())
-            members.push_back({ group, tracks.at(member), member == group.keep, member, tracks });
+            members.push_back(
+                { group, tracks.at(member), member == group.keep, member, tracks, relations.value(member) });
     }
     return members;
 }

@@ -3,6 +3,7 @@
 #include "resultscells.h"
 
 #include "checktext.h"
+#include "copyrelation.h"
 #include "displaytext.h"
 #include "look.h"
 #include "notices.h"
@@ -75,6 +76,8 @@ QString sampleText(ResultsModel::Column column, const QAbstractItemModel *model)
         return bandwidthText(22000);
     case ResultsModel::CheckColumn:
         return u"silent 10:00-10:10, silent 10:00-10:10"_s;
+    case ResultsModel::RelationColumn:
+        return relationText({ .type = MatchType::SameRecording, .errorRate = 0.12 }, {});
     default:
         return {};
     }

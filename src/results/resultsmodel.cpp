@@ -3,6 +3,7 @@
 #include "resultsmodel.h"
 
 #include "checktext.h"
+#include "copyrelation.h"
 #include "displaytext.h"
 #include "groupcheck.h"
 #include "missingpart.h"
@@ -165,6 +166,8 @@ QVariant ResultsModel::headerData(int section, Qt::Orientation orientation, int 
         return tr("Bandwidth");
     case CheckColumn:
         return tr("Check");
+    case RelationColumn:
+        return tr("Relation");
     case FolderColumn:
         return tr("Folder");
     case ColumnCount:
@@ -252,6 +255,8 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     case Qt::DisplayRole:
         if (column == MatchColumn)
             return matchText(group, member);
+        if (column == RelationColumn)
+            return relationOf(group, member);
         if (column >= LoudnessColumn && column <= CheckColumn)
             return checkCell(group, member, column);
         return info ? memberText(*info, column) : QVariant();
@@ -264,7 +269,9 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     case Qt::ForegroundRole:
         return column == MatchColumn ? matchTextColour(group, member) : QVariant();
     case Qt::ToolTipRole:
-        return column == MatchColumn ? matchToolTip(group, member) : info ? memberToolTip(*info, column) : QVariant();
+        return column == MatchColumn ? plainToolTip(remarksOf(group, member).join(u'\n'))
+            : info                   ? memberToolTip(group, member, column)
+                                     : QVariant();
     case DecksRole:
         return info && column == FileColumn ? decksOf(*info) : QVariant();
     case Qt::AccessibleTextRole:
@@ -297,15 +304,23 @@ QString ResultsModel::matchText(int group, int member) const
     return texts.join(", "_L1);
 }
 
-QString ResultsModel::matchToolTip(int group, int member) const
+QString ResultsModel::relationOf(int group, int member) const
+{
+    const MatchGroup &record = m_review.groups().at(group);
+    const QList<TrackInfo> &tracks = m_review.tracks();
+    return relationText(relationToKept(record, record.members.at(member), tracks), tracks);
+}
+
+// What a check found is said in full, where the row has but the first of it.
+QStringList ResultsModel::remarksOf(int group, int member) const
 {
     const MatchGroup &record = m_review.groups().at(group);
     const qint32 track = record.members.at(member);
     QStringList texts = checkTexts(record, track) + measureTexts(record, track);
-    if (texts.isEmpty())
-        return plainToolTip(matchText(group, member));
-    texts << editText(record, track, m_review.tracks());
-    return plainToolTip(texts.join(u'\n').trimmed());
+    texts << (texts.isEmpty() ? matchText(group, member) : editText(record, track, m_review.tracks()));
+    texts << relationOf(group, member);
+    texts.removeAll(QString());
+    return texts;
 }
 
 QVariant ResultsModel::matchTextColour(int group, int member) const
@@ -347,8 +362,8 @@ QString ResultsModel::decksOf(const TrackInfo &track) const
 QVariant ResultsModel::accessibleText(int group, int member, int column) const
 {
     const TrackInfo &track = *m_review.track(group, member);
-    if (column == MatchColumn && m_review.groups().at(group).check.isDone())
-        return matchToolTip(group, member).replace(u'\n', u' ');
+    if (column == MatchColumn)
+        return remarksOf(group, member).join(", "_L1);
     const QString decks = column == FileColumn ? decksOf(track) : QString();
     return decks.isEmpty() ? QVariant() : tr("%1, in deck %2").arg(track.fileName, decks);
 }
@@ -390,8 +405,9 @@ QString ResultsModel::memberText(const TrackInfo &track, int column) const
     }
 }
 
-QVariant ResultsModel::memberToolTip(const TrackInfo &track, int column) const
+QVariant ResultsModel::memberToolTip(int group, int member, int column) const
 {
+    const TrackInfo &track = *m_review.track(group, member);
     if (column == FolderColumn)
         return plainToolTip(nativePath(folderOf(track)));
     if (column == DurationColumn && track.stream.durationIsGuess)
@@ -399,7 +415,9 @@ QVariant ResultsModel::memberToolTip(const TrackInfo &track, int column) const
     if (column != FileColumn)
         return {};
     const QString path = nativePath(track.path);
-    return plainToolTip(track.error.isEmpty() ? path : tr("%1\n\nNote: %2").arg(path, track.error));
+    if (!track.error.isEmpty())
+        return plainToolTip(tr("%1\n\nNote: %2").arg(path, track.error));
+    return plainToolTip((path + u'\n' + relationOf(group, member)).trimmed());
 }
 
 } // namespace epr

@@ -32,6 +32,7 @@ public:
         TruePeakColumn,
         BandwidthColumn,
         CheckColumn,
+        RelationColumn, ///< how a copy belongs to the kept one
         FolderColumn,
         ColumnCount
     };
@@ -74,13 +75,14 @@ private:
     QVariant groupData(int group, int column, int role) const;
     QVariant memberData(int group, int member, int column, int role) const;
     QVariant accessibleText(int group, int member, int column) const;
-    QString matchToolTip(int group, int member) const;
+    QString relationOf(int group, int member) const;
+    QStringList remarksOf(int group, int member) const;
     QVariant matchTextColour(int group, int member) const;
     QString groupText(const MatchGroup &group) const;
     QStringList checkRemarks(const MatchGroup &group) const;
     QString memberText(const TrackInfo &track, int column) const;
     QString checkCell(int group, int member, int column) const;
-    QVariant memberToolTip(const TrackInfo &track, int column) const;
+    QVariant memberToolTip(int group, int member, int column) const;
 
     Review &m_review;
     ReviewFilter m_rows;

@@ -27,10 +27,11 @@ struct OptionalColumn {
     QLatin1StringView name;
 };
 
-constexpr std::array<OptionalColumn, 4> optionalColumns { { { ResultsModel::LoudnessColumn, "loudness"_L1 },
+constexpr std::array<OptionalColumn, 5> optionalColumns { { { ResultsModel::LoudnessColumn, "loudness"_L1 },
                                                             { ResultsModel::TruePeakColumn, "truePeak"_L1 },
                                                             { ResultsModel::BandwidthColumn, "bandwidth"_L1 },
-                                                            { ResultsModel::CheckColumn, "check"_L1 } } };
+                                                            { ResultsModel::CheckColumn, "check"_L1 },
+                                                            { ResultsModel::RelationColumn, "relation"_L1 } } };
 
 } // namespace
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "checktext.h"
+#include "copyrelation.h"
 #include "missingpart.h"
 #include "progress.h"
 #include "rows.h"
@@ -53,6 +54,55 @@ private Q_SLOTS:
         QCOMPARE(left(false, 20000, 19999), -1); // most of it would be a guess
         QCOMPARE(left(false, 20000, std::nullopt), -1);
         QCOMPARE(epr::ScanStep({ 4, 5 }).text(), u"step 4 of 5"_s);
+    }
+
+    // Links are written "0-1:3", a type behind the colon, those by sound with 2.5 % of unlike bits; copy 0 is kept.
+    void relationsAreToldInWords_data()
+    {
+        const epr::test::Rows<QString, qint64, QString> row("links", "durationMs", "text");
+        row("equal file", u"0-3:0"_s, 60000, u"identical to the kept copy"_s);
+        row("equal audio", u"3-0:1"_s, 60000, u"same audio, other tags"_s);
+        row("by sound", u"0-3:2"_s, 60000, u"same recording, 97 % alike"_s);
+        row("equal audio sounds the same", u"0-1:1 1-2:0 2-3:2"_s, 60000, u"same recording, 97 % alike"_s);
+        row("likeness does not add up", u"0-2:2 1-3:2 1-2:0"_s, 60000, u"same recording, through 1.mp3"_s);
+        row("longer", u"0-3:3"_s, 60800, u"same artist and title, 0.8 s longer"_s);
+        row("shorter", u"0-3:3"_s, 48000, u"same artist and title, 12 s shorter"_s);
+        row("hardly longer", u"0-3:3"_s, 60049, u"same artist and title, as long"_s);
+        row("of unknown length", u"0-3:3"_s, 0, u"same artist and title"_s);
+        row("of guessed length", u"0-3:3"_s, -50000, u"same artist and title"_s);
+        row("tags are the same along songs", u"0-1:3 1-2:0 2-3:3"_s, 60800, u"same artist and title, 0.8 s longer"_s);
+        row("tags may change", u"0-1:1 1-3:3"_s, 60800, u"same artist and title, through 1.mp3"_s);
+        row("least certain on the way", u"0-1:3 1-3:2"_s, 60000, u"same artist and title, through 1.mp3"_s);
+        row("a copy without a name", u"0-2:2 2-3:2"_s, 60000, u"same recording, through another copy"_s);
+        row("what digests tell", u"0-3:9"_s, 60000, u"identical to the kept copy"_s);
+        row("unlinked", u"1-2:0"_s, 60000, QString());
+    }
+
+    void relationsAreToldInWords()
+    {
+        QFETCH(const QString, links);
+        QFETCH(const qint64, durationMs);
+        QList<epr::TrackInfo> tracks(4);
+        tracks[1].fileName = u"1.mp3"_s;
+        tracks[0].stream.durationMs = 60000;
+        tracks[3].stream.durationMs = std::abs(durationMs);
+        tracks[3].stream.durationIsGuess = durationMs < 0;
+        epr::MatchGroup group { 1, epr::MatchType::SameSong, { 0, 1, 2, 3 }, 0 };
+        for (const QString &link : links.split(u' ')) {
+            const auto number = [&link](qsizetype at) { return link.at(at).digitValue(); };
+            if (number(4) == 9)
+                tracks[0].fullHash = tracks[3].fullHash = u"digest"_s;
+            group.links.append({ number(0), number(2), static_cast<epr::MatchType>(number(4) % 9), 0.025 });
+        }
+        QTEST(epr::relationText(epr::relationToKept(group, 3, tracks), tracks), "text");
+        QCOMPARE(epr::relationsToKept(group, tracks).value(3), epr::relationToKept(group, 3, tracks));
+        QCOMPARE(epr::relationText(epr::relationToKept(group, 0, tracks), tracks), QString());
+    }
+
+    void likenessIsRoundedDown()
+    {
+        for (const auto &[rate, percent] : { std::pair(0.0, 100), { 0.00001, 99 }, { 0.07, 93 }, { 0.0701, 92 } })
+            QCOMPARE(epr::percentAlike(rate), percent);
     }
 
     void checkIsToldInWords_data()

@@ -251,7 +251,9 @@ void TestAcoustic::pairs()
                 const bool passes = plainPrefilter(a.words, b.words, limit, chromaprint);
                 const bool same = passes && (chromaprint ? aligned : best) <= limit;
                 QCOMPARE(epr::acousticPrefilter(a.words, b.words, rules), passes);
-                QCOMPARE(epr::sameRecording(trackA, trackB, rules), same);
+                const std::optional<double> rate = epr::sameRecording(trackA, trackB, rules);
+                QCOMPARE(rate.has_value(), same);
+                QVERIFY(!rate || *rate >= (chromaprint ? aligned : best));
                 ++outcomes[same ? 1 : 0];
             }
         }
@@ -309,10 +311,10 @@ void TestAcoustic::candidatesAndLinks()
                 expected.link(track - 5, track, epr::MatchType::IdenticalFile);
             epr::MatchUnion sets = expected;
             for (const auto &[a, b] : compared)
-                if (expected.findRoot(a) != expected.findRoot(b)
-                    && epr::sameRecording(tracks[a], tracks[b], epr::acousticRules(options))
+                if (const auto rate = epr::sameRecording(tracks[a], tracks[b], epr::acousticRules(options)); rate
+                    && expected.findRoot(a) != expected.findRoot(b)
                     && epr::durationsAgree(tracks[a].stream.durationMs, tracks[b].stream.durationMs, tolerance))
-                    expected.link(a, b, epr::MatchType::SameRecording);
+                    expected.link(a, b, epr::MatchType::SameRecording, *rate);
             QList<int> reports;
             std::atomic<qint32> cancelFlag { 0 };
             const auto report = [&](int step, int, const QString &) {
@@ -324,6 +326,7 @@ void TestAcoustic::candidatesAndLinks()
                 plainReports(tracks.size(), qsizetype(known.size()), candidates.size(), chromaprint);
             allReports.resize(allReports.size() - (candidates.size() + 1023) / 1024 + (compared.size() + 1023) / 1024);
             QCOMPARE(reports, allReports);
+            QVERIFY(sets.links() == expected.links());
             for (qint32 track = 0; track < tracks.size(); ++track) {
                 QCOMPARE(sets.findRoot(track), expected.findRoot(track));
                 QCOMPARE(sets.method(track), expected.method(track));

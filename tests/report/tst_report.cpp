@@ -30,7 +30,7 @@ TrackInfo track(const QString &name, qint64 durationMs)
     info.stream.bitrateKbps = 320;
     info.stream.sampleRate = 44100;
     info.stream.channels = 2;
-    info.fullHash = u"f"_s;
+    info.fullHash = u"digest of "_s + name;
     return info;
 }
 
@@ -144,6 +144,21 @@ private Q_SLOTS:
         QCOMPARE(write(ReportFormat::Playlist, groups).count(u"#EXTINF"_s), 1);
         groups[0].spans.clear();
         QVERIFY(!write(ReportFormat::Csv, groups).contains(u"Missing"_s));
+    }
+
+    void relationsAreTold()
+    {
+        QList<MatchGroup> groups = someGroups(1);
+        groups[0].links = { { 0, 1, MatchType::SameRecording, 0.051 }, { 1, 2, MatchType::SameSong } };
+        const QJsonValue files = QJsonDocument::fromJson(write(ReportFormat::Json, groups).toUtf8())
+                                     .object()["duplicateGroups"_L1][0]["files"_L1];
+        QCOMPARE(files[0]["relationToKept"_L1],
+                 QJsonObject({ { u"kind"_s, u"sameRecording"_s }, { u"percentAlike"_s, 94 } }));
+        QVERIFY(files[1]["relationToKept"_L1].isUndefined());
+        const QString html = write(ReportFormat::Html, groups);
+        QVERIFY(html.contains(u"<th>Size</th><th>Relation</th></tr>"_s));
+        QVERIFY(html.contains(u"</td><td>same artist and title</td></tr>"_s));
+        QVERIFY(!write(ReportFormat::Csv, groups).contains(u"alike"_s));
     }
 
     void guessesAndEditsAreMarked()
