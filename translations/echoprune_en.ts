@@ -137,6 +137,16 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
     </message>
 </context>
 <context>
+    <name>epr::Review</name>
+    <message numerus="yes">
+        <source>%Ln group(s) set aside as not duplicates.</source>
+        <translation>
+            <numerusform>%Ln group set aside as not duplicates.</numerusform>
+            <numerusform>%Ln groups set aside as not duplicates.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::ScanController</name>
     <message numerus="yes">
         <source>%n file(s) are text and not audio. They are still checked by hash.</source>

@@ -69,7 +69,7 @@ ExportCommand::ExportCommand(const Review &review, QWidget *window)
 // wants that one.
 void ExportCommand::exportReport(const QStringList &roots)
 {
-    if (m_review.groups().isEmpty()) {
+    if (m_review.totals().groups == 0) {
         showInformation(window(), tr("Nothing to export"), tr("Run a scan first - there are no results to report on."));
         return;
     }
@@ -83,7 +83,7 @@ void ExportCommand::exportReport(const QStringList &roots)
         format = ReportFormat::CsvWithMark;
     bool isWritten = false;
     QString error;
-    runWaiting([&, tracks = m_review.tracks(), groups = m_review.groups()] {
+    runWaiting([&, tracks = m_review.tracks(), groups = m_review.groupsOfDuplicates()] {
         isWritten = writeReport(path, format, tracks, groups, roots, &error);
     });
     if (!isWritten) {

@@ -17,9 +17,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isUnchecked(const MatchGroup &group)
+bool isUnchecked(const Review &review, int group)
 {
-    return isWorthChecking(group) && !isChecked(group);
+    const MatchGroup &record = review.groups().at(group);
+    return review.state(group) != GroupState::NotDuplicates && isWorthChecking(record) && !isChecked(record);
 }
 
 qint64 uncheckedTicksIn(const Review &review, int group)
@@ -62,6 +63,7 @@ WholeCheckCommand::WholeCheckCommand(Review &review, QWidget *window)
     connect(&m_checker, &WholeChecker::logMessage, this, &Command::logMessage);
     connect(&review, &Review::reset, this, &WholeCheckCommand::refreshOffer);
     connect(&review, &Review::keeperChanged, this, &WholeCheckCommand::refreshOffer);
+    connect(&review, &Review::statesChanged, this, &WholeCheckCommand::refreshOffer);
 }
 
 void WholeCheckCommand::follow(const ScanOptions &options)
@@ -76,7 +78,7 @@ void WholeCheckCommand::checkAll()
 {
     QList<int> groups;
     for (int group = 0; group < m_review.groups().size(); ++group) {
-        if (isUnchecked(m_review.groups().at(group)))
+        if (isUnchecked(m_review, group))
             groups << group;
     }
     check(groups);
@@ -211,9 +213,9 @@ QString WholeCheckCommand::offerText() const
 {
     int bySound = 0;
     int byTags = 0;
-    for (const MatchGroup &group : m_review.groups()) {
-        if (isUnchecked(group))
-            ++(group.matchType == MatchType::SameSong ? byTags : bySound);
+    for (int group = 0; group < m_review.groups().size(); ++group) {
+        if (isUnchecked(m_review, group))
+            ++(m_review.groups().at(group).matchType == MatchType::SameSong ? byTags : bySound);
     }
     QStringList texts;
     if (bySound > 0)

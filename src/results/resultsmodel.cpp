@@ -205,8 +205,26 @@ void ResultsModel::followReview()
             Q_EMIT dataChanged(cell, cell, { Qt::CheckStateRole });
     });
     connect(&m_review, &Review::ticksChanged, this, [this] { emitEverywhereChanged(Qt::CheckStateRole); });
+    connect(&m_review, &Review::fileStatesChanged, this, [this] { emitEverywhereChanged(Qt::DisplayRole); });
+    connect(&m_review, &Review::statesChanged, this, &ResultsModel::followStates);
     connect(&m_review, &Review::keeperChanged, this, &ResultsModel::emitGroupChanged);
     connect(&m_review, &Review::checkChanged, this, &ResultsModel::emitGroupChanged);
+}
+
+// What is set aside has no row.
+void ResultsModel::followStates(const QList<int> &groups)
+{
+    const bool isOtherRow = std::ranges::any_of(groups, [this](int group) {
+        return groupIndex(group).isValid() == (m_review.state(group) == GroupState::NotDuplicates);
+    });
+    if (isOtherRow) {
+        beginResetModel();
+        m_rows.layOutRows();
+        endResetModel();
+        return;
+    }
+    for (const int group : groups)
+        emitGroupChanged(group);
 }
 
 void ResultsModel::emitEverywhereChanged(int role)
@@ -230,13 +248,15 @@ QVariant ResultsModel::groupData(int group, int column, int role) const
     switch (role) {
     case Qt::DisplayRole:
         if (column == FileColumn)
-            return groupText(record);
+            return groupText(group);
         return column == MatchColumn ? (QStringList(groupLabel(record)) + checkRemarks(record))
                                            .join(tr(" - ", "between what is said of a group"))
                                      : QVariant();
     case Qt::FontRole:
         return column == FileColumn ? m_boldFont : QVariant();
     case Qt::ForegroundRole:
+        if (m_review.state(group) == GroupState::Done)
+            return QGuiApplication::palette().color(QPalette::PlaceholderText);
         return column == MatchColumn ? matchColour(record.matchType, QGuiApplication::palette()) : QVariant();
     case Qt::ToolTipRole:
         return plainToolTip((QStringList(groupExplanation(record)) + checkRemarks(record)).join(u'\n'));
@@ -296,6 +316,8 @@ QString ResultsModel::matchText(int group, int member) const
                         checkText(record, track) };
     if (checkState(record, track) == CheckState::Differs)
         texts.removeFirst();
+    if (const FileState state = m_review.fileState(track); state != FileState::AsScanned)
+        texts << (state == FileState::Changed ? tr("changed since the scan") : tr("no longer there"));
     texts.removeAll(QString());
     if (texts.isEmpty())
         texts << tr("duplicate");
@@ -368,10 +390,13 @@ QVariant ResultsModel::accessibleText(int group, int member, int column) const
     return decks.isEmpty() ? QVariant() : tr("%1, in deck %2").arg(track.fileName, decks);
 }
 
-QString ResultsModel::groupText(const MatchGroup &group) const
+QString ResultsModel::groupText(int group) const
 {
-    return tr("Group %1 - %2 copies - %3 reclaimable")
-        .arg(QString::number(group.id), QString::number(group.members.size()), sizeText(group.reclaimableBytes));
+    const MatchGroup &record = m_review.groups().at(group);
+    const QString text =
+        tr("Group %1 - %2 copies - %3 reclaimable")
+            .arg(QString::number(record.id), QString::number(record.members.size()), sizeText(record.reclaimableBytes));
+    return m_review.state(group) == GroupState::Done ? tr("%1 - done").arg(text) : text;
 }
 
 QStringList ResultsModel::checkRemarks(const MatchGroup &group) const

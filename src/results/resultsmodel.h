@@ -68,6 +68,7 @@ public:
 
 private:
     void followReview();
+    void followStates(const QList<int> &groups);
     void emitEverywhereChanged(int role);
     void emitGroupChanged(int group);
     QString matchText(int group, int member) const;
@@ -78,7 +79,7 @@ private:
     QString relationOf(int group, int member) const;
     QStringList remarksOf(int group, int member) const;
     QVariant matchTextColour(int group, int member) const;
-    QString groupText(const MatchGroup &group) const;
+    QString groupText(int group) const;
     QStringList checkRemarks(const MatchGroup &group) const;
     QString memberText(const TrackInfo &track, int column) const;
     QString checkCell(int group, int member, int column) const;

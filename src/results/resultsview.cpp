@@ -33,6 +33,13 @@ constexpr std::array<OptionalColumn, 5> optionalColumns { { { ResultsModel::Loud
                                                             { ResultsModel::CheckColumn, "check"_L1 },
                                                             { ResultsModel::RelationColumn, "relation"_L1 } } };
 
+QColor groupColour(const QStyleOptionViewItem &option, const QModelIndex &cell, bool isSelected)
+{
+    const QVariant own = isSelected ? QVariant() : cell.data(Qt::ForegroundRole);
+    return own.isValid() ? own.value<QColor>()
+                         : option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
+}
+
 } // namespace
 
 ResultsView::ResultsView(QWidget *parent)
@@ -266,7 +273,6 @@ void ResultsView::drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &
     const bool isSelected = selectionModel()->isSelected(index);
     const QModelIndex label = index.siblingAtColumn(ResultsModel::MatchColumn);
     const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-    const QColor textColour = option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
 
     QRect place = option.rect; // as in a window that reads from the left; mirrored where it is drawn
     const int start = place.left() + leadingEdge(option.rect, ResultsModel::FileColumn) + indentation() + margin;
@@ -275,7 +281,7 @@ void ResultsView::drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &
     bold.setBold(true);
     painter->save();
     painter->setFont(bold);
-    painter->setPen(textColour);
+    painter->setPen(groupColour(option, index, isSelected));
     const QString text = index.data().toString();
     const auto draw = [&](const QString &words) {
         painter->drawText(QStyle::visualRect(option.direction, option.rect, place),
@@ -287,7 +293,7 @@ void ResultsView::drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &
     const int labelStart = option.rect.left() + leadingEdge(option.rect, ResultsModel::MatchColumn) + margin;
     place.setLeft(std::max(labelStart, textEnd));
     painter->setFont(option.font);
-    painter->setPen(isSelected ? textColour : label.data(Qt::ForegroundRole).value<QColor>());
+    painter->setPen(groupColour(option, label, isSelected));
     draw(label.data().toString());
     painter->restore();
 }

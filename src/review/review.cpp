@@ -2,87 +2,34 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review.h"
 
-#include "displaytext.h"
 #include "groupcheck.h"
 #include "missingpart.h"
 #include "reviewfilter.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
-#include <QLocale>
 #include <QtConcurrent>
 
 #include <algorithm>
 
 namespace epr {
 
-ReviewTotals totalsOf(qint64 files, const QList<MatchGroup> &groups)
-{
-    ReviewTotals totals { .files = files, .groups = groups.size() };
-    for (const MatchGroup &group : groups) {
-        totals.redundantCopies += std::max<qint64>(group.members.size() - 1, 0);
-        totals.redundantBytes += group.reclaimableBytes;
-    }
-    return totals;
-}
-
-QString summaryText(const ReviewTotals &totals)
-{
-    const QLocale locale;
-    if (totals.groups == 0) {
-        return QCoreApplication::translate("epr::MainWindow", "Scanned %1 files - no duplicates found.")
-            .arg(locale.toString(totals.files));
-    }
-    return QCoreApplication::translate("epr::MainWindow",
-                                       "%1 files scanned - %2 duplicate groups - %3 redundant copies (%4). Currently "
-                                       "selected for removal: %5 file(s), %6.")
-        .arg(locale.toString(totals.files), locale.toString(totals.groups), locale.toString(totals.redundantCopies),
-             sizeText(totals.redundantBytes), locale.toString(totals.tickedFiles), sizeText(totals.tickedBytes));
-}
-
-QString incompleteText(int unreadableFolders)
-{
-    return QCoreApplication::translate("epr::MainWindow", "incomplete: %n folder(s) could not be read", nullptr,
-                                       unreadableFolders);
-}
-
-namespace {
-
-/// The position of the member to keep when the former one went: the first unticked one, but the longest where lengths
-/// differ, as far as they are known. There a copy that lacks a part is unticked as well, and must not be kept in place
-/// of one that is whole.
-qsizetype nextKeeper(const MatchGroup &group, qsizetype firstUnticked)
-{
-    if (group.spans.isEmpty())
-        return firstUnticked;
-    const auto lengthOf = [&group](qint32 member) {
-        const MemberSpan span = group.spans.value(member);
-        const qint64 length = span.endMs - span.startMs;
-        return std::pair(length > 0 && !span.isEndGuess, length);
-    };
-    return std::ranges::max_element(group.members, {}, lengthOf) - group.members.cbegin();
-}
-
-} // namespace
-
 Review::Review(QObject *parent)
     : QObject(parent)
-    , m_firstBit(1, 0)
 {
     m_background.setMaxThreadCount(1);
 }
 
 const TrackInfo *Review::track(int group, int member) const
 {
-    if (group < 0 || group >= m_groups.size())
+    if (group < 0 || group >= groups().size())
         return nullptr;
-    return trackAt(m_groups.at(group).members.value(member, -1));
+    return m_decisions.trackAt(groups().at(group).members.value(member, -1));
 }
 
 bool Review::keeps(const QString &path) const
 {
-    return std::any_of(m_groups.cbegin(), m_groups.cend(), [&](const MatchGroup &group) {
-        const TrackInfo *kept = trackAt(group.keep);
+    return std::any_of(groups().cbegin(), groups().cend(), [&](const MatchGroup &group) {
+        const TrackInfo *kept = m_decisions.trackAt(group.keep);
         return kept && kept->path == path;
     });
 }
@@ -91,12 +38,12 @@ std::optional<qint64> Review::offsetBetween(const QString &first, const QString 
 {
     const auto memberAt = [this](const MatchGroup &group, const QString &path) {
         const auto member = std::find_if(group.members.cbegin(), group.members.cend(), [&](qint32 index) {
-            const TrackInfo *candidate = trackAt(index);
+            const TrackInfo *candidate = m_decisions.trackAt(index);
             return candidate && candidate->path == path;
         });
         return member == group.members.cend() ? -1 : *member;
     };
-    for (const MatchGroup &group : m_groups) {
+    for (const MatchGroup &group : groups()) {
         const qint32 a = memberAt(group, first);
         const qint32 b = a < 0 ? -1 : memberAt(group, second);
         if (b >= 0)
@@ -107,10 +54,9 @@ std::optional<qint64> Review::offsetBetween(const QString &first, const QString 
 
 int Review::firstWhollyTickedGroup() const
 {
-    for (std::size_t g = 0; g + 1 < m_firstBit.size(); ++g) {
-        const auto bit = [this](std::size_t i) { return m_ticked.begin() + static_cast<std::ptrdiff_t>(i); };
-        if (std::find(bit(m_firstBit[g]), bit(m_firstBit[g + 1]), false) == bit(m_firstBit[g + 1]))
-            return static_cast<int>(g);
+    for (int group = 0; group < groups().size(); ++group) {
+        if (m_decisions.isWhollyTicked(group))
+            return group;
     }
     return -1;
 }
@@ -118,9 +64,9 @@ int Review::firstWhollyTickedGroup() const
 QSet<qint32> Review::vanishedTracks() const
 {
     QSet<qint32> vanished;
-    for (const MatchGroup &group : m_groups) {
+    for (const MatchGroup &group : groups()) {
         for (const qint32 member : group.members) {
-            const TrackInfo *track = trackAt(member);
+            const TrackInfo *track = m_decisions.trackAt(member);
             if (track && !QFileInfo::exists(track->path))
                 vanished.insert(member);
         }
@@ -130,13 +76,13 @@ QSet<qint32> Review::vanishedTracks() const
 
 qint32 Review::counterpart(int group, qint32 track) const
 {
-    const MatchGroup &record = m_groups.at(group);
+    const MatchGroup &record = groups().at(group);
     if (track != record.keep && record.members.contains(track))
         return track;
     QList<qint32> others = record.members;
     others.removeAll(record.keep);
     const auto quality = [this](qint32 other) {
-        const TrackInfo *info = trackAt(other);
+        const TrackInfo *info = m_decisions.trackAt(other);
         return info ? std::pair(info->stream.bitrateKbps, info->size) : std::pair(0, qint64 { 0 });
     };
     const auto best = std::max_element(others.cbegin(), others.cend(),
@@ -149,19 +95,27 @@ QStringList Review::searchTexts() const
     return m_searchTexts.isValid() ? m_searchTexts.result() : QStringList();
 }
 
+QList<MatchGroup> Review::groupsOfDuplicates() const
+{
+    if (totals().setAside == 0)
+        return groups();
+    QList<MatchGroup> found;
+    for (int group = 0; group < groups().size(); ++group) {
+        if (state(group) != GroupState::NotDuplicates)
+            found << groups().at(group);
+    }
+    return found;
+}
+
 void Review::setResults(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups)
 {
     Q_EMIT aboutToBeReset();
-    m_tracks = tracks;
-    m_groups = groups;
-    layOutBits();
-    m_ticked.assign(m_firstBit.back(), false);
-    countGroups();
-    setTicks([](bool, bool isProposed) { return isProposed; });
-    m_searchTexts =
-        groups.isEmpty() ? QFuture<QStringList>() : QtConcurrent::run(&m_background, foldedSearchTexts, tracks, groups);
+    m_decisions.setResults(tracks, groups);
+    m_history = {};
+    makeSearchTexts();
     Q_EMIT reset();
     Q_EMIT totalsChanged();
+    Q_EMIT historyChanged();
 }
 
 void Review::clear()
@@ -169,188 +123,215 @@ void Review::clear()
     setResults({}, {});
 }
 
+void Review::restore(const ReviewRecord &record)
+{
+    Q_EMIT aboutToBeReset();
+    m_decisions.restore(record);
+    m_history = {};
+    makeSearchTexts();
+    Q_EMIT reset();
+    Q_EMIT totalsChanged();
+    Q_EMIT historyChanged();
+}
+
+void Review::takeDecisions(const QHash<int, GroupDecision> &decisions)
+{
+    if (decisions.isEmpty())
+        return;
+    Q_EMIT aboutToBeReset();
+    m_decisions.begin(); // for the totals alone
+    for (const auto &[group, decision] : decisions.asKeyValueRange())
+        m_decisions.setDecision(group, decision);
+    m_decisions.end({});
+    Q_EMIT reset();
+    Q_EMIT totalsChanged();
+}
+
 void Review::tickDuplicates()
 {
-    changeTicks([](bool, bool isProposed) { return isProposed; });
+    perform(tr("Select All Duplicates"),
+            [this] { m_decisions.setTicks([](bool, bool proposed) { return proposed; }); });
 }
 
 void Review::clearTicks()
 {
-    changeTicks([](bool, bool) { return false; });
+    perform(tr("Clear Selection"), [this] { m_decisions.setTicks([](bool, bool) { return false; }); });
 }
 
 void Review::invertTicks()
 {
-    changeTicks([](bool wasTicked, bool) { return !wasTicked; });
+    perform(tr("Invert Selection"), [this] { m_decisions.setTicks([](bool was, bool) { return !was; }); });
 }
 
 void Review::setTicked(int group, int member, bool ticked)
 {
-    if (!setBit(group, member, ticked))
-        return;
-    Q_EMIT tickChanged(group, member);
-    Q_EMIT totalsChanged();
+    setTicked({ { group, member } }, ticked);
+}
+
+void Review::setTicked(const QList<Place> &places, bool ticked)
+{
+    QString reason;
+    perform(ticked ? tr("Tick") : tr("Untick"), [&] {
+        for (const auto &[group, member] : places) {
+            if (ticked && reason.isEmpty())
+                reason = refusal(group, member);
+            m_decisions.setTick(group, member, ticked, true);
+        }
+    });
+    if (!reason.isEmpty())
+        Q_EMIT tickRefused(reason);
 }
 
 void Review::setKeeper(int group, qint32 track)
 {
-    const MatchGroup &before = m_groups.at(group);
+    const MatchGroup &before = groups().at(group);
     const auto newMember = static_cast<int>(before.members.indexOf(track));
     const auto oldMember = static_cast<int>(before.members.indexOf(before.keep));
     if (newMember < 0 || newMember == oldMember)
         return;
-    const bool passTick = setBit(group, newMember, false);
-    if (oldMember >= 0 && passTick)
-        setBit(group, oldMember, true);
-    MatchGroup &record = m_groups[group];
-    record.keep = track;
-    record.reclaimableBytes = reclaimable(record);
-    untickDoubted(group);
-    countGroups();
-    Q_EMIT keeperChanged(group);
-    Q_EMIT totalsChanged();
+    perform(tr("Keep Another Copy"), [&] {
+        const bool passTick = isTicked(group, newMember);
+        m_decisions.setFacts(group, { track, true, state(group) });
+        if (oldMember >= 0 && passTick)
+            m_decisions.setTick(group, oldMember, true, false);
+        m_decisions.untickDoubted(group);
+    });
+}
+
+// The check had unticked the better one, so there is no tick to take over.
+void Review::keepBetter(int group, qint32 track)
+{
+    const qint32 former = groups().at(group).keep;
+    perform(tr("Keep the Better Copy"), [&] {
+        m_decisions.setFacts(group, { track, true, state(group) });
+        m_decisions.untickDoubted(group);
+        const MatchGroup &record = groups().at(group);
+        const auto member = static_cast<int>(record.members.indexOf(former));
+        if (member >= 0 && isProposed(record, former))
+            m_decisions.setTick(group, member, true, false);
+    });
+}
+
+void Review::setState(const QList<int> &groups, GroupState state)
+{
+    const QString text = state == GroupState::Done ? tr("Done")
+        : state == GroupState::NotDuplicates       ? tr("Not Duplicates")
+                                                   : tr("Undecided");
+    perform(text, [&] {
+        for (const int group : groups) {
+            GroupFacts facts = m_decisions.facts(group);
+            facts.state = state;
+            m_decisions.setFacts(group, facts);
+        }
+    });
 }
 
 int Review::setCheck(int group, const GroupCheck &check)
 {
-    m_groups[group].check = check;
-    const int unticked = untickDoubted(group);
+    const int unticked = m_decisions.setCheck(group, check);
     Q_EMIT checkChanged(group);
     Q_EMIT totalsChanged();
     return unticked;
 }
 
+void Review::setFileStates(const QHash<qint32, FileState> &states)
+{
+    m_decisions.setFileStates(states);
+    Q_EMIT fileStatesChanged();
+    Q_EMIT totalsChanged();
+}
+
 void Review::removeMembers(const QSet<qint32> &tracks)
 {
     Q_EMIT aboutToBeReset();
-    QList<MatchGroup> keptGroups;
-    std::vector<bool> keptTicks;
-    QList<int> withOtherKeeper;
-    for (int g = 0; g < m_groups.size(); ++g) {
-        MatchGroup group = m_groups.at(g);
-        const std::size_t firstTick = keptTicks.size();
-        group.members.clear();
-        for (int m = 0; m < m_groups.at(g).members.size(); ++m) {
-            const qint32 member = m_groups.at(g).members.at(m);
-            if (tracks.contains(member))
-                continue;
-            group.members << member;
-            keptTicks.push_back(isTicked(g, m));
-        }
-        if (group.members.size() < 2) {
-            keptTicks.resize(firstTick);
-            continue;
-        }
-        if (!group.members.contains(group.keep)) {
-            const auto ticks = keptTicks.begin() + static_cast<std::ptrdiff_t>(firstTick);
-            const auto unticked = std::find(ticks, keptTicks.end(), false);
-            const auto keeper = ticks + nextKeeper(group, (unticked == keptTicks.end() ? ticks : unticked) - ticks);
-            *keeper = false;
-            group.keep = group.members.at(keeper - ticks);
-            withOtherKeeper << static_cast<int>(keptGroups.size());
-        }
-        group.reclaimableBytes = reclaimable(group);
-        keptGroups << group;
-    }
-    m_groups = keptGroups;
-    m_ticked = keptTicks;
-    layOutBits();
-    countGroups();
-    for (const int group : withOtherKeeper)
-        untickDoubted(group);
-    setTicks([](bool wasTicked, bool) { return wasTicked; });
+    QSet<qint32> lost;
+    for (const MatchGroup &group : groups())
+        lost << group.id;
+    m_decisions.removeMembers(tracks);
+    for (const MatchGroup &group : groups())
+        lost.remove(group.id);
+    m_history.forget(tracks, lost);
     Q_EMIT reset();
     Q_EMIT totalsChanged();
+    Q_EMIT historyChanged();
 }
 
-std::size_t Review::bitOf(int group, int member) const
+int Review::undo()
 {
-    return m_firstBit[static_cast<std::size_t>(group)] + static_cast<std::size_t>(member);
+    return canUndo() ? applyStep(m_history.stepBack(), true) : -1;
 }
 
-const TrackInfo *Review::trackAt(qint32 index) const
+int Review::redo()
 {
-    return index >= 0 && index < m_tracks.size() ? &m_tracks.at(index) : nullptr;
+    return canRedo() ? applyStep(m_history.stepForward(), false) : -1;
 }
 
-qint64 Review::sizeOf(qint32 track) const
+template <typename Change> void Review::perform(const QString &text, Change change)
 {
-    const TrackInfo *found = trackAt(track);
-    return found ? found->size : 0;
+    m_decisions.begin();
+    change();
+    DecisionStep step = m_decisions.end(text);
+    if (step.isEmpty())
+        return;
+    announce(step);
+    m_history.add(std::move(step));
+    Q_EMIT historyChanged();
 }
 
-qint64 Review::reclaimable(const MatchGroup &group) const
+// What changed in a group as a whole stands for ticks in it as well.
+int Review::announce(const DecisionStep &step)
 {
-    qint64 bytes = 0;
-    for (const qint32 member : group.members) {
-        if (member != group.keep)
-            bytes += sizeOf(member);
+    QSet<int> concerned;
+    QList<int> withOtherState;
+    for (const DecisionStep::Group &change : step.groups) {
+        const int group = m_decisions.groupOf(change.id);
+        concerned << group;
+        if (change.before.state != change.after.state)
+            withOtherState << group;
+        if (change.before.keep != change.after.keep || change.before.keeperByHand != change.after.keeperByHand)
+            Q_EMIT keeperChanged(group);
     }
-    return bytes;
-}
-
-// One pass over the bits, with the totals counted along the way.
-template <typename Rule> void Review::setTicks(Rule ticked)
-{
-    m_totals.tickedFiles = 0;
-    m_totals.tickedBytes = 0;
-    std::size_t bit = 0;
-    for (const MatchGroup &group : std::as_const(m_groups)) {
-        for (const qint32 member : group.members) {
-            const bool tick = ticked(m_ticked[bit], isProposed(group, member));
-            m_ticked[bit++] = tick;
-            if (tick) {
-                ++m_totals.tickedFiles;
-                m_totals.tickedBytes += sizeOf(member);
-            }
-        }
+    if (!withOtherState.isEmpty())
+        Q_EMIT statesChanged(withOtherState);
+    if (concerned.isEmpty() && step.ticks.size() == 1) {
+        const auto [group, member] = m_decisions.placeOf(static_cast<qint32>(step.ticks.front().track));
+        concerned << group;
+        Q_EMIT tickChanged(group, member);
+    } else if (concerned.isEmpty() && !step.ticks.empty()) {
+        Q_EMIT ticksChanged();
     }
-}
-
-template <typename Rule> void Review::changeTicks(Rule ticked)
-{
-    setTicks(ticked);
-    Q_EMIT ticksChanged();
     Q_EMIT totalsChanged();
+    return concerned.size() == 1 ? *concerned.cbegin() : -1;
 }
 
-int Review::untickDoubted(int group)
+int Review::applyStep(const DecisionStep &step, bool backwards)
 {
-    const MatchGroup &record = m_groups.at(group);
-    int unticked = 0;
-    for (int member = 0; member < record.members.size(); ++member) {
-        if (isDoubted(record, record.members.at(member)))
-            unticked += setBit(group, member, false) ? 1 : 0;
+    m_decisions.begin();
+    m_decisions.apply(step, backwards);
+    const int group = announce(m_decisions.end({}));
+    Q_EMIT historyChanged();
+    return group;
+}
+
+void Review::makeSearchTexts()
+{
+    m_searchTexts = groups().isEmpty() ? QFuture<QStringList>()
+                                       : QtConcurrent::run(&m_background, foldedSearchTexts, tracks(), groups());
+}
+
+QString Review::refusal(int group, int member) const
+{
+    if (m_decisions.mayBeTicked(group, member))
+        return {};
+    switch (fileState(groups().at(group).members.at(member))) {
+    case FileState::Changed:
+        return tr("This copy changed since the scan and is not ticked. The next scan looks at it again.");
+    case FileState::Vanished:
+        return tr("This copy is no longer there.");
+    case FileState::AsScanned:
+        break;
     }
-    return unticked;
-}
-
-bool Review::setBit(int group, int member, bool ticked)
-{
-    const std::size_t bit = bitOf(group, member);
-    if (m_ticked[bit] == ticked)
-        return false;
-    m_ticked[bit] = ticked;
-    const int sign = ticked ? 1 : -1;
-    m_totals.tickedFiles += sign;
-    m_totals.tickedBytes += sign * sizeOf(m_groups.at(group).members.at(member));
-    return true;
-}
-
-void Review::countGroups()
-{
-    ReviewTotals totals = totalsOf(m_tracks.size(), m_groups);
-    totals.tickedFiles = m_totals.tickedFiles;
-    totals.tickedBytes = m_totals.tickedBytes;
-    m_totals = totals;
-}
-
-void Review::layOutBits()
-{
-    m_firstBit.assign(1, 0);
-    m_firstBit.reserve(static_cast<std::size_t>(m_groups.size()) + 1);
-    for (const MatchGroup &group : std::as_const(m_groups))
-        m_firstBit.push_back(m_firstBit.back() + static_cast<std::size_t>(group.members.size()));
+    return tr("This group is set aside as not duplicates.");
 }
 
 } // namespace epr

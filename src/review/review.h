@@ -2,58 +2,46 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "records.h"
+#include "decisions.h"
 
 #include <QFuture>
 #include <QSet>
 #include <QThreadPool>
 
 #include <optional>
-#include <vector>
 
 namespace epr {
 
-/// What is counted of a review, wherever it is told: below the results, on the console and in the reports.
-struct ReviewTotals {
-    qint64 files = 0; ///< scanned, whether duplicate or not
-    qint64 groups = 0;
-    qint64 redundantCopies = 0; ///< members beyond the one to keep, over all groups
-    qint64 redundantBytes = 0;
-    qint64 tickedFiles = 0;
-    qint64 tickedBytes = 0;
-
-    bool operator==(const ReviewTotals &) const = default;
-};
-
-/// Of what a scan found, before anything is ticked.
-ReviewTotals totalsOf(qint64 files, const QList<MatchGroup> &groups);
-
-/// The line below the results of a scan.
-QString summaryText(const ReviewTotals &totals);
-
-/// That so many folders of the scan could not be read, to stand behind its outcome.
-QString incompleteText(int unreadableFolders);
-
-/// What is being decided about the results of a scan: which copy of a group is kept and which are ticked for removal.
-/// It reads the scan's own lists and keeps one bit per member for the tick, so a large result costs no row objects.
+/// What is being decided about the results of a scan: which copy of a group is kept, which are ticked for removal, and
+/// how far the operator is with it. It reads the scan's own lists and keeps a byte per member, so a large result costs
+/// no row objects.
 ///
-/// A group is named by its position in groups(), a member by its position in the group, a track by its index.
+/// Every command of the operator's is one step that can be undone. A group is named by its position in groups(), a
+/// member by its position in the group, a track by its index.
 class Review final : public QObject {
     Q_OBJECT
 
 public:
+    using Place = Decisions::Place;
+
     explicit Review(QObject *parent = nullptr);
 
-    const QList<TrackInfo> &tracks() const { return m_tracks; }
-    const QList<MatchGroup> &groups() const { return m_groups; }
-    const ReviewTotals &totals() const { return m_totals; }
+    const QList<TrackInfo> &tracks() const { return m_decisions.tracks(); }
+    const QList<MatchGroup> &groups() const { return m_decisions.groups(); }
+    const ReviewTotals &totals() const { return m_decisions.totals(); }
     const TrackInfo *track(int group, int member) const; ///< null unless there is such a member, with a track
     bool isKeeper(int group, int member) const
     {
-        return m_groups.at(group).members.at(member) == m_groups.at(group).keep;
+        return groups().at(group).members.at(member) == groups().at(group).keep;
     }
+    bool isKeeperByHand(int group) const { return m_decisions.facts(group).keeperByHand; }
     bool keeps(const QString &path) const; ///< whether it is the copy to keep of some group
-    bool isTicked(int group, int member) const { return m_ticked[bitOf(group, member)]; }
+    bool isTicked(int group, int member) const { return m_decisions.isTicked(group, member); }
+    bool isTickByHand(int group, int member) const { return m_decisions.isTickByHand(group, member); }
+    GroupState state(int group) const { return m_decisions.facts(group).state; }
+    FileState fileState(qint32 track) const { return m_decisions.fileState(track); }
+    GroupDecision decision(int group) const { return m_decisions.decision(group); }
+    QList<MatchGroup> groupsOfDuplicates() const; ///< those that are not set aside
 
     /// How much later the second file has what the first has at a time, in ms; nothing if they share no group, or if
     /// that does not tell.
@@ -74,51 +62,72 @@ public:
     void setResults(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
     void clear();
 
+    /// Takes up what was stored, and ticks nothing that it does not have ticked.
+    void restore(const ReviewRecord &record);
+
+    /// What was decided of such copies before, by groups. It counts as decided, not as a step.
+    void takeDecisions(const QHash<int, GroupDecision> &decisions);
+
     void tickDuplicates(); ///< as after a scan, and no others
     void clearTicks();
     void invertTicks();
     void setTicked(int group, int member, bool ticked);
+    void setTicked(const QList<Place> &places, bool ticked); ///< as one step
 
     /// Makes another member the copy to keep. It is unticked; if it was ticked, the former keeper takes over the tick.
     /// What a check says is then said beside the new one, and copies that it speaks against removing are unticked.
     void setKeeper(int group, qint32 track);
 
+    /// The same where the former keeper is the worse one: it is ticked if it is a copy to remove.
+    void keepBetter(int group, qint32 track);
+
+    void setState(const QList<int> &groups, GroupState state);
+
     /// What a check over the whole length found of a group. Copies that it speaks against removing are unticked; the
-    /// result is how many. Nothing else changes.
+    /// result is how many. Nothing else changes, and there is no way back.
     int setCheck(int group, const GroupCheck &check);
+
+    /// What became of files since the scan; of others nothing changes. Whatever is not as it was is unticked, and
+    /// nobody can tick it.
+    void setFileStates(const QHash<qint32, FileState> &states);
 
     /// Takes out the members that refer to these tracks, and every group left with fewer than two members. The other
     /// groups keep their numbers and ticks. Where the copy to keep went, the first unticked one takes its place, lest a
     /// report propose every copy of a group.
     void removeMembers(const QSet<qint32> &tracks);
 
+    bool canUndo() const { return m_history.canUndo(); }
+    bool canRedo() const { return m_history.canRedo(); }
+    QString undoText() const { return m_history.undoText(); } ///< the command's name, translated
+    QString redoText() const { return m_history.redoText(); }
+
+    /// One step. Neither ticks a copy that is kept now, that a check speaks against or that is not as it was scanned.
+    /// The result is the only group that was concerned, -1 for several or none.
+    int undo();
+    int redo();
+
 Q_SIGNALS:
     void aboutToBeReset(); ///< no position means the same after it
     void reset();
-    void tickChanged(int group, int member);
+    void tickChanged(int group, int member); ///< or who set it
     void ticksChanged(); ///< in any number of groups at once
     void keeperChanged(int group); ///< and with it ticks of the group
     void checkChanged(int group); ///< the same
+    void statesChanged(const QList<int> &groups); ///< the same
+    void fileStatesChanged(); ///< the same
     void totalsChanged(); ///< after whichever of the others it was
+    void historyChanged();
+    void tickRefused(const QString &reason); ///< the operator's own
 
 private:
-    std::size_t bitOf(int group, int member) const;
-    const TrackInfo *trackAt(qint32 index) const;
-    qint64 sizeOf(qint32 track) const;
-    qint64 reclaimable(const MatchGroup &group) const;
+    template <typename Change> void perform(const QString &text, Change change);
+    int announce(const DecisionStep &step);
+    int applyStep(const DecisionStep &step, bool backwards);
+    void makeSearchTexts();
+    QString refusal(int group, int member) const;
 
-    template <typename Rule> void setTicks(Rule ticked); ///< rule: (was ticked, is proposed) to ticked
-    template <typename Rule> void changeTicks(Rule ticked);
-    int untickDoubted(int group); ///< how many that were
-    bool setBit(int group, int member, bool ticked); ///< false if it was so before
-    void countGroups();
-    void layOutBits();
-
-    QList<TrackInfo> m_tracks;
-    QList<MatchGroup> m_groups;
-    std::vector<std::size_t> m_firstBit; ///< per group, its first member among all members; one more entry closes it
-    std::vector<bool> m_ticked; ///< per member, in group order
-    ReviewTotals m_totals;
+    Decisions m_decisions;
+    DecisionHistory m_history;
     QThreadPool m_background; ///< not the global one: painting may need that, and would wait for the end of our work
     QFuture<QStringList> m_searchTexts;
 };

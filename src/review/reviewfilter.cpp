@@ -112,6 +112,8 @@ qint64 ReviewFilter::hiddenTicks() const
 
 void ReviewFilter::appendGroup(int group, std::span<const int> candidates, const QStringList &searchTexts)
 {
+    if (m_review.state(group) == GroupState::NotDuplicates)
+        return;
     const QList<qint32> &members = m_review.groups().at(group).members;
     const auto first = static_cast<int>(m_members.size());
     for (const int member : candidates) {

@@ -13,6 +13,13 @@ enum class GroupState : qint32 {
     NotDuplicates = 2, ///< nothing of it is ticked, and it is not counted
 };
 
+/// Whether a file is still what the scan saw.
+enum class FileState {
+    AsScanned, ///< or nobody has looked since
+    Changed,
+    Vanished,
+};
+
 /// What was decided of a group. The lists are as long as its members.
 struct GroupDecision {
     GroupState state = GroupState::Undecided;

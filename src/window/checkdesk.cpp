@@ -9,7 +9,6 @@
 #include "docks.h"
 #include "groupcheck.h"
 #include "memberactions.h"
-#include "missingpart.h"
 #include "resultspanel.h"
 #include "review.h"
 #include "wholecheckcommand.h"
@@ -145,17 +144,9 @@ void CheckDesk::refresh()
     keepBetter->setEnabled(hasGroup && betterCopy(m_parts.review->groups().at(m_group)) >= 0);
 }
 
-// The former keeper is ticked like any other duplicate; the check had unticked the better one, which would leave it
-// without.
 void CheckDesk::keepBetterCopy()
 {
-    Review &review = *m_parts.review;
-    const int group = m_group;
-    const qint32 former = review.groups().at(group).keep;
-    review.setKeeper(group, betterCopy(review.groups().at(group)));
-    const MatchGroup &record = review.groups().at(group);
-    if (isProposed(record, former))
-        review.setTicked(group, static_cast<int>(record.members.indexOf(former)), true);
+    m_parts.review->keepBetter(m_group, betterCopy(m_parts.review->groups().at(m_group)));
 }
 
 void CheckDesk::showPlace(const DifferencePlace &place)

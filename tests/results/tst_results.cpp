@@ -66,6 +66,13 @@ private Q_SLOTS:
         review.setKeeper(2, 6);
         QCOMPARE(changes.takeLast().at(1).toModelIndex(), cell(model, 1, 0, ResultsModel::ColumnCount - 1));
 
+        review.setState({ 2 }, GroupState::NotDuplicates);
+        QCOMPARE(rowsOf(model), u"ax*! cx!"_s);
+        review.undo();
+        QCOMPARE(rowsOf(model), u"ax*! cx! / gx*"_s);
+        review.setState({ 2 }, GroupState::Done);
+        QVERIFY(model.index(1, 0).data().toString().endsWith(u"- done"_s));
+
         review.removeMembers({ 0 });
         QCOMPARE(rowsOf(model), u"cx! / gx*"_s);
         model.setFilter(QString());
