@@ -28,6 +28,7 @@ template <typename Options, typename Visitor> void visitScanKeys(Options &option
     visit("detect/durationTolerance"_L1, options.durationTolerance);
     visit("detect/metadataTolerance"_L1, options.metadataTolerance);
     visit("detect/keeperPolicy"_L1, options.keeperPolicy);
+    visit("detect/keeperRules"_L1, options.keeperRules);
     visit("files/extensions"_L1, options.extensions);
     visit("files/excludes"_L1, options.excludes);
     visit("files/minBytes"_L1, options.minBytes);

@@ -39,6 +39,7 @@ inline constexpr Setting<QStringList> folders { "scan/folders" };
 inline constexpr Setting<QString> quarantineRoot { "safety/quarantineRoot", defaultQuarantineRoot, true };
 inline constexpr Setting<QStringList> protectedFolders { "safety/protectedFolders" };
 inline constexpr Setting<bool> compareAgain { "safety/compareAgain" };
+inline constexpr Setting<QStringList> keeperPresets { "detect/keeperPresets" }; ///< each a name and words, by lines
 inline constexpr Setting<QStringList> resultsColumns { "results/columns" };
 inline constexpr Setting<bool> csvMark { "reports/csvByteOrderMark" };
 inline constexpr Setting<bool> showPlayer { "audition/showPlayer", on };

@@ -200,7 +200,9 @@ void MemberActions::showDetailsOf(const TrackInfo &track)
 {
     const MatchGroup &group = m_review.groups().at(m_group);
     const qint32 member = group.members.at(m_member);
-    const QString relation = relationText(relationToKept(group, member, m_review.tracks()), m_review.tracks());
+    const QString relation = m_review.isKeeper(m_group, m_member)
+        ? m_review.keepText(m_group)
+        : relationText(relationToKept(group, member, m_review.tracks()), m_review.tracks());
     showFileDetails(fileDetailsHtml(track, group.check.measures.value(member),
                                     checkTexts(group, member) + measureTexts(group, member), relation),
                     window());

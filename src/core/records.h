@@ -173,6 +173,8 @@ struct ScanOptions {
     bool useCache = true;
     bool onlyPossibleCopies = true; ///< digests only of files that share their content keys, and of those in groups
     qint32 keeperPolicy = 0; ///< a KeeperPolicy value; any other keeps the first member
+    QStringList keeperRules; ///< words of KeeperRules, for the policy of own rules; empty = the standard ones
+    QStringList protectedFolders; ///< absolute paths, for those rules
     QStringList formatPreference = defaultFormatPreference();
 
     bool anyDetection() const { return detectIdentical || detectSameAudio || detectAcoustic || detectMetadata; }

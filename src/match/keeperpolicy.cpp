@@ -2,6 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "keeperpolicy.h"
 
+#include "keeperrules.h"
+#include "missingpart.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
 namespace epr {
 
 namespace {
@@ -54,8 +63,64 @@ Score scoreOf(const TrackInfo &track, const ScanOptions &options)
         return timeScore(track, policy);
     case KeeperPolicy::MostCompleteTags:
         return { tagCompleteness(track), track.stream.bitrateKbps };
+    case KeeperPolicy::OwnRules:
+        break; // chooses among all at once
     }
     return { 0, 0 };
+}
+
+struct Words {
+    Q_DECLARE_TR_FUNCTIONS(epr::KeeperPolicy)
+};
+
+struct Reason {
+    const char *first; ///< what the policy looks at decided
+    const char *second; ///< what decides between equals
+};
+
+constexpr auto highestBitrate = QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: highest bit rate");
+constexpr auto oldest = QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: oldest file");
+constexpr auto newest = QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: newest file");
+constexpr auto firstOfEqual = QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: first of equal copies");
+
+// In the order of the policies.
+constexpr std::array<Reason, 8> reasons { {
+    { highestBitrate, QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: larger file of one bit rate") },
+    { QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: longest"), nullptr },
+    { QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: largest file"), nullptr },
+    { QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: preferred format"), highestBitrate },
+    { QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: shallowest folder"),
+      QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: shortest path") },
+    { oldest, oldest }, // an unknown time, or a later one
+    { newest, newest },
+    { QT_TRANSLATE_NOOP("epr::KeeperPolicy", "kept: most complete tags"), highestBitrate },
+} };
+
+bool hasOwnRules(const ScanOptions &options)
+{
+    return options.keeperPolicy == static_cast<qint32>(KeeperPolicy::OwnRules);
+}
+
+RuleChoice choiceByRules(const QList<qint32> &members, const QList<TrackInfo> &tracks, const ScanOptions &options,
+                         const GroupCheck &check = {})
+{
+    return chooseByRules(members, { tracks, check, options, KeeperRules(options.keeperRules) });
+}
+
+/// The score of the kept copy beside the best of the others.
+QString policyText(qint32 keep, const QList<qint32> &members, const QList<TrackInfo> &tracks,
+                   const ScanOptions &options)
+{
+    const auto policy = static_cast<std::size_t>(options.keeperPolicy);
+    const Score kept = scoreOf(tracks.value(keep), options);
+    Score next { std::numeric_limits<qint64>::min(), 0 };
+    for (const qint32 member : members) {
+        if (member != keep)
+            next = std::max(next, scoreOf(tracks.value(member), options));
+    }
+    if (policy >= reasons.size() || kept == next)
+        return Words::tr(firstOfEqual);
+    return Words::tr(kept.first != next.first ? reasons[policy].first : reasons[policy].second);
 }
 
 } // namespace
@@ -73,6 +138,8 @@ qint32 chooseKeeper(const QList<qint32> &members, const QList<TrackInfo> &tracks
 {
     if (members.isEmpty())
         return -1;
+    if (hasOwnRules(options))
+        return choiceByRules(members, tracks, options).keep;
     qint32 best = members.first();
     Score bestScore = scoreOf(tracks[best], options);
     for (const qint32 member : members) {
@@ -83,6 +150,35 @@ qint32 chooseKeeper(const QList<qint32> &members, const QList<TrackInfo> &tracks
         }
     }
     return best;
+}
+
+qint32 chooseKeeperAgain(const MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options)
+{
+    QList<qint32> members = group.members;
+    members.removeIf([&](qint32 member) {
+        return missingPart(group, member).isAny() || checkState(group, member) == CheckState::Differs;
+    });
+    return hasOwnRules(options) ? choiceByRules(members, tracks, options, group.check).keep
+                                : chooseKeeper(members, tracks, options);
+}
+
+QString keepText(const MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options)
+{
+    QList<qint32> members = group.members;
+    members.removeIf([&group](qint32 member) { return missingPart(group, member).isAny(); });
+    if (!members.contains(group.keep))
+        return {};
+    if (members.size() == 1)
+        return Words::tr("kept: the only complete copy");
+    if (!hasOwnRules(options))
+        return chooseKeeper(members, tracks, options) == group.keep ? policyText(group.keep, members, tracks, options)
+                                                                    : QString();
+    // What was measured since the copy was chosen may have changed nothing.
+    for (const GroupCheck &check : { GroupCheck(), group.check }) {
+        if (const RuleChoice choice = choiceByRules(members, tracks, options, check); choice.keep == group.keep)
+            return choice.reason.isEmpty() ? Words::tr(firstOfEqual) : choice.reason;
+    }
+    return {};
 }
 
 } // namespace epr

@@ -6,8 +6,6 @@
 
 namespace epr {
 
-struct ScanOptions;
-
 /// Which copy of a group to keep; the values of ScanOptions::keeperPolicy. Any other value keeps the first member.
 enum class KeeperPolicy : qint32 {
     HighestBitrate = 0, ///< then the larger file
@@ -18,6 +16,7 @@ enum class KeeperPolicy : qint32 {
     OldestFile = 5,
     NewestFile = 6,
     MostCompleteTags = 7, ///< then the higher bit rate
+    OwnRules = 8, ///< those of ScanOptions::keeperRules
 };
 
 /// 0 to 12: 3 each for title and artist, 2 for the album, 1 each for album artist, genre, year and track number.
@@ -25,5 +24,13 @@ qint32 tagCompleteness(const TrackInfo &track);
 
 /// The track index of the member to keep, the earliest of equally good ones; -1 if there are no members.
 qint32 chooseKeeper(const QList<qint32> &members, const QList<TrackInfo> &tracks, const ScanOptions &options);
+
+/// The same once more for a group that was found, with what a check has measured since. Copies that lack a part of the
+/// one kept now are not chosen, nor any that the check speaks against.
+qint32 chooseKeeperAgain(const MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options);
+
+/// What decided for the kept copy and against the next best: "kept: highest bit rate", translated. Empty if the options
+/// would keep another one.
+QString keepText(const MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options);
 
 } // namespace epr

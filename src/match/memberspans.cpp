@@ -6,6 +6,7 @@
 #include "missingpart.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace epr {
@@ -29,9 +30,11 @@ MemberSpan spanOf(const TrackInfo &track, const std::optional<Alignment> &toLong
 void layOutMembers(MatchGroup &group, const QList<TrackInfo> &tracks, const ScanOptions &options)
 {
     const AlignmentRules rules = alignmentRules(options);
-    const qint32 longest = *std::ranges::max_element(group.members, {}, [&tracks](qint32 member) {
+    const bool neverKeepsUnreadable = options.keeperPolicy == static_cast<qint32>(KeeperPolicy::OwnRules);
+    const qint32 longest = *std::ranges::max_element(group.members, {}, [&](qint32 member) {
         const StreamFacts &stream = tracks[member].stream;
-        return std::pair(stream.durationMs > 0 && !stream.durationIsGuess, stream.durationMs);
+        const bool mayBeKept = !neverKeepsUnreadable || tracks[member].error.isEmpty();
+        return std::tuple(mayBeKept, stream.durationMs > 0 && !stream.durationIsGuess, stream.durationMs);
     });
     Aligner aligner(rules);
     aligner.setFirst(tracks[longest].fingerprint);

@@ -330,6 +330,8 @@ QString ResultsModel::relationOf(int group, int member) const
 {
     const MatchGroup &record = m_review.groups().at(group);
     const QList<TrackInfo> &tracks = m_review.tracks();
+    if (m_review.isKeeper(group, member))
+        return m_review.keepText(group);
     return relationText(relationToKept(record, record.members.at(member), tracks), tracks);
 }
 

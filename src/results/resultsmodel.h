@@ -32,7 +32,7 @@ public:
         TruePeakColumn,
         BandwidthColumn,
         CheckColumn,
-        RelationColumn, ///< how a copy belongs to the kept one
+        RelationColumn, ///< how a copy belongs to the kept one, and why that is kept
         FolderColumn,
         ColumnCount
     };

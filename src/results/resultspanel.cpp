@@ -8,7 +8,6 @@
 #include "resultsview.h"
 #include "review.h"
 #include "reviewplace.h"
-#include "reviewprogress.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -93,17 +92,6 @@ void ResultsPanel::goToGroup(int step)
     m_place->goToGroup(step);
 }
 
-bool ResultsPanel::goToUndecided(int group)
-{
-    return m_place->goToUndecided(group);
-}
-
-void ResultsPanel::goToShownGroup(int group)
-{
-    if (m_model->groupIndex(group).isValid())
-        m_view->setCurrentIndex(m_model->groupIndex(group));
-}
-
 void ResultsPanel::setLoaded(const PerDeck<QString> &paths)
 {
     m_model->setLoaded(paths);
@@ -186,17 +174,12 @@ void ResultsPanel::layOutWidgets()
     m_summary->setWordWrap(true);
     m_summary->setMinimumHeight(m_summary->fontMetrics().lineSpacing());
 
-    m_progress = new ReviewProgress(this);
-
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(filterRow);
     layout->addWidget(m_checkBar);
     layout->addWidget(m_view, 1);
-    auto *summaryRow = new QHBoxLayout;
-    summaryRow->addWidget(m_summary, 1);
-    summaryRow->addWidget(m_progress);
-    layout->addLayout(summaryRow);
+    layout->addWidget(m_summary);
 }
 
 void ResultsPanel::onFilterChanged(const QString &text)
@@ -214,7 +197,6 @@ void ResultsPanel::onTreeDoubleClicked()
 
 void ResultsPanel::refreshSummary()
 {
-    m_progress->show(m_review.totals());
     switch (m_state) {
     case State::NotScanned:
         m_summary->setText(tr("No scan has been run yet."));
@@ -251,10 +233,8 @@ QString ResultsPanel::hintText() const
     case State::Finished:
         break;
     }
-    if (m_review.totals().groups > 0)
+    if (!m_review.groups().isEmpty())
         return tr("No copy matches the filter.");
-    if (m_review.totals().setAside > 0)
-        return tr("Every group is set aside as not duplicates. Undo brings the last one back.");
     if (m_restored > 0)
         return tr("%Ln file(s) were put back since the scan. Press Start Scan to see them.", nullptr, m_restored);
     if (m_foundGroups)
@@ -271,9 +251,7 @@ QString ResultsPanel::outcomeText() const
 {
     const ReviewTotals &totals = m_review.totals();
     QString text = totals.groups == 0 && m_foundGroups
-        ? (tr("%1 files scanned - no duplicates are left.").arg(countText(totals.files)) + u' '
-           + setAsideText(totals.setAside))
-              .trimmed()
+        ? tr("%1 files scanned - no duplicates are left.").arg(countText(totals.files))
         : summaryText(totals);
     if (m_restored > 0)
         text += u' ' + tr("%Ln file(s) were put back since; the next scan shows them.", nullptr, m_restored);

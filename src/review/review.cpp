@@ -3,6 +3,7 @@
 #include "review.h"
 
 #include "groupcheck.h"
+#include "keeperpolicy.h"
 #include "missingpart.h"
 #include "reviewfilter.h"
 
@@ -24,6 +25,11 @@ const TrackInfo *Review::track(int group, int member) const
     if (group < 0 || group >= groups().size())
         return nullptr;
     return m_decisions.trackAt(groups().at(group).members.value(member, -1));
+}
+
+QString Review::keepText(int group) const
+{
+    return isKeeperByHand(group) ? tr("kept by hand") : epr::keepText(groups().at(group), tracks(), m_options);
 }
 
 bool Review::keeps(const QString &path) const
@@ -127,11 +133,17 @@ void Review::restore(const ReviewRecord &record)
 {
     Q_EMIT aboutToBeReset();
     m_decisions.restore(record);
+    m_options = record.options;
     m_history = {};
     makeSearchTexts();
     Q_EMIT reset();
     Q_EMIT totalsChanged();
     Q_EMIT historyChanged();
+}
+
+void Review::setKeeperOptions(const ScanOptions &options)
+{
+    m_options = options;
 }
 
 void Review::takeDecisions(const QHash<int, GroupDecision> &decisions)
@@ -214,7 +226,7 @@ void Review::keepBetter(int group, qint32 track)
 
 void Review::setState(const QList<int> &groups, GroupState state)
 {
-    const QString text = state == GroupState::Done ? tr("Group Done")
+    const QString text = state == GroupState::Done ? tr("Done")
         : state == GroupState::NotDuplicates       ? tr("Not Duplicates")
                                                    : tr("Undecided");
     perform(text, [&] {

@@ -35,6 +35,7 @@ public:
         return groups().at(group).members.at(member) == groups().at(group).keep;
     }
     bool isKeeperByHand(int group) const { return m_decisions.facts(group).keeperByHand; }
+    QString keepText(int group) const; ///< why its copy is kept: "kept: lossless"; empty if nothing is known
     bool keeps(const QString &path) const; ///< whether it is the copy to keep of some group
     bool isTicked(int group, int member) const { return m_decisions.isTicked(group, member); }
     bool isTickByHand(int group, int member) const { return m_decisions.isTickByHand(group, member); }
@@ -64,6 +65,9 @@ public:
 
     /// Takes up what was stored, and ticks nothing that it does not have ticked.
     void restore(const ReviewRecord &record);
+
+    /// By what the copies to keep of these results were chosen.
+    void setKeeperOptions(const ScanOptions &options);
 
     /// What was decided of such copies before, by groups. It counts as decided, not as a step.
     void takeDecisions(const QHash<int, GroupDecision> &decisions);
@@ -128,6 +132,7 @@ private:
 
     Decisions m_decisions;
     DecisionHistory m_history;
+    ScanOptions m_options;
     QThreadPool m_background; ///< not the global one: painting may need that, and would wait for the end of our work
     QFuture<QStringList> m_searchTexts;
 };

@@ -4,6 +4,7 @@
 
 #include "displaytext.h"
 #include "keeperpolicy.h"
+#include "keeperruleseditor.h"
 #include "notices.h"
 #include "settingsdialog.h"
 #include "settingsstore.h"
@@ -174,6 +175,7 @@ DetectionTab::DetectionTab(const ScanOptions &options, const SettingsStatus &sta
     layout->addWidget(createMethods());
     layout->addWidget(
         createSensitivity(options.fingerprintEngine == FingerprintEngine::Fpcalc && !status.fpcalcPath.isEmpty()));
+    layout->addWidget(createRules());
     layout->addStretch();
 }
 
@@ -224,7 +226,8 @@ QWidget *DetectionTab::createSensitivity(bool usesFpcalc)
     form->addRow(tr("Duration tolerance (acou&stic):"), acousticTolerance);
     QSpinBox *metadataTolerance = spinBox(&ScanOptions::metadataTolerance, { 0, 30, tr(" s"), msPerSecond });
     form->addRow(tr("Duration tolerance (&metadata):"), metadataTolerance);
-    form->addRow(tr("Copy to &keep:"), createKeeperBox());
+    m_keeper = createKeeperBox();
+    form->addRow(tr("Copy to &keep:"), m_keeper);
     enableRowWith(m_acoustic, form, threshold);
     enableRowWith(m_acoustic, form, acousticTolerance);
     enableRowWith(m_metadata, form, metadataTolerance);
@@ -244,9 +247,25 @@ QComboBox *DetectionTab::createKeeperBox()
                                 policy(tr("Shallowest folder"), KeeperPolicy::ShallowestFolder),
                                 policy(tr("Oldest file"), KeeperPolicy::OldestFile),
                                 policy(tr("Newest file"), KeeperPolicy::NewestFile),
-                                policy(tr("Most complete tags"), KeeperPolicy::MostCompleteTags) });
+                                policy(tr("Most complete tags"), KeeperPolicy::MostCompleteTags),
+                                policy(tr("Own rules"), KeeperPolicy::OwnRules) });
     box->setAccessibleName(tr("Copy to keep")); // a combo box is else called what it shows
     return box;
+}
+
+QWidget *DetectionTab::createRules()
+{
+    auto *rules = new KeeperRulesEditor(stored().keeperRules, SettingsStore().value(settings::keeperPresets));
+    const auto showWhereUsed = [this, rules] {
+        rules->setVisible(m_keeper->currentData().toInt() == static_cast<qint32>(KeeperPolicy::OwnRules));
+    };
+    connect(m_keeper, &QComboBox::currentIndexChanged, rules, showWhereUsed);
+    rules->setHidden(m_keeper->currentData().toInt() != static_cast<qint32>(KeeperPolicy::OwnRules));
+    bind([rules](ScanOptions &options) {
+        options.keeperRules = rules->words();
+        SettingsStore().set(settings::keeperPresets, rules->presets());
+    });
+    return rules;
 }
 
 FilesTab::FilesTab(const ScanOptions &options, QWidget *parent)

@@ -74,10 +74,12 @@ protected:
         return box;
     }
 
+    const ScanOptions &stored() const { return m_stored; }
+    void bind(std::function<void(ScanOptions &)> store) { m_bindings.push_back(std::move(store)); }
+
 private:
     static QSpinBox *createSpinBox(qint64 value, const Range &range);
     static int valueOf(const QSpinBox *box);
-    void bind(std::function<void(ScanOptions &)> store) { m_bindings.push_back(std::move(store)); }
 
     const ScanOptions m_stored;
     std::vector<std::function<void(ScanOptions &)>> m_bindings;
@@ -94,7 +96,9 @@ private:
     QWidget *createMethods();
     QWidget *createSensitivity(bool usesFpcalc);
     QComboBox *createKeeperBox();
+    QWidget *createRules();
 
+    QComboBox *m_keeper = nullptr;
     QCheckBox *m_acoustic = nullptr;
     QCheckBox *m_metadata = nullptr;
 };

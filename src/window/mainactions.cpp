@@ -6,7 +6,6 @@
 #include "checkdesk.h"
 #include "docks.h"
 #include "memberactions.h"
-#include "reviewdesk.h"
 
 #include <QCoreApplication>
 #include <QMenuBar>
@@ -98,9 +97,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views, parts.columns });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),
-            { { parts.review->undo, parts.review->redo },
-              { selectDuplicates, clearSelection, invertSelection },
-              { parts.review->done, parts.review->notDuplicates },
+            { { selectDuplicates, clearSelection, invertSelection },
               { member.keep, parts.checks->keepBetter, member.showDetails, member.copyPath },
               { filterResults, nextGroup, previousGroup } });
     QMenu *player = bar->addMenu(QCoreApplication::translate("epr::MainMenus", "&Player"));

@@ -18,7 +18,6 @@
 #include "resultspanel.h"
 #include "resultsview.h"
 #include "review.h"
-#include "reviewdesk.h"
 #include "scancontroller.h"
 #include "scanstrip.h"
 #include "settingsstore.h"
@@ -56,7 +55,6 @@ MainWindow::MainWindow(QWidget *parent)
     createPanels();
     placeDocks(this, m_playerDock, m_log);
     m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
-    m_reviewDesk = new ReviewDesk({ m_review, m_resultsPanel, m_memberActions }, this);
     connectActions();
     createMenus();
     placeOnScreen();
@@ -159,6 +157,7 @@ void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<Matc
                                 qint64 elapsedMs)
 {
     setScanning(false);
+    m_review->setKeeperOptions(m_options);
     m_review->setResults(tracks, groups);
     m_checks->follow(m_options);
     m_resultsPanel->setState(cancelled ? ResultsPanel::State::Cancelled : ResultsPanel::State::Finished);
@@ -328,8 +327,7 @@ void MainWindow::createMenus()
           m_folderPanel->protectActions(),
           { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
           m_resultsPanel->view()->columnActions(),
-          m_checks,
-          m_reviewDesk });
+          m_checks });
 }
 
 // Nine tenths of the screen up to a size beyond which lines only get too long to read.
@@ -350,9 +348,12 @@ void MainWindow::restoreSettings()
             onLogMessage(tr("Folder not found and taken off the list: %1").arg(nativePath(folder)));
     }
     m_folderPanel->protect(store.value(settings::protectedFolders));
-    connect(m_folderPanel, &FolderPanel::protectionChanged, this,
-            [this] { SettingsStore().set(settings::protectedFolders, m_folderPanel->protectedFolders()); });
     m_options = store.loadScanOptions();
+    m_options.protectedFolders = m_folderPanel->protectedFolders();
+    connect(m_folderPanel, &FolderPanel::protectionChanged, this, [this] {
+        m_options.protectedFolders = m_folderPanel->protectedFolders();
+        SettingsStore().set(settings::protectedFolders, m_options.protectedFolders);
+    });
     m_resultsPanel->view()->showColumns(store.value(settings::resultsColumns));
     m_quarantineRoot = store.value(settings::quarantineRoot);
     const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();
@@ -390,8 +391,7 @@ void MainWindow::connectPlayer()
 void MainWindow::connectCommands()
 {
     for (const Command *command :
-         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates, m_reviewDesk }
-             + m_checks->commands()) {
+         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates } + m_checks->commands()) {
         connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
         connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);
         connect(command, &Command::logLineWanted, m_log, &ActivityLog::showFrom);

@@ -22,7 +22,6 @@ class MemberActions;
 class PlayerDock;
 class ResultsPanel;
 class Review;
-class ReviewDesk;
 class ScanController;
 class ScanStrip;
 class SettingsCommand;
@@ -108,7 +107,6 @@ private:
     PlayerDock *m_playerDock = nullptr;
     ScanStrip *m_strip = nullptr;
     CheckDesk *m_checks = nullptr;
-    ReviewDesk *m_reviewDesk = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };

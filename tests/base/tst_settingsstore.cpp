@@ -53,7 +53,7 @@ private Q_SLOTS:
         // Under other names a new version would begin without what the operator has set.
         QCOMPARE(QSettings().allKeys().join(u' '),
                  u"audition/linked audition/showPlayer detect/acoustic detect/checkWhole detect/chromaprintThreshold "
-                 "detect/durationTolerance detect/identical detect/keeperPolicy detect/metadata "
+                 "detect/durationTolerance detect/identical detect/keeperPolicy detect/keeperRules detect/metadata "
                  "detect/metadataTolerance detect/sameAudio detect/thorough detect/threshold files/excludes "
                  "files/extensions "
                  "files/hidden files/minBytes files/minDurationMs files/symlinks perf/decoderThreads "

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "copyrelation.h"
 #include "keeperpolicy.h"
+#include "keeperrules.h"
 #include "matching.h"
 #include "matchunion.h"
+#include "rows.h"
 
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -183,33 +185,35 @@ private Q_SLOTS:
     void betterCopyIsKept_data()
     {
         QTest::addColumn<KeeperPolicy>("policy");
+        QTest::addColumn<QString>("reason");
         QTest::addColumn<TrackInfo>("worse");
         QTest::addColumn<TrackInfo>("better");
-        const auto row = [](const char *name, KeeperPolicy policy, auto change) {
+        const auto row = [](const char *name, KeeperPolicy policy, const char *reason, auto change) {
             TrackInfo worse = track(u"C:/m/x.mp3"_s, 10);
             TrackInfo better = worse;
             change(worse, better);
-            QTest::newRow(name) << policy << worse << better;
+            QTest::newRow(name) << policy << QString::fromLatin1(reason) << worse << better;
         };
         const auto time = [](qint64 ms) { return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC); };
-        row("bit rate before size", KeeperPolicy::HighestBitrate,
+        row("bit rate before size", KeeperPolicy::HighestBitrate, "highest bit rate",
             [](auto &a, auto &b) { a.size = 11, b.stream.bitrateKbps = 320; });
-        row("equal bit rates keep the larger file", KeeperPolicy::HighestBitrate, [](auto &, auto &b) { b.size = 11; });
-        row("a known duration beats none", KeeperPolicy::LongestDuration,
+        row("equal bit rates keep the larger file", KeeperPolicy::HighestBitrate, "larger file of one bit rate",
+            [](auto &, auto &b) { b.size = 11; });
+        row("a known duration beats none", KeeperPolicy::LongestDuration, "longest",
             [](auto &a, auto &b) { a.size = 11, b.stream.durationMs = 1; });
-        row("the last listed format", KeeperPolicy::PreferredFormat,
+        row("the last listed format", KeeperPolicy::PreferredFormat, "preferred format",
             [](auto &a, auto &b) { a.suffix = u"aif"_s, b.suffix = u"wma"_s; });
-        row("the shallower folder", KeeperPolicy::ShallowestFolder,
+        row("the shallower folder", KeeperPolicy::ShallowestFolder, "shallowest folder",
             [](auto &a, auto &b) { a.path = u"C:\\a\\b\\x"_s, b.path = u"C:/a/longer"_s; });
-        row("equal depth keeps the shorter path", KeeperPolicy::ShallowestFolder,
+        row("equal depth keeps the shorter path", KeeperPolicy::ShallowestFolder, "shortest path",
             [](auto &a, auto &b) { a.path = u"C:/aa"_s, b.path = u"C:/b"_s; });
-        row("the older file", KeeperPolicy::OldestFile,
+        row("the older file", KeeperPolicy::OldestFile, "oldest file",
             [&](auto &a, auto &b) { a.mtime = time(0), b.mtime = time(-1); });
-        row("an unknown time is not the oldest", KeeperPolicy::OldestFile,
+        row("an unknown time is not the oldest", KeeperPolicy::OldestFile, "oldest file",
             [&](auto &, auto &b) { b.mtime = time(99); });
-        row("the newer file", KeeperPolicy::NewestFile,
+        row("the newer file", KeeperPolicy::NewestFile, "newest file",
             [&](auto &a, auto &b) { a.mtime = time(-1), b.mtime = time(0); });
-        row("tags are weighed", KeeperPolicy::MostCompleteTags, [](auto &a, auto &b) {
+        row("tags are weighed", KeeperPolicy::MostCompleteTags, "most complete tags", [](auto &a, auto &b) {
             a.tags.title = a.tags.artist = a.tags.comment = u"x"_s, a.tags.trackNo = 1;
             b.tags.title = b.tags.album = b.tags.albumArtist = b.tags.genre = b.tags.year = u"x"_s;
         });
@@ -220,11 +224,92 @@ private Q_SLOTS:
         QFETCH(const KeeperPolicy, policy);
         QFETCH(const TrackInfo, worse);
         QFETCH(const TrackInfo, better);
+        QFETCH(const QString, reason);
         ScanOptions options;
         options.keeperPolicy = static_cast<qint32>(policy);
         QCOMPARE(chooseKeeper({ 0, 1 }, { worse, better }, options), 1);
         QCOMPARE(chooseKeeper({ 0, 1 }, { better, worse }, options), 0);
         QCOMPARE(chooseKeeper({ 1, 0 }, { worse, worse }, options), 1); // of equals the first
+        const MatchGroup group { 1, MatchType::SameAudio, { 0, 1 }, 1 };
+        QCOMPARE(keepText(group, { worse, better }, options), u"kept: "_s + reason);
+        QCOMPARE(keepText(group, { better, worse }, options), QString());
+        QCOMPARE(keepText({ 1, MatchType::SameAudio, { 1, 0 }, 1 }, { worse, worse }, options),
+                 u"kept: first of equal copies"_s);
+    }
+
+    // Copies are written "path kbit/s".
+    void ownRulesDecideInTheirOrder_data()
+    {
+        const test::Rows<QString, QString, QString, QString> row("rules", "copies", "kept", "reason");
+        row("lossless", u"lossless bitrate"_s, u"/a.wma 900|/b.mp3 320|/c.flac 700"_s, u"/a.wma"_s,
+            u"highest bit rate"_s);
+        row("one lossless", u"lossless bitrate"_s, u"/a.mp3 320|/b.mp3 128|/c.flac 700"_s, u"/c.flac"_s, u"lossless"_s);
+        row("first rule first", u"bitrate lossless"_s, u"/a.flac 300|/b.mp3 320"_s, u"/b.mp3"_s, u"highest bit rate"_s);
+        row("off", u"-bitrate -lossless"_s, u"/a.mp3 128|/b.flac 900"_s, u"/a.mp3"_s, u"first of equal copies"_s);
+        row("unknown stays", u"bitrate format"_s, u"/a.mp3 128|/b.mp3 320|/c.flac 0"_s, u"/c.flac"_s,
+            u"preferred format"_s);
+        row("unknown does not win", u"bitrate"_s, u"/a.mp3 320|/b.flac 0"_s, u"/a.mp3"_s, u"first of equal copies"_s);
+        row("folders", u"folders folder:/Playout folder:/Ar"_s, u"/Archive/a.mp3 320|/Ar/b.mp3 128"_s, u"/Ar/b.mp3"_s,
+            u"in /Ar"_s);
+        row("order of folders", u"folders folder:/P folder:/A"_s, u"/A/a.mp3 320|/P/b.mp3 128"_s, u"/P/b.mp3"_s,
+            u"in /P"_s);
+        row("protected", u"protected bitrate"_s, u"/a.mp3 320|/Safe/b.mp3 128"_s, u"/Safe/b.mp3"_s,
+            u"in a protected folder"_s);
+        row("unreadable", u"bitrate"_s, u"/damaged.mp3 320|/b.mp3 128"_s, u"/b.mp3"_s,
+            u"other copies could not be read"_s);
+        row("all unreadable", u"bitrate"_s, u"/damaged.mp3 128|/damaged/b.mp3 320"_s, u"/damaged/b.mp3"_s,
+            u"highest bit rate"_s);
+        row("of a later version", u"aura bitrate"_s, u"/a.mp3 128|/b.mp3 320"_s, u"/b.mp3"_s, u"highest bit rate"_s);
+        row("standard", {}, u"/a.mp3 320|/b.mp3 320|/c.flac 100"_s, u"/c.flac"_s, u"lossless"_s);
+    }
+
+    void ownRulesDecideInTheirOrder()
+    {
+        QFETCH(const QString, rules);
+        QFETCH(const QString, copies);
+        ScanOptions options;
+        options.keeperPolicy = static_cast<qint32>(KeeperPolicy::OwnRules);
+        options.keeperRules = rules.split(u' ', Qt::SkipEmptyParts);
+        options.protectedFolders = { u"/Safe"_s };
+        QList<TrackInfo> tracks;
+        MatchGroup group;
+        for (const QString &copy : copies.split(u'|')) {
+            group.members << static_cast<qint32>(tracks.size());
+            TrackInfo each = track(copy.section(u' ', 0, 0));
+            each.suffix = each.path.section(u'.', 1);
+            each.error = each.path.contains(u"damaged"_s) ? u"damaged"_s : QString();
+            each.stream.bitrateKbps = copy.section(u' ', 1).toInt();
+            tracks << each;
+        }
+        group.keep = chooseKeeper(group.members, tracks, options);
+        QTEST(tracks.value(group.keep).path, "kept");
+        QTEST(keepText(group, tracks, options).remove(u"kept: "_s), "reason");
+    }
+
+    void whatWasMeasuredDecidesOnlyLater()
+    {
+        ScanOptions options;
+        options.keeperPolicy = static_cast<qint32>(KeeperPolicy::OwnRules);
+        const QList<TrackInfo> tracks(3);
+        MatchGroup group { 1, MatchType::SameRecording, { 0, 1, 2 }, 0 };
+        group.check.measures[0].bandwidthHz = 15000;
+        group.check.measures[1].bandwidthHz = group.check.measures[2].bandwidthHz = 20000;
+        group.check.measures[1].error = u"damaged"_s;
+        QCOMPARE(chooseKeeper(group.members, tracks, options), 0);
+        QCOMPARE(chooseKeeperAgain(group, tracks, options), 2);
+        group.keep = 2;
+        QCOMPARE(keepText(group, tracks, options), u"kept: highest true bandwidth"_s);
+    }
+
+    void storedRulesKeepWhatIsNotKnown()
+    {
+        const QStringList words { u"older"_s, u"-aura"_s, u"older"_s, u"folder:/a b"_s };
+        const KeeperRules rules(words);
+        QCOMPARE(rules.words().first(2), words.first(2));
+        QCOMPARE(rules.words().size(), 14); // with the known ones, off, and the folder
+        QCOMPARE(rules.words().filter(u"-"_s).size(), 12);
+        QCOMPARE(KeeperRules(rules.words()).words(), rules.words());
+        QCOMPARE(KeeperRules().words().filter(u"-"_s), QStringList({ u"-format"_s, u"-shallower"_s, u"-newer"_s }));
     }
 };
 

@@ -10,7 +10,9 @@
 #include "temporarylibrary.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QLabel>
+#include <QListWidget>
 #include <QTest>
 
 #include <functional>
@@ -92,6 +94,28 @@ private Q_SLOTS:
         dialog.accept();
         change(options);
         QVERIFY(dialog.options() == options);
+    }
+
+    void ownRulesAreEdited()
+    {
+        SettingsStore().set(settings::keeperPresets, { u"mine\nnewer\n-aura\nfolder:/Playout"_s });
+        ScanOptions options;
+        options.keeperPolicy = qToUnderlying(KeeperPolicy::OwnRules);
+        SettingsDialog dialog(options, {});
+        auto *rules = dialog.findChild<QListWidget *>();
+        QVERIFY(!rules->parentWidget()->isHidden());
+        auto *presets = qobject_cast<QComboBox *>(control(dialog, u"Presets:"_s));
+        Q_EMIT presets->activated(0);
+        QCOMPARE(rules->item(0)->checkState(), Qt::Checked);
+        qobject_cast<QAbstractButton *>(control(dialog, u"Move down"_s))->click();
+        rules->item(0)->setCheckState(Qt::Unchecked);
+        qobject_cast<QAbstractButton *>(control(dialog, u"Copy"_s))->click();
+        presets->setCurrentIndex(0);
+        dialog.accept();
+        // The copy is of the preset as it was, which also shows again.
+        QCOMPARE(SettingsStore().value(settings::keeperPresets).size(), 2);
+        QCOMPARE(dialog.options().keeperRules.first(2), QStringList({ u"newer"_s, u"-aura"_s }));
+        QCOMPARE(dialog.options().keeperRules.last(), u"folder:/Playout"_s);
     }
 
     void storedSettingsWaitForAcceptanceButSkipping()
