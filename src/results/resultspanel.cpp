@@ -8,6 +8,7 @@
 #include "resultsview.h"
 #include "review.h"
 #include "reviewplace.h"
+#include "reviewprogress.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -92,6 +93,17 @@ void ResultsPanel::goToGroup(int step)
     m_place->goToGroup(step);
 }
 
+bool ResultsPanel::goToUndecided(int group)
+{
+    return m_place->goToUndecided(group);
+}
+
+void ResultsPanel::goToShownGroup(int group)
+{
+    if (m_model->groupIndex(group).isValid())
+        m_view->setCurrentIndex(m_model->groupIndex(group));
+}
+
 void ResultsPanel::setLoaded(const PerDeck<QString> &paths)
 {
     m_model->setLoaded(paths);
@@ -174,12 +186,17 @@ void ResultsPanel::layOutWidgets()
     m_summary->setWordWrap(true);
     m_summary->setMinimumHeight(m_summary->fontMetrics().lineSpacing());
 
+    m_progress = new ReviewProgress(this);
+
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(filterRow);
     layout->addWidget(m_checkBar);
     layout->addWidget(m_view, 1);
-    layout->addWidget(m_summary);
+    auto *summaryRow = new QHBoxLayout;
+    summaryRow->addWidget(m_summary, 1);
+    summaryRow->addWidget(m_progress);
+    layout->addLayout(summaryRow);
 }
 
 void ResultsPanel::onFilterChanged(const QString &text)
@@ -197,6 +214,7 @@ void ResultsPanel::onTreeDoubleClicked()
 
 void ResultsPanel::refreshSummary()
 {
+    m_progress->show(m_review.totals());
     switch (m_state) {
     case State::NotScanned:
         m_summary->setText(tr("No scan has been run yet."));
@@ -233,8 +251,10 @@ QString ResultsPanel::hintText() const
     case State::Finished:
         break;
     }
-    if (!m_review.groups().isEmpty())
+    if (m_review.totals().groups > 0)
         return tr("No copy matches the filter.");
+    if (m_review.totals().setAside > 0)
+        return tr("Every group is set aside as not duplicates. Undo brings the last one back.");
     if (m_restored > 0)
         return tr("%Ln file(s) were put back since the scan. Press Start Scan to see them.", nullptr, m_restored);
     if (m_foundGroups)
@@ -251,7 +271,9 @@ QString ResultsPanel::outcomeText() const
 {
     const ReviewTotals &totals = m_review.totals();
     QString text = totals.groups == 0 && m_foundGroups
-        ? tr("%1 files scanned - no duplicates are left.").arg(countText(totals.files))
+        ? (tr("%1 files scanned - no duplicates are left.").arg(countText(totals.files)) + u' '
+           + setAsideText(totals.setAside))
+              .trimmed()
         : summaryText(totals);
     if (m_restored > 0)
         text += u' ' + tr("%Ln file(s) were put back since; the next scan shows them.", nullptr, m_restored);

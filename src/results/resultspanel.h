@@ -16,6 +16,7 @@ class ResultsModel;
 class ResultsView;
 class Review;
 class ReviewPlace;
+class ReviewProgress;
 struct TrackInfo;
 
 /// The results of a scan with all that belongs to them: filter row, tree and summary line.
@@ -34,6 +35,8 @@ public:
     void setUnreadableFolders(int count); ///< of the scan that is under way
     void addRestored(int files); ///< put back by an undo; the results do not show them before the next scan
     void goToGroup(int step); ///< -1 or +1
+    bool goToUndecided(int group); ///< to the next one behind it that is not decided; false if there is none
+    void goToShownGroup(int group); ///< unless the filter hides it
     void setLoaded(const PerDeck<QString> &paths); ///< marks the rows of what is in the decks
     void focusFilter();
     void focusResults();
@@ -75,6 +78,7 @@ private:
     ResultsView *m_view = nullptr;
     ReviewPlace *m_place = nullptr;
     QLabel *m_summary = nullptr;
+    ReviewProgress *m_progress = nullptr;
 };
 
 } // namespace epr

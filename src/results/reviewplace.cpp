@@ -33,6 +33,22 @@ void ReviewPlace::goToGroup(int step)
     showGroup(row);
 }
 
+bool ReviewPlace::goToUndecided(int group)
+{
+    const int count = m_model.rowCount();
+    const int start = firstRowFrom(m_review.groups().at(group).id);
+    for (int step = 0; step < count; ++step) {
+        const int row = (start + step) % count;
+        const int found = m_model.groupOf(m_model.index(row, ResultsModel::FileColumn));
+        if (found == group || m_review.state(found) != GroupState::Undecided)
+            continue;
+        m_view->setFocus(Qt::ShortcutFocusReason);
+        showGroup(row);
+        return true;
+    }
+    return false;
+}
+
 void ReviewPlace::remember(const QModelIndex &current)
 {
     const int group = m_model.groupOf(current);
@@ -52,7 +68,8 @@ void ReviewPlace::restore()
     const auto place =
         std::find_if(groups.begin(), groups.end(), [this](const MatchGroup &g) { return g.id == m_group; });
     const bool isNowhere = m_group == 0;
-    const bool isRemoved = place == groups.end();
+    const bool isRemoved =
+        place == groups.end() || m_review.state(static_cast<int>(place - groups.begin())) == GroupState::NotDuplicates;
     const bool isEntered = m_view->window()->focusWidget() == m_view; // also while the window is not the active one
     if (isNowhere ? isEntered : isRemoved)
         return enter();

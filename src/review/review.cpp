@@ -226,7 +226,7 @@ void Review::keepBetter(int group, qint32 track)
 
 void Review::setState(const QList<int> &groups, GroupState state)
 {
-    const QString text = state == GroupState::Done ? tr("Done")
+    const QString text = state == GroupState::Done ? tr("Group Done")
         : state == GroupState::NotDuplicates       ? tr("Not Duplicates")
                                                    : tr("Undecided");
     perform(text, [&] {

@@ -60,15 +60,24 @@ bool saysDamaged(const QSqlError &error)
     return code == corrupt || code == notADatabase;
 }
 
-// The log goes first: SQLite would take one that stayed for the new database's.
 Result<QString> setDamagedCacheAside(const QString &file)
 {
     if (const Result<> confirmed = confirmDamage(file); !confirmed)
         return failure(confirmed.error());
     QDir folder = QFileInfo(file).dir();
-    const QString prefix = file + ".damaged-"_L1;
-    const QStringList before = folder.entryList({ QFileInfo(prefix).fileName() + u'*' }, QDir::Files);
-    const QString aside = prefix + QDateTime::currentDateTime().toString(u"yyyyMMdd-HHmmss"_s);
+    const QStringList before = folder.entryList({ QFileInfo(file).fileName() + ".damaged-*"_L1 }, QDir::Files);
+    const Result<QString> aside = setDatabaseAside(file);
+    for (const QString &earlier : before) {
+        if (aside && folder.filePath(earlier) != *aside)
+            folder.remove(earlier);
+    }
+    return aside;
+}
+
+// The log goes first: SQLite would take one that stayed for the new database's.
+Result<QString> setDatabaseAside(const QString &file)
+{
+    const QString aside = file + ".damaged-"_L1 + QDateTime::currentDateTime().toString(u"yyyyMMdd-HHmmss"_s);
     for (const auto suffix : { "-wal"_L1, "-shm"_L1, ""_L1 }) {
         std::error_code error;
         if (QFileInfo::exists(file + suffix)) // QFile would copy what it cannot rename, which may be large
@@ -76,10 +85,6 @@ Result<QString> setDamagedCacheAside(const QString &file)
                                     QFileInfo(aside + suffix).filesystemFilePath(), error);
         if (error)
             return failure(QString::fromLocal8Bit(error.message()));
-    }
-    for (const QString &earlier : before) {
-        if (folder.filePath(earlier) != aside)
-            folder.remove(earlier);
     }
     return aside;
 }

@@ -19,4 +19,8 @@ bool saysDamaged(const QSqlError &error);
 /// Fails, and leaves everything as it is, when a check of the whole file finds no damage, or somebody else uses it.
 Result<QString> setDamagedCacheAside(const QString &file);
 
+/// Renames a database in the same way, whatever it is, and keeps those set aside before. For files that nobody else has
+/// open.
+Result<QString> setDatabaseAside(const QString &file);
+
 } // namespace epr

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "checkcache.h"
 
+#include "checkstream.h"
 #include "groupcheck.h"
 
 #include <QDataStream>
@@ -13,41 +14,6 @@
 namespace epr {
 
 using namespace Qt::StringLiterals;
-
-// In the records' own namespace, where Qt's operators for lists look for them.
-static QDataStream &operator<<(QDataStream &stream, const SoundMeasures &measures)
-{
-    return stream << measures.durationMs << measures.loudness << measures.truePeak << measures.clippedSamples
-                  << measures.silentStartMs << measures.silentEndMs << measures.bandwidthHz << measures.decodingErrors;
-}
-
-static QDataStream &operator>>(QDataStream &stream, SoundMeasures &measures)
-{
-    return stream >> measures.durationMs >> measures.loudness >> measures.truePeak >> measures.clippedSamples
-        >> measures.silentStartMs >> measures.silentEndMs >> measures.bandwidthHz >> measures.decodingErrors;
-}
-
-static QDataStream &operator<<(QDataStream &stream, const SoundDifference &difference)
-{
-    return stream << difference.kind << difference.isInSecond << difference.firstStartMs << difference.firstEndMs
-                  << difference.secondStartMs << difference.secondEndMs;
-}
-
-static QDataStream &operator>>(QDataStream &stream, SoundDifference &difference)
-{
-    return stream >> difference.kind >> difference.isInSecond >> difference.firstStartMs >> difference.firstEndMs
-        >> difference.secondStartMs >> difference.secondEndMs;
-}
-
-static QDataStream &operator<<(QDataStream &stream, const PairCheck &pair)
-{
-    return stream << pair.isAligned << pair.offsetMs << pair.differences;
-}
-
-static QDataStream &operator>>(QDataStream &stream, PairCheck &pair)
-{
-    return stream >> pair.isAligned >> pair.offsetMs >> pair.differences;
-}
 
 namespace {
 

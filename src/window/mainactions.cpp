@@ -6,6 +6,7 @@
 #include "checkdesk.h"
 #include "docks.h"
 #include "memberactions.h"
+#include "reviewdesk.h"
 
 #include <QCoreApplication>
 #include <QMenuBar>
@@ -97,7 +98,9 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views, parts.columns });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),
-            { { selectDuplicates, clearSelection, invertSelection },
+            { { parts.review->undo, parts.review->redo },
+              { selectDuplicates, clearSelection, invertSelection },
+              { parts.review->done, parts.review->notDuplicates },
               { member.keep, parts.checks->keepBetter, member.showDetails, member.copyPath },
               { filterResults, nextGroup, previousGroup } });
     QMenu *player = bar->addMenu(QCoreApplication::translate("epr::MainMenus", "&Player"));

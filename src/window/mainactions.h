@@ -12,6 +12,7 @@ namespace epr {
 class CheckDesk;
 class MemberActions;
 class PlayerDock;
+class ReviewDesk;
 
 /// The main window's commands with their texts, tips and keys, and their places in the menus and the toolbar. The
 /// window connects them.
@@ -36,6 +37,7 @@ public:
         QList<QAction *> views; ///< that show and hide parts of the window
         QList<QAction *> columns; ///< the same for columns of the results
         const CheckDesk *checks;
+        const ReviewDesk *review;
     };
 
     explicit MainActions(QWidget *window);

@@ -18,6 +18,7 @@
 #include "resultspanel.h"
 #include "resultsview.h"
 #include "review.h"
+#include "reviewdesk.h"
 #include "scancontroller.h"
 #include "scanstrip.h"
 #include "settingsstore.h"
@@ -55,6 +56,7 @@ MainWindow::MainWindow(QWidget *parent)
     createPanels();
     placeDocks(this, m_playerDock, m_log);
     m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
+    m_reviewDesk = new ReviewDesk({ m_review, m_resultsPanel, m_memberActions }, this);
     connectActions();
     createMenus();
     placeOnScreen();
@@ -327,7 +329,8 @@ void MainWindow::createMenus()
           m_folderPanel->protectActions(),
           { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
           m_resultsPanel->view()->columnActions(),
-          m_checks });
+          m_checks,
+          m_reviewDesk });
 }
 
 // Nine tenths of the screen up to a size beyond which lines only get too long to read.
@@ -391,7 +394,8 @@ void MainWindow::connectPlayer()
 void MainWindow::connectCommands()
 {
     for (const Command *command :
-         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates } + m_checks->commands()) {
+         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates, m_reviewDesk }
+             + m_checks->commands()) {
         connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
         connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);
         connect(command, &Command::logLineWanted, m_log, &ActivityLog::showFrom);

@@ -22,6 +22,7 @@ class MemberActions;
 class PlayerDock;
 class ResultsPanel;
 class Review;
+class ReviewDesk;
 class ScanController;
 class ScanStrip;
 class SettingsCommand;
@@ -107,6 +108,7 @@ private:
     PlayerDock *m_playerDock = nullptr;
     ScanStrip *m_strip = nullptr;
     CheckDesk *m_checks = nullptr;
+    ReviewDesk *m_reviewDesk = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };

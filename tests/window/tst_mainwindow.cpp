@@ -364,6 +364,41 @@ private Q_SLOTS:
         QCOMPARE(current(), u"a"_s);
     }
 
+    void groupsAreDecidedByOneKeyEach()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const Lists lists = listsOf(u"a* b / c* d / e* f"_s);
+        window.onScanFinished(lists.tracks, lists.groups, false, 1);
+        const auto *review = window.findChild<Review *>();
+        const auto currentGroup = [&] {
+            return resultsOf(window)->currentIndex().data(ResultsModel::GroupRole).toInt();
+        };
+        press(Qt::CTRL | Qt::Key_Down);
+        press(Qt::Key_N);
+        QCOMPARE(review->state(0), GroupState::NotDuplicates);
+        QCOMPARE(currentGroup(), 1);
+        QVERIFY(summaryOf(window).endsWith("set aside as not duplicates."_L1));
+        press(Qt::Key_G);
+        QCOMPARE(currentGroup(), 2);
+        QVERIFY(window.findChild<QLabel *>(u"progressText"_s)->text().startsWith("1 of 2 groups done"_L1));
+        press(Qt::CTRL | Qt::Key_Up);
+        press(Qt::Key_G); // once more takes it back
+        QCOMPARE(review->state(1), GroupState::Undecided);
+        QCOMPARE(currentGroup(), 1);
+        for (int step = 0; step < 3; ++step)
+            press(Qt::CTRL | Qt::Key_Z);
+        QCOMPARE(review->state(0), GroupState::Undecided);
+        QCOMPARE(currentGroup(), 0);
+        press(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+        QCOMPARE(review->state(0), GroupState::NotDuplicates);
+        press(Qt::CTRL | Qt::Key_F);
+        press(Qt::Key_X);
+        press(Qt::CTRL | Qt::Key_Z); // of the text that is being typed
+        QCOMPARE(review->state(0), GroupState::NotDuplicates);
+    }
+
     void groupsAreCheckedOverTheirWholeLength()
     {
         const QStringList names { u"a.wav"_s, u"b.wav"_s, u"c.wav"_s };

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Echoprune developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "commands.h"
+
+#include <QAction>
+
+namespace epr {
+
+class MemberActions;
+class ResultsPanel;
+class Review;
+enum class GroupState : qint32;
+
+/// How far the operator is with the groups, in the main window: the commands that say so, the way from group to group
+/// that they take, and the way back.
+class ReviewDesk final : public Command {
+    Q_OBJECT
+
+public:
+    struct Parts {
+        Review *review;
+        ResultsPanel *results;
+        MemberActions *member;
+    };
+
+    ReviewDesk(const Parts &parts, QWidget *window);
+
+    QAction *const undo;
+    QAction *const redo;
+    QAction *const done;
+    QAction *const notDuplicates;
+
+private:
+    QAction *make(const QString &text, const QKeySequence &key, const QString &tip);
+    void setGroup(int group);
+    void refresh();
+    void decide(GroupState state);
+    void step(int (Review::*direction)(), const QString &message);
+
+    const Parts m_parts;
+    int m_group = -1; ///< at hand
+};
+
+} // namespace epr
