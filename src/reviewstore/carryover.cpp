@@ -68,6 +68,11 @@ private:
     QHash<QString, Entry> m_byPath;
 };
 
+bool isDecided(const GroupDecision &decision)
+{
+    return decision.state != GroupState::Undecided || decision.keeperByHand || decision.byHand.contains(true);
+}
+
 /// One group of the new scan beside what is remembered of its members.
 class NewGroup final {
 public:
@@ -82,19 +87,16 @@ public:
                    });
     }
 
-    void decide(CarriedOver &carried)
+    GroupDecision decide()
     {
         GroupDecision decision;
         decision.state = m_isDone ? GroupState::Done : GroupState::Undecided;
-        carried.doneGroups += m_isDone ? 1 : 0;
         takeKeeper(decision);
-        carried.keepers += decision.keeperByHand ? 1 : 0;
         for (qsizetype m = 0; m < m_group.members.size(); ++m)
             takeTick(m, decision);
         if (m_group.keep < 0 && !decision.ticked.contains(false) && !decision.ticked.isEmpty())
             decision.ticked.first() = decision.byHand.first() = false;
-        carried.ticks += decision.byHand.count(true);
-        carried.decisions.append(decision);
+        return decision;
     }
 
 private:
@@ -136,17 +138,21 @@ CarriedOver carryOver(const ReviewRecord &earlier, const QList<TrackInfo> &track
 {
     const Memory memory(earlier);
     CarriedOver carried;
-    carried.decisions.reserve(groups.size());
-    for (const MatchGroup &group : groups)
-        NewGroup(memory, group, tracks).decide(carried);
+    for (int g = 0; g < groups.size(); ++g) {
+        const GroupDecision decision = NewGroup(memory, groups.at(g), tracks).decide();
+        if (!isDecided(decision))
+            continue;
+        carried.doneGroups += decision.state == GroupState::Done ? 1 : 0;
+        carried.keepers += decision.keeperByHand ? 1 : 0;
+        carried.ticks += decision.byHand.count(true);
+        carried.decisions.insert(g, decision);
+    }
     return carried;
 }
 
 bool hasDecisions(const ReviewRecord &review)
 {
-    return std::ranges::any_of(review.decisions, [](const GroupDecision &decision) {
-        return decision.state != GroupState::Undecided || decision.keeperByHand || decision.byHand.contains(true);
-    });
+    return std::ranges::any_of(review.decisions, isDecided);
 }
 
 } // namespace epr

@@ -8,7 +8,7 @@ namespace epr {
 
 /// What a new scan's groups take over from an earlier review.
 struct CarriedOver {
-    QList<GroupDecision> decisions; ///< one for each group: as after a scan, but for what was taken over
+    QHash<int, GroupDecision> decisions; ///< by position, of the groups that take anything over
     qint64 keepers = 0; ///< that the operator chose
     qint64 ticks = 0; ///< that the operator set or took away
     qint64 doneGroups = 0;

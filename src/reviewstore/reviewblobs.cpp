@@ -55,7 +55,7 @@ template <Is<ScanOptions> Record> static auto membersOf(Record &r)
                     r.detectIdentical, r.detectSameAudio, r.detectAcoustic, r.detectMetadata, r.checkWhole,
                     r.compareThoroughly, r.fingerprintEngine, r.fingerprintSeconds, r.threshold, r.chromaprintThreshold,
                     r.durationTolerance, r.decoderThreads, r.metadataTolerance, r.useCache, r.onlyPossibleCopies,
-                    r.keeperPolicy, r.formatPreference);
+                    r.keeperPolicy, r.keeperRules, r.protectedFolders, r.formatPreference);
 }
 
 template <Is<GroupDecision> Record> static auto membersOf(Record &r)

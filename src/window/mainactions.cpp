@@ -7,6 +7,7 @@
 #include "docks.h"
 #include "memberactions.h"
 #include "reviewdesk.h"
+#include "reviewfiles.h"
 
 #include <QCoreApplication>
 #include <QMenuBar>
@@ -94,7 +95,10 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
         view->setStatusTip(QCoreApplication::translate("epr::MainMenus", "Show this part of the window, or hide it."));
     const MemberActions &member = *parts.member;
     addMenu(QCoreApplication::translate("epr::MainMenus", "&File"),
-            { { addFolder, removeFolder }, parts.protection, { exportReport }, { exit } });
+            { { addFolder, removeFolder },
+              parts.protection,
+              { parts.reviewFiles->menu()->menuAction(), exportReport },
+              { exit } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views, parts.columns });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),

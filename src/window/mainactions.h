@@ -13,6 +13,7 @@ class CheckDesk;
 class MemberActions;
 class PlayerDock;
 class ReviewDesk;
+class ReviewFiles;
 
 /// The main window's commands with their texts, tips and keys, and their places in the menus and the toolbar. The
 /// window connects them.
@@ -38,6 +39,7 @@ public:
         QList<QAction *> columns; ///< the same for columns of the results
         const CheckDesk *checks;
         const ReviewDesk *review;
+        const ReviewFiles *reviewFiles;
     };
 
     explicit MainActions(QWidget *window);

@@ -19,6 +19,7 @@
 #include "resultsview.h"
 #include "review.h"
 #include "reviewdesk.h"
+#include "reviewfiles.h"
 #include "scancontroller.h"
 #include "scanstrip.h"
 #include "settingsstore.h"
@@ -57,6 +58,7 @@ MainWindow::MainWindow(QWidget *parent)
     placeDocks(this, m_playerDock, m_log);
     m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     m_reviewDesk = new ReviewDesk({ m_review, m_resultsPanel, m_memberActions }, this);
+    m_reviewFiles = new ReviewFiles({ m_review, m_resultsPanel, m_checks }, this);
     connectActions();
     createMenus();
     placeOnScreen();
@@ -69,6 +71,7 @@ MainWindow::MainWindow(QWidget *parent)
     onLogMessage(tr("%1 %2 ready.").arg(metadata::applicationName(), metadata::version()));
     m_updates->scheduleStartupCheck();
     m_cleanup->clearUpTraces();
+    m_reviewFiles->openLast();
     if (m_folderPanel->folders().isEmpty())
         m_folderPanel->focusAddButton();
     else
@@ -77,6 +80,7 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    m_reviewFiles->close();
     if (m_controller) {
         m_controller->cancel();
         QCoreApplication::removePostedEvents(m_controller, QEvent::MetaCall); // a start on its way would take it back
@@ -118,11 +122,10 @@ void MainWindow::onStartScan()
                     tr("Enable at least one detection method in Settings before scanning."));
         return;
     }
-    if (m_cleanup->isRunning() || !m_cleanup->confirmScan(m_quarantineRoot, folders))
+    if (m_cleanup->isRunning() || !m_cleanup->confirmScan(m_quarantineRoot, folders) || !m_reviewFiles->confirmScan())
         return;
     m_checks->stop();
-    m_review->clear();
-    m_scanRoots = options.roots;
+    m_reviewFiles->beginScan(options);
     m_playerDock->player()->stop();
     m_resultsPanel->setKeepsAnalyses(options.useCache);
     setScanning(true);
@@ -160,9 +163,8 @@ void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<Matc
 {
     setScanning(false);
     m_review->setKeeperOptions(m_options);
-    m_review->setResults(tracks, groups);
-    m_checks->follow(m_options);
-    m_resultsPanel->setState(cancelled ? ResultsPanel::State::Cancelled : ResultsPanel::State::Finished);
+    if (m_reviewFiles->endScan(tracks, groups, cancelled))
+        m_checks->follow(m_options);
     refreshActions();
     const QString elapsed = elapsedText(elapsedMs);
     m_strip->showStatus((cancelled ? tr("Scan cancelled after %1") : tr("Scan complete in %1")).arg(elapsed));
@@ -172,7 +174,7 @@ void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<Matc
 void MainWindow::onScanFailed(const QString &error)
 {
     setScanning(false);
-    m_resultsPanel->setState(ResultsPanel::State::NotScanned);
+    m_reviewFiles->failScan();
     report(tr("Scan failed: %1").arg(error));
 }
 
@@ -211,7 +213,7 @@ void MainWindow::onInvertSelection()
 // A file goes into the quarantine under the folder that it was found in, even if that has left the list since.
 void MainWindow::onRemoveSelected()
 {
-    QStringList folders = m_scanRoots + m_folderPanel->folders();
+    QStringList folders = m_reviewFiles->roots() + m_folderPanel->folders();
     folders.removeDuplicates();
     m_cleanup->removeSelected({ m_quarantineRoot, folders, m_resultsPanel->hiddenTicks() });
 }
@@ -223,7 +225,7 @@ void MainWindow::onUndoPrevious()
 
 void MainWindow::onExportReport()
 {
-    m_export->exportReport(m_scanRoots);
+    m_export->exportReport(m_reviewFiles->roots());
 }
 
 void MainWindow::onSettings()
@@ -330,7 +332,8 @@ void MainWindow::createMenus()
           { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
           m_resultsPanel->view()->columnActions(),
           m_checks,
-          m_reviewDesk });
+          m_reviewDesk,
+          m_reviewFiles });
 }
 
 // Nine tenths of the screen up to a size beyond which lines only get too long to read.
@@ -372,6 +375,7 @@ void MainWindow::connectScan()
     connect(this, &MainWindow::scanRequested, m_controller, &ScanController::start);
     connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
     connect(m_controller, &ScanController::foldersUnreadable, m_resultsPanel, &ResultsPanel::setUnreadableFolders);
+    connect(m_controller, &ScanController::foldersUnreadable, m_reviewFiles, &ReviewFiles::setUnreadableFolders);
     connect(m_controller, &ScanController::finished, this, &MainWindow::onScanFinished);
     connect(m_controller, &ScanController::stepChanged, m_strip, &ScanStrip::setStep);
     connect(m_controller, &ScanController::phaseChanged, this, &MainWindow::onPhaseChanged);
@@ -394,7 +398,7 @@ void MainWindow::connectPlayer()
 void MainWindow::connectCommands()
 {
     for (const Command *command :
-         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates, m_reviewDesk }
+         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates, m_reviewDesk, m_reviewFiles }
              + m_checks->commands()) {
         connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
         connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);
@@ -478,7 +482,7 @@ void MainWindow::report(const QString &message)
 bool MainWindow::confirmClose()
 {
     if (!m_isScanning && !m_controller->isRunning())
-        return true;
+        return m_reviewFiles->confirmClose();
     const auto answer =
         QMessageBox::question(this, tr("Scan in progress"),
                               tr("A scan is still running. Stop it and close %1?").arg(metadata::applicationName()),

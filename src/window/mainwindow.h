@@ -23,6 +23,7 @@ class PlayerDock;
 class ResultsPanel;
 class Review;
 class ReviewDesk;
+class ReviewFiles;
 class ScanController;
 class ScanStrip;
 class SettingsCommand;
@@ -90,7 +91,6 @@ private:
 
     ScanOptions m_options; ///< what the settings say; its roots stay empty, they come from the folder list
     QString m_quarantineRoot;
-    QStringList m_scanRoots; ///< the folders that the results come from, whatever the folder list says now
     bool m_isScanning = false; ///< from the start command to the scan's last signal
     bool m_isPaused = false;
     bool m_isStopping = false; ///< reports that were on their way must not hide that Stop was heard
@@ -109,6 +109,7 @@ private:
     ScanStrip *m_strip = nullptr;
     CheckDesk *m_checks = nullptr;
     ReviewDesk *m_reviewDesk = nullptr;
+    ReviewFiles *m_reviewFiles = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;
 };

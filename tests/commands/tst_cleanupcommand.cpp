@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanup.h"
+#include "filelook.h"
 #include "removaldialog.h"
 #include "runwithprogress.h"
 #include "undomanifest.h"
 
+#include "rows.h"
 #include "sandbox.h"
 #include "windowsupport.h"
 
@@ -125,13 +127,28 @@ struct Session final : Sandbox {
         return rows.join(u' ');
     }
 
+    /// Ends the program and starts it again.
+    void reopen()
+    {
+        window->close();
+        window.emplace();
+        window->show();
+        review = window->findChild<Review *>();
+        if (!QTest::qWaitFor([this] { return !review->groups().isEmpty(); }))
+            qFatal("The review is not there again");
+    }
+
     std::optional<MainWindow> window;
     Review *review = nullptr;
     Tree before;
     Operator person;
 };
 
+using Act = std::function<void(Session &)>;
+
 } // namespace
+
+Q_DECLARE_METATYPE(Act)
 
 class TestCleanupCommand : public QObject {
     Q_OBJECT
@@ -239,6 +256,67 @@ private Q_SLOTS:
         QCOMPARE(log->textCursor().selectedText().count(QChar::ParagraphSeparator), 2); // between three lines
         QVERIFY(log->isVisible() && !log->textCursor().selectedText().contains("succeeded"_L1));
         QCOMPARE(session.groups(), u"2:2 3:2"_s); // only one file of the first group is left
+    }
+
+    void reopenedReviewsAreNoLessCareful_data()
+    {
+        const Rows<Act, bool, RemovalMode, QStringList> row("act", "waits", "mode", "removed");
+        const Act nothing = [](Session &) {};
+        row("all as it was", nothing, true, RemovalMode::Quarantine, words("a2 b2 c2 sub/c3"));
+        const Act doubts = [](Session &session) {
+            QVERIFY(QFile::remove(session.inLibrary(u"a1"_s)));
+            session.write(session.inLibrary(u"b1"_s), "other music");
+            session.write(session.inLibrary(u"c2"_s), "other music");
+        };
+        row("changed and vanished", doubts, true, RemovalMode::Quarantine, words("sub/c3"));
+        row("the same before anybody looked", doubts, false, RemovalMode::Quarantine, words("sub/c3"));
+        const Act other = [](Session &session) {
+            const QDateTime time = QFileInfo(session.inLibrary(u"a2"_s)).lastModified();
+            QFile file(session.inLibrary(u"a2"_s));
+            QVERIFY(file.open(QIODevice::ReadWrite) && file.write("x") == 1 && file.flush());
+            QVERIFY(file.setFileTime(time, QFile::FileModificationTime));
+        };
+        row("other content of the same size and time", other, true, RemovalMode::Delete, words("b2 c2 sub/c3"));
+        if (!isUnix)
+            return;
+        const auto link = [](const QString &name, const QString &target) {
+            return [=](Session &session) {
+                QVERIFY(QFile::rename(session.inLibrary(name), session.path(name)));
+                session.addLink(target.isEmpty() ? session.path(name) : session.inLibrary(target), name);
+            };
+        };
+        row("a link in place of a ticked copy", link(u"a2"_s, {}), true, RemovalMode::Quarantine,
+            words("b2 c2 sub/c3"));
+        row("a link to a ticked copy in place of the kept one", link(u"a1"_s, u"a2"_s), false, RemovalMode::Delete,
+            words("b2 c2 sub/c3"));
+    }
+
+    void reopenedReviewsAreNoLessCareful()
+    {
+        QFETCH(const Act, act);
+        QFETCH(const bool, waits);
+        QFETCH(const RemovalMode, mode);
+        QFETCH(const QStringList, removed);
+        Session session;
+        session.review->setTicked(2, 2, false);
+        session.review->setTicked(2, 2, true);
+        session.window->close();
+        act(session);
+        Tree expected = treeOf(session.library());
+        for (const QString &name : removed)
+            expected.remove(name);
+        session.reopen();
+        if (waits)
+            QTRY_VERIFY(!session.window->findChild<FileLook *>()->isLooking());
+        session.person.mode = mode;
+        session.person.answers[u"Permanent deletion"_s] = QMessageBox::Yes;
+        session.window->onRemoveSelected();
+        QCOMPARE(treeOf(session.library()).keys(), expected.keys());
+        const QString left = session.groups();
+        if (!left.isEmpty()) {
+            session.reopen(); // what is stored is what is left
+            QCOMPARE(session.groups(), left);
+        }
     }
 
     void otherContentThanWasScannedStays()

@@ -39,6 +39,12 @@ inline void setUpApplication()
     applyLook();
 }
 
+/// What a test before has left would be there again in the next window.
+inline void forgetReview()
+{
+    QFile::remove(QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath(u"review.sqlite"_s));
+}
+
 inline QString summaryOf(const MainWindow &window)
 {
     return window.findChild<QLabel *>(u"summaryLabel"_s)->text();

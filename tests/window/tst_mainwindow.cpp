@@ -4,11 +4,13 @@
 #include "folderpanel.h"
 #include "mainactions.h"
 #include "memberactions.h"
+#include "reviewfiles.h"
 
 #include "hole.h"
 #include "reviewsketch.h"
 #include "windowsupport.h"
 
+#include <QInputDialog>
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
@@ -113,6 +115,7 @@ private Q_SLOTS:
     void init()
     {
         QSettings().clear();
+        forgetReview();
         m_folder.emplace();
     }
 
@@ -397,6 +400,92 @@ private Q_SLOTS:
         press(Qt::Key_X);
         press(Qt::CTRL | Qt::Key_Z); // of the text that is being typed
         QCOMPARE(review->state(0), GroupState::NotDuplicates);
+    }
+
+    void decisionsOutliveTheProgramAndAScan()
+    {
+        for (const QString &name : words("a1 a2 a3 b1 b2 c1 c2"))
+            writeFile(m_folder->filePath(name + u".wav"_s),
+                      waveOf(name.front().toLatin1(),
+                             name.startsWith(u'a')       ? 20
+                                 : name.startsWith(u'b') ? 9
+                                                         : 6));
+        const QString done = u"a1! a2* a3 / b1* b2! / c1* c2"_s;
+        {
+            MainWindow window;
+            window.show();
+            scan(window, m_folder->path());
+            auto *review = window.findChild<Review *>();
+            review->setKeeper(0, review->groups().at(0).members.at(1));
+            review->setTicked(0, 2, false);
+            review->setState({ 1 }, GroupState::Done);
+            review->setTicked(2, 1, false);
+            resultsOf(window)->setCurrentIndex(
+                resultsOf(window)->model()->index(1, 0, resultsOf(window)->model()->index(0, 0)));
+            window.close();
+        }
+        {
+            MainWindow window;
+            window.show();
+            const auto *review = window.findChild<Review *>();
+            QTRY_COMPARE(sketchOf(*review), done);
+            QVERIFY(logs(window, u"The review of "_s) && summaryOf(window).startsWith("7 files scanned - 3 "_L1));
+            QCOMPARE(resultsOf(window)->currentIndex().siblingAtColumn(0).data().toString(), u"a2.wav"_s);
+            window.onStartScan();
+            window.onStopScan();
+            QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
+            QCOMPARE(sketchOf(*review), done); // also if the scan was quicker
+            writeFile(m_folder->filePath(u"b3.wav"_s), waveOf('b', 9));
+            scan(window, m_folder->path());
+            QCOMPARE(sketchOf(*review), u"a1! a2* a3 / b1* b2! b3! / c1* c2"_s);
+            QVERIFY(logs(window, u"Carried over from the last review: 1 kept copies, 2 ticks, 0 groups done."_s));
+        }
+        MainWindow window; // its scan begins before the file was read
+        scan(window, m_folder->path());
+        QCOMPARE(sketchOf(*window.findChild<Review *>()), u"a1! a2* a3 / b1* b2! b3! / c1* c2"_s);
+    }
+
+    void reviewsHaveNames()
+    {
+        const QStringList names { u"ends: a/b?"_s, u"50 %, Ünder.."_s, u"con"_s };
+        for (const QString &name : names)
+            QCOMPARE(reviewName(reviewFileName(name)), name);
+        QCOMPARE(reviewFileName(names.first()), u"review-ends%3a a%2fb%3f.sqlite"_s);
+        QVERIFY(!reviewFileName(QString(100, u'ü')).isEmpty() && reviewFileName(QString(101, u'ü')).isEmpty());
+
+        MainWindow window;
+        window.show();
+        auto *review = window.findChild<Review *>();
+        const auto run = [&](int command) {
+            window.findChild<ReviewFiles *>()->menu()->actions().at(command)->trigger();
+        };
+        const auto type = [](const QString &name) {
+            withNext<QInputDialog>([name](QInputDialog *dialog) {
+                dialog->setTextValue(name);
+                dialog->accept();
+            });
+        };
+        const Lists lists = listsOf(u"a* b c"_s);
+        window.onScanFinished(lists.tracks, lists.groups, false, 1);
+        review->setTicked(0, 1, false);
+        type(names.first());
+        run(0);
+        QVERIFY(logs(window, u"The review is saved as ends: a/b?."_s));
+        review->setTicked(0, 2, false);
+        SeenBox box;
+        for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
+            type(names.first());
+            answerNextBox(answer, &box);
+            run(1);
+            QCOMPARE(box.title, u"Open review"_s);
+            QCOMPARE(sketchOf(*review), answer == QMessageBox::No ? u"a* b c"_s : u"a* b c!"_s);
+        }
+        type(names.first());
+        answerNextBox(QMessageBox::Yes, &box);
+        run(2);
+        answerNextBox(QMessageBox::Ok, &box);
+        run(1);
+        QCOMPARE(box.text, u"No review was saved under a name."_s);
     }
 
     void groupsAreCheckedOverTheirWholeLength()
