@@ -7,13 +7,15 @@ namespace epr {
 QDataStream &operator<<(QDataStream &stream, const SoundMeasures &measures)
 {
     return stream << measures.durationMs << measures.loudness << measures.truePeak << measures.clippedSamples
-                  << measures.silentStartMs << measures.silentEndMs << measures.bandwidthHz << measures.decodingErrors;
+                  << measures.silentStartMs << measures.silentEndMs << measures.bandwidthHz << measures.clearTrebleHz
+                  << measures.decodingErrors;
 }
 
 QDataStream &operator>>(QDataStream &stream, SoundMeasures &measures)
 {
     return stream >> measures.durationMs >> measures.loudness >> measures.truePeak >> measures.clippedSamples
-        >> measures.silentStartMs >> measures.silentEndMs >> measures.bandwidthHz >> measures.decodingErrors;
+        >> measures.silentStartMs >> measures.silentEndMs >> measures.bandwidthHz >> measures.clearTrebleHz
+        >> measures.decodingErrors;
 }
 
 QDataStream &operator<<(QDataStream &stream, const SoundDifference &difference)

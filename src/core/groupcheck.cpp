@@ -66,7 +66,7 @@ bool isWorthChecking(const MatchGroup &group)
 
 bool hasMoreTreble(const SoundMeasures &one, const SoundMeasures &other)
 {
-    return other.bandwidthHz > 0 && one.bandwidthHz / 6 > other.bandwidthHz / 5;
+    return other.bandwidthHz > 0 && one.clearTrebleHz / 8 > other.bandwidthHz / 7;
 }
 
 namespace {

@@ -49,8 +49,8 @@ qint32 betterCopy(const MatchGroup &group);
 /// Whether the check speaks against removing a copy: it differs from the one to keep, or that is the worse one.
 bool isDoubted(const MatchGroup &group, qint32 member);
 
-/// Whether the spectrum of one reaches far enough beyond that of the other to count: the estimates waver, and from 20
-/// to 22 kHz nobody hears anything.
+/// Whether the spectrum of one reaches clearly so far beyond the end of the other's that it counts, by a seventh: from
+/// 20 to 22 kHz nobody hears anything, and some encoders put noise there.
 bool hasMoreTreble(const SoundMeasures &one, const SoundMeasures &other);
 
 /// How much later the second member has what the first has at a time, in milliseconds: from the check over the whole

@@ -24,6 +24,7 @@ struct SoundMeasures {
     qint64 silentStartMs = 0; ///< below -60 dBFS
     qint64 silentEndMs = 0;
     qint32 bandwidthHz = 0; ///< where the spectrum ends, 0 = unknown
+    qint32 clearTrebleHz = 0; ///< where it ends for sure: there is more than noise up to here
     qint32 decodingErrors = 0;
     QString error; ///< why nothing else is known; empty = the file was decoded to its end
 

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint32 layout = 1; ///< to be raised when the records or what they mean change
+constexpr qint32 layout = 2; ///< to be raised when the records or what they mean change
 constexpr auto connectOptions = "QSQLITE_BUSY_TIMEOUT=500"_L1; // a check is told to stop within a second
 
 template <typename Record> QByteArray toBytes(const Record &record)

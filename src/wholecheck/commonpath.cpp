@@ -87,16 +87,33 @@ bool CommonPath::isLost(qsizetype frame, qsizetype offset, int direction) const
 std::optional<qsizetype> CommonPath::foundAnew(qsizetype frame, qsizetype offset, int direction) const
 {
     const qsizetype begin = direction > 0 ? frame : frame - sought;
-    const std::optional<PlaceFinder::Place> place = m_finder.find(std::max<qsizetype>(begin, 0), begin + sought);
+    const std::optional<PlaceFinder::Place> place =
+        m_finder.find(std::max<qsizetype>(begin, 0), begin + sought, offset);
     if (!place || std::abs(place->offset - offset) <= 2 * jitter)
         return std::nullopt;
     qsizetype best = place->offset;
     for (qsizetype other = best - jitter; other <= place->offset + jitter; ++other)
         if (m_distance.mean(place->begin, place->end, other) < m_distance.mean(place->begin, place->end, best))
             best = other;
-    if (m_distance.mean(place->begin, place->end, best) > alike)
+    if (m_distance.mean(place->begin, place->end, best) > alike || goesOn(frame, offset, best, direction))
         return std::nullopt;
     return best;
+}
+
+/// Whether the old offset holds again soon after, as well as the new one does: then something else is in a few seconds
+/// of a recording that repeats itself.
+bool CommonPath::goesOn(qsizetype frame, qsizetype before, qsizetype after, int direction) const
+{
+    constexpr float asGood = 0.5F; // dB
+    for (qsizetype skipped = ahead; skipped < sought; skipped += ahead) {
+        const qsizetype begin = direction > 0 ? frame + skipped : frame - skipped - 2 * ahead;
+        if (!m_distance.isInBoth(begin, before) || !m_distance.isInBoth(begin + 2 * ahead, before))
+            return false;
+        const float mean = m_distance.mean(begin, begin + 2 * ahead, before);
+        if (mean < alike && mean < m_distance.mean(begin, begin + 2 * ahead, after) + asGood)
+            return true;
+    }
+    return false;
 }
 
 /// Chooses the frame at which the one offset ends, and beyond what either recording lacks the other one begins. Nothing

@@ -29,6 +29,7 @@ private:
     qsizetype followed(qsizetype frame, qsizetype offset) const;
     bool isLost(qsizetype frame, qsizetype offset, int direction) const;
     std::optional<qsizetype> foundAnew(qsizetype frame, qsizetype offset, int direction) const;
+    bool goesOn(qsizetype frame, qsizetype before, qsizetype after, int direction) const;
     std::optional<Jump> jumpTo(qsizetype after, qsizetype frame, qsizetype before, int direction) const;
     void leave(qsizetype frame, qsizetype offset, qsizetype jumpsAt, int direction);
 

@@ -16,6 +16,10 @@ constexpr qsizetype usualWords = 130; // of a stretch: eight seconds
 constexpr qsizetype leastWords = 48; // three seconds; of less, strangers have the like
 constexpr qsizetype stretches = 24;
 constexpr double mostErrors = 0.32; // strangers' best places have 0.4 and more
+constexpr double asGood = 0.02; // more errors mean nothing where a part is repeated
+constexpr std::size_t mostPlaces = 3;
+constexpr qsizetype sameOffset = 4; // frames
+constexpr float worthATry = 0.3F; // of the votes that the likeliest place has
 constexpr qsizetype near = 12; // words: how far two speeds that differ by 0.3 % come apart in four minutes
 
 double framesPerWord(const WordSequence &sequence)
@@ -31,39 +35,71 @@ PlaceFinder::PlaceFinder(const Fingerprint &first, const Fingerprint &second)
     setWordSequence(m_second, second, FingerprintEngine::BuiltIn);
 }
 
-// Every place of a stretch in the second is looked at: eight seconds against four minutes take a third of a
-// millisecond.
-std::optional<PlaceFinder::Place> PlaceFinder::find() const
+std::vector<PlaceFinder::Place> PlaceFinder::find() const
 {
     const qsizetype count = std::min({ usualWords, m_first.size(), m_second.size() });
     if (count == 0)
-        return std::nullopt;
-    std::vector<float> votes(static_cast<std::size_t>(m_first.size() + m_second.size()));
-    const auto voteFor = [&](qsizetype offset) -> float & {
-        return votes[static_cast<std::size_t>(offset + m_first.size())];
-    };
+        return {};
     std::vector<Stretch> asked;
     for (qsizetype i = 0; i < stretches; ++i) {
         const Stretch stretch { (m_first.size() - count) * i / (stretches - 1), count };
-        if (isMostlySilent(stretch) || (!asked.empty() && asked.back().begin == stretch.begin))
-            continue;
-        asked.push_back(stretch);
-        for (qsizetype offset = -stretch.begin; offset + stretch.begin + count <= m_second.size(); ++offset)
-            voteFor(offset) += static_cast<float>(std::pow(std::max(0.0, mostErrors - errorRate(stretch, offset)), 2));
+        if (!isMostlySilent(stretch) && (asked.empty() || asked.back().begin != stretch.begin))
+            asked.push_back(stretch);
     }
-    const auto most = std::ranges::max_element(votes);
-    const qsizetype chosen = most - votes.begin() - m_first.size();
+    const std::span<const Stretch> all = asked;
+    const std::span<const Stretch> late = all.subspan(all.size() / 2);
+    std::vector<Place> places = likeliest(all, mostPlaces);
+    for (const std::span<const Stretch> half : { all.first(all.size() - late.size()), late })
+        for (const Place &place : likeliest(half, 1))
+            if (std::ranges::none_of(
+                    places, [&](const Place &other) { return std::abs(other.offset - place.offset) <= sameOffset; }))
+                places.push_back(place);
+    return places;
+}
+
+std::vector<PlaceFinder::Place> PlaceFinder::likeliest(std::span<const Stretch> asked, std::size_t most) const
+{
+    std::vector<float> left = votes(asked);
+    const float least = *std::ranges::max_element(left) * worthATry;
+    std::vector<Place> places;
+    while (places.size() < most) {
+        const qsizetype voted = std::ranges::max_element(left) - left.begin();
+        const std::optional<Place> place = bestNear(asked, voted - m_first.size());
+        if (!place || left[static_cast<std::size_t>(voted)] < least)
+            break;
+        places.push_back(*place);
+        const qsizetype end = std::min(voted + near + 1, static_cast<qsizetype>(left.size()));
+        for (qsizetype taken = std::max<qsizetype>(voted - near, 0); taken < end; ++taken)
+            left[static_cast<std::size_t>(taken)] = 0;
+    }
+    return places;
+}
+
+// Every place of a stretch in the second is looked at: eight seconds against four minutes take a third of a
+// millisecond. One vote list for all offsets from -m_first.size() on.
+std::vector<float> PlaceFinder::votes(std::span<const Stretch> asked) const
+{
+    std::vector<float> votes(static_cast<std::size_t>(m_first.size() + m_second.size()));
+    for (const Stretch &stretch : asked)
+        for (qsizetype offset = -stretch.begin; offset + stretch.begin + stretch.count <= m_second.size(); ++offset)
+            votes[static_cast<std::size_t>(offset + m_first.size())] +=
+                static_cast<float>(std::pow(std::max(0.0, mostErrors - errorRate(stretch, offset)), 2));
+    return votes;
+}
+
+std::optional<PlaceFinder::Place> PlaceFinder::bestNear(std::span<const Stretch> asked, qsizetype offset) const
+{
     std::optional<Place> best;
     for (const Stretch &stretch : asked)
-        for (qsizetype offset = chosen - near; offset <= chosen + near; ++offset)
-            if (const double errors = errorRate(stretch, offset); errors < (best ? best->bitErrorRate : mostErrors)) {
-                best = placeOf(stretch, offset);
+        for (qsizetype other = offset - near; other <= offset + near; ++other)
+            if (const double errors = errorRate(stretch, other); errors < (best ? best->bitErrorRate : mostErrors)) {
+                best = placeOf(stretch, other);
                 best->bitErrorRate = errors;
             }
     return best;
 }
 
-std::optional<PlaceFinder::Place> PlaceFinder::find(qsizetype begin, qsizetype end) const
+std::optional<PlaceFinder::Place> PlaceFinder::find(qsizetype begin, qsizetype end, qsizetype offset) const
 {
     const double frames = framesPerWord(m_first);
     Stretch stretch { std::clamp(static_cast<qsizetype>(static_cast<double>(begin) / frames), qsizetype(0),
@@ -73,13 +109,20 @@ std::optional<PlaceFinder::Place> PlaceFinder::find(qsizetype begin, qsizetype e
     stretch.count = std::min({ stretch.count, usualWords, m_second.size() });
     if (stretch.count < leastWords || isMostlySilent(stretch))
         return std::nullopt;
-    std::optional<Place> best;
-    for (qsizetype offset = -stretch.begin; offset + stretch.begin + stretch.count <= m_second.size(); ++offset)
-        if (const double errors = errorRate(stretch, offset); errors < (best ? best->bitErrorRate : mostErrors)) {
-            best = placeOf(stretch, offset);
-            best->bitErrorRate = errors;
-        }
-    return best;
+    std::vector<double> errors;
+    for (qsizetype other = -stretch.begin; other + stretch.begin + stretch.count <= m_second.size(); ++other)
+        errors.push_back(errorRate(stretch, other));
+    const double least = *std::ranges::min_element(errors);
+    if (least >= mostErrors)
+        return std::nullopt;
+    std::optional<Place> nearest;
+    for (std::size_t i = 0; i < errors.size(); ++i) {
+        const Place place = placeOf(stretch, static_cast<qsizetype>(i) - stretch.begin);
+        if (errors[i] <= least + asGood && errors[i] < mostErrors
+            && (!nearest || std::abs(place.offset - offset) < std::abs(nearest->offset - offset)))
+            nearest = place;
+    }
+    return nearest;
 }
 
 double PlaceFinder::errorRate(const Stretch &stretch, qsizetype offset) const

@@ -5,6 +5,8 @@
 #include "alignment.h"
 
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace epr {
 
@@ -20,11 +22,13 @@ public:
         double bitErrorRate = 1;
     };
 
-    /// Where the recordings have most in common, by stretches from all over the first; the best of those that agree.
-    [[nodiscard]] std::optional<Place> find() const;
+    /// Where the recordings have most in common, by stretches from all over the first: a few places, the likeliest
+    /// first. What repeats itself goes together in more than one way, and after a jump another one holds than before.
+    [[nodiscard]] std::vector<Place> find() const;
 
-    /// The place of one stretch. Nothing when it is too short, silent, or nowhere.
-    [[nodiscard]] std::optional<Place> find(qsizetype begin, qsizetype end) const;
+    /// The place of one stretch; of several that are as good, the one with the offset nearest to this. Nothing when it
+    /// is too short, silent, or nowhere.
+    [[nodiscard]] std::optional<Place> find(qsizetype begin, qsizetype end, qsizetype offset) const;
 
 private:
     struct Stretch {
@@ -32,6 +36,9 @@ private:
         qsizetype count = 0;
     };
 
+    std::vector<Place> likeliest(std::span<const Stretch> asked, std::size_t most) const;
+    std::vector<float> votes(std::span<const Stretch> asked) const;
+    std::optional<Place> bestNear(std::span<const Stretch> asked, qsizetype offset) const;
     double errorRate(const Stretch &stretch, qsizetype offset) const;
     bool isMostlySilent(const Stretch &stretch) const;
     Place placeOf(const Stretch &stretch, qsizetype offset) const;

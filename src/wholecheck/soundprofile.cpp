@@ -93,7 +93,9 @@ SoundProfile SoundProfiler::finish()
     measures.clippedSamples = m_clipped;
     measures.silentStartMs = toMs(m_firstSound < 0 ? m_frames : m_firstSound);
     measures.silentEndMs = toMs(m_frames - 1 - m_lastSound);
-    measures.bandwidthHz = m_spectrumEnd.bandwidthHz();
+    measures.bandwidthHz = m_spectrumEnd.endHz(75); // quieter, nobody hears anything
+    measures.clearTrebleHz =
+        m_spectrumEnd.endHz(60); // louder than what encoders put in the place of what they leave out
     return profile;
 }
 

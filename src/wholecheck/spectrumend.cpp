@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t frameSize = 2048;
 constexpr std::size_t between = 3 * frameSize; // a quarter of the sound tells as much as all of it
 constexpr double bandHz = 250; // what is averaged to tell sound from a single tone's trace
-constexpr double belowPeakDb = -80; // quieter than the loudest band by so much, nobody hears anything
-constexpr double leastPower = 1e-8; // -80 dB: of less nothing can be told
+constexpr double leastPeak = 1e-8; // -80 dB of full scale, in all frames: of less nothing can be told
+constexpr double roundingNoise = 1.6e-11; // -108 dB: that of 16 bits lies at -126 dB in a bin, and more with dither
 
 } // namespace
 
@@ -48,11 +48,12 @@ void SpectrumEnd::addFrame()
 {
     const std::span<const float> powers = m_spectrum.of(m_frame);
     std::transform(m_sum.begin(), m_sum.end(), powers.begin(), m_sum.begin(), std::plus<>());
+    ++m_frames;
     m_filled = 0;
     m_skip = between;
 }
 
-int SpectrumEnd::bandwidthHz() const
+int SpectrumEnd::endHz(double belowPeakDb) const
 {
     const double binHz = static_cast<double>(m_sampleRate) / frameSize;
     const auto binsPerBand = static_cast<std::size_t>(std::max(1.0, std::round(bandHz / binHz)));
@@ -62,9 +63,9 @@ int SpectrumEnd::bandwidthHz() const
         bands.push_back(*std::min_element(begin, begin + static_cast<std::ptrdiff_t>(binsPerBand)));
     }
     const double peak = bands.empty() ? 0 : *std::max_element(bands.begin(), bands.end());
-    if (peak < leastPower)
+    if (peak < leastPeak)
         return 0;
-    const double least = peak * std::pow(10, belowPeakDb / 10);
+    const double least = std::max(peak * std::pow(10, -belowPeakDb / 10), roundingNoise * m_frames);
     const auto last = std::find_if(bands.rbegin(), bands.rend(), [least](double power) { return power > least; });
     return static_cast<int>(
         std::lround(static_cast<double>(bands.rend() - last) * static_cast<double>(binsPerBand) * binHz));

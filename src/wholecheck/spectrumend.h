@@ -12,7 +12,10 @@ public:
     explicit SpectrumEnd(int sampleRate); ///< Hz
 
     void feed(std::span<const float> samples); ///< mono, at that rate
-    [[nodiscard]] int bandwidthHz() const; ///< 0 = there was too little sound to tell
+
+    /// In Hz, up to where there is anything that is quieter than the loudest band by at most so many dB; 0 = there was
+    /// too little sound to tell.
+    [[nodiscard]] int endHz(double belowPeakDb) const;
 
 private:
     void addFrame();
@@ -22,7 +25,8 @@ private:
     std::vector<float> m_frame;
     std::size_t m_filled = 0;
     std::size_t m_skip = 0; ///< samples that lie between two frames
-    std::vector<double> m_sum;
+    std::vector<double> m_sum; ///< of the powers of each bin
+    int m_frames = 0;
 };
 
 } // namespace epr

@@ -50,8 +50,8 @@ private Q_SLOTS:
         QCOMPARE(delta(u"duration"_s) + u' ' + delta(u"bitrate"_s), u"+2.50 s \u221232 k"_s);
 
         m_player->setOffset(-1400);
-        m_player->showMeasures(Deck::A, { 0, -14, -1.5, 0, 0, 0, 20000, 0, {} });
-        m_player->showMeasures(Deck::B, { 0, -16.1, -0.5, 0, 0, 0, 11000, 0, {} });
+        m_player->showMeasures(Deck::A, { 0, -14, -1.5, 0, 0, 0, 20000, 20000, 0, {} });
+        m_player->showMeasures(Deck::B, { 0, -16.1, -0.5, 0, 0, 0, 11000, 11000, 0, {} });
         QCOMPARE(delta(u"level"_s) + delta(u"start"_s) + delta(u"loudness"_s) + delta(u"bandwidth"_s),
                  u"+1.0 dBstart \u22121.40 s\u22122.1 LU\u22129.0 kHz"_s);
         m_player->setMarks(Deck::B, { { 1000, 2000 }, { 2500, 2500 } });

@@ -139,14 +139,17 @@ private Q_SLOTS:
         const epr::test::Rows<Change, QList<epr::SoundDifference>, QString, QString> row("change", "differences",
                                                                                          "ofKept", "ofOther");
         const auto nothing = [](auto &, auto &) {};
-        const auto keptIsDull = [](auto &kept, auto &own) { kept.bandwidthHz = 11025, own.bandwidthHz = 16000; };
+        const auto keptIsDull = [](auto &kept, auto &own) { kept.bandwidthHz = 11025, own.clearTrebleHz = 16000; };
         row("neither", nothing, {}, {}, {});
         row("treble", keptIsDull, {}, u"the FLAC has more above 11 kHz than the kept MP3"_s, {});
         row("treble of another piece", keptIsDull, { difference(Kind::Differs, false, 0, 9, 0, 9) }, {}, {});
-        row("hardly more treble", [](auto &kept, auto &own) { kept.bandwidthHz = 20000, own.bandwidthHz = 22050; }, {},
+        row("hardly more treble", [](auto &kept, auto &own) { kept.bandwidthHz = 20000, own.clearTrebleHz = 22050; },
+            {}, {}, {});
+        row("hiss above",
+            [](auto &kept, auto &own) { kept.bandwidthHz = own.clearTrebleHz = 17000, own.bandwidthHz = 20000; }, {},
             {}, {});
         row(
-            "duller", [](auto &kept, auto &own) { kept.bandwidthHz = 20000, own.bandwidthHz = 15800; }, {}, {},
+            "duller", [](auto &kept, auto &own) { kept.clearTrebleHz = 20000, own.bandwidthHz = 15800; }, {}, {},
             u"nothing above 16 kHz; the kept copy has"_s);
         row(
             "louder", [](auto &kept, auto &own) { kept.loudness = -14, own.loudness = -11.9; }, {}, {},

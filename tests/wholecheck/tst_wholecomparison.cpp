@@ -5,8 +5,10 @@
 
 #include <QTest>
 
+#include <array>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 #include <random>
 
 using namespace epr;
@@ -71,7 +73,10 @@ private Q_SLOTS:
     void harmlessChangesAreNone();
     void faultsAreFound_data();
     void faultsAreFound();
+    void musicThatRepeatsItselfIsNoExcuse_data();
     void musicThatRepeatsItselfIsNoExcuse();
+    void endOfTheSpectrumIsFound_data();
+    void endOfTheSpectrumIsFound();
 };
 
 void TestWholeComparison::harmlessChangesAreNone_data()
@@ -157,19 +162,72 @@ void TestWholeComparison::faultsAreFound()
              qPrintable(QString::number(difference.firstEndMs)));
 }
 
-// The silent rest is like what went before, once more from the start.
+// What follows a silence is like what went before it, or like a part after it.
+void TestWholeComparison::musicThatRepeatsItselfIsNoExcuse_data()
+{
+    const test::Rows<double, double> row("from", "to");
+    row("silent to the end", 20, 30);
+    row("a second muted", 13, 14);
+}
+
 void TestWholeComparison::musicThatRepeatsItselfIsNoExcuse()
 {
+    QFETCH(const double, from);
+    QFETCH(const double, to);
     Sound sound = music(10);
     for (int i = 0; i < 2; ++i)
         sound.insert(sound.end(), sound.begin(), sound.begin() + 10 * rate);
     Sound copy = sound;
-    std::fill(at(copy, 20), copy.end(), 0.0F);
+    std::fill(at(copy, from), at(copy, to), 0.0F);
     const PairCheck check = compareWhole(profileOf(sound), profileOf(copy));
     QVERIFY(check.isAligned);
     QCOMPARE(check.differences.size(), 1);
     QCOMPARE(check.differences.first().kind, Kind::Silent);
-    QVERIFY(std::abs(check.differences.first().secondStartMs - 20000) < 500);
+    QVERIFY(std::abs(static_cast<double>(check.differences.first().secondStartMs) - 1000 * from) < 500);
+}
+
+void TestWholeComparison::endOfTheSpectrumIsFound_data()
+{
+    const test::Rows<double, double, bool, int, int> row("loudness", "treble", "is16Bit", "bandwidth", "clear");
+    row("dull", 0.3, 0, false, 5000, 5000);
+    row("dull, of 16 bits", 0.3, 0, true, 5000, 5000);
+    row("dull and quiet, of 16 bits", 0.003, 0, true, 5000, 5000);
+    row("with treble", 0.3, 0.1, true, 22050, 22050);
+    row("with some hiss above", 1, 0.0004, true, 22050, 5000);
+    row("too quiet to tell", 0.0000001, 0, false, 0, 0);
+}
+
+// Noise up to 5 kHz, and more noise with all frequencies.
+void TestWholeComparison::endOfTheSpectrumIsFound()
+{
+    QFETCH(const double, loudness);
+    QFETCH(const double, treble);
+    QFETCH(const bool, is16Bit);
+    constexpr int fullRate = 44100;
+    std::array<double, 400> lowPass {}; // a windowed sinc; its flank is 400 Hz wide
+    for (std::size_t tap = 0; tap < lowPass.size(); ++tap) {
+        const double time = static_cast<double>(tap) - 199.5;
+        lowPass[tap] = std::sin(2 * std::numbers::pi * 5000 / fullRate * time) / (std::numbers::pi * time)
+            * (0.5 + 0.5 * std::cos(2 * std::numbers::pi * time / 400));
+    }
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> chance(-1, 1);
+    std::vector<double> noise(fullRate);
+    std::ranges::generate(noise, [&] { return chance(random); });
+    Sound sound;
+    for (auto begin = noise.cbegin(); noise.cend() - begin > 400; ++begin) {
+        const double sum =
+            loudness * (treble * chance(random) + std::inner_product(lowPass.begin(), lowPass.end(), begin, 0.0));
+        sound.push_back(static_cast<float>(is16Bit ? std::round(sum * 32768) / 32768 : sum));
+    }
+    SoundProfiler profiler(1, fullRate);
+    profiler.feed(sound);
+    const SoundMeasures measures = profiler.finish().measures;
+    const auto isAbout = [](int hertz, int wanted) { return std::abs(hertz - wanted) <= 500; };
+    QFETCH(const int, bandwidth);
+    QFETCH(const int, clear);
+    QVERIFY2(isAbout(measures.bandwidthHz, bandwidth), qPrintable(QString::number(measures.bandwidthHz)));
+    QVERIFY2(isAbout(measures.clearTrebleHz, clear), qPrintable(QString::number(measures.clearTrebleHz)));
 }
 
 QTEST_GUILESS_MAIN(TestWholeComparison)
