@@ -199,6 +199,16 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
     </message>
 </context>
 <context>
+    <name>epr::SetAsideCommand</name>
+    <message numerus="yes">
+        <source>%Ln group(s) restored; those of the results are back in the list.</source>
+        <translation>
+            <numerusform>%Ln group restored; if the results have it, it is back in the list.</numerusform>
+            <numerusform>%Ln groups restored; those of the results are back in the list.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::WholeCheckCommand</name>
     <message numerus="yes">
         <source>%Ln group(s) alike to the end</source>

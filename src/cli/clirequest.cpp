@@ -83,6 +83,9 @@ void addOptions(QCommandLineParser &parser)
               ".m3u8 for a playlist of the proposed duplicates. May be given several times."),
           u"FILE"_s });
     addSwitch(parser, markOption);
+    parser.addOption({ u"include-set-aside"_s,
+                       QCoreApplication::translate(
+                           "epr::Cli", "Also report groups that were set aside as not duplicates in the window.") });
     parser.addOption(
         { u"verbose"_s, QCoreApplication::translate("epr::Cli", "Print the activity log on standard error.") });
     parser.addPositionalArgument(u"FOLDER"_s,
@@ -168,6 +171,7 @@ Result<CliRequest> scanRequest(const QCommandLineParser &parser, const ScanOptio
     CliRequest request;
     request.options = defaults;
     request.verbose = parser.isSet(u"verbose"_s);
+    request.includeSetAside = parser.isSet(u"include-set-aside"_s);
     if (const Result<> applied = applySwitches(parser, request, csvMark); !applied)
         return failure(applied.error());
     const Result<QStringList> roots = rootsOf(parser.positionalArguments());

@@ -27,6 +27,7 @@ struct CliRequest {
     QString text;
     ScanOptions options; ///< roots are absolute paths of existing folders
     QList<ReportFile> reports; ///< to write after a complete scan
+    bool includeSetAside = false; ///< also groups that are remembered as not duplicates
     bool verbose = false; ///< log lines on standard error
 };
 

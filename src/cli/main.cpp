@@ -58,6 +58,10 @@ int scan(const CliRequest &request)
                           ? QCoreApplication::translate("epr::Cli", "Stopped before the end; nothing is reported.")
                           : QCoreApplication::translate("epr::Cli", "Stopped before the end; no report is written."));
 
+    if (!request.includeSetAside) {
+        if (const Result<> known = terminal::leaveOutSetAside(result); !known)
+            refuse(known.error());
+    }
     const bool wasChecked =
         !request.options.checkWhole || terminal::checkWholeLength(result, request.options, request.verbose);
     // The files first: whoever reads the standard output may close it early, which ends the program.

@@ -9,10 +9,12 @@
 #include "missingpart.h"
 #include "review.h"
 #include "scancontroller.h"
+#include "setasidestore.h"
 #include "wholechecker.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QTimer>
 
 #include <atomic>
@@ -287,6 +289,18 @@ ScanResult runScan(const ScanOptions &options, bool verbose)
     return result;
 }
 
+Result<> leaveOutSetAside(ScanResult &result)
+{
+    SetAsideStore store(SetAsideStore::defaultFilePath());
+    if (!QFileInfo::exists(SetAsideStore::defaultFilePath()))
+        return {};
+    if (const Result<> opened = store.open(); !opened)
+        return opened;
+    result.setAside = result.groups.removeIf(
+        [&](const MatchGroup &group) { return store.all().areAllApart(contentsOf(group, result.tracks)); });
+    return {};
+}
+
 bool checkWholeLength(ScanResult &result, const ScanOptions &options, bool verbose)
 {
     StatusLine status;
@@ -329,6 +343,9 @@ void writeTextReport(QTextStream &out, const ScanResult &result)
                    .arg(totals.groups)
                    .arg(totals.redundantCopies)
                    .arg(sizeText(totals.redundantBytes));
+    if (result.setAside > 0)
+        out << ' ' << setAsideText(result.setAside) << ' '
+            << QCoreApplication::translate("epr::Cli", "--include-set-aside shows them.");
     if (result.unreadableFolders > 0)
         out << " (" << incompleteText(result.unreadableFolders) << ')';
     out << '\n';

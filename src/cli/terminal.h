@@ -3,6 +3,7 @@
 #pragma once
 
 #include "records.h"
+#include "result.h"
 
 #include <QElapsedTimer>
 #include <QTextStream>
@@ -42,6 +43,7 @@ struct ScanResult {
     QList<TrackInfo> tracks;
     QList<MatchGroup> groups;
     bool cancelled = false;
+    qint64 setAside = 0; ///< groups that were left out
     int unreadableFolders = 0; ///< their files are missing from the tracks
     QString failure; ///< why the scan could not run; empty when it did
 };
@@ -49,6 +51,10 @@ struct ScanResult {
 /// Runs one scan on the calling thread. Progress is shown on standard error when that is a terminal, log lines there
 /// when `verbose`. Ctrl-C cancels it.
 ScanResult runScan(const ScanOptions &options, bool verbose);
+
+/// Takes out the groups that are remembered as not duplicates. Fails if nobody can know which; nothing is then taken
+/// out.
+Result<> leaveOutSetAside(ScanResult &result);
 
 /// Checks the groups that were found by sound or by tags over their whole length, several at a time, with progress as
 /// a scan's. Ctrl-C stops it, which leaves the rest unchecked. False if it was stopped.

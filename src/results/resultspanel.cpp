@@ -254,7 +254,7 @@ QString ResultsPanel::hintText() const
     if (m_review.totals().groups > 0)
         return tr("No copy matches the filter.");
     if (m_review.totals().setAside > 0)
-        return tr("Every group is set aside as not duplicates. Undo brings the last one back.");
+        return tr("Every group is set aside as not duplicates. Tools > Not Duplicates lists them.");
     if (m_restored > 0)
         return tr("%Ln file(s) were put back since the scan. Press Start Scan to see them.", nullptr, m_restored);
     if (m_foundGroups)

@@ -113,6 +113,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Tools"),
             { { parts.checks->checkAll, parts.checks->checkGroup },
               { removeSelected, undoCleanup },
+              { parts.review->showSetAside },
               { settings, clearCache } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Help"),
             { { shortcuts, checkForUpdates }, { website, about } });

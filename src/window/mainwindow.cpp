@@ -375,6 +375,7 @@ void MainWindow::connectScan()
     connect(this, &MainWindow::scanRequested, m_controller, &ScanController::start);
     connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
     connect(m_controller, &ScanController::foldersUnreadable, m_resultsPanel, &ResultsPanel::setUnreadableFolders);
+    connect(m_reviewFiles, &ReviewFiles::resultsTaken, m_reviewDesk, &ReviewDesk::takeResults);
     connect(m_controller, &ScanController::foldersUnreadable, m_reviewFiles, &ReviewFiles::setUnreadableFolders);
     connect(m_controller, &ScanController::finished, this, &MainWindow::onScanFinished);
     connect(m_controller, &ScanController::stepChanged, m_strip, &ScanStrip::setStep);

@@ -5,6 +5,7 @@
 #include "memberactions.h"
 #include "resultspanel.h"
 #include "review.h"
+#include "setasidecommand.h"
 
 namespace epr {
 
@@ -16,7 +17,9 @@ ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
                 tr("Say that this group is decided and go to the next; on a group that is done, take that back.")))
     , notDuplicates(make(tr("Not Duplicates"), Qt::Key_N,
                          tr("Say that the copies of this group are no duplicates, and set it aside.")))
+    , showSetAside(make(tr("Not Duplicates..."), {}, tr("List the groups that were set aside, and restore some.")))
     , m_parts(parts)
+    , m_setAside(new SetAsideCommand(*parts.review, window))
 {
     parts.member->addToMenus({ done, notDuplicates });
     connect(undo, &QAction::triggered, this,
@@ -25,11 +28,19 @@ ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
             [this] { step(&Review::redo, tr("Redone: %1").arg(m_parts.review->redoText())); });
     connect(done, &QAction::triggered, this, [this] { decide(GroupState::Done); });
     connect(notDuplicates, &QAction::triggered, this, [this] { decide(GroupState::NotDuplicates); });
+    connect(showSetAside, &QAction::triggered, m_setAside, &SetAsideCommand::showAll);
+    connect(m_setAside, &Command::logMessage, this, &Command::logMessage);
+    connect(m_setAside, &Command::statusMessage, this, &Command::statusMessage);
     connect(parts.results, &ResultsPanel::currentChanged, this, &ReviewDesk::setGroup);
     connect(parts.review, &Review::historyChanged, this, &ReviewDesk::refresh);
     connect(parts.review, &Review::aboutToBeReset, this, [this] { setGroup(-1); });
     connect(parts.review, &Review::tickRefused, this, &Command::statusMessage);
     refresh();
+}
+
+void ReviewDesk::takeResults()
+{
+    m_setAside->takeResults();
 }
 
 QAction *ReviewDesk::make(const QString &text, const QKeySequence &key, const QString &tip)

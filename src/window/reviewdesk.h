@@ -11,6 +11,7 @@ namespace epr {
 class MemberActions;
 class ResultsPanel;
 class Review;
+class SetAsideCommand;
 enum class GroupState : qint32;
 
 /// How far the operator is with the groups, in the main window: the commands that say so, the way from group to group
@@ -27,10 +28,13 @@ public:
 
     ReviewDesk(const Parts &parts, QWidget *window);
 
+    void takeResults(); ///< once those of a scan are in the review, with what an earlier review had to say of them
+
     QAction *const undo;
     QAction *const redo;
     QAction *const done;
     QAction *const notDuplicates;
+    QAction *const showSetAside;
 
 private:
     QAction *make(const QString &text, const QKeySequence &key, const QString &tip);
@@ -40,6 +44,7 @@ private:
     void step(int (Review::*direction)(), const QString &message);
 
     const Parts m_parts;
+    SetAsideCommand *m_setAside;
     int m_group = -1; ///< at hand
 };
 

@@ -186,6 +186,7 @@ void ReviewFiles::takeResults()
     }
     m_earlier = {};
     m_hasName = false;
+    Q_EMIT resultsTaken();
     m_keeper->keep({ m_options, QDateTime::currentDateTime(), m_unreadableFolders });
     refresh();
 }

@@ -48,6 +48,9 @@ public:
 
     QMenu *menu() const { return m_menu; }
 
+Q_SIGNALS:
+    void resultsTaken(); ///< of a scan, with what was decided before, and not stored yet
+
 private:
     QAction *make(const QString &text, const QString &tip, void (ReviewFiles::*command)());
     void refresh();

@@ -1,11 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "application.h"
 #include "clirequest.h"
+#include "setasidestore.h"
 
 #include "hole.h"
 #include "rows.h"
 #include "temporarylibrary.h"
 
+#include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -104,6 +107,23 @@ private Q_SLOTS:
         const bool isError = status == 2 || text.contains("damaged"_L1);
         QVERIFY2((isError ? err : out).contains(text), qPrintable(out + err));
         QCOMPARE(QDir(library()).entryList(QDir::Files).size(), words(files).size());
+    }
+
+    void groupsThatWereSetAsideAreLeftOut()
+    {
+        metadata::applyToApplication(); // the program's data is in a folder of its name
+        for (const QString &name : words("1.wav 2.wav"))
+            writeFile(library() + u'/' + name, waveOf(1));
+        const QByteArray digest = QCryptographicHash::hash(QByteArray(6 * 8000, 1), QCryptographicHash::Sha256);
+        SetAsideStore store(SetAsideStore::defaultFilePath());
+        QVERIFY(store.open() && store.add({ { "audio:"_L1 + QLatin1StringView(digest.toHex()), 2, {} } }));
+        for (const auto &[arguments, status] : { std::pair("", 0), { "--include-set-aside", 1 } }) {
+            QProcess program;
+            program.start(QStringLiteral(EPR_SCAN_PROGRAM), words(arguments) << library());
+            QVERIFY(program.waitForFinished(60000));
+            QCOMPARE(program.exitCode(), status);
+            QCOMPARE(program.readAllStandardOutput().contains("1 group set aside"), status == 0);
+        }
     }
 
 #ifdef Q_OS_UNIX // which has a way to send Ctrl-C to one process
