@@ -170,4 +170,16 @@ QColor readableTone(QRgb dark, const QPalette &palette)
     return QColor::fromHslF(colour.hslHueF(), colour.hslSaturationF(), lightness);
 }
 
+void paintLock(QPainter &painter, const QRectF &square, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(square.topLeft());
+    painter.scale(square.width(), square.height());
+    painter.setPen(QPen(colour, 0.12));
+    painter.drawArc(QRectF(0.28, 0.08, 0.44, 0.7), 0, 180 * 16);
+    painter.fillRect(QRectF(0.15, 0.44, 0.7, 0.5), colour);
+    painter.restore();
+}
+
 } // namespace epr

@@ -4,7 +4,9 @@
 
 #include <QColor>
 
+class QPainter;
 class QPalette;
+class QRectF;
 class QStyle;
 
 namespace epr {
@@ -27,5 +29,8 @@ bool isDarkPalette(const QPalette &palette);
 /// A dark colour of the program's own as text on the palette's ground: as it is on a light one, a light tone of the
 /// same hue on a dark one. The contrast stays above the 4.5:1 that WCAG 2 asks of text either way.
 QColor readableTone(QRgb dark, const QPalette &palette);
+
+/// A padlock, the sign of what is protected.
+void paintLock(QPainter &painter, const QRectF &square, const QColor &colour);
 
 } // namespace epr

@@ -90,6 +90,13 @@ int sampleWidth(const QHeaderView *header, ResultsModel::Column column)
                     header->sectionSizeHint(column));
 }
 
+constexpr int lockGap = 3; // between the decks and the lock behind them
+
+int lockWidth(const QFont &font)
+{
+    return QFontMetrics(font).ascent();
+}
+
 QFont deckFont(QFont font)
 {
     font.setBold(true);
@@ -140,17 +147,26 @@ QSize ResultsDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
     return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
 }
 
-// The decks as a plate of inverse colours, which stands out on a selected row too.
+// The decks as a plate of inverse colours, which stands out on a selected row too, and a padlock.
 void ResultsDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     QStyledItemDelegate::paint(painter, option, index);
     const QString decks = index.data(ResultsModel::DecksRole).toString();
-    if (decks.isEmpty())
+    const bool isLocked = index.data(ResultsModel::LockRole).toBool();
+    if (decks.isEmpty() && !isLocked)
         return;
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    const QRect plate = cell.widget->style()->subElementRect(QStyle::SE_ItemViewItemDecoration, &cell, cell.widget);
+    QRect plate = cell.widget->style()->subElementRect(QStyle::SE_ItemViewItemDecoration, &cell, cell.widget);
     const bool isSelected = cell.state.testFlag(QStyle::State_Selected);
+    if (isLocked) {
+        const int width = lockWidth(cell.font);
+        const QRectF lock(plate.right() + 1 - width, plate.center().y() - width / 2.0, width, width);
+        paintLock(*painter, lock, cell.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
+        plate.setRight(plate.right() - width - lockGap);
+    }
+    if (decks.isEmpty())
+        return;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
@@ -182,12 +198,15 @@ void ResultsDelegate::initStyleOption(QStyleOptionViewItem *option, const QModel
     if (index.column() == ResultsModel::FolderColumn)
         option->textElideMode = Qt::ElideMiddle;
     const QString decks = index.data(ResultsModel::DecksRole).toString();
-    if (decks.isEmpty())
+    const bool isLocked = index.data(ResultsModel::LockRole).toBool();
+    if (decks.isEmpty() && !isLocked)
         return;
     constexpr int margin = 5;
     const QFontMetrics metrics(deckFont(option->font));
+    const int plateWidth = decks.isEmpty() ? 0 : metrics.horizontalAdvance(decks) + 2 * margin;
+    const int besidePlate = isLocked && plateWidth > 0 ? lockGap : 0;
     option->features |= QStyleOptionViewItem::HasDecoration;
-    option->decorationSize = { metrics.horizontalAdvance(decks) + 2 * margin, metrics.height() };
+    option->decorationSize = { plateWidth + besidePlate + (isLocked ? lockWidth(option->font) : 0), metrics.height() };
 }
 
 } // namespace epr

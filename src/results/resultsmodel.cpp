@@ -292,6 +292,8 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
         return column == MatchColumn ? plainToolTip(remarksOf(group, member).join(u'\n'))
             : info                   ? memberToolTip(group, member, column)
                                      : QVariant();
+    case LockRole:
+        return column == FileColumn && isProtected(group, member);
     case DecksRole:
         return info && column == FileColumn ? decksOf(*info) : QVariant();
     case Qt::AccessibleTextRole:
@@ -372,6 +374,11 @@ QString ResultsModel::checkCell(int group, int member, int column) const
     }
 }
 
+bool ResultsModel::isProtected(int group, int member) const
+{
+    return m_review.isProtected(m_review.groups().at(group).members.at(member));
+}
+
 QString ResultsModel::decksOf(const TrackInfo &track) const
 {
     QString decks;
@@ -388,8 +395,11 @@ QVariant ResultsModel::accessibleText(int group, int member, int column) const
     const TrackInfo &track = *m_review.track(group, member);
     if (column == MatchColumn)
         return remarksOf(group, member).join(", "_L1);
-    const QString decks = column == FileColumn ? decksOf(track) : QString();
-    return decks.isEmpty() ? QVariant() : tr("%1, in deck %2").arg(track.fileName, decks);
+    if (column != FileColumn)
+        return {};
+    const QString decks = decksOf(track);
+    const QString text = decks.isEmpty() ? track.fileName : tr("%1, in deck %2").arg(track.fileName, decks);
+    return isProtected(group, member) ? tr("%1, protected").arg(text) : text;
 }
 
 QString ResultsModel::groupText(int group) const
@@ -444,7 +454,11 @@ QVariant ResultsModel::memberToolTip(int group, int member, int column) const
     const QString path = nativePath(track.path);
     if (!track.error.isEmpty())
         return plainToolTip(tr("%1\n\nNote: %2").arg(path, track.error));
-    return plainToolTip((path + u'\n' + relationOf(group, member)).trimmed());
+    QStringList lines { path, relationOf(group, member) };
+    if (isProtected(group, member))
+        lines << tr("In a protected folder: never removed.");
+    lines.removeAll(QString());
+    return plainToolTip(lines.join(u'\n'));
 }
 
 } // namespace epr

@@ -41,6 +41,7 @@ public:
         TrackRole = Qt::UserRole + 1, ///< member rows: index in the track list
         GroupRole, ///< position in the group list
         KeeperRole, ///< member rows: whether this is the copy to keep
+        LockRole, ///< file cells: whether the copy is protected
         DecksRole, ///< file cells: "A", "B" or "AB" for the decks that the copy is loaded into
     };
 
@@ -72,6 +73,7 @@ private:
     void emitEverywhereChanged(int role);
     void emitGroupChanged(int group);
     QString matchText(int group, int member) const;
+    bool isProtected(int group, int member) const;
     QString decksOf(const TrackInfo &track) const;
     QVariant groupData(int group, int column, int role) const;
     QVariant memberData(int group, int member, int column, int role) const;

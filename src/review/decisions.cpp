@@ -95,8 +95,9 @@ GroupDecision Decisions::decision(int group) const
 
 bool Decisions::mayBeTicked(int group, int member) const
 {
+    const qint32 track = m_groups.at(group).members.at(member);
     return m_facts[static_cast<std::size_t>(group)].state != GroupState::NotDuplicates
-        && (m_fileStates.isEmpty() || fileState(m_groups.at(group).members.at(member)) == FileState::AsScanned);
+        && (m_fileStates.isEmpty() || fileState(track) == FileState::AsScanned) && !isProtected(track);
 }
 
 int Decisions::groupOf(qint32 id) const
@@ -231,6 +232,15 @@ void Decisions::setFileStates(const QHash<qint32, FileState> &states)
             setTick(group, member, false, false);
     }
     countGroups();
+}
+
+void Decisions::setProtected(const QSet<qint32> &tracks)
+{
+    m_protected = tracks;
+    for (const qint32 track : tracks) {
+        if (const auto [group, member] = placeOf(track); member >= 0 && isTicked(group, member))
+            setTick(group, member, false, false);
+    }
 }
 
 void Decisions::removeMembers(const QSet<qint32> &tracks)

@@ -35,6 +35,8 @@ public:
     GroupFacts facts(int group) const;
     GroupDecision decision(int group) const;
     FileState fileState(qint32 track) const { return m_fileStates.value(track); }
+    const QSet<qint32> &protectedTracks() const { return m_protected; }
+    bool isProtected(qint32 track) const { return m_protected.contains(track); }
     bool mayBeTicked(int group, int member) const;
     int groupOf(qint32 id) const; ///< -1 if there is none
     Place placeOf(qint32 track, Place before = { -1, -1 }) const; ///< negative if no group has it; looks behind first
@@ -51,6 +53,7 @@ public:
     int setCheck(int group, const GroupCheck &check); ///< how many copies it unticked
     int untickDoubted(int group); ///< how many that were
     void setFileStates(const QHash<qint32, FileState> &states); ///< of these; unticks what is not as it was scanned
+    void setProtected(const QSet<qint32> &tracks); ///< these and no others; unticks them
     void removeMembers(const QSet<qint32> &tracks);
 
     /// Undoes a step, or does it once more, as far as what it names is there and may be ticked. Marks of a copy that is
@@ -82,6 +85,7 @@ private:
     std::vector<Facts> m_facts; ///< per group, beside its copy to keep
     std::vector<qint32> m_groupOfTrack; ///< -1 = in none
     QHash<qint32, FileState> m_fileStates; ///< of tracks that are not as they were scanned
+    QSet<qint32> m_protected; ///< tracks
     ReviewTotals m_totals;
 
     bool m_isNoting = false;

@@ -253,6 +253,15 @@ void Review::setFileStates(const QHash<qint32, FileState> &states)
     Q_EMIT totalsChanged();
 }
 
+void Review::setProtected(const QSet<qint32> &tracks)
+{
+    if (tracks == m_decisions.protectedTracks())
+        return;
+    m_decisions.setProtected(tracks);
+    Q_EMIT fileStatesChanged();
+    Q_EMIT totalsChanged();
+}
+
 void Review::removeMembers(const QSet<qint32> &tracks)
 {
     Q_EMIT aboutToBeReset();
@@ -335,7 +344,10 @@ QString Review::refusal(int group, int member) const
 {
     if (m_decisions.mayBeTicked(group, member))
         return {};
-    switch (fileState(groups().at(group).members.at(member))) {
+    const qint32 track = groups().at(group).members.at(member);
+    if (isProtected(track))
+        return tr("This copy is in a protected folder and is never removed.");
+    switch (fileState(track)) {
     case FileState::Changed:
         return tr("This copy changed since the scan and is not ticked. The next scan looks at it again.");
     case FileState::Vanished:

@@ -41,6 +41,7 @@ public:
     bool isTickByHand(int group, int member) const { return m_decisions.isTickByHand(group, member); }
     GroupState state(int group) const { return m_decisions.facts(group).state; }
     FileState fileState(qint32 track) const { return m_decisions.fileState(track); }
+    bool isProtected(qint32 track) const { return m_decisions.isProtected(track); }
     GroupDecision decision(int group) const { return m_decisions.decision(group); }
     QList<MatchGroup> groupsOfDuplicates() const; ///< those that are not set aside
 
@@ -95,6 +96,9 @@ public:
     /// nobody can tick it.
     void setFileStates(const QHash<qint32, FileState> &states);
 
+    /// Which tracks are in protected folders: these are unticked, and nobody can tick them.
+    void setProtected(const QSet<qint32> &tracks);
+
     /// Takes out the members that refer to these tracks, and every group left with fewer than two members. The other
     /// groups keep their numbers and ticks. Where the copy to keep went, the first unticked one takes its place, lest a
     /// report propose every copy of a group.
@@ -118,7 +122,7 @@ Q_SIGNALS:
     void keeperChanged(int group); ///< and with it ticks of the group
     void checkChanged(int group); ///< the same
     void statesChanged(const QList<int> &groups); ///< the same
-    void fileStatesChanged(); ///< the same
+    void fileStatesChanged(); ///< the same; or which copies are protected
     void totalsChanged(); ///< after whichever of the others it was
     void historyChanged();
     void tickRefused(const QString &reason); ///< the operator's own

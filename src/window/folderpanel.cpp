@@ -3,6 +3,7 @@
 #include "folderpanel.h"
 
 #include "displaytext.h"
+#include "look.h"
 #include "notices.h"
 #include "systempaths.h"
 
@@ -75,12 +76,7 @@ QIcon lockIcon(const QWidget &widget)
     pixmap.setDevicePixelRatio(widget.devicePixelRatio());
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(height, height);
-    const QColor colour = widget.palette().color(QPalette::Text);
-    painter.setPen(QPen(colour, 0.12));
-    painter.drawArc(QRectF(0.28, 0.08, 0.44, 0.7), 0, 180 * 16);
-    painter.fillRect(QRectF(0.15, 0.44, 0.7, 0.5), colour);
+    paintLock(painter, QRectF(0, 0, height, height), widget.palette().color(QPalette::Text));
     return pixmap;
 }
 

@@ -15,6 +15,7 @@
 #include "mainactions.h"
 #include "memberactions.h"
 #include "notices.h"
+#include "protectiondesk.h"
 #include "resultspanel.h"
 #include "resultsview.h"
 #include "review.h"
@@ -117,6 +118,7 @@ void MainWindow::onStartScan()
     }
     ScanOptions options = m_options;
     options.roots = folders;
+    options.protectedFolders = m_folderPanel->protectedFolders();
     if (!options.anyDetection()) {
         showWarning(this, tr("No detection method enabled"),
                     tr("Enable at least one detection method in Settings before scanning."));
@@ -162,7 +164,6 @@ void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<Matc
                                 qint64 elapsedMs)
 {
     setScanning(false);
-    m_review->setKeeperOptions(m_options);
     if (m_reviewFiles->endScan(tracks, groups, cancelled))
         m_checks->follow(m_options);
     refreshActions();
@@ -353,13 +354,8 @@ void MainWindow::restoreSettings()
         if (!addFolder(folder) && !m_folderPanel->folders().contains(folder))
             onLogMessage(tr("Folder not found and taken off the list: %1").arg(nativePath(folder)));
     }
-    m_folderPanel->protect(store.value(settings::protectedFolders));
+    new ProtectionDesk(*m_review, *m_folderPanel, this);
     m_options = store.loadScanOptions();
-    m_options.protectedFolders = m_folderPanel->protectedFolders();
-    connect(m_folderPanel, &FolderPanel::protectionChanged, this, [this] {
-        m_options.protectedFolders = m_folderPanel->protectedFolders();
-        SettingsStore().set(settings::protectedFolders, m_options.protectedFolders);
-    });
     m_resultsPanel->view()->showColumns(store.value(settings::resultsColumns));
     m_quarantineRoot = store.value(settings::quarantineRoot);
     const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();

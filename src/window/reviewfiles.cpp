@@ -159,6 +159,7 @@ bool ReviewFiles::endScan(const QList<TrackInfo> &tracks, const QList<MatchGroup
     if (cancelled && hasDecisions(m_earlier) && takeBack())
         return false;
     m_isScanning = false;
+    m_review.setKeeperOptions(m_options);
     m_review.setResults(tracks, groups);
     if (!cancelled)
         takeResults();

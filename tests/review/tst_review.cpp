@@ -6,6 +6,7 @@
 #include "rows.h"
 
 #include <QRandomGenerator>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace epr;
@@ -188,6 +189,32 @@ private Q_SLOTS:
             filter.layOutRows();
         }
         QTEST(shownBy(filter, review), "shown");
+    }
+
+    void protectedCopiesAreNeverTicked()
+    {
+        Review review;
+        fill(review, u"a* b c / d e*"_s);
+        QSignalSpy refused(&review, &Review::tickRefused);
+        review.clearTicks();
+        review.setProtected({ 0, 1, 3 });
+        review.undo();
+        QCOMPARE(sketchOf(review), u"a* b c! / d e*"_s);
+        review.setTicked(0, 1, true);
+        QCOMPARE(refused.size(), 1);
+        review.setKeeper(0, 2); // passes its tick on
+        QCOMPARE(sketchOf(review), u"a b c* / d e*"_s);
+        review.invertTicks();
+        review.setTicked({ { 0, 0 }, { 0, 2 }, { 1, 1 } }, true);
+        QCOMPARE(sketchOf(review), u"a b c*! / d e*!"_s);
+        QCOMPARE(review.totals().tickedFiles, 2);
+        review.setTicked({ { 0, 2 }, { 1, 1 } }, false);
+        review.removeMembers({ 4 });
+        review.setProtected({ 1 });
+        review.tickDuplicates();
+        QCOMPARE(sketchOf(review), u"a! b c*"_s);
+        review.setProtected({ 0 });
+        QCOMPARE(sketchOf(review), u"a b c*"_s);
     }
 
     void totalsHoldThroughAnyCourse()

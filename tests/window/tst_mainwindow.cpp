@@ -4,6 +4,7 @@
 #include "folderpanel.h"
 #include "mainactions.h"
 #include "memberactions.h"
+#include "protectiondesk.h"
 #include "reviewfiles.h"
 
 #include "hole.h"
@@ -244,6 +245,32 @@ private Q_SLOTS:
         QCOMPARE(foldersOf(window), folders.last(1));
         window.close();
         QCOMPARE(SettingsStore().value(settings::folders), folders.last(1));
+    }
+
+    void protectedCopiesAreLockedByWhateverPath()
+    {
+        const auto path = [this](const QString &name) { return m_folder->filePath(name); };
+        QVERIFY(QDir(m_folder->path()).mkpath(u"safe/inner"_s));
+        if (!QFile::link(path(u"safe"_s), path(u"alias"_s)) || !QFileInfo(path(u"alias/inner"_s)).isDir())
+            QSKIP("This system has no links that Qt can make");
+        Lists lists = listsOf(u"a* b / c* d"_s);
+        lists.tracks[1].path = path(u"alias/inner/b.mp3"_s);
+        lists.tracks[3].path = path(u"safer/d.mp3"_s);
+        Review review;
+        ResultsModel model(review);
+        QAction action;
+        FolderPanel panel(&action, &action);
+        const ProtectionDesk desk(review, panel, nullptr);
+        panel.protect({ path(u"safe"_s) });
+        review.setResults(lists.tracks, lists.groups);
+        QTRY_VERIFY(review.isProtected(1));
+        QCOMPARE(sketchOf(review), u"a* b / c* d!"_s);
+        const QModelIndex locked = model.memberIndex(0, 1);
+        QVERIFY(locked.data(ResultsModel::LockRole).toBool());
+        QCOMPARE(locked.data(Qt::AccessibleTextRole).toString(), u"b.mp3, protected"_s);
+        panel.findChild<QListWidget *>()->selectAll();
+        panel.removeSelected();
+        QTRY_VERIFY(!locked.data(ResultsModel::LockRole).toBool());
     }
 
     void protectionOutlivesTheListAndItsDrive()
