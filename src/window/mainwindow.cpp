@@ -124,7 +124,8 @@ void MainWindow::onStartScan()
                     tr("Enable at least one detection method in Settings before scanning."));
         return;
     }
-    if (m_cleanup->isRunning() || !m_cleanup->confirmScan(m_quarantineRoot, folders) || !m_reviewFiles->confirmScan())
+    if (m_cleanup->isRunning() || !m_cleanup->confirmScan(m_quarantineRoot, folders)
+        || !m_reviewFiles->confirmScan(folders))
         return;
     m_checks->stop();
     m_reviewFiles->beginScan(options);
@@ -166,7 +167,6 @@ void MainWindow::onScanFinished(const QList<TrackInfo> &tracks, const QList<Matc
     setScanning(false);
     if (m_reviewFiles->endScan(tracks, groups, cancelled))
         m_checks->follow(m_options);
-    refreshActions();
     const QString elapsed = elapsedText(elapsedMs);
     m_strip->showStatus((cancelled ? tr("Scan cancelled after %1") : tr("Scan complete in %1")).arg(elapsed));
     onLogMessage((cancelled ? tr("--- Scan cancelled after %1 ---") : tr("--- Scan complete in %1 ---")).arg(elapsed));
@@ -406,7 +406,7 @@ void MainWindow::connectCommands()
     connect(m_cleanup, &CleanupCommand::wholeGroupTicked, m_resultsPanel, &ResultsPanel::showGroup);
     connect(m_cleanup, &CleanupCommand::quarantineRootChosen, this,
             [this](const QString &folder) { m_quarantineRoot = folder; });
-    connect(m_cleanup, &CleanupCommand::filesRemoved, this, &MainWindow::refreshActions);
+    connect(m_review, &Review::reset, this, &MainWindow::refreshActions);
     connect(m_cleanup, &CleanupCommand::filesRestored, m_resultsPanel, &ResultsPanel::addRestored);
     connect(m_cleanup, &CleanupCommand::aboutToRemove, m_playerDock->player(), &ComparePlayer::release);
     connect(m_cleanup, &CleanupCommand::filesRemoved, m_playerDock->player(), &ComparePlayer::clearVanished);

@@ -53,6 +53,8 @@ Result<> saveTo(const QString &file, const ReviewRecord &record)
 {
     ReviewStore store(file);
     Result<> done = store.open();
+    if (!done && store.isDamaged() && store.setAside())
+        done = store.open();
     return done ? store.save(record) : done;
 }
 
@@ -124,20 +126,35 @@ void ReviewFiles::close()
     m_keeper->close();
 }
 
+// The system may end the program soon after.
 bool ReviewFiles::confirmClose()
 {
+    m_keeper->flush();
     return m_keeper->isKeeping() || !hasDecisions(m_keeper->record())
         || askYesOrNo(window(), tr("Decisions are not stored"),
                       tr("What you decided cannot be stored and is lost when the program ends.\n\nClose it all the "
                          "same?"));
 }
 
-bool ReviewFiles::confirmScan()
+bool ReviewFiles::confirmScan(const QStringList &roots)
 {
-    return m_keeper->isKeeping() || !hasDecisions(m_keeper->record())
+    return (m_keeper->isKeeping() && keepAside(m_keeper->record(), roots)) || !hasDecisions(m_keeper->record())
         || askYesOrNo(window(), tr("Decisions are not stored"),
                       tr("What you decided cannot be stored. The scan takes it over as far as it finds the same files "
                          "again; the rest is lost.\n\nScan all the same?"));
+}
+
+// A scan of other folders takes nothing over of the files that it does not find.
+bool ReviewFiles::keepAside(const ReviewRecord &record, const QStringList &roots)
+{
+    const auto isScanned = [&roots](const QString &folder) { return roots.contains(folder); };
+    if (m_hasName || !hasDecisions(record) || std::ranges::all_of(record.options.roots, isScanned))
+        return true;
+    const QString name = tr("Review of %1").arg(dateTimeText(record.scanned));
+    const Result<> saved = saveTo(pathOf(name), record);
+    Q_EMIT logMessage(saved ? tr("This scan is of other folders. What was decided until now is saved as %1.").arg(name)
+                            : tr("What was decided until now could not be saved: %1").arg(saved.error()));
+    return saved.has_value();
 }
 
 void ReviewFiles::beginScan(const ScanOptions &options)
@@ -225,13 +242,16 @@ void ReviewFiles::takeOpened(const ReviewRecord &record, const QString &message)
         report(message);
     m_isOpening = false;
     const bool isSuperseded = m_isScanning || m_isResultWaiting;
-    if (isSuperseded)
+    if (isSuperseded) {
         m_earlier = record;
+        keepAside(record, m_options.roots);
+    }
     if (m_isResultWaiting)
         takeResults();
     if (isSuperseded || record.groups.isEmpty() || !m_review.groups().isEmpty())
         return;
     restore(record);
+    m_parts.results->focusResults();
     report(tr("The review of %1 is there again.").arg(dateTimeText(record.scanned)));
 }
 

@@ -36,7 +36,7 @@ public:
     void close(); ///< stores what is left to store
 
     bool confirmClose(); ///< true unless decisions would be lost and the operator does not want that
-    bool confirmScan(); ///< the same
+    bool confirmScan(const QStringList &roots); ///< the same
 
     /// Before a scan: puts the review by and clears it.
     void beginScan(const ScanOptions &options);
@@ -55,6 +55,7 @@ private:
     QAction *make(const QString &text, const QString &tip, void (ReviewFiles::*command)());
     void refresh();
     void takeOpened(const ReviewRecord &record, const QString &message);
+    bool keepAside(const ReviewRecord &record, const QStringList &roots);
     void takeResults();
     bool takeBack();
     void restore(const ReviewRecord &record);

@@ -42,7 +42,9 @@ inline void setUpApplication()
 /// What a test before has left would be there again in the next window.
 inline void forgetReview()
 {
-    QFile::remove(QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath(u"review.sqlite"_s));
+    const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    QFile::remove(data.filePath(u"review.sqlite"_s));
+    QDir(data.filePath(u"reviews"_s)).removeRecursively();
 }
 
 inline QString summaryOf(const MainWindow &window)

@@ -458,6 +458,7 @@ private Q_SLOTS:
             QTRY_COMPARE(sketchOf(*review), done);
             QVERIFY(logs(window, u"The review of "_s) && summaryOf(window).startsWith("7 files scanned - 3 "_L1));
             QCOMPARE(resultsOf(window)->currentIndex().siblingAtColumn(0).data().toString(), u"a2.wav"_s);
+            QVERIFY(window.findChild<MainActions *>()->removeSelected->isEnabled() && resultsOf(window)->hasFocus());
             window.onStartScan();
             window.onStopScan();
             QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
@@ -470,6 +471,12 @@ private Q_SLOTS:
         MainWindow window; // its scan begins before the file was read
         scan(window, m_folder->path());
         QCOMPARE(sketchOf(*window.findChild<Review *>()), u"a1! a2* a3 / b1* b2! b3! / c1* c2"_s);
+        QVERIFY(!logs(window, u"This scan is of other folders."_s));
+        window.findChild<QListWidget *>(u"folderList"_s)->setCurrentRow(0);
+        window.onRemoveFolder();
+        writeFile(m_folder->filePath(u"other/d.wav"_s), waveOf('d'));
+        scan(window, m_folder->filePath(u"other"_s));
+        QVERIFY(logs(window, u"This scan is of other folders. What was decided until now is saved as Review of "_s));
     }
 
     void reviewsHaveNames()
