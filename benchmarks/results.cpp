@@ -77,12 +77,20 @@ int main(int argc, char *argv[])
         const MatchGroup &group = review.groups().at(middle);
         review.setKeeper(middle, group.members.at(group.keep == group.members.first() ? 1 : 0));
     };
+    const auto clearAndUndo = [&] {
+        review.clearTicks();
+        review.undo();
+    };
+    const auto setAside = [&] {
+        review.setState({ middle }, GroupState::NotDuplicates);
+        review.undo();
+    };
     const auto times = bench::shortestTimes(
-        7, show, [&] { review.invertTicks(); }, [&] { review.setTicked(middle, 1, !review.isTicked(middle, 1)); },
-        keepAnother, find, type, readEveryCell);
+        7, show, clearAndUndo, setAside, [&] { review.invertTicks(); },
+        [&] { review.setTicked(middle, 1, !review.isTicked(middle, 1)); }, keepAnother, find, type, readEveryCell);
     std::printf("show %lld members: %.1f ms\n", static_cast<long long>(results.tracks.size()), times[0] * 1e3);
-    constexpr std::array names { "invert all ticks", "tick one",       "keep another",
-                                 "find and clear",   "type and clear", "read all ticks" };
+    constexpr std::array names { "clear and undo", "set aside and undo", "invert all ticks", "tick one",
+                                 "keep another",   "find and clear",     "type and clear",   "read all ticks" };
     for (std::size_t i = 0; i < names.size(); ++i)
         std::printf("%-18s %8.4f\n", names[i], times[i + 1] / times[0]);
     return 0;

@@ -44,7 +44,8 @@ bool DifferenceTour::goTo(int group, int member, qsizetype difference)
 {
     const MatchGroup &record = m_review.groups().at(group);
     const std::optional<PairCheck> pair = pairCheck(record, record.keep, record.members.at(member));
-    if (!pair || difference >= pair->differences.size())
+    const bool isShown = m_review.state(group) != GroupState::NotDuplicates;
+    if (!isShown || !pair || difference >= pair->differences.size())
         return false;
     // What is missing at the start leaves its end as the first moment that both have.
     const SoundDifference &found = pair->differences.at(difference);

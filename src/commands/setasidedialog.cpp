@@ -67,8 +67,7 @@ void SetAsideDialog::addGroup(const SetAsideGroup &group)
 
 void SetAsideDialog::layOutWidgets()
 {
-    auto *explanation =
-        new QLabel(tr("Scans leave these groups out. A restored group shows again, with nothing ticked."));
+    auto *explanation = new QLabel(tr("Scans leave these groups out. A group that is restored shows again."));
     explanation->setWordWrap(true);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     buttons->addButton(m_restore, QDialogButtonBox::ActionRole);
