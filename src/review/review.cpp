@@ -3,6 +3,7 @@
 #include "review.h"
 
 #include "groupcheck.h"
+#include "keeperchoice.h"
 #include "keeperpolicy.h"
 #include "missingpart.h"
 #include "reviewfilter.h"
@@ -34,7 +35,7 @@ QString Review::keepText(int group) const
 
 bool Review::keeps(const QString &path) const
 {
-    return std::any_of(groups().cbegin(), groups().cend(), [&](const MatchGroup &group) {
+    return !path.isEmpty() && std::any_of(groups().cbegin(), groups().cend(), [&](const MatchGroup &group) {
         const TrackInfo *kept = m_decisions.trackAt(group.keep);
         return kept && kept->path == path;
     });
@@ -42,6 +43,8 @@ bool Review::keeps(const QString &path) const
 
 std::optional<qint64> Review::offsetBetween(const QString &first, const QString &second) const
 {
+    if (first.isEmpty() || second.isEmpty())
+        return std::nullopt;
     const auto memberAt = [this](const MatchGroup &group, const QString &path) {
         const auto member = std::find_if(group.members.cbegin(), group.members.cend(), [&](qint32 index) {
             const TrackInfo *candidate = m_decisions.trackAt(index);
@@ -221,6 +224,25 @@ void Review::keepBetter(int group, qint32 track)
         const auto member = static_cast<int>(record.members.indexOf(former));
         if (member >= 0 && isProposed(record, former))
             m_decisions.setTick(group, member, true, false);
+    });
+}
+
+// Copies that lack a part of the one that is kept now are not proposed any more.
+void Review::chooseKeepers(const KeeperChoice &choice)
+{
+    m_options = choice.options;
+    perform(tr("Choose Copies to Keep Again"), [&] {
+        for (const auto &[group, keep] : choice.changes) {
+            const qint32 former = groups().at(group).keep;
+            const bool passTick = isTicked(group, static_cast<int>(groups().at(group).members.indexOf(keep)));
+            m_decisions.setFacts(group, { keep, false, state(group) });
+            const MatchGroup &record = groups().at(group);
+            for (int member = 0; member < record.members.size(); ++member) {
+                const qint32 track = record.members.at(member);
+                const bool wasTicked = track == former ? passTick : isTicked(group, member);
+                m_decisions.setTick(group, member, wasTicked && isProposed(record, track), false);
+            }
+        }
     });
 }
 

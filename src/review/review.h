@@ -12,6 +12,8 @@
 
 namespace epr {
 
+struct KeeperChoice;
+
 /// What is being decided about the results of a scan: which copy of a group is kept, which are ticked for removal, and
 /// how far the operator is with it. It reads the scan's own lists and keeps a byte per member, so a large result costs
 /// no row objects.
@@ -69,6 +71,7 @@ public:
 
     /// By what the copies to keep of these results were chosen.
     void setKeeperOptions(const ScanOptions &options);
+    const ScanOptions &keeperOptions() const { return m_options; }
 
     /// What was decided of such copies before, by groups. It counts as decided, not as a step.
     void takeDecisions(const QHash<int, GroupDecision> &decisions);
@@ -85,6 +88,8 @@ public:
 
     /// The same where the former keeper is the worse one: it is ticked if it is a copy to remove.
     void keepBetter(int group, qint32 track);
+
+    void chooseKeepers(const KeeperChoice &choice); ///< as one step; the ticks follow as with setKeeper()
 
     void setState(const QList<int> &groups, GroupState state);
 

@@ -101,12 +101,13 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
               { exit } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views, parts.columns });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
-    addMenu(QCoreApplication::translate("epr::MainMenus", "&Edit"),
-            { { parts.review->undo, parts.review->redo },
-              { selectDuplicates, clearSelection, invertSelection },
-              { parts.review->done, parts.review->notDuplicates },
-              { member.keep, parts.checks->keepBetter, member.showDetails, member.copyPath },
-              { filterResults, nextGroup, previousGroup } });
+    addMenu(
+        QCoreApplication::translate("epr::MainMenus", "&Edit"),
+        { { parts.review->undo, parts.review->redo },
+          { selectDuplicates, clearSelection, invertSelection },
+          { parts.review->done, parts.review->notDuplicates },
+          { member.keep, parts.checks->keepBetter, parts.review->chooseKeepers, member.showDetails, member.copyPath },
+          { filterResults, nextGroup, previousGroup } });
     QMenu *player = bar->addMenu(QCoreApplication::translate("epr::MainMenus", "&Player"));
     parts.player->addCommandsTo(player);
     fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup, parts.checks->nextDifference } });

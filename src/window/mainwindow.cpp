@@ -238,6 +238,7 @@ void MainWindow::onSettings()
     m_updates->reloadAddress();
     saveSettings();
     report(tr("Settings updated."));
+    m_reviewDesk->offerKeepers();
 }
 
 void MainWindow::onClearCache()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "reviewdesk.h"
 
+#include "keepercommand.h"
 #include "memberactions.h"
 #include "resultspanel.h"
 #include "review.h"
@@ -17,8 +18,11 @@ ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
                 tr("Say that this group is decided and go to the next; on a group that is done, take that back.")))
     , notDuplicates(make(tr("Not Duplicates"), Qt::Key_N,
                          tr("Say that the copies of this group are no duplicates, and set it aside.")))
+    , chooseKeepers(make(tr("Choose Copies to Keep Again..."), {},
+                         tr("By the policy or the rules of the settings, with what was measured since the scan.")))
     , showSetAside(make(tr("Not Duplicates..."), {}, tr("List the groups that were set aside, and restore some.")))
     , m_parts(parts)
+    , m_keepers(new KeeperCommand(*parts.review, window))
     , m_setAside(new SetAsideCommand(*parts.review, window))
 {
     parts.member->addToMenus({ done, notDuplicates });
@@ -29,8 +33,11 @@ ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
     connect(done, &QAction::triggered, this, [this] { decide(GroupState::Done); });
     connect(notDuplicates, &QAction::triggered, this, [this] { decide(GroupState::NotDuplicates); });
     connect(showSetAside, &QAction::triggered, m_setAside, &SetAsideCommand::showAll);
-    connect(m_setAside, &Command::logMessage, this, &Command::logMessage);
-    connect(m_setAside, &Command::statusMessage, this, &Command::statusMessage);
+    connect(chooseKeepers, &QAction::triggered, m_keepers, &KeeperCommand::chooseAgain);
+    for (const Command *command : { static_cast<Command *>(m_keepers), static_cast<Command *>(m_setAside) }) {
+        connect(command, &Command::logMessage, this, &Command::logMessage);
+        connect(command, &Command::statusMessage, this, &Command::statusMessage);
+    }
     connect(parts.results, &ResultsPanel::currentChanged, this, &ReviewDesk::setGroup);
     connect(parts.review, &Review::historyChanged, this, &ReviewDesk::refresh);
     connect(parts.review, &Review::aboutToBeReset, this, [this] { setGroup(-1); });
@@ -41,6 +48,11 @@ ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
 void ReviewDesk::takeResults()
 {
     m_setAside->takeResults();
+}
+
+void ReviewDesk::offerKeepers()
+{
+    m_keepers->offer();
 }
 
 QAction *ReviewDesk::make(const QString &text, const QKeySequence &key, const QString &tip)
@@ -65,6 +77,7 @@ void ReviewDesk::refresh()
     undo->setText(review.canUndo() ? tr("Undo: %1").arg(review.undoText()) : tr("Undo"));
     redo->setEnabled(review.canRedo());
     redo->setText(review.canRedo() ? tr("Redo: %1").arg(review.redoText()) : tr("Redo"));
+    chooseKeepers->setEnabled(!review.groups().isEmpty());
     done->setEnabled(m_group >= 0);
     notDuplicates->setEnabled(m_group >= 0);
 }

@@ -8,6 +8,7 @@
 
 namespace epr {
 
+class KeeperCommand;
 class MemberActions;
 class ResultsPanel;
 class Review;
@@ -30,10 +31,13 @@ public:
 
     void takeResults(); ///< once those of a scan are in the review, with what an earlier review had to say of them
 
+    void offerKeepers(); ///< after the settings were edited: to choose the copies to keep again, if that changes any
+
     QAction *const undo;
     QAction *const redo;
     QAction *const done;
     QAction *const notDuplicates;
+    QAction *const chooseKeepers;
     QAction *const showSetAside;
 
 private:
@@ -44,6 +48,7 @@ private:
     void step(int (Review::*direction)(), const QString &message);
 
     const Parts m_parts;
+    KeeperCommand *m_keepers;
     SetAsideCommand *m_setAside;
     int m_group = -1; ///< at hand
 };

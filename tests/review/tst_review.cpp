@@ -1,5 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "keeperchoice.h"
+#include "keeperpolicy.h"
 #include "reviewfilter.h"
 
 #include "reviewsketch.h"
@@ -215,6 +217,30 @@ private Q_SLOTS:
         QCOMPARE(sketchOf(review), u"a! b c*"_s);
         review.setProtected({ 0 });
         QCOMPARE(sketchOf(review), u"a b c*"_s);
+    }
+
+    void keepersAreChosenAgainInOneStep()
+    {
+        Review review;
+        fill(review, u"a* b c / d* e / f* g / h i* / j* k"_s); // the last one of each is the largest
+        review.setKeeper(1, 4);
+        review.setKeeper(1, 3); // by hand
+        review.setTicked(0, 1, true);
+        review.undo(); // not by hand any more
+        review.setState({ 2 }, GroupState::Done);
+        review.setTicked(4, 1, false);
+        ScanOptions options;
+        options.keeperPolicy = static_cast<qint32>(KeeperPolicy::LargestFile);
+        const QString before = sketchOf(review);
+        const KeeperChoice choice = chooseKeepersAgain(review, options);
+        QCOMPARE(choice.changes, (QList<std::pair<int, qint32>> { { 0, 2 } }));
+        QCOMPARE(choice.decided, 3);
+        review.chooseKeepers(choice);
+        QCOMPARE(sketchOf(review), u"a! b! c* / d* e! / f* g! / h! i* / j* k"_s);
+        QCOMPARE(review.keepText(0), u"kept: largest file"_s);
+        QCOMPARE(review.keepText(1), u"kept by hand"_s);
+        review.undo();
+        QCOMPARE(sketchOf(review), before);
     }
 
     void totalsHoldThroughAnyCourse()
