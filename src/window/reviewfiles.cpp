@@ -264,8 +264,8 @@ void ReviewFiles::restore(const ReviewRecord &record)
     ScanOptions unchecked = record.options;
     unchecked.checkWhole = false;
     m_parts.checks->follow(unchecked);
-    m_parts.results->setState(ResultsPanel::State::Finished);
     m_parts.results->setUnreadableFolders(record.unreadableFolders);
+    m_parts.results->setState(ResultsPanel::State::Finished);
     showPlace(record);
     m_look->look(record);
 }
