@@ -14,6 +14,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -149,12 +150,14 @@ Result<> SetAsideStore::load()
     m_isDamaged = saysDamaged(rows.lastError());
     if (rows.lastError().isValid())
         return failure(rows.lastError().text());
-    m_all = {};
+    const QList<SetAsideGroup> unstored = std::exchange(m_all, {}).groups(); // from before it could be opened
     for (const SetAsideGroup &group : std::as_const(groups)) {
         m_all.add(group);
         m_lastId = std::max(m_lastId, group.id);
     }
     m_isOpen = true;
+    for (const SetAsideGroup &group : unstored)
+        static_cast<void>(add(group.contents)); // at worst it holds for this run still
     return {};
 }
 

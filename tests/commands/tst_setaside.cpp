@@ -179,6 +179,27 @@ private Q_SLOTS:
         QCOMPARE(Window(u"a* b"_s).shown(), isKeptAside ? QString() : u"a* b!"_s);
     }
 
+    void whatALockKeptOutIsStoredLater()
+    {
+        { // makes the file
+            const Window first(u"a* b"_s);
+        }
+        std::optional<Window> window;
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"lock"_s);
+            db.setDatabaseName(SetAsideStore::defaultFilePath());
+            QVERIFY(db.open());
+            for (const auto statement : { "PRAGMA locking_mode=EXCLUSIVE"_L1, "PRAGMA user_version=1"_L1 })
+                QVERIFY(QSqlQuery(db).exec(statement));
+            window.emplace(u"a* b / c* d"_s);
+            window->review.setState({ 0 }, GroupState::NotDuplicates);
+            QVERIFY(window->log.value(0).value(0).toString().contains("locked"_L1));
+        }
+        QSqlDatabase::removeDatabase(u"lock"_s);
+        window->review.setState({ 1 }, GroupState::NotDuplicates);
+        QCOMPARE(Window(u"a* b / c* d"_s).shown(), QString());
+    }
+
 private:
     std::optional<TemporaryHome> m_home;
 };
