@@ -26,11 +26,6 @@ constexpr auto countOfTables = "SELECT COUNT(*) FROM sqlite_master"_L1;
 constexpr qint32 rowLength = 100; ///< tracks and groups in a row: one for each would take longer than all the rest
 constexpr int busy = 5; // SQLite's primary result code
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("epr::ReviewStore", text);
-}
-
 struct StoredRow {
     ReviewKey key;
     QByteArray blob;
@@ -229,7 +224,8 @@ Result<> ReviewStore::checkHeader()
     if (owner != applicationId && (owner != 0 || things.toInt() > 0))
         return damaged();
     if (value(u"PRAGMA user_version"_s).toInt() > reviewLayout)
-        return failure(tr("a newer version of this program made it, and only that can open it"));
+        return failure(QCoreApplication::translate(
+            "epr::ReviewStore", "a newer version of this program made it, and only that can open it"));
     return {};
 }
 
@@ -380,13 +376,13 @@ template <typename Record> bool ReviewStore::write(QSqlQuery &query, ReviewKey k
 tl::unexpected<QString> ReviewStore::damaged()
 {
     m_isDamaged = true;
-    return failure(tr("it is damaged, or no review of this program"));
+    return failure(QCoreApplication::translate("epr::ReviewStore", "it is damaged, or no review of this program"));
 }
 
 QString ReviewStore::reason() const
 {
     if ((m_error.nativeErrorCode().toInt() & 0xFF) == busy)
-        return tr("another window of this program has it open");
+        return QCoreApplication::translate("epr::ReviewStore", "another window of this program has it open");
     return m_error.text().trimmed();
 }
 
