@@ -12,6 +12,7 @@
 #include <QtConcurrent>
 
 #include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -30,7 +31,10 @@ const TrackInfo *Review::track(int group, int member) const
 
 QString Review::keepText(int group) const
 {
-    return isKeeperByHand(group) ? tr("kept by hand") : epr::keepText(groups().at(group), tracks(), m_options);
+    if (isKeeperByHand(group))
+        return tr("kept by hand");
+    const QString text = epr::keepText(groups().at(group), tracks(), m_options);
+    return text.isEmpty() ? epr::keepText(groups().at(group), tracks(), m_formerOptions) : text;
 }
 
 bool Review::keeps(const QString &path) const
@@ -136,7 +140,7 @@ void Review::restore(const ReviewRecord &record)
 {
     Q_EMIT aboutToBeReset();
     m_decisions.restore(record);
-    m_options = record.options;
+    m_options = m_formerOptions = record.options;
     m_history = {};
     makeSearchTexts();
     Q_EMIT reset();
@@ -146,7 +150,7 @@ void Review::restore(const ReviewRecord &record)
 
 void Review::setKeeperOptions(const ScanOptions &options)
 {
-    m_options = options;
+    m_options = m_formerOptions = options;
 }
 
 void Review::takeDecisions(const QHash<int, GroupDecision> &decisions)
@@ -230,7 +234,7 @@ void Review::keepBetter(int group, qint32 track)
 // Copies that lack a part of the one that is kept now are not proposed any more.
 void Review::chooseKeepers(const KeeperChoice &choice)
 {
-    m_options = choice.options;
+    m_formerOptions = std::exchange(m_options, choice.options);
     perform(tr("Choose Copies to Keep Again"), [&] {
         for (const auto &[group, keep] : choice.changes) {
             const qint32 former = groups().at(group).keep;

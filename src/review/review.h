@@ -141,7 +141,8 @@ private:
 
     Decisions m_decisions;
     DecisionHistory m_history;
-    ScanOptions m_options;
+    ScanOptions m_options; ///< by which the copies to keep were chosen
+    ScanOptions m_formerOptions; ///< before they were chosen again: undo brings those copies back
     QThreadPool m_background; ///< not the global one: painting may need that, and would wait for the end of our work
     QFuture<QStringList> m_searchTexts;
 };

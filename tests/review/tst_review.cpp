@@ -230,6 +230,8 @@ private Q_SLOTS:
         review.setState({ 2 }, GroupState::Done);
         review.setTicked(4, 1, false);
         ScanOptions options;
+        options.keeperPolicy = static_cast<qint32>(KeeperPolicy::OldestFile);
+        review.setKeeperOptions(options);
         options.keeperPolicy = static_cast<qint32>(KeeperPolicy::LargestFile);
         const QString before = sketchOf(review);
         const KeeperChoice choice = chooseKeepersAgain(review, options);
@@ -241,6 +243,7 @@ private Q_SLOTS:
         QCOMPARE(review.keepText(1), u"kept by hand"_s);
         review.undo();
         QCOMPARE(sketchOf(review), before);
+        QCOMPARE(review.keepText(0), u"kept: first of equal copies"_s);
     }
 
     void totalsHoldThroughAnyCourse()
