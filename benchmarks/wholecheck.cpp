@@ -71,7 +71,8 @@ const SoundProfile &Pairs::profile(const QString &path)
 
 QString measuresText(const SoundMeasures &measures)
 {
-    return u"%1 Hz, %2 LUFS, %3 dBTP, %4 clipped, %5 errors%6"_s.arg(measures.bandwidthHz)
+    return u"%1 Hz, %2 Hz clear, %3 LUFS, %4 dBTP, %5 clipped, %6 errors%7"_s.arg(measures.bandwidthHz)
+        .arg(measures.clearTrebleHz)
         .arg(measures.loudness, 0, 'f', 1)
         .arg(measures.truePeak, 0, 'f', 1)
         .arg(measures.clippedSamples)
