@@ -132,8 +132,8 @@ DecisionStep Decisions::end(const QString &text)
     }
     auto marks = std::exchange(m_notedMarks, {});
     std::ranges::stable_sort(marks, {}, &std::pair<std::size_t, quint8>::first);
-    const auto repeated = std::ranges::unique(marks, {}, &std::pair<std::size_t, quint8>::first);
-    marks.erase(repeated.begin(), repeated.end());
+    const auto isSameBit = [](const auto &one, const auto &other) { return one.first == other.first; };
+    marks.erase(std::unique(marks.begin(), marks.end(), isSameBit), marks.end());
     std::size_t group = 0;
     for (const auto &[bit, before] : marks) {
         while (m_firstBit[group + 1] <= bit)

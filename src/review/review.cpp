@@ -340,12 +340,13 @@ int Review::announce(const DecisionStep &step)
     }
     if (!withOtherState.isEmpty())
         Q_EMIT statesChanged(withOtherState);
-    if (concerned.isEmpty() && step.ticks.size() == 1) {
+    const std::size_t ticks = concerned.isEmpty() ? step.ticks.size() : 0;
+    if (ticks > 1)
+        Q_EMIT ticksChanged();
+    if (ticks == 1) {
         const auto [group, member] = m_decisions.placeOf(static_cast<qint32>(step.ticks.front().track));
         concerned << group;
         Q_EMIT tickChanged(group, member);
-    } else if (concerned.isEmpty() && !step.ticks.empty()) {
-        Q_EMIT ticksChanged();
     }
     Q_EMIT totalsChanged();
     return concerned.size() == 1 ? *concerned.cbegin() : -1;
