@@ -355,6 +355,8 @@ void MainWindow::restoreSettings()
         if (!addFolder(folder) && !m_folderPanel->folders().contains(folder))
             onLogMessage(tr("Folder not found and taken off the list: %1").arg(nativePath(folder)));
     }
+    connect(m_folderPanel, &FolderPanel::foldersChanged, this,
+            [this] { SettingsStore().set(settings::folders, m_folderPanel->folders()); });
     new ProtectionDesk(*m_review, *m_folderPanel, this);
     m_options = store.loadScanOptions();
     m_resultsPanel->view()->showColumns(store.value(settings::resultsColumns));
