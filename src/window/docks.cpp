@@ -80,7 +80,7 @@ void ActivityLog::showFrom(const QString &message)
 // Player and log share one place on a small screen, where the results need the height, and stand side by side where
 // there is the width for both. A screen too low for them, one of high magnification, begins without; the player then
 // opens in a window of its own.
-void placeDocks(QMainWindow *window, QDockWidget *player, ActivityLog *log)
+void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *log)
 {
     const QSize screen = window->screen()->availableSize();
     window->addDockWidget(Qt::BottomDockWidgetArea, player);
@@ -101,6 +101,8 @@ void placeDocks(QMainWindow *window, QDockWidget *player, ActivityLog *log)
     }
     constexpr int visibleLines = 6;
     window->resizeDocks({ log }, { visibleLines * log->widget()->fontMetrics().lineSpacing() }, Qt::Vertical);
+    constexpr QSize largest(1600, 1000); // beyond that lines only get too long to read
+    window->resize((screen * 9 / 10).boundedTo(largest));
 }
 
 PlayerDock::PlayerDock(QWidget *parent)

@@ -31,8 +31,8 @@ private:
     QPlainTextEdit *m_text;
 };
 
-/// Puts both docks into the window as a first start shows them.
-void placeDocks(QMainWindow *window, QDockWidget *player, ActivityLog *log);
+/// Puts both docks into the window, which takes nine tenths of the screen.
+void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *log);
 
 /// The comparison player's place in the main window, with the commands that work it from the menu and by key. Loading a
 /// deck brings the player to the front; hidden, it pauses.

@@ -5,13 +5,17 @@
 #include "application.h"
 #include "checkdesk.h"
 #include "docks.h"
+#include "helpdialogs.h"
 #include "memberactions.h"
 #include "reviewdesk.h"
 #include "reviewfiles.h"
 
 #include <QCoreApplication>
+#include <QDesktopServices>
+#include <QMainWindow>
 #include <QMenuBar>
 #include <QToolBar>
+#include <QUrl>
 
 namespace epr {
 
@@ -65,6 +69,7 @@ MainActions::MainActions(QWidget *window)
     settings->setMenuRole(QAction::PreferencesRole);
     about->setMenuRole(QAction::AboutRole);
     removeSelected->setShortcutContext(Qt::WidgetWithChildrenShortcut); // elsewhere the key deletes other things
+    connect(website, &QAction::triggered, this, [] { QDesktopServices::openUrl(QUrl(metadata::makerUrl())); });
     enableFor({});
 }
 
@@ -91,6 +96,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     const auto addMenu = [bar](const QString &title, const QList<QList<QAction *>> &actions) {
         fill(bar->addMenu(title), actions);
     };
+    connect(shortcuts, &QAction::triggered, bar, [bar] { ShortcutsDialog(bar, bar->window()).exec(); });
     for (QAction *view : parts.views + parts.columns)
         view->setStatusTip(QCoreApplication::translate("epr::MainMenus", "Show this part of the window, or hide it."));
     const MemberActions &member = *parts.member;
@@ -120,8 +126,11 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
             { { shortcuts, checkForUpdates }, { website, about } });
 }
 
-void MainActions::fillToolBar(QToolBar *bar) const
+QToolBar *MainActions::addToolBar(QMainWindow *window) const
 {
+    QToolBar *bar = window->addToolBar(QCoreApplication::translate("epr::MainWindow", "Main"));
+    bar->setObjectName(u"mainToolBar"_s);
+    bar->toggleViewAction()->setText(QCoreApplication::translate("epr::MainWindow", "Toolbar"));
     bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
     bar->addAction(addFolder);
     bar->addSeparator();
@@ -131,6 +140,7 @@ void MainActions::fillToolBar(QToolBar *bar) const
     bar->addSeparator();
     bar->addActions({ removeSelected, undoCleanup });
     bar->widgetForAction(startScan)->setObjectName(u"startScanButton"_s); // the style sheet colours it
+    return bar;
 }
 
 QAction *MainActions::make(const QString &text, const QKeySequence &key, const QString &tip)

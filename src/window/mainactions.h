@@ -4,6 +4,7 @@
 
 #include <QAction>
 
+class QMainWindow;
 class QMenuBar;
 class QToolBar;
 
@@ -46,7 +47,7 @@ public:
 
     void enableFor(const Situation &situation);
     void fillMenuBar(QMenuBar *bar, const MenuParts &parts) const; ///< with all that the program can do
-    void fillToolBar(QToolBar *bar) const; ///< with what a clean-up needs from its beginning to its end
+    QToolBar *addToolBar(QMainWindow *window) const; ///< with what a clean-up needs from its beginning to its end
 
     QAction *const addFolder;
     QAction *const removeFolder;

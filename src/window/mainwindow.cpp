@@ -15,6 +15,7 @@
 #include "mainactions.h"
 #include "memberactions.h"
 #include "notices.h"
+#include "playerdesk.h"
 #include "protectiondesk.h"
 #include "resultspanel.h"
 #include "resultsview.h"
@@ -28,11 +29,9 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QFileDialog>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QThread>
@@ -56,17 +55,16 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowTitle(metadata::applicationName());
     setWindowIcon(startup::applicationIcon());
     createPanels();
-    placeDocks(this, m_playerDock, m_log);
+    placeForFirstStart(this, m_playerDock, m_log);
+    m_playerDesk = new PlayerDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     m_reviewDesk = new ReviewDesk({ m_review, m_resultsPanel, m_memberActions }, this);
     m_reviewFiles = new ReviewFiles({ m_review, m_resultsPanel, m_checks }, this);
     connectActions();
     createMenus();
-    placeOnScreen();
     restoreSettings();
     connectCommands();
     connectScan();
-    connectPlayer();
     refreshActions();
     m_scanThread->start();
     onLogMessage(tr("%1 %2 ready.").arg(metadata::applicationName(), metadata::version()));
@@ -311,9 +309,6 @@ void MainWindow::connectActions()
     for (const auto &[action, slot] : commands)
         connect(action, &QAction::triggered, this, slot);
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::close);
-    connect(m_actions->shortcuts, &QAction::triggered, this, [this] { ShortcutsDialog(menuBar(), this).exec(); });
-    connect(m_actions->website, &QAction::triggered, this,
-            [] { QDesktopServices::openUrl(QUrl(metadata::makerUrl())); });
     connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
     connect(m_actions->nextGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(+1); });
     connect(m_actions->previousGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(-1); });
@@ -322,10 +317,7 @@ void MainWindow::connectActions()
 
 void MainWindow::createMenus()
 {
-    QToolBar *toolBar = addToolBar(tr("Main"));
-    toolBar->setObjectName(u"mainToolBar"_s);
-    toolBar->toggleViewAction()->setText(tr("Toolbar"));
-    m_actions->fillToolBar(toolBar);
+    const QToolBar *toolBar = m_actions->addToolBar(this);
     m_actions->fillMenuBar(
         menuBar(),
         { m_memberActions,
@@ -336,13 +328,6 @@ void MainWindow::createMenus()
           m_checks,
           m_reviewDesk,
           m_reviewFiles });
-}
-
-// Nine tenths of the screen up to a size beyond which lines only get too long to read.
-void MainWindow::placeOnScreen()
-{
-    const QSize available = screen()->availableSize();
-    resize((available * 9 / 10).boundedTo(QSize(1600, 1000)));
 }
 
 void MainWindow::restoreSettings()
@@ -361,10 +346,7 @@ void MainWindow::restoreSettings()
     m_options = store.loadScanOptions();
     m_resultsPanel->view()->showColumns(store.value(settings::resultsColumns));
     m_quarantineRoot = store.value(settings::quarantineRoot);
-    const bool hasRoom = !isFirstStart || !m_playerDock->isHidden();
-    m_playerDock->setVisible(store.value(settings::showPlayer) && hasRoom);
-    m_playerDock->player()->setLinked(store.value(settings::linkDecks));
-    m_playerDock->player()->setSameLoudness(store.value(settings::sameLoudness));
+    m_playerDesk->restore(store, isFirstStart);
 }
 
 void MainWindow::connectScan()
@@ -384,17 +366,6 @@ void MainWindow::connectScan()
     connect(m_controller, &ScanController::failed, this, &MainWindow::onScanFailed);
 }
 
-void MainWindow::connectPlayer()
-{
-    connect(m_resultsPanel, &ResultsPanel::memberActivated, m_playerDock, &PlayerDock::loadIntoFreeDeck);
-    connect(m_memberActions, &MemberActions::loadRequested, m_playerDock, &PlayerDock::load);
-    connect(m_memberActions, &MemberActions::compareRequested, m_playerDock, &PlayerDock::compare);
-    connect(m_playerDock->player(), &ComparePlayer::logMessage, this, &MainWindow::onLogMessage);
-    connect(m_playerDock->player(), &ComparePlayer::tracksChanged, this, &MainWindow::markLoadedCopies);
-    connect(m_review, &Review::reset, this, &MainWindow::markLoadedCopies);
-    connect(m_review, &Review::keeperChanged, this, &MainWindow::markLoadedCopies);
-}
-
 void MainWindow::connectCommands()
 {
     for (const Command *command :
@@ -411,8 +382,7 @@ void MainWindow::connectCommands()
             [this](const QString &folder) { m_quarantineRoot = folder; });
     connect(m_review, &Review::reset, this, &MainWindow::refreshActions);
     connect(m_cleanup, &CleanupCommand::filesRestored, m_resultsPanel, &ResultsPanel::addRestored);
-    connect(m_cleanup, &CleanupCommand::aboutToRemove, m_playerDock->player(), &ComparePlayer::release);
-    connect(m_cleanup, &CleanupCommand::filesRemoved, m_playerDock->player(), &ComparePlayer::clearVanished);
+    connect(m_playerDesk, &PlayerDesk::logMessage, this, &MainWindow::onLogMessage);
 }
 
 void MainWindow::saveSettings() const
@@ -424,9 +394,7 @@ void MainWindow::saveSettings() const
     store.saveScanOptions(m_options);
     store.set(settings::resultsColumns, m_resultsPanel->view()->shownColumns());
     store.set(settings::quarantineRoot, m_quarantineRoot);
-    store.set(settings::showPlayer, !m_playerDock->isHidden());
-    store.set(settings::linkDecks, m_playerDock->player()->isLinked());
-    store.set(settings::sameLoudness, m_playerDock->player()->hasSameLoudness());
+    m_playerDesk->save(store);
 }
 
 void MainWindow::setScanning(bool scanning)
@@ -451,17 +419,6 @@ void MainWindow::refreshActions()
                            .isStopping = m_isStopping,
                            .hasFolderSelection = m_folderPanel->hasSelection(),
                            .hasGroups = !m_review->groups().isEmpty() });
-}
-
-void MainWindow::markLoadedCopies()
-{
-    PerDeck<QString> paths;
-    for (const Deck deck : bothDecks) {
-        paths[deck] = m_playerDock->player()->track(deck).path;
-        m_playerDock->player()->setKept(deck, m_review->keeps(paths[deck]));
-    }
-    m_playerDock->player()->setOffset(m_review->offsetBetween(paths.a, paths.b));
-    m_resultsPanel->setLoaded(paths);
 }
 
 // A scan of hours is watched from the task bar.

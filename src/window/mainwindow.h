@@ -19,6 +19,7 @@ class ExportCommand;
 class FolderPanel;
 class MainActions;
 class MemberActions;
+class PlayerDesk;
 class PlayerDock;
 class ResultsPanel;
 class Review;
@@ -76,15 +77,12 @@ private:
     void createPanels();
     void connectActions();
     void createMenus();
-    void placeOnScreen();
     void restoreSettings();
     void connectScan();
-    void connectPlayer();
     void connectCommands();
     void saveSettings() const;
     void setScanning(bool scanning);
     void refreshActions();
-    void markLoadedCopies(); ///< in the results, and in the decks whether they are kept
     void refreshTitle();
     void report(const QString &message); ///< in the status label and as a log line
     bool confirmClose();
@@ -106,6 +104,7 @@ private:
     ResultsPanel *m_resultsPanel = nullptr;
     ActivityLog *m_log = nullptr;
     PlayerDock *m_playerDock = nullptr;
+    PlayerDesk *m_playerDesk = nullptr;
     ScanStrip *m_strip = nullptr;
     CheckDesk *m_checks = nullptr;
     ReviewDesk *m_reviewDesk = nullptr;
