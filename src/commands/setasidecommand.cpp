@@ -2,8 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "setasidecommand.h"
 
+#include "backgroundwork.h"
 #include "review.h"
 #include "setasidedialog.h"
+
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
 
 namespace epr {
 
@@ -14,19 +20,28 @@ SetAsideCommand::SetAsideCommand(Review &review, QWidget *window)
 {
     connect(&review, &Review::statesChanged, this, &SetAsideCommand::follow);
     connect(&review, &Review::reset, this, &SetAsideCommand::noteGroups);
+    // Once everybody knows of the other groups, since it may take ticks away.
+    connect(&review, &Review::reset, createSoonTimer(this, [this] { notePairs(); }), qOverload<>(&QTimer::start));
 }
 
 void SetAsideCommand::takeResults()
 {
     open();
     m_review.takeDecisions(setAsideDecisions(m_store.all(), m_review));
+    notePairs();
     if (const QString text = setAsideText(m_review.totals().setAside); !text.isEmpty())
         Q_EMIT logMessage(tr("%1 Tools > Not Duplicates lists them.").arg(text));
 }
 
+// Groups that were set aside while the file could not be used are restored here as well.
 void SetAsideCommand::showAll()
 {
+    m_lastError.clear();
     open();
+    for (int group = 0; group < m_review.groups().size(); ++group) {
+        if (m_review.state(group) == GroupState::NotDuplicates)
+            store(group);
+    }
     SetAsideDialog dialog(m_store.all().groups(), window());
     connect(&dialog, &SetAsideDialog::restoreRequested, this, &SetAsideCommand::restore);
     dialog.exec();
@@ -37,13 +52,20 @@ void SetAsideCommand::open()
 {
     if (m_store.isOpen())
         return;
-    if (const Result<> opened = m_store.open(); !opened)
-        report(opened.error());
+    const Result<> opened = m_store.open();
+    const QString error = opened ? QString() : opened.error();
+    if (error != std::exchange(m_lastError, error) && !error.isEmpty())
+        report(error);
 }
 
 void SetAsideCommand::follow(const QList<int> &groups)
 {
-    open();
+    const auto isConcerned = [this](int group) {
+        return m_review.state(group) == GroupState::NotDuplicates
+            || m_setAside.contains(m_review.groups().at(group).id);
+    };
+    if (std::ranges::any_of(groups, isConcerned))
+        open();
     for (const int group : groups) {
         const qint32 id = m_review.groups().at(group).id;
         const bool wasSetAside = m_setAside.contains(id);
@@ -64,6 +86,13 @@ void SetAsideCommand::noteGroups()
         if (m_review.state(group) == GroupState::NotDuplicates)
             m_setAside << m_review.groups().at(group).id;
     }
+}
+
+void SetAsideCommand::notePairs()
+{
+    if (!m_review.groups().isEmpty())
+        open();
+    m_review.setApart(pairsApart(m_store.all(), m_review));
 }
 
 void SetAsideCommand::store(int group)
@@ -93,6 +122,7 @@ void SetAsideCommand::restore(const QList<qint64> &ids)
             back << group;
     }
     m_review.setState(back, GroupState::Undecided);
+    notePairs();
     report(
         tr("%Ln group(s) restored; those of the results are back in the list.", nullptr, static_cast<int>(ids.size())));
 }

@@ -24,6 +24,7 @@ private:
     void open();
     void follow(const QList<int> &groups);
     void noteGroups();
+    void notePairs();
     void store(int group);
     void forget(int group);
     void restore(const QList<qint64> &ids);
@@ -32,6 +33,7 @@ private:
     Review &m_review;
     SetAsideStore m_store;
     QSet<qint32> m_setAside; ///< numbers of groups, to know which of them were
+    QString m_lastError; ///< of opening, said once
 };
 
 } // namespace epr

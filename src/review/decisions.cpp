@@ -47,7 +47,7 @@ void Decisions::setResults(const QList<TrackInfo> &tracks, const QList<MatchGrou
     m_facts.resize(static_cast<std::size_t>(groups.size()));
     layOut();
     m_marks.assign(m_firstBit.back(), 0);
-    setTicks([](bool, bool isProposed) { return isProposed; });
+    setTicks([](bool, bool isDuplicate) { return isDuplicate; });
     countGroups();
 }
 
@@ -97,7 +97,21 @@ bool Decisions::mayBeTicked(int group, int member) const
 {
     const qint32 track = m_groups.at(group).members.at(member);
     return m_facts[static_cast<std::size_t>(group)].state != GroupState::NotDuplicates
-        && (m_fileStates.isEmpty() || fileState(track) == FileState::AsScanned) && !isProtected(track);
+        && (m_fileStates.isEmpty() || (fileState(track) == FileState::AsScanned && isKeptAsScanned(group)))
+        && !isProtected(track);
+}
+
+bool Decisions::isDuplicate(int group, int member) const
+{
+    const MatchGroup &record = m_groups.at(group);
+    return isProposed(record, record.members.at(member)) && !isApartFromKept(group, member);
+}
+
+bool Decisions::isApartFromKept(int group, int member) const
+{
+    const MatchGroup &record = m_groups.at(group);
+    const qint32 track = record.members.at(member);
+    return !m_apart.isEmpty() && m_apart.contains({ std::min(track, record.keep), std::max(track, record.keep) });
 }
 
 int Decisions::groupOf(qint32 id) const
@@ -158,13 +172,15 @@ void Decisions::setTick(int group, int member, bool ticked, bool byHand)
         setMark(group, member, markOf(ticked, byHand));
 }
 
-void Decisions::setTicks(const std::function<bool(bool wasTicked, bool isProposed)> &ticked)
+// No command for all of them ticks what was said to be no duplicate.
+void Decisions::setTicks(const std::function<bool(bool wasTicked, bool isDuplicate)> &ticked)
 {
     for (int group = 0; group < m_groups.size(); ++group) {
-        const MatchGroup &record = m_groups.at(group);
-        for (int member = 0; member < record.members.size(); ++member)
-            setTick(group, member, ticked(isTicked(group, member), isProposed(record, record.members.at(member))),
+        for (int member = 0; member < m_groups.at(group).members.size(); ++member) {
+            const bool was = isTicked(group, member);
+            setTick(group, member, ticked(was, isDuplicate(group, member)) && (was || !isApartFromKept(group, member)),
                     false);
+        }
     }
 }
 
@@ -186,8 +202,8 @@ void Decisions::setFacts(int group, const GroupFacts &facts)
         record.reclaimableBytes = reclaimable(record);
         own.keeperByHand = facts.keeperByHand;
     }
-    for (int member = 0; own.state == GroupState::NotDuplicates && member < record.members.size(); ++member)
-        setTick(group, member, false, false);
+    if (own.state == GroupState::NotDuplicates || !isKeptAsScanned(group))
+        untickAll(group);
 }
 
 void Decisions::setDecision(int group, const GroupDecision &decision)
@@ -212,7 +228,9 @@ int Decisions::untickDoubted(int group)
     const MatchGroup &record = m_groups.at(group);
     int unticked = 0;
     for (int member = 0; member < record.members.size(); ++member) {
-        if (isTicked(group, member) && isDoubted(record, record.members.at(member))) {
+        const bool isDoubtful = isDoubted(record, record.members.at(member))
+            || (!isTickByHand(group, member) && isApartFromKept(group, member));
+        if (isTicked(group, member) && isDoubtful) {
             setTick(group, member, false, false);
             ++unticked;
         }
@@ -228,8 +246,11 @@ void Decisions::setFileStates(const QHash<qint32, FileState> &states)
         else
             m_fileStates.insert(track, state);
         const auto [group, member] = placeOf(track);
-        if (member >= 0 && state != FileState::AsScanned)
-            setTick(group, member, false, false);
+        if (member < 0 || state == FileState::AsScanned)
+            continue;
+        if (track == m_groups.at(group).keep)
+            untickAll(group);
+        setTick(group, member, false, false);
     }
     countGroups();
 }
@@ -240,6 +261,15 @@ void Decisions::setProtected(const QSet<qint32> &tracks)
     for (const qint32 track : tracks) {
         if (const auto [group, member] = placeOf(track); member >= 0 && isTicked(group, member))
             setTick(group, member, false, false);
+    }
+}
+
+void Decisions::setApart(const Pairs &pairs)
+{
+    m_apart = pairs;
+    for (const auto &[one, other] : pairs) {
+        if (const int group = placeOf(one).first; group >= 0)
+            untickDoubted(group);
     }
 }
 
@@ -275,8 +305,11 @@ void Decisions::removeMembers(const QSet<qint32> &tracks)
     }
     layOut();
     countTicks();
-    for (const int group : withOtherKeeper)
+    for (const int group : withOtherKeeper) {
         untickDoubted(group);
+        if (!isKeptAsScanned(group))
+            untickAll(group);
+    }
     countGroups();
 }
 
@@ -319,6 +352,12 @@ quint8 Decisions::markAt(int group, int member) const
                                | (record.members.at(member) == record.keep ? MarkKept : 0));
 }
 
+void Decisions::untickAll(int group)
+{
+    for (int member = 0; member < m_groups.at(group).members.size(); ++member)
+        setTick(group, member, false, false);
+}
+
 void Decisions::note(int group, int member)
 {
     if (m_isNoting && member >= 0)
@@ -344,6 +383,7 @@ bool Decisions::mayApply(int group, int member, quint8 mark) const
     const qint32 track = record.members.at(member);
     return (mark & MarkTicked) == 0
         || (mayBeTicked(group, member) && !isDoubted(record, track)
+            && (!isApartFromKept(group, member) || (mark & MarkByHand) != 0)
             && (record.keep != track || (mark & MarkKept) != 0));
 }
 

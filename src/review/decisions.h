@@ -20,6 +20,7 @@ namespace epr {
 class Decisions final {
 public:
     using Place = std::pair<int, int>; ///< group and member
+    using Pairs = QSet<std::pair<qint32, qint32>>; ///< of tracks, the smaller number first
 
     /// Nothing is decided, and each copy is ticked that a scan proposes to remove.
     void setResults(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
@@ -37,7 +38,9 @@ public:
     FileState fileState(qint32 track) const { return m_fileStates.value(track); }
     const QSet<qint32> &protectedTracks() const { return m_protected; }
     bool isProtected(qint32 track) const { return m_protected.contains(track); }
-    bool mayBeTicked(int group, int member) const;
+    bool isKeptAsScanned(int group) const { return fileState(m_groups.at(group).keep) == FileState::AsScanned; }
+    const Pairs &apart() const { return m_apart; }
+    bool mayBeTicked(int group, int member) const; ///< never where the copy to keep is not as it was scanned
     int groupOf(qint32 id) const; ///< -1 if there is none
     Place placeOf(qint32 track, Place before = { -1, -1 }) const; ///< negative if no group has it; looks behind first
 
@@ -45,15 +48,19 @@ public:
     void begin();
     DecisionStep end(const QString &text);
 
+    /// Whether a scan proposes to remove it, and it was not said to be no duplicate of the copy to keep.
+    bool isDuplicate(int group, int member) const;
+
     /// Refuses to tick what may not be ticked. A mark that is not by hand leaves one alone that already has this tick.
     void setTick(int group, int member, bool ticked, bool byHand);
-    void setTicks(const std::function<bool(bool wasTicked, bool isProposed)> &ticked); ///< of all that may be
+    void setTicks(const std::function<bool(bool wasTicked, bool isDuplicate)> &ticked); ///< of all that may be
     void setFacts(int group, const GroupFacts &facts); ///< the copy to keep is unticked if it is another one
     void setDecision(int group, const GroupDecision &decision);
     int setCheck(int group, const GroupCheck &check); ///< how many copies it unticked
-    int untickDoubted(int group); ///< how many that were
+    int untickDoubted(int group); ///< how many that were; with those that are no duplicates, unless ticked by hand
     void setFileStates(const QHash<qint32, FileState> &states); ///< of these; unticks what is not as it was scanned
     void setProtected(const QSet<qint32> &tracks); ///< these and no others; unticks them
+    void setApart(const Pairs &pairs); ///< these are no duplicates of each other, and no others; unticks them
     void removeMembers(const QSet<qint32> &tracks);
 
     /// Undoes a step, or does it once more, as far as what it names is there and may be ticked. Marks of a copy that is
@@ -69,6 +76,8 @@ private:
     std::size_t bitOf(int group, int member) const;
     qint64 reclaimable(const MatchGroup &group) const;
     quint8 markAt(int group, int member) const; ///< with MarkKept
+    bool isApartFromKept(int group, int member) const;
+    void untickAll(int group);
     void note(int group, int member);
     void setMark(int group, int member, quint8 mark);
     bool mayApply(int group, int member, quint8 mark) const;
@@ -86,6 +95,7 @@ private:
     std::vector<qint32> m_groupOfTrack; ///< -1 = in none
     QHash<qint32, FileState> m_fileStates; ///< of tracks that are not as they were scanned
     QSet<qint32> m_protected; ///< tracks
+    Pairs m_apart;
     ReviewTotals m_totals;
 
     bool m_isNoting = false;

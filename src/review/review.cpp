@@ -169,7 +169,7 @@ void Review::takeDecisions(const QHash<int, GroupDecision> &decisions)
 void Review::tickDuplicates()
 {
     perform(tr("Select All Duplicates"),
-            [this] { m_decisions.setTicks([](bool, bool proposed) { return proposed; }); });
+            [this] { m_decisions.setTicks([](bool, bool isDuplicate) { return isDuplicate; }); });
 }
 
 void Review::clearTicks()
@@ -213,7 +213,7 @@ void Review::setKeeper(int group, qint32 track)
         m_decisions.setFacts(group, { track, true, state(group) });
         if (oldMember >= 0 && passTick)
             m_decisions.setTick(group, oldMember, true, false);
-        m_decisions.untickDoubted(group);
+        m_decisions.untickDoubted(group); // of the former keeper as well
     });
 }
 
@@ -224,9 +224,8 @@ void Review::keepBetter(int group, qint32 track)
     perform(tr("Keep the Better Copy"), [&] {
         m_decisions.setFacts(group, { track, true, state(group) });
         m_decisions.untickDoubted(group);
-        const MatchGroup &record = groups().at(group);
-        const auto member = static_cast<int>(record.members.indexOf(former));
-        if (member >= 0 && isProposed(record, former))
+        const auto member = static_cast<int>(groups().at(group).members.indexOf(former));
+        if (member >= 0 && m_decisions.isDuplicate(group, member))
             m_decisions.setTick(group, member, true, false);
     });
 }
@@ -244,10 +243,11 @@ void Review::chooseKeepers(const KeeperChoice &choice)
             for (int member = 0; member < record.members.size(); ++member) {
                 const qint32 track = record.members.at(member);
                 const bool wasTicked = track == former ? passTick : isTicked(group, member);
-                m_decisions.setTick(group, member, wasTicked && isProposed(record, track), false);
+                m_decisions.setTick(group, member, wasTicked && m_decisions.isDuplicate(group, member), false);
             }
         }
     });
+    Q_EMIT keeperOptionsChanged();
 }
 
 void Review::setState(const QList<int> &groups, GroupState state)
@@ -284,6 +284,15 @@ void Review::setProtected(const QSet<qint32> &tracks)
     if (tracks == m_decisions.protectedTracks())
         return;
     m_decisions.setProtected(tracks);
+    Q_EMIT fileStatesChanged();
+    Q_EMIT totalsChanged();
+}
+
+void Review::setApart(const Decisions::Pairs &pairs)
+{
+    if (pairs == m_decisions.apart())
+        return;
+    m_decisions.setApart(pairs);
     Q_EMIT fileStatesChanged();
     Q_EMIT totalsChanged();
 }
@@ -340,16 +349,20 @@ int Review::announce(const DecisionStep &step)
     }
     if (!withOtherState.isEmpty())
         Q_EMIT statesChanged(withOtherState);
-    const std::size_t ticks = concerned.isEmpty() ? step.ticks.size() : 0;
-    if (ticks > 1)
-        Q_EMIT ticksChanged();
-    if (ticks == 1) {
-        const auto [group, member] = m_decisions.placeOf(static_cast<qint32>(step.ticks.front().track));
+    const auto placeOf = [this](DecisionStep::Tick tick) {
+        return m_decisions.placeOf(static_cast<qint32>(tick.track));
+    };
+    if (concerned.isEmpty() && step.ticks.size() == 1) {
+        const auto [group, member] = placeOf(step.ticks.front());
         concerned << group;
         Q_EMIT tickChanged(group, member);
     }
+    const bool hasOthers = std::ranges::any_of(
+        step.ticks, [&](DecisionStep::Tick tick) { return !concerned.contains(placeOf(tick).first); });
+    if (hasOthers)
+        Q_EMIT ticksChanged();
     Q_EMIT totalsChanged();
-    return concerned.size() == 1 ? *concerned.cbegin() : -1;
+    return concerned.size() == 1 && !hasOthers ? *concerned.cbegin() : -1;
 }
 
 int Review::applyStep(const DecisionStep &step, bool backwards)
@@ -372,6 +385,8 @@ QString Review::refusal(int group, int member) const
     if (m_decisions.mayBeTicked(group, member))
         return {};
     const qint32 track = groups().at(group).members.at(member);
+    if (state(group) == GroupState::NotDuplicates)
+        return tr("This group is set aside as not duplicates.");
     if (isProtected(track))
         return tr("This copy is in a protected folder and is never removed.");
     switch (fileState(track)) {
@@ -382,7 +397,7 @@ QString Review::refusal(int group, int member) const
     case FileState::AsScanned:
         break;
     }
-    return tr("This group is set aside as not duplicates.");
+    return tr("The copy to keep of this group changed or is gone since the scan. Choose another one to keep first.");
 }
 
 } // namespace epr

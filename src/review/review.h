@@ -104,6 +104,10 @@ public:
     /// Which tracks are in protected folders: these are unticked, and nobody can tick them.
     void setProtected(const QSet<qint32> &tracks);
 
+    /// Which tracks were said to be no duplicates of each other: none of such a pair is ticked beside the other as the
+    /// copy to keep, unless the operator ticks it.
+    void setApart(const Decisions::Pairs &pairs);
+
     /// Takes out the members that refer to these tracks, and every group left with fewer than two members. The other
     /// groups keep their numbers and ticks. Where the copy to keep went, the first unticked one takes its place, lest a
     /// report propose every copy of a group.
@@ -127,7 +131,8 @@ Q_SIGNALS:
     void keeperChanged(int group); ///< and with it ticks of the group
     void checkChanged(int group); ///< the same
     void statesChanged(const QList<int> &groups); ///< the same
-    void fileStatesChanged(); ///< the same; or which copies are protected
+    void fileStatesChanged(); ///< the same; or which copies are protected, or no duplicates of each other
+    void keeperOptionsChanged(); ///< by which the copies to keep were chosen again
     void totalsChanged(); ///< after whichever of the others it was
     void historyChanged();
     void tickRefused(const QString &reason); ///< the operator's own

@@ -24,6 +24,28 @@ QString nameOf(const TrackInfo &track)
                                       : u"%1 - %2 (%3)"_s.arg(displayArtist(track), track.tags.title, track.fileName);
 }
 
+/// Those of a group. In one of very many files a pair counts only beside the copy to keep.
+void addPairs(Decisions::Pairs &pairs, const SetAside &setAside, const MatchGroup &group,
+              const QList<TrackInfo> &tracks)
+{
+    constexpr qsizetype many = 200;
+    QList<qint32> members = group.members;
+    members.removeIf([&](qint32 member) { return !setAside.mentions(keyOf(tracks.value(member))); });
+    if (members.size() < 2)
+        return;
+    QHash<QString, SetAsideContent> contents;
+    for (const SetAsideContent &content : contentsOf(group, tracks))
+        contents.insert(content.key, content);
+    for (const qint32 one : members) {
+        const SetAsideContent content = contents.value(keyOf(tracks.value(one)));
+        for (const qint32 other : members) {
+            const bool isAsked = one < other && (members.size() <= many || one == group.keep || other == group.keep);
+            if (isAsked && setAside.areApart(content, contents.value(keyOf(tracks.value(other)))))
+                pairs.insert({ one, other });
+        }
+    }
+}
+
 } // namespace
 
 void SetAside::add(const SetAsideGroup &group)
@@ -127,27 +149,23 @@ QHash<int, GroupDecision> setAsideDecisions(const SetAside &setAside, const Revi
 {
     QHash<int, GroupDecision> found;
     for (int group = 0; group < review.groups().size() && !setAside.isEmpty(); ++group) {
-        const MatchGroup &record = review.groups().at(group);
-        const QList<SetAsideContent> contents = contentsOf(record, review.tracks());
-        GroupDecision decision = review.decision(group);
-        if (setAside.areAllApart(contents)) {
-            decision.state = GroupState::NotDuplicates;
-            found.insert(group, decision);
+        if (!setAside.areAllApart(contentsOf(review.groups().at(group), review.tracks())))
             continue;
-        }
-        const auto contentOf = [&](qint32 track) {
-            const QString key = keyOf(review.tracks().value(track));
-            return *std::ranges::find(contents, key, &SetAsideContent::key);
-        };
-        for (qsizetype i = 0; i < record.members.size() && record.members.contains(record.keep); ++i) {
-            if (decision.ticked.at(i) && !decision.byHand.at(i)
-                && setAside.areApart(contentOf(record.members.at(i)), contentOf(record.keep)))
-                decision.ticked[i] = false;
-        }
-        if (decision != review.decision(group))
-            found.insert(group, decision);
+        GroupDecision decision = review.decision(group);
+        decision.state = GroupState::NotDuplicates;
+        found.insert(group, decision);
     }
     return found;
+}
+
+Decisions::Pairs pairsApart(const SetAside &setAside, const Review &review)
+{
+    Decisions::Pairs pairs;
+    for (int group = 0; group < review.groups().size() && !setAside.isEmpty(); ++group) {
+        if (review.state(group) != GroupState::NotDuplicates)
+            addPairs(pairs, setAside, review.groups().at(group), review.tracks());
+    }
+    return pairs;
 }
 
 } // namespace epr

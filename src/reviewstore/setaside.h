@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "reviewrecord.h"
+#include "decisions.h"
 
 #include <QMap>
 
@@ -38,6 +38,7 @@ public:
 
     bool isEmpty() const { return m_groups.isEmpty(); }
     QList<SetAsideGroup> groups() const { return m_groups.values(); }
+    bool mentions(const QString &key) const { return m_byKey.contains(key); }
     bool areApart(const SetAsideContent &one, const SetAsideContent &other) const;
     bool areAllApart(const QList<SetAsideContent> &contents) const;
     QList<qint64> of(const QList<SetAsideContent> &contents) const; ///< made of just these
@@ -55,8 +56,10 @@ private:
 /// Ascending by key.
 QList<SetAsideContent> contentsOf(const MatchGroup &group, const QList<TrackInfo> &tracks);
 
-/// The groups of a scan that were set aside before, and those with a copy that is no duplicate of the kept one, which
-/// is then not ticked unless the operator did it.
+/// The groups of a scan that were set aside before.
 QHash<int, GroupDecision> setAsideDecisions(const SetAside &setAside, const Review &review);
+
+/// Which tracks of the other groups were set aside from each other.
+Decisions::Pairs pairsApart(const SetAside &setAside, const Review &review);
 
 } // namespace epr

@@ -219,6 +219,44 @@ private Q_SLOTS:
         QCOMPARE(sketchOf(review), u"a b c*"_s);
     }
 
+    void whatIsNoDuplicateOfTheKeptCopyIsTickedByHandOnly()
+    {
+        Review review;
+        fill(review, u"a* b c / d e*"_s);
+        review.setApart({ { 0, 1 } });
+        QCOMPARE(sketchOf(review), u"a* b c! / d! e*"_s);
+        review.clearTicks();
+        review.tickDuplicates();
+        QCOMPARE(sketchOf(review), u"a* b c! / d! e*"_s);
+        review.invertTicks();
+        QCOMPARE(sketchOf(review), u"a*! b c / d e*!"_s);
+        review.tickDuplicates();
+        review.setKeeper(0, 2);
+        QCOMPARE(sketchOf(review), u"a! b c* / d! e*"_s);
+        review.setTicked(0, 1, true);
+        review.setKeeper(0, 0);
+        QCOMPARE(sketchOf(review), u"a* b! c! / d! e*"_s);
+    }
+
+    // Removal would refuse each of them; until then the totals must not promise what cannot be done.
+    void nothingIsTickedBesideAKeptCopyThatWent()
+    {
+        Review review;
+        fill(review, u"a* b c / d e*"_s);
+        QSignalSpy refused(&review, &Review::tickRefused);
+        review.setTicked(0, 2, true);
+        review.setFileStates({ { 0, FileState::Changed } });
+        review.tickDuplicates();
+        review.setTicked(0, 1, true);
+        QCOMPARE(sketchOf(review), u"a* b c / d! e*"_s);
+        QCOMPARE(refused.size(), 1);
+        review.setKeeper(0, 2);
+        review.setTicked(0, 1, true);
+        QCOMPARE(sketchOf(review), u"a b! c* / d! e*"_s);
+        review.setKeeper(0, 0);
+        QCOMPARE(sketchOf(review), u"a* b c / d! e*"_s);
+    }
+
     void keepersAreChosenAgainInOneStep()
     {
         Review review;

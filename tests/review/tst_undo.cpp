@@ -121,7 +121,7 @@ private Q_SLOTS:
                     QVERIFY(review.groups().at(group).members.contains(decision.keep));
                     for (qsizetype member = 0; member < decision.ticked.size(); ++member)
                         QVERIFY(!decision.ticked.at(member)
-                                || (decision.state != GroupState::NotDuplicates
+                                || (decision.state != GroupState::NotDuplicates && !gone.contains(decision.keep)
                                     && !gone.contains(review.groups().at(group).members.at(member))));
                 }
             }
@@ -142,6 +142,18 @@ private Q_SLOTS:
                 review.setFileStates({ { 2, FileState::Vanished } });
             },
             u"a* b! c / d! e*"_s);
+        row(
+            "the kept copy vanished",
+            [](Review &review) {
+                review.setFileStates({ { 0, FileState::Vanished } });
+            },
+            u"a* b c / d! e*"_s);
+        row(
+            "one is no duplicate of the kept copy",
+            [](Review &review) {
+                review.setApart({ { 0, 1 } });
+            },
+            u"a* b c! / d! e*"_s);
         row(
             "one changed and came back",
             [](Review &review) {
