@@ -39,7 +39,7 @@ public:
         return then.size == track.size && then.mtime == track.mtime ? std::optional(entry->earlier) : std::nullopt;
     }
 
-    bool isDone(qsizetype group) const { return m_review.decisions.at(group).state == GroupState::Done; }
+    GroupState state(qsizetype group) const { return m_review.decisions.at(group).state; }
 
 private:
     struct Entry {
@@ -82,15 +82,15 @@ public:
         for (const qint32 member : group.members)
             m_earlier.append(memory.of(tracks.value(member)));
         const std::optional<Earlier> first = m_earlier.value(0);
-        m_isDone = first && memory.isDone(first->group) && std::ranges::all_of(m_earlier, [&](const auto &earlier) {
-                       return earlier && earlier->group == first->group;
-                   });
+        const auto isOfFirst = [&first](const auto &earlier) { return earlier && earlier->group == first->group; };
+        if (first && std::ranges::all_of(m_earlier, isOfFirst))
+            m_state = memory.state(first->group);
     }
 
     GroupDecision decide()
     {
         GroupDecision decision;
-        decision.state = m_isDone ? GroupState::Done : GroupState::Undecided;
+        decision.state = m_state;
         takeKeeper(decision);
         for (qsizetype m = 0; m < m_group.members.size(); ++m)
             takeTick(m, decision);
@@ -100,11 +100,13 @@ public:
     }
 
 private:
+    bool isDone() const { return m_state == GroupState::Done; }
+
     // A done group was decided as a whole, whoever proposed the copy to keep.
     void takeKeeper(GroupDecision &decision)
     {
         const auto wasChosen = [this](const std::optional<Earlier> &earlier) {
-            return earlier && (earlier->isKeptByHand || (m_isDone && earlier->isKept));
+            return earlier && (earlier->isKeptByHand || (isDone() && earlier->isKept));
         };
         const auto chosen = std::find_if(m_earlier.cbegin(), m_earlier.cend(), wasChosen);
         if (chosen != m_earlier.cend()) {
@@ -120,7 +122,7 @@ private:
         const qint32 member = m_group.members.at(m);
         const Earlier earlier = m_earlier.at(m).value_or(Earlier());
         const bool isByHand = earlier.isDecided || (earlier.isKeptByHand && member != m_group.keep);
-        const bool isDecided = isByHand || m_isDone;
+        const bool isDecided = isByHand || isDone();
         const bool isRefused = earlier.isTicked && !isProposed(m_group, member);
         const bool isTaken = isDecided && !isRefused && member != m_group.keep;
         decision.ticked.append(isTaken ? earlier.isTicked : isProposed(m_group, member));
@@ -129,7 +131,7 @@ private:
 
     MatchGroup m_group; ///< with the copy to keep that was taken over
     QList<std::optional<Earlier>> m_earlier; ///< for each member
-    bool m_isDone = false;
+    GroupState m_state = GroupState::Undecided; ///< of the group that had all of them
 };
 
 } // namespace
@@ -137,11 +139,16 @@ private:
 CarriedOver carryOver(const ReviewRecord &earlier, const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups)
 {
     const Memory memory(earlier);
+    const auto isCounted = [](const GroupDecision &decision) {
+        return decision.state != GroupState::NotDuplicates && isDecided(decision); // others are remembered elsewhere
+    };
     CarriedOver carried;
+    carried.lostGroups = std::ranges::count_if(earlier.decisions, isCounted);
     for (int g = 0; g < groups.size(); ++g) {
         const GroupDecision decision = NewGroup(memory, groups.at(g), tracks).decide();
         if (!isDecided(decision))
             continue;
+        carried.lostGroups -= isCounted(decision) ? 1 : 0;
         carried.doneGroups += decision.state == GroupState::Done ? 1 : 0;
         carried.keepers += decision.keeperByHand ? 1 : 0;
         carried.ticks += decision.byHand.count(true);

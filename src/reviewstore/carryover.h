@@ -12,6 +12,7 @@ struct CarriedOver {
     qint64 keepers = 0; ///< that the operator chose
     qint64 ticks = 0; ///< that the operator set or took away
     qint64 doneGroups = 0;
+    qint64 lostGroups = 0; ///< that were decided, and whose files the scan did not find together as they were
 
     bool isAny() const { return keepers > 0 || ticks > 0 || doneGroups > 0; }
 };

@@ -14,17 +14,13 @@ namespace epr {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// A drive that is not connected leaves no folder, or the empty one that it is mounted on. That says nothing of its
-// files, and must not cost what was decided of them.
-QStringList outOfReach(const QStringList &roots)
+QStringList outOfReach(const QStringList &folders)
 {
     QStringList missing;
-    for (const QString &root : roots) {
-        const QDir folder(root);
+    for (const QString &path : folders) {
+        const QDir folder(path);
         if (!folder.exists() || folder.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System))
-            missing.append(root);
+            missing.append(path);
     }
     return missing;
 }
@@ -35,8 +31,6 @@ bool isBelow(const QString &path, const QStringList &folders)
         return path.startsWith(folder.endsWith(u'/') ? folder : folder + u'/');
     });
 }
-
-} // namespace
 
 FileState stateOf(const TrackInfo &track, bool followLinks)
 {
@@ -60,23 +54,29 @@ void LookWorker::look(const ReviewRecord &review, int number)
         for (const qint32 member : group.members) {
             if (*m_wanted != number)
                 return;
-            const TrackInfo &track = review.tracks.at(member);
-            if (isBelow(track.path, summary.outOfReach))
-                continue;
-            const FileState state = stateOf(track, review.options.followSymlinks);
-            summary.changed += state == FileState::Changed ? 1 : 0;
-            summary.vanished += state == FileState::Vanished ? 1 : 0;
+            const FileState state = stateOf(review.tracks.at(member), review.options.followSymlinks);
             if (state != FileState::AsScanned)
                 states.insert(member, state);
         }
-        if (clock.hasExpired(interval) && !states.isEmpty()) {
-            Q_EMIT found(std::exchange(states, {}), number);
+        if (clock.hasExpired(interval)) {
+            tell(review, std::exchange(states, {}), summary, number);
             clock.restart();
         }
     }
+    tell(review, states, summary, number);
+    Q_EMIT finished(summary, number);
+}
+
+// A drive that went in the meantime took its files with it, and may bring them back as they were.
+void LookWorker::tell(const ReviewRecord &review, QHash<qint32, FileState> states, FileLookSummary &summary, int number)
+{
+    if (states.values().contains(FileState::Vanished))
+        summary.outOfReach = outOfReach(review.options.roots);
+    states.removeIf([&](const auto &entry) { return isBelow(review.tracks.at(entry.key()).path, summary.outOfReach); });
+    for (const FileState state : std::as_const(states))
+        ++(state == FileState::Changed ? summary.changed : summary.vanished);
     if (!states.isEmpty())
         Q_EMIT found(states, number);
-    Q_EMIT finished(summary, number);
 }
 
 FileLook::FileLook(QObject *parent)

@@ -48,6 +48,11 @@ private:
     bool m_isLooking = false;
 };
 
+/// Those that are not there or empty, as a drive that is not connected leaves them. That says nothing of its files, and
+/// must not cost what was decided of them.
+QStringList outOfReach(const QStringList &folders);
+bool isBelow(const QString &path, const QStringList &folders);
+
 /// One file, as it is now. A link counts as changed unless the scan followed links.
 FileState stateOf(const TrackInfo &track, bool followLinks);
 

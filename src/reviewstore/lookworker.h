@@ -24,6 +24,8 @@ Q_SIGNALS:
     void finished(const epr::FileLookSummary &summary, int number);
 
 private:
+    void tell(const ReviewRecord &review, QHash<qint32, FileState> states, FileLookSummary &summary, int number);
+
     std::shared_ptr<std::atomic<int>> m_wanted; // its own: the thread may outlive whoever wanted it
 };
 

@@ -44,7 +44,11 @@ ReviewKeeper::~ReviewKeeper()
 
 ReviewRecord ReviewKeeper::record() const
 {
-    ReviewRecord record { .options = m_origin.options,
+    ScanOptions options = m_origin.options;
+    options.keeperPolicy = m_review.keeperOptions().keeperPolicy;
+    options.keeperRules = m_review.keeperOptions().keeperRules;
+    options.protectedFolders = m_review.keeperOptions().protectedFolders;
+    ReviewRecord record { .options = options,
                           .scanned = m_origin.scanned,
                           .unreadableFolders = m_origin.unreadableFolders,
                           .files = m_review.totals().files,
@@ -77,12 +81,6 @@ void ReviewKeeper::hold()
 {
     flush();
     m_isWatching = false;
-}
-
-void ReviewKeeper::resume()
-{
-    m_isWatching = true;
-    m_isWholeChanged = m_hasFailed;
 }
 
 void ReviewKeeper::setPlace(const ReviewPlaceRecord &place)
@@ -137,6 +135,7 @@ void ReviewKeeper::watch()
     });
     connect(&m_review, &Review::ticksChanged, this, &ReviewKeeper::noteAll);
     connect(&m_review, &Review::fileStatesChanged, this, &ReviewKeeper::noteAll);
+    connect(&m_review, &Review::keeperOptionsChanged, this, &ReviewKeeper::noteWhole);
     connect(&m_review, &Review::reset, this, &ReviewKeeper::noteWhole);
 }
 

@@ -38,7 +38,6 @@ public:
     void open(); ///< opened() follows
     void keep(const ReviewOrigin &origin); ///< stores the whole review, and from here on what changes of it
     void hold(); ///< what becomes of the review now is not for the file
-    void resume(); ///< the review is again what the file has
     void setPlace(const ReviewPlaceRecord &place); ///< where the operator is
 
     void flush(); ///< at once

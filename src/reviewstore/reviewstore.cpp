@@ -176,8 +176,8 @@ Result<> ReviewStore::open()
     Result<> opened = connectTo();
     if (opened)
         opened = checkHeader();
-    if (opened && value(u"PRAGMA quick_check(1)"_s).toString() != "ok"_L1)
-        opened = damaged();
+    if (opened)
+        opened = checkContent();
     if (opened)
         opened = prepareToWrite();
     if (!opened)
@@ -227,6 +227,15 @@ Result<> ReviewStore::checkHeader()
         return failure(QCoreApplication::translate(
             "epr::ReviewStore", "a newer version of this program made it, and only that can open it"));
     return {};
+}
+
+// A share that drops out meanwhile leaves the file unread, which is no damage.
+Result<> ReviewStore::checkContent()
+{
+    const QVariant found = value(u"PRAGMA quick_check(1)"_s);
+    if (!found.isValid() && !saysDamaged(m_error))
+        return failure(reason());
+    return found.toString() == "ok"_L1 ? Result<>() : Result<>(damaged());
 }
 
 // A write-ahead log, because a tick then is one page at the end of one file, and a power cut leaves the database as it
@@ -304,14 +313,15 @@ bool ReviewStore::writeScan(QSqlQuery &insert, const ReviewRecord &review)
                             .storedTracks = static_cast<qint32>(stored.size()),
                             .groupCount = static_cast<qint32>(review.groups.size()) };
     bool isWritten = write(insert, { ReviewPart::Head, 0 }, head);
-    for (qint32 row = 0; isWritten && row * rowLength < stored.size(); ++row) {
-        StoredTracks tracks { stored.mid(row * rowLength, rowLength), {} };
+    const auto firstOf = [](qint32 row) { return static_cast<qsizetype>(row) * rowLength; };
+    for (qint32 row = 0; isWritten && firstOf(row) < stored.size(); ++row) {
+        StoredTracks tracks { stored.mid(firstOf(row), rowLength), {} };
         for (const qint32 index : std::as_const(tracks.indexes))
             tracks.tracks.emplaceBack(review.tracks.at(index)).fingerprint = {};
         isWritten = write(insert, { ReviewPart::Tracks, row }, tracks);
     }
-    for (qint32 row = 0; isWritten && row * rowLength < review.groups.size(); ++row) {
-        StoredGroups groups { review.groups.mid(row * rowLength, rowLength) };
+    for (qint32 row = 0; isWritten && firstOf(row) < review.groups.size(); ++row) {
+        StoredGroups groups { review.groups.mid(firstOf(row), rowLength) };
         for (MatchGroup &group : groups.groups)
             group.check = {};
         isWritten = write(insert, { ReviewPart::Groups, row }, groups);

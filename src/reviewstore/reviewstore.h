@@ -44,6 +44,7 @@ public:
 private:
     Result<> connectTo();
     Result<> checkHeader();
+    Result<> checkContent();
     Result<> prepareToWrite();
     Result<> run(const QString &statement);
     QVariant value(const QString &statement);

@@ -39,12 +39,13 @@ void StoreWorker::save(const ReviewRecord &record)
     if (!m_isOpen)
         return;
     const Result<> saved = m_store.save(record);
+    m_isSaved = saved.has_value();
     Q_EMIT written(saved ? QString() : saved.error());
 }
 
 void StoreWorker::update(const QList<StoredDecision> &decisions, const ReviewPlaceRecord &place)
 {
-    if (!m_isOpen)
+    if (!m_isOpen || !m_isSaved)
         return;
     const Result<> updated = m_store.update(decisions, place);
     Q_EMIT written(updated ? QString() : updated.error());

@@ -18,6 +18,7 @@ public:
 public Q_SLOTS:
     void open();
     void save(const epr::ReviewRecord &record);
+    /// Of the review that was saved last; nothing happens where that failed, since the file then has another one.
     void update(const QList<epr::StoredDecision> &decisions, const epr::ReviewPlaceRecord &place);
     void close(); ///< and ends the thread
 
@@ -30,6 +31,7 @@ private:
 
     ReviewStore m_store;
     bool m_isOpen = false;
+    bool m_isSaved = false; ///< the file has the review that decisions are of
 };
 
 } // namespace epr

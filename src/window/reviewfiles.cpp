@@ -49,6 +49,14 @@ QString pathOf(const QString &name)
     return namedReviews().filePath(reviewFileName(name));
 }
 
+QString freeName(const QString &wanted)
+{
+    QString name = wanted;
+    for (int number = 2; QFileInfo::exists(pathOf(name)); ++number)
+        name = u"%1 (%2)"_s.arg(wanted).arg(number);
+    return name;
+}
+
 Result<> saveTo(const QString &file, const ReviewRecord &record)
 {
     ReviewStore store(file);
@@ -113,6 +121,7 @@ ReviewFiles::ReviewFiles(const Parts &parts, QWidget *window)
 void ReviewFiles::openLast()
 {
     m_isOpening = true;
+    refresh();
     m_keeper->open();
 }
 
@@ -130,7 +139,7 @@ void ReviewFiles::close()
 bool ReviewFiles::confirmClose()
 {
     m_keeper->flush();
-    return m_keeper->isKeeping() || !hasDecisions(m_keeper->record())
+    return m_keeper->isKeeping() || (!hasDecisions(m_keeper->record()) && !hasDecisions(m_earlier))
         || askYesOrNo(window(), tr("Decisions are not stored"),
                       tr("What you decided cannot be stored and is lost when the program ends.\n\nClose it all the "
                          "same?"));
@@ -150,9 +159,15 @@ bool ReviewFiles::keepAside(const ReviewRecord &record, const QStringList &roots
     const auto isScanned = [&roots](const QString &folder) { return roots.contains(folder); };
     if (m_hasName || !hasDecisions(record) || std::ranges::all_of(record.options.roots, isScanned))
         return true;
-    const QString name = tr("Review of %1").arg(dateTimeText(record.scanned));
-    const Result<> saved = saveTo(pathOf(name), record);
-    Q_EMIT logMessage(saved ? tr("This scan is of other folders. What was decided until now is saved as %1.").arg(name)
+    return saveAside(record, tr("This scan is of other folders."));
+}
+
+bool ReviewFiles::saveAside(const ReviewRecord &record, const QString &reason)
+{
+    const QString name = freeName(tr("Review of %1").arg(dateTimeText(record.scanned)));
+    Result<> saved;
+    runWaiting([&saved, file = pathOf(name), record] { saved = saveTo(file, record); });
+    Q_EMIT logMessage(saved ? tr("%1 What was decided until now is saved as %2.").arg(reason, name)
                             : tr("What was decided until now could not be saved: %1").arg(saved.error()));
     return saved.has_value();
 }
@@ -173,7 +188,7 @@ void ReviewFiles::beginScan(const ScanOptions &options)
 
 bool ReviewFiles::endScan(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups, bool cancelled)
 {
-    if (cancelled && hasDecisions(m_earlier) && takeBack())
+    if (cancelled && takeBack())
         return false;
     m_isScanning = false;
     m_review.setKeeperOptions(m_options);
@@ -197,6 +212,8 @@ void ReviewFiles::takeResults()
         return;
     const CarriedOver carried = carryOver(m_earlier, m_review.tracks(), m_review.groups());
     m_review.takeDecisions(carried.decisions);
+    if (carried.lostGroups > 0 && !m_hasName)
+        saveAside(m_earlier, tr("The scan did not find all groups again that were decided."));
     if (carried.isAny()) {
         Q_EMIT logMessage(
             tr("Carried over from the last review: %1 kept copies, %2 ticks, %3 groups done.")
@@ -232,7 +249,7 @@ QAction *ReviewFiles::make(const QString &text, const QString &tip, void (Review
 void ReviewFiles::refresh()
 {
     m_saveAs->setEnabled(!m_isScanning && !m_review.groups().isEmpty());
-    m_open->setEnabled(!m_isScanning);
+    m_open->setEnabled(!m_isScanning && !m_isOpening);
 }
 
 // A scan that was started sooner takes over what the file has.
@@ -241,6 +258,7 @@ void ReviewFiles::takeOpened(const ReviewRecord &record, const QString &message)
     if (!message.isEmpty())
         report(message);
     m_isOpening = false;
+    refresh();
     const bool isSuperseded = m_isScanning || m_isResultWaiting;
     if (isSuperseded) {
         m_earlier = record;
@@ -258,6 +276,7 @@ void ReviewFiles::takeOpened(const ReviewRecord &record, const QString &message)
 // Nobody asked for a check over the whole length now, which would decode for hours.
 void ReviewFiles::restore(const ReviewRecord &record)
 {
+    m_parts.checks->stop();
     m_options = record.options;
     m_review.restore(record);
     m_keeper->keep({ record.options, record.scanned, record.unreadableFolders });
@@ -351,6 +370,7 @@ void ReviewFiles::removeNamed()
     QFile::remove(file.fileName() + "-wal"_L1);
     if (!file.remove())
         return showWarning(window(), tr("Review not deleted"), file.errorString());
+    m_hasName = false;
     report(tr("The review %1 is deleted.").arg(name));
 }
 

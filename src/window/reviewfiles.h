@@ -56,6 +56,7 @@ private:
     void refresh();
     void takeOpened(const ReviewRecord &record, const QString &message);
     bool keepAside(const ReviewRecord &record, const QStringList &roots);
+    bool saveAside(const ReviewRecord &record, const QString &reason);
     void takeResults();
     bool takeBack();
     void restore(const ReviewRecord &record);

@@ -3,6 +3,7 @@
 #include "filelook.h"
 #include "reviewkeeper.h"
 #include "reviewstore.h"
+#include "storeworker.h"
 
 #include "reviewscript.h"
 #include "rows.h"
@@ -119,7 +120,7 @@ private Q_SLOTS:
             keeper.hold();
             review.invertTicks(); // is not for the file
             review.undo();
-            keeper.resume();
+            keeper.keep({});
             review.setState({ 2 }, GroupState::Done);
             keeper.setPlace({ 3, 7 });
             keeper.close();
@@ -127,6 +128,32 @@ private Q_SLOTS:
         const ReviewRecord record = stored(file);
         QVERIFY(isSame(review, record));
         QCOMPARE(std::pair(record.currentGroup, record.currentTrack), std::pair(3, 7));
+    }
+
+    void decisionsOfAReviewThatIsNotInTheFileStayOutOfIt()
+    {
+        if (!isUnix)
+            QSKIP("no limit for the size of files");
+        const QTemporaryDir dir;
+        const QString file = dir.filePath(u"r.sqlite"_s);
+        Review review;
+        ReviewScript::begin(review);
+        const ReviewRecord record = ReviewKeeper(review, dir.filePath(u"other.sqlite"_s)).record();
+        StoredDecision other { record.groups.first().id, record.decisions.first(), {} };
+        other.decision.state = GroupState::Done;
+        {
+            StoreWorker worker(file);
+            QSignalSpy written(&worker, &StoreWorker::written);
+            worker.open();
+            worker.save(record);
+            limitFileSize(QFileInfo(file + u"-wal"_s).size());
+            worker.save(record); // of another scan
+            limitFileSize(-1);
+            worker.update({ other }, {});
+            QCOMPARE(written.size(), 2);
+            QVERIFY(written.first().first().toString().isEmpty() && !written.last().first().toString().isEmpty());
+        }
+        QVERIFY(isSame(review, stored(file)));
     }
 
     void aFileThatCannotBeUsedIsSaid()

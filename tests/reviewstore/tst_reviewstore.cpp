@@ -314,6 +314,18 @@ private Q_SLOTS:
         after.groups[0].spans = { { 0, { 0, 0, 100000, true } }, { 2, { 0, 0, 60000, true } } };
         QCOMPARE(sketchOf(afterScan(after, carryOver(before, after.tracks, after.groups))), u"a* b! c d+"_s);
     }
+
+    void whatAScanDoesNotFindAgainIsCounted()
+    {
+        ReviewRecord before = recordOf(u"a# b! / done:c* d! / e* f- / g* h! / i* j!"_s);
+        before.decisions[4].state = GroupState::NotDuplicates;
+        ReviewRecord after = before;
+        QCOMPARE(carryOver(before, after.tracks, after.groups).lostGroups, 0);
+        QCOMPARE(carryOver(before, after.tracks, after.groups).decisions.value(4).state, GroupState::NotDuplicates);
+        after.groups.remove(1, 2);
+        QCOMPARE(carryOver(before, after.tracks, after.groups).lostGroups, 2);
+        QCOMPARE(carryOver(before, {}, {}).lostGroups, 3);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestReviewStore)
