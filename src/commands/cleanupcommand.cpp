@@ -5,6 +5,7 @@
 #include "backgroundwork.h"
 #include "cleanuplock.h"
 #include "displaytext.h"
+#include "filelook.h"
 #include "notices.h"
 #include "removaldialog.h"
 #include "review.h"
@@ -228,11 +229,15 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     RemovalResult result;
     QSet<qint32> vanished;
     const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
+        QStringList away = outOfReach(request.places.scanRoots);
         plan = planRemoval(request.groups, SettingsStore().value(settings::protectedFolders));
         plan.checks.compareAgain = SettingsStore().value(settings::compareAgain);
         result = removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress,
                              plan.checks);
+        if (result.failed > 0) // a drive may go meanwhile
+            away += outOfReach(request.places.scanRoots);
         vanished = m_review.vanishedTracks();
+        vanished.removeIf([&](qint32 track) { return isBelow(m_review.tracks().at(track).path, away); });
     });
     if (!result.refusal.isEmpty()) {
         tellRefusal(result.refusal);
