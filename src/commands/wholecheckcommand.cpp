@@ -3,11 +3,13 @@
 #include "wholecheckcommand.h"
 
 #include "analysiscache.h"
+#include "backgroundwork.h"
 #include "displaytext.h"
 #include "groupcheck.h"
 #include "review.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -62,8 +64,10 @@ WholeCheckCommand::WholeCheckCommand(Review &review, QWidget *window)
     connect(&m_checker, &WholeChecker::finished, this, &WholeCheckCommand::finish);
     connect(&m_checker, &WholeChecker::logMessage, this, &Command::logMessage);
     connect(&review, &Review::reset, this, &WholeCheckCommand::refreshOffer);
-    connect(&review, &Review::keeperChanged, this, &WholeCheckCommand::refreshOffer);
-    connect(&review, &Review::statesChanged, this, &WholeCheckCommand::refreshOffer);
+    // A command may change the copy to keep of thousands of groups, each with a signal of its own.
+    QTimer *soon = createSoonTimer(this, [this] { refreshOffer(); });
+    connect(&review, &Review::keeperChanged, soon, qOverload<>(&QTimer::start));
+    connect(&review, &Review::statesChanged, soon, qOverload<>(&QTimer::start));
 }
 
 void WholeCheckCommand::follow(const ScanOptions &options)

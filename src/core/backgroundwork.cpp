@@ -76,6 +76,14 @@ QThread *createWorkerThread(const QString &name, QObject *worker, QObject *paren
     return thread;
 }
 
+QTimer *createSoonTimer(QObject *owner, const std::function<void()> &call)
+{
+    auto *timer = new QTimer(owner);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, owner, call);
+    return timer;
+}
+
 bool waitOrLeave(QThread *thread, std::chrono::milliseconds atMost)
 {
     if (thread->wait(QDeadlineTimer(atMost))) {

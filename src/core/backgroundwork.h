@@ -11,6 +11,7 @@
 #include <thread>
 
 class QThread;
+class QTimer;
 
 namespace epr {
 
@@ -36,6 +37,10 @@ private:
 /// A thread with an event loop for one worker, which must have no parent: it is moved there, and deleted there when the
 /// loop has ended. The caller starts the thread, and ends it by quit() and waitOrLeave().
 [[nodiscard]] QThread *createWorkerThread(const QString &name, QObject *worker, QObject *parent);
+
+/// Started any number of times, it calls once, when control is back at the event loop: for work that is too much for
+/// each of a thousand signals in a row.
+[[nodiscard]] QTimer *createSoonTimer(QObject *owner, const std::function<void()> &call);
 
 /// Waits for a thread that has been told to quit, of createWorkerThread() or another of Qt's. One that does not end in
 /// time, stuck in the system on a network drive that is gone, say, is taken from its parent and left to itself:

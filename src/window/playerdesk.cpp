@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playerdesk.h"
 
+#include "backgroundwork.h"
 #include "cleanupcommand.h"
 #include "compareplayer.h"
 #include "docks.h"
@@ -9,6 +10,8 @@
 #include "resultspanel.h"
 #include "review.h"
 #include "settingsstore.h"
+
+#include <QTimer>
 
 namespace epr {
 
@@ -25,7 +28,8 @@ PlayerDesk::PlayerDesk(const Parts &parts, QObject *window)
     connect(player, &ComparePlayer::logMessage, this, &PlayerDesk::logMessage);
     connect(player, &ComparePlayer::tracksChanged, this, &PlayerDesk::markLoadedCopies);
     connect(parts.review, &Review::reset, this, &PlayerDesk::markLoadedCopies);
-    connect(parts.review, &Review::keeperChanged, this, &PlayerDesk::markLoadedCopies);
+    QTimer *soon = createSoonTimer(this, [this] { markLoadedCopies(); });
+    connect(parts.review, &Review::keeperChanged, soon, qOverload<>(&QTimer::start));
 }
 
 void PlayerDesk::restore(const SettingsStore &store, bool isFirstStart)
