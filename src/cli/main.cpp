@@ -91,8 +91,9 @@ int main(int argc, char *argv[])
     registerMetaTypes();
     const terminal::Utf8Console console;
 
-    const CliRequest request = parseCommandLine(QCoreApplication::arguments(), SettingsStore().loadScanOptions(),
-                                                SettingsStore().value(settings::csvMark));
+    CliRequest request = parseCommandLine(QCoreApplication::arguments(), SettingsStore().loadScanOptions(),
+                                          SettingsStore().value(settings::csvMark));
+    request.options.protectedFolders = SettingsStore().value(settings::protectedFolders);
     switch (request.kind) {
     case CliRequest::Kind::ShowText:
         QTextStream(stdout) << request.text;

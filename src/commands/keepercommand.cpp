@@ -37,6 +37,7 @@ KeeperCommand::KeeperCommand(Review &review, QWidget *window)
     : Command(window)
     , m_review(review)
 {
+    connect(&review, &Review::reset, this, [this] { m_offered.reset(); });
 }
 
 void KeeperCommand::chooseAgain()
@@ -49,17 +50,17 @@ void KeeperCommand::chooseAgain()
 void KeeperCommand::offer()
 {
     const ScanOptions options = storedOptions();
-    if (!chooseAlike(options, m_review.keeperOptions()) && !chooseAlike(options, m_offered))
+    if (!chooseAlike(options, m_review.keeperOptions()) && !(m_offered && chooseAlike(options, *m_offered)))
         ask(options);
 }
 
 /// False if there is nothing to ask about.
 bool KeeperCommand::ask(const ScanOptions &options)
 {
-    m_offered = options;
     const KeeperChoice choice = chooseKeepersAgain(m_review, options);
     if (choice.changes.isEmpty() && choice.decided == 0)
         return false;
+    m_offered = options;
     QString text = tr("This changes the copy to keep of %1 of %2 groups.")
                        .arg(countText(choice.changes.size()), countText(m_review.groups().size()));
     if (choice.decided > 0)

@@ -4,6 +4,8 @@
 
 #include "commands.h"
 
+#include <optional>
+
 namespace epr {
 
 /// Chooses the copies to keep of the results once more, by the policy or the rules of the settings as they are now. The
@@ -21,7 +23,7 @@ private:
     bool ask(const ScanOptions &options);
 
     Review &m_review;
-    ScanOptions m_offered; ///< what the operator was last asked about
+    std::optional<ScanOptions> m_offered; ///< what the operator was asked about for these results
 };
 
 } // namespace epr
