@@ -24,6 +24,7 @@
 #include <QThread>
 
 #include <memory>
+#include <utility>
 
 namespace epr {
 
@@ -120,10 +121,9 @@ void CleanupCommand::removeSelected(const Places &places)
         Q_EMIT wholeGroupTicked(group);
         return;
     }
-    const std::optional<qint64> bytes = totalOnDisk(request.paths);
-    if (!bytes)
+    if (!lookAtDisk(request))
         return;
-    const std::optional<RemovalMode> mode = askMode(request, *bytes);
+    const std::optional<RemovalMode> mode = askMode(request);
     if (mode && (*mode != RemovalMode::Delete || confirmDeletion(request.paths.size())))
         remove(request, *mode);
 }
@@ -185,30 +185,45 @@ bool CleanupCommand::run(const QString &title, const CleanupJob &job)
 }
 
 // A look at thousands of files on a network drive takes its time, too.
-std::optional<qint64> CleanupCommand::totalOnDisk(const QStringList &paths)
+bool CleanupCommand::lookAtDisk(Request &request)
 {
-    qint64 bytes = 0;
-    const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
-        for (qsizetype i = 0; i < paths.size() && progress(i, paths.size(), paths.at(i)); ++i)
-            bytes += QFileInfo(paths.at(i)).size();
+    return run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
+        request.items = removalItems(m_review);
+        const qsizetype count = request.items.size();
+        for (qsizetype i = 0; i < count && progress(i, count, request.items.at(i).path); ++i) {
+            const QFileInfo info(request.items.at(i).path);
+            request.items[i].size = info.size();
+            if (!request.volumes.contains(info.path()))
+                request.volumes.insert(info.path(), volumeOf(info.path()));
+        }
+        request.quarantine = volumeOf(request.places.quarantineRoot);
     });
-    return done ? std::optional(bytes) : std::nullopt;
 }
 
-std::optional<RemovalMode> CleanupCommand::askMode(Request &request, qint64 bytes)
+std::optional<RemovalMode> CleanupCommand::askMode(Request &request)
 {
+    const RemovalPreview preview = previewRemoval(request.items, request.volumes, request.quarantine);
+    qint64 bytes = 0;
+    for (const RemovalItem &item : std::as_const(request.items))
+        bytes += item.size;
     RemovalDialog dialog(
-        { request.paths.size(), sizeText(bytes), request.places.hiddenTicks, uncheckedTicks(m_review) },
+        { request.paths.size(), sizeText(bytes), request.places.hiddenTicks, uncheckedTicks(m_review), preview },
         request.places.quarantineRoot, window());
-    connect(&dialog, &RemovalDialog::quarantineRootChosen, this, [this, &request, &dialog](const QString &folder) {
-        request.places.quarantineRoot = folder;
-        Q_EMIT quarantineRootChosen(folder);
-        warnIfScanned(folder, request.places.scanRoots, &dialog);
-    });
+    connect(&dialog, &RemovalDialog::quarantineRootChosen, this,
+            [this, &request, &dialog] { changeQuarantine(request, dialog); });
     const bool isAccepted = dialog.exec() == QDialog::Accepted;
     if (dialog.isCheckWanted())
         Q_EMIT checkWanted();
     return isAccepted ? std::optional(dialog.mode()) : std::nullopt;
+}
+
+void CleanupCommand::changeQuarantine(Request &request, RemovalDialog &dialog)
+{
+    request.places.quarantineRoot = dialog.quarantineRoot();
+    Q_EMIT quarantineRootChosen(request.places.quarantineRoot);
+    warnIfScanned(request.places.quarantineRoot, request.places.scanRoots, &dialog);
+    runWaiting([&request] { request.quarantine = volumeOf(request.places.quarantineRoot); });
+    dialog.showRoom(previewRemoval(request.items, request.volumes, request.quarantine));
 }
 
 bool CleanupCommand::confirmDeletion(qsizetype files)

@@ -5,12 +5,14 @@
 #include "cleanup.h"
 #include "commands.h"
 #include "removalplan.h"
+#include "removalpreview.h"
 #include "runwithprogress.h"
 
 QT_FORWARD_DECLARE_CLASS(QThread)
 
 namespace epr {
 
+class RemovalDialog;
 struct RestoreResult;
 class Review;
 
@@ -55,11 +57,15 @@ private:
         QList<TickedGroup> groups;
         QStringList paths;
         Places places;
+        QList<RemovalItem> items = {}; ///< the same files
+        QHash<QString, Volume> volumes = {}; ///< of their folders
+        Volume quarantine = {};
     };
 
     bool run(const QString &title, const CleanupJob &job);
-    std::optional<qint64> totalOnDisk(const QStringList &paths);
-    std::optional<RemovalMode> askMode(Request &request, qint64 bytes);
+    bool lookAtDisk(Request &request);
+    std::optional<RemovalMode> askMode(Request &request);
+    void changeQuarantine(Request &request, RemovalDialog &dialog);
     bool confirmDeletion(qsizetype files);
     void remove(const Request &request, RemovalMode mode);
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);

@@ -4,17 +4,22 @@
 
 #include "displaytext.h"
 #include "look.h"
+#include "notices.h"
 #include "removalplan.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyle>
+#include <QTreeWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace epr {
 
@@ -33,6 +38,42 @@ bool isSynchronised(const QString &folder)
     return isInside(folder, synchronised);
 }
 
+QTreeWidgetItem *rowOf(const RemovalPreview::Share &share)
+{
+    auto *row = new QTreeWidgetItem({ share.name, countText(share.files), sizeText(share.bytes) });
+    row->setToolTip(0, plainToolTip(share.name));
+    for (const int column : { 1, 2 })
+        row->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+    return row;
+}
+
+/// One row for all, behind which each has its own; a single one needs no other.
+QTreeWidgetItem *foldedRow(const QString &name, const QList<RemovalPreview::Share> &shares)
+{
+    constexpr qsizetype most = 20; // beyond that nobody reads them
+    if (shares.size() == 1)
+        return rowOf(
+            { RemovalDialog::tr("From %1").arg(shares.first().name), shares.first().files, shares.first().bytes });
+    RemovalPreview::Share all { name };
+    RemovalPreview::Share rest;
+    for (qsizetype i = 0; i < shares.size(); ++i) {
+        for (RemovalPreview::Share *sum : { &all, i < most ? nullptr : &rest }) {
+            if (sum) {
+                sum->files += shares.at(i).files;
+                sum->bytes += shares.at(i).bytes;
+            }
+        }
+    }
+    QTreeWidgetItem *folded = rowOf(all);
+    for (const RemovalPreview::Share &share : shares.first(std::min(most, shares.size())))
+        folded->addChild(rowOf(share));
+    if (rest.files > 0) {
+        rest.name = RemovalDialog::tr("and %Ln more", nullptr, static_cast<int>(shares.size() - most));
+        folded->addChild(rowOf(rest));
+    }
+    return folded;
+}
+
 } // namespace
 
 RemovalDialog::RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent)
@@ -42,6 +83,7 @@ RemovalDialog::RemovalDialog(const Selection &selection, const QString &quaranti
     , m_synchronised(
           new QLabel(tr("OneDrive synchronises this folder: it would upload the quarantined files, and what they "
                         "take up there stays taken. Better choose a folder outside.")))
+    , m_room(new QLabel)
     , m_quarantine(new QRadioButton(tr("Move to &quarantine folder (recommended)")))
     , m_recycleBin(new QRadioButton(tr("Move to the &recycle bin")))
     , m_delete(new QRadioButton(tr("&Delete permanently (cannot be undone)")))
@@ -58,14 +100,18 @@ RemovalDialog::RemovalDialog(const Selection &selection, const QString &quaranti
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(
         new QLabel(tr("<b>%1 file(s) selected, freeing %2.</b>").arg(countText(selection.files), selection.total)));
+    if (!selection.preview.types.isEmpty())
+        layout->addWidget(createTable(selection.preview));
     if (selection.hidden > 0)
         layout->addWidget(new QLabel(
             tr("%Ln of them are hidden by the filter at the moment.", nullptr, static_cast<int>(selection.hidden))));
     if (selection.unchecked > 0)
         layout->addWidget(createCheckRow(selection.unchecked));
     layout->addWidget(createChoices());
+    showRoom(selection.preview);
     layout->addWidget(change, 0, Qt::AlignLeft);
     layout->addWidget(createButtons());
+    m_quarantine->setFocus(); // not the table, which is only there to be read
 }
 
 RemovalMode RemovalDialog::mode() const
@@ -96,6 +142,46 @@ QWidget *RemovalDialog::createCheckRow(qint64 unchecked)
     return row;
 }
 
+QTreeWidget *RemovalDialog::createTable(const RemovalPreview &preview)
+{
+    auto *table = new QTreeWidget;
+    table->setObjectName(u"removalTable"_s);
+    table->setAccessibleName(tr("What goes"));
+    table->setHeaderLabels({ tr("What goes"), tr("Files"), tr("Size") });
+    table->setUniformRowHeights(true);
+    for (const RemovalPreview::Share &share : preview.types)
+        table->addTopLevelItem(rowOf(share));
+    table->addTopLevelItem(
+        foldedRow(tr("From %Ln folder(s)", nullptr, static_cast<int>(preview.folders.size())), preview.folders));
+    table->addTopLevelItem(
+        foldedRow(tr("From %Ln drive(s)", nullptr, static_cast<int>(preview.volumes.size())), preview.volumes));
+    table->header()->setStretchLastSection(false);
+    table->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    constexpr int mostLines = 8; // what is unfolded may have to be scrolled to
+    const bool unfolds = preview.folders.size() > 1 || preview.volumes.size() > 1;
+    const int lines = std::min(mostLines, table->topLevelItemCount() + (unfolds ? 2 : 0));
+    table->setFixedHeight(table->header()->sizeHint().height() + lines * table->sizeHintForRow(0)
+                          + 2 * table->frameWidth());
+    return table;
+}
+
+void RemovalDialog::showRoom(const RemovalPreview &preview)
+{
+    const QString needed = sizeText(preview.bytesToCopy);
+    const QString free = sizeText(preview.freeBytes);
+    m_room->setText(
+        preview.lacksRoom()
+            ? tr("There is too little room in the quarantine: %1 would be copied to its drive, where %2 are free. What "
+                 "does not fit stays where it is.")
+                  .arg(needed, free)
+            : tr("%1 of them would be copied to the drive of the quarantine, where %2 are free.").arg(needed, free));
+    QFont font = m_room->font();
+    font.setBold(preview.lacksRoom());
+    m_room->setFont(font);
+    m_room->setVisible(preview.bytesToCopy > 0 && preview.freeBytes >= 0);
+}
+
 QGroupBox *RemovalDialog::createChoices()
 {
     m_quarantine->setChecked(true);
@@ -109,12 +195,16 @@ QGroupBox *RemovalDialog::createChoices()
     m_synchronised->setObjectName(u"synchronisedWarning"_s);
     m_synchronised->setWordWrap(true);
     m_synchronised->setIndent(indent);
+    m_room->setObjectName(u"roomNote"_s);
+    m_room->setWordWrap(true);
+    m_room->setIndent(indent);
 
     auto *box = new QGroupBox(tr("What should happen to them?"));
     auto *layout = new QVBoxLayout(box);
     layout->addWidget(m_quarantine);
     layout->addWidget(m_hint);
     layout->addWidget(m_synchronised);
+    layout->addWidget(m_room);
     warnIfSynchronised(); // not before it has a parent, or it would show as a window
     layout->addWidget(m_recycleBin);
     layout->addWidget(m_delete);

@@ -3,12 +3,14 @@
 #pragma once
 
 #include "cleanup.h"
+#include "removalpreview.h"
 
 #include <QDialog>
 
 class QGroupBox;
 class QLabel;
 class QRadioButton;
+class QTreeWidget;
 
 namespace epr {
 
@@ -22,6 +24,7 @@ public:
         QString total; ///< their size for display
         qint64 hidden = 0; ///< of the files, those that are not in sight
         qint64 unchecked = 0; ///< of the files, those that a check over the whole length would tell more of
+        RemovalPreview preview = {};
     };
 
     RemovalDialog(const Selection &selection, const QString &quarantineRoot, QWidget *parent = nullptr);
@@ -30,6 +33,8 @@ public:
     bool isCheckWanted() const { return m_isCheckWanted; } ///< before anything is removed; the dialog was rejected
     QString quarantineRoot() const { return m_quarantineRoot; }
 
+    void showRoom(const RemovalPreview &preview); ///< whether the quarantine's drive has enough of it
+
 Q_SIGNALS:
     void quarantineRootChosen(const QString &folder); ///< at once, whether the dialog is accepted later or not
 
@@ -37,6 +42,7 @@ private:
     QGroupBox *createChoices();
     QWidget *createButtons();
     QWidget *createCheckRow(qint64 unchecked);
+    QTreeWidget *createTable(const RemovalPreview &preview);
     void chooseQuarantineRoot();
     void explain(const QString &html);
     void warnIfSynchronised();
@@ -45,6 +51,7 @@ private:
     bool m_isCheckWanted = false;
     QLabel *m_hint;
     QLabel *m_synchronised;
+    QLabel *m_room;
     QRadioButton *m_quarantine;
     QRadioButton *m_recycleBin;
     QRadioButton *m_delete;

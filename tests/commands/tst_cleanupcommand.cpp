@@ -3,9 +3,12 @@
 #include "cleanup.h"
 #include "filelook.h"
 #include "removaldialog.h"
+#include "removalpreview.h"
+#include "review.h"
 #include "runwithprogress.h"
 #include "undomanifest.h"
 
+#include "reviewsketch.h"
 #include "rows.h"
 #include "sandbox.h"
 #include "windowsupport.h"
@@ -17,6 +20,7 @@
 #include <QInputDialog>
 #include <QRadioButton>
 #include <QThread>
+#include <QTreeWidget>
 
 using namespace epr;
 using namespace epr::test;
@@ -332,6 +336,41 @@ private Q_SLOTS:
         session.window->onRemoveSelected();
         QVERIFY(logs(*session.window, native(changed) + u" was left in place: its content is not what"_s));
         QCOMPARE(treeOf(session.library()).keys(), words("a1 a2 b1 sub sub/c1"));
+    }
+
+    void previewTellsWhatGoes()
+    {
+        Review review;
+        Lists lists = listsOf(u"a* b c / d* e"_s);
+        lists.groups[0].matchType = MatchType::SameSong;
+        lists.groups[0].links = { { 0, 1, MatchType::SameSong }, { 0, 2, MatchType::IdenticalFile } };
+        lists.groups[1].matchType = MatchType::SameRecording; // of which nothing more is known
+        lists.tracks[1].path = u"/other/b.mp3"_s;
+        review.setResults(lists.tracks, lists.groups);
+        QList<RemovalItem> items = removalItems(review);
+        for (qsizetype i = 0; i < items.size(); ++i)
+            items[i].size = 10 << i;
+        const QHash<QString, Volume> volumes { { u"/music"_s, { u"/"_s, 5 } }, { u"/other"_s, {} } };
+        const RemovalPreview preview = previewRemoval(items, volumes, { u"/"_s, 9 });
+        using Shares = QList<RemovalPreview::Share>;
+        QCOMPARE(preview.types,
+                 Shares({ { u"Identical file"_s, 1, 20 },
+                          { u"Same recording"_s, 1, 40 },
+                          { u"Same song (metadata) - by artist and title alone"_s, 1, 10 } }));
+        QCOMPARE(preview.folders, Shares({ { native(u"/music"_s), 2, 60 }, { native(u"/other"_s), 1, 10 } }));
+        QCOMPARE(preview.volumes, Shares({ { native(u"/"_s), 2, 60 }, { u"(unknown drive)"_s, 1, 10 } }));
+        QVERIFY(preview.bytesToCopy == 10 && preview.lacksRoom());
+        QVERIFY(!previewRemoval(items, volumes, { u"/"_s, 10 }).lacksRoom());
+        QCOMPARE(previewRemoval(items, volumes, { u"/q"_s, -1 }).bytesToCopy, 70);
+
+        RemovalDialog dialog({ 3, {}, 0, 0, preview }, u"/q"_s);
+        const auto *table = dialog.findChild<QTreeWidget *>();
+        QCOMPARE(table->topLevelItemCount(), 5);
+        QCOMPARE(table->topLevelItem(3)->childCount(), 2);
+        const auto *note = dialog.findChild<QLabel *>(u"roomNote"_s);
+        QVERIFY(!note->isHidden() && note->text().startsWith("There is too little room"_L1));
+        dialog.showRoom(previewRemoval(items.sliced(1), volumes, { u"/"_s, 9 }));
+        QVERIFY(note->isHidden());
     }
 
     void quarantineInOneDriveIsPointedOut()
