@@ -45,6 +45,16 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
     </message>
 </context>
 <context>
+    <name>epr::FolderPanel</name>
+    <message numerus="yes">
+        <source>%Ln folder(s)</source>
+        <translation>
+            <numerusform>%Ln folder</numerusform>
+            <numerusform>%Ln folders</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::GroupCheck</name>
     <message numerus="yes">
         <source>%Ln copy(s) differ</source>

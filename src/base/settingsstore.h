@@ -36,6 +36,7 @@ constexpr bool on()
 inline constexpr Setting<QByteArray> windowGeometry { "window/geometry" };
 inline constexpr Setting<QByteArray> windowState { "window/state" };
 inline constexpr Setting<QStringList> folders { "scan/folders" };
+inline constexpr Setting<bool> foldersStayOpen { "scan/foldersStayOpen" }; ///< the list does not fold by itself
 inline constexpr Setting<QString> quarantineRoot { "safety/quarantineRoot", defaultQuarantineRoot, true };
 inline constexpr Setting<QStringList> protectedFolders { "safety/protectedFolders" };
 inline constexpr Setting<bool> compareAgain { "safety/compareAgain" };

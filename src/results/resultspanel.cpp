@@ -190,6 +190,7 @@ void ResultsPanel::layOutWidgets()
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
     layout->addLayout(filterRow);
     layout->addWidget(m_checkBar);
     layout->addWidget(m_view, 1);

@@ -30,7 +30,8 @@ QPlainTextEdit *createLogText()
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     text->setUndoRedoEnabled(false);
     text->setTabChangesFocus(true);
-    text->setMinimumHeight(2 * text->fontMetrics().lineSpacing() + 2 * text->frameWidth());
+    const int margins = 2 * (text->frameWidth() + static_cast<int>(text->document()->documentMargin()));
+    text->setMinimumHeight(2 * text->fontMetrics().lineSpacing() + margins);
     return text;
 }
 
@@ -49,14 +50,28 @@ ActivityLog::ActivityLog(QWidget *parent)
     setObjectName(u"logDock"_s);
     setWidget(m_text);
     m_text->setAccessibleName(windowTitle());
-    // Lines that come while the log is out of sight do not scroll it, and the newest are the ones that are looked for.
-    const auto showEnd = [this] { m_text->verticalScrollBar()->setValue(m_text->verticalScrollBar()->maximum()); };
-    connect(this, &QDockWidget::visibilityChanged, m_text, showEnd, Qt::QueuedConnection);
+    connect(this, &QDockWidget::visibilityChanged, this, &ActivityLog::showEnd, Qt::QueuedConnection);
 }
 
 void ActivityLog::append(const QString &message)
 {
     m_text->appendPlainText(tr("[%1] %2").arg(QTime::currentTime().toString(u"HH:mm:ss"_s), message));
+}
+
+// It shares the place with the player, and would take all of the height that this leaves.
+void ActivityLog::leaveHeight()
+{
+    auto *window = qobject_cast<QMainWindow *>(parentWidget());
+    if (window == nullptr || !window->isVisible() || isFloating())
+        return;
+    window->resizeDocks({ this }, { minimumSizeHint().height() }, Qt::Vertical);
+    QMetaObject::invokeMethod(this, &ActivityLog::showEnd, Qt::QueuedConnection);
+}
+
+// Lines that come while the log is out of sight do not scroll it, and the newest are the ones that are looked for.
+void ActivityLog::showEnd()
+{
+    m_text->verticalScrollBar()->setValue(m_text->verticalScrollBar()->maximum());
 }
 
 // Becoming visible scrolls the log to its end, so the lines are marked after that.
@@ -101,6 +116,10 @@ void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *l
     }
     constexpr int visibleLines = 6;
     window->resizeDocks({ log }, { visibleLines * log->widget()->fontMetrics().lineSpacing() }, Qt::Vertical);
+    QObject::connect(player, &QDockWidget::visibilityChanged, log, [player, log] {
+        if (player->isHidden())
+            log->leaveHeight();
+    });
     constexpr QSize largest(1600, 1000); // beyond that lines only get too long to read
     window->resize((screen * 9 / 10).boundedTo(largest));
 }

@@ -24,10 +24,13 @@ public:
     explicit ActivityLog(QWidget *parent);
 
     void append(const QString &message); ///< with the current time before it
-    void
-    showFrom(const QString &message); ///< brings the log to the front, with the last such line and all after it marked
+    /// Brings the log to the front, with the last such line and all after it marked.
+    void showFrom(const QString &message);
+    void leaveHeight(); ///< to the results, all but what a few lines need
 
 private:
+    void showEnd();
+
     QPlainTextEdit *m_text;
 };
 

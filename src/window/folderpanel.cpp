@@ -12,11 +12,17 @@
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QListWidget>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
+#include <QSplitter>
+#include <QStyle>
+#include <QStyleOptionGroupBox>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -102,8 +108,12 @@ FolderPanel::FolderPanel(QAction *add, QAction *remove, QWidget *parent)
     : QGroupBox(tr("Folders to scan"), parent)
 {
     setAcceptDrops(true);
+    m_body = new QWidget(this);
     createList(remove);
     layOutWidgets(add, remove);
+    createTitleLine();
+    connect(this, &FolderPanel::foldersChanged, this, &FolderPanel::refreshLine);
+    connect(this, &FolderPanel::protectionChanged, this, &FolderPanel::refreshLine);
 }
 
 QStringList FolderPanel::folders() const
@@ -234,6 +244,20 @@ void FolderPanel::focusAddButton()
     m_addButton->setFocus(Qt::OtherFocusReason);
 }
 
+void FolderPanel::showScanned(qint64 files, bool hasGroups)
+{
+    m_files = files;
+    if (hasGroups && !m_staysOpen && !folders().isEmpty())
+        m_unfold->setChecked(false);
+    refreshLine();
+}
+
+QSize FolderPanel::minimumSizeHint() const
+{
+    const QSize own = QGroupBox::minimumSizeHint();
+    return { own.width(), std::min(own.height(), maximumHeight()) };
+}
+
 QSize FolderPanel::sizeHint() const
 {
     return { QGroupBox::sizeHint().width(), minimumSizeHint().height() };
@@ -253,9 +277,94 @@ void FolderPanel::dropEvent(QDropEvent *event)
     event->acceptProposedAction();
 }
 
+void FolderPanel::mouseReleaseEvent(QMouseEvent *event)
+{
+    QGroupBox::mouseReleaseEvent(event);
+    if (event->button() == Qt::LeftButton && event->position().y() < contentsRect().top())
+        m_unfold->trigger();
+}
+
+void FolderPanel::resizeEvent(QResizeEvent *event)
+{
+    QGroupBox::resizeEvent(event);
+    refreshLine();
+}
+
+void FolderPanel::createTitleLine()
+{
+    m_unfold = new QAction(title(), this);
+    m_unfold->setCheckable(true);
+    m_unfold->setChecked(true);
+    m_unfold->setShortcut(Qt::Key_F7);
+    m_line = new QLabel(this);
+    m_line->setObjectName(u"foldedFolders"_s);
+    m_line->setTextFormat(Qt::PlainText);
+    m_foldButton = new QToolButton(this);
+    m_foldButton->setObjectName(u"foldButton"_s);
+    m_foldButton->setAutoRaise(true);
+    m_foldButton->setFocusPolicy(Qt::StrongFocus);
+    m_foldButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    connect(m_foldButton, &QToolButton::clicked, m_unfold, &QAction::trigger);
+    connect(m_unfold, &QAction::triggered, this, [this](bool isOpen) { m_staysOpen = isOpen; });
+    connect(m_unfold, &QAction::toggled, this, [this](bool isOpen) { fold(!isOpen); });
+    fold(false);
+}
+
+// What cannot be seen must not stay selected, for Remove Folder.
+void FolderPanel::fold(bool isFolded)
+{
+    if (isFolded) {
+        m_list->clearSelection();
+        m_openHeight = height();
+    }
+    m_body->setHidden(isFolded);
+    m_line->setVisible(isFolded);
+    m_foldButton->setText(isFolded ? tr("Change") : tr("Fold"));
+    m_foldButton->setArrowType(isFolded ? Qt::DownArrow : Qt::UpArrow);
+    m_foldButton->setAccessibleName(isFolded ? tr("Show the folders to scan") : tr("Fold the folders to scan"));
+    setMaximumHeight(isFolded ? contentsMargins().top() + layout()->contentsMargins().bottom() : QWIDGETSIZE_MAX);
+    if (auto *splitter = qobject_cast<QSplitter *>(parentWidget()); splitter && splitter->count() == 2) {
+        const int own = isFolded ? maximumHeight() : m_openHeight; // which it does not ask for by itself
+        splitter->setSizes({ own, splitter->height() - own - splitter->handleWidth() });
+        splitter->handle(1)->setEnabled(!isFolded);
+    }
+    refreshLine();
+}
+
+// Beside the title, where an open panel has nothing, so that the line costs no height of its own.
+void FolderPanel::refreshLine()
+{
+    QStyleOptionGroupBox option;
+    initStyleOption(&option);
+    const QRect label =
+        QStyle::visualRect(layoutDirection(), rect(),
+                           style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxLabel, this));
+    const auto place = [&](QWidget *widget, int left, int width) {
+        QRect at(left, 0, width, widget->sizeHint().height());
+        at.moveCenter({ at.center().x(), label.center().y() });
+        widget->setGeometry(QStyle::visualRect(layoutDirection(), rect(), at));
+    };
+    constexpr int gap = 12;
+    const int buttonWidth = m_foldButton->sizeHint().width();
+    place(m_foldButton, width() - buttonWidth, buttonWidth);
+    place(m_line, label.right() + gap, std::max(width() - buttonWidth - label.right() - 2 * gap, 0));
+
+    QStringList paths = folders();
+    for (QString &path : paths)
+        path = nativePath(path);
+    QStringList facts { tr("%Ln folder(s)", nullptr, static_cast<int>(paths.size())) };
+    if (m_files > 0)
+        facts << tr("%1 files").arg(countText(m_files));
+    if (const auto count = protectedFolders().size(); count > 0)
+        facts << tr("%1 protected").arg(countText(count));
+    const QString text = tr("%1: %2", "how many folders, and which").arg(facts.join(u", "_s), paths.join(u", "_s));
+    m_line->setText(m_line->fontMetrics().elidedText(text, Qt::ElideRight, m_line->width()));
+    m_line->setToolTip(plainToolTip(paths.join(u'\n')));
+}
+
 void FolderPanel::createList(QAction *remove)
 {
-    m_list = new QListWidget(this);
+    m_list = new QListWidget(m_body);
     m_list->setObjectName(u"folderList"_s);
     m_list->setAccessibleName(title());
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -289,14 +398,17 @@ void FolderPanel::createProtectActions()
 void FolderPanel::layOutWidgets(QAction *add, QAction *remove)
 {
     auto *buttons = new QVBoxLayout;
-    m_addButton = buttonFor(add, tr("Add..."), this);
+    m_addButton = buttonFor(add, tr("Add..."), m_body);
     buttons->addWidget(m_addButton);
-    buttons->addWidget(buttonFor(remove, tr("Remove"), this));
+    buttons->addWidget(buttonFor(remove, tr("Remove"), m_body));
     buttons->addStretch();
-    auto *layout = new QHBoxLayout(this);
+    auto *row = new QHBoxLayout(m_body);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_list, 1);
+    row->addLayout(buttons);
+    auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 4);
-    layout->addWidget(m_list, 1);
-    layout->addLayout(buttons);
+    layout->addWidget(m_body);
 }
 
 } // namespace epr

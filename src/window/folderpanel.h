@@ -5,9 +5,11 @@
 #include <QGroupBox>
 
 class QAction;
+class QLabel;
 class QListWidget;
 class QListWidgetItem;
 class QPushButton;
+class QToolButton;
 
 namespace epr {
 
@@ -37,6 +39,14 @@ public:
     void protect(const QStringList &folders); ///< absolute paths; they need not exist, their drive may be away
     QList<QAction *> protectActions() const { return { m_protect, m_protectOther }; } ///< for a menu
 
+    /// Folded, the list is one line that says what is in it. It folds by itself once there are groups to review, unless
+    /// the operator has unfolded it after that happened.
+    QAction *unfoldAction() const { return m_unfold; } ///< for a menu
+    void setStaysOpen(bool stays) { m_staysOpen = stays; }
+    bool staysOpen() const { return m_staysOpen; }
+    void showScanned(qint64 files, bool hasGroups);
+
+    QSize minimumSizeHint() const override;
     QSize sizeHint() const override; ///< as low as it may be: the results need the room
 
 Q_SIGNALS:
@@ -47,8 +57,13 @@ Q_SIGNALS:
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void createTitleLine();
+    void fold(bool isFolded);
+    void refreshLine();
     void createList(QAction *remove);
     void createProtectActions();
     void layOutWidgets(QAction *add, QAction *remove);
@@ -63,6 +78,13 @@ private:
     QAction *m_protect = nullptr;
     QAction *m_protectOther = nullptr;
     QPushButton *m_addButton = nullptr;
+    QWidget *m_body = nullptr; ///< what goes when the panel is folded
+    QLabel *m_line = nullptr; ///< what comes then, beside the title
+    QToolButton *m_foldButton = nullptr;
+    QAction *m_unfold = nullptr;
+    bool m_staysOpen = false;
+    int m_openHeight = 0; ///< before it was folded
+    qint64 m_files = 0;
 };
 
 } // namespace epr

@@ -318,16 +318,16 @@ void MainWindow::connectActions()
 void MainWindow::createMenus()
 {
     const QToolBar *toolBar = m_actions->addToolBar(this);
-    m_actions->fillMenuBar(
-        menuBar(),
-        { m_memberActions,
-          m_playerDock,
-          m_folderPanel->protectActions(),
-          { toolBar->toggleViewAction(), m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
-          m_resultsPanel->view()->columnActions(),
-          m_checks,
-          m_reviewDesk,
-          m_reviewFiles });
+    m_actions->fillMenuBar(menuBar(),
+                           { m_memberActions,
+                             m_playerDock,
+                             m_folderPanel->protectActions(),
+                             { toolBar->toggleViewAction(), m_folderPanel->unfoldAction(),
+                               m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
+                             m_resultsPanel->view()->columnActions(),
+                             m_checks,
+                             m_reviewDesk,
+                             m_reviewFiles });
 }
 
 void MainWindow::restoreSettings()
@@ -343,6 +343,7 @@ void MainWindow::restoreSettings()
     connect(m_folderPanel, &FolderPanel::foldersChanged, this,
             [this] { SettingsStore().set(settings::folders, m_folderPanel->folders()); });
     new ProtectionDesk(*m_review, *m_folderPanel, this);
+    m_folderPanel->setStaysOpen(store.value(settings::foldersStayOpen));
     m_options = store.loadScanOptions();
     m_resultsPanel->view()->showColumns(store.value(settings::resultsColumns));
     m_quarantineRoot = store.value(settings::quarantineRoot);
@@ -381,6 +382,8 @@ void MainWindow::connectCommands()
     connect(m_cleanup, &CleanupCommand::quarantineRootChosen, this,
             [this](const QString &folder) { m_quarantineRoot = folder; });
     connect(m_review, &Review::reset, this, &MainWindow::refreshActions);
+    connect(m_review, &Review::reset, m_folderPanel,
+            [this] { m_folderPanel->showScanned(m_review->totals().files, !m_review->groups().isEmpty()); });
     connect(m_cleanup, &CleanupCommand::filesRestored, m_resultsPanel, &ResultsPanel::addRestored);
     connect(m_playerDesk, &PlayerDesk::logMessage, this, &MainWindow::onLogMessage);
 }
@@ -391,6 +394,7 @@ void MainWindow::saveSettings() const
     store.set(settings::windowGeometry, saveGeometry());
     store.set(settings::windowState, saveState());
     store.set(settings::folders, m_folderPanel->folders());
+    store.set(settings::foldersStayOpen, m_folderPanel->staysOpen());
     store.saveScanOptions(m_options);
     store.set(settings::resultsColumns, m_resultsPanel->view()->shownColumns());
     store.set(settings::quarantineRoot, m_quarantineRoot);

@@ -45,7 +45,7 @@ ScanStrip::ScanStrip(QWidget *parent)
     m_bar->hide();
 
     auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(6, 2, 6, 2);
+    layout->setContentsMargins(6, 0, 6, 0);
     layout->addWidget(m_status, 3);
     layout->addWidget(m_bar, 1);
 }

@@ -246,6 +246,34 @@ private Q_SLOTS:
         QCOMPARE(SettingsStore().value(settings::folders), folders.last(1));
     }
 
+    void foldersFoldOnceThereAreGroups()
+    {
+        const auto isOpen = [](const MainWindow &window) {
+            return window.findChild<QListWidget *>(u"folderList"_s)->isVisible();
+        };
+        for (const bool stays : { false, true, true }) { // each start goes on with what the one before left
+            MainWindow window;
+            window.show();
+            QVERIFY(QTest::qWaitForWindowActive(&window));
+            window.addFolder(m_folder->path());
+            QVERIFY(isOpen(window));
+            window.findChild<QListWidget *>(u"folderList"_s)->selectAll();
+            const int resultsBefore = resultsOf(window)->height();
+            showTwoCopies(window);
+            QCOMPARE(isOpen(window), stays);
+            if (stays)
+                continue;
+            QTRY_VERIFY(resultsOf(window)->height() > resultsBefore + 40);
+            const QString line = window.findChild<QLabel *>(u"foldedFolders"_s)->text();
+            QVERIFY2(line.startsWith("1 folder(s), 2 files: "_L1), qPrintable(line));
+            window.onRemoveFolder(); // nothing that nobody sees
+            QCOMPARE(foldersOf(window).size(), 1);
+            press(Qt::Key_F7);
+            QVERIFY(isOpen(window));
+            window.close();
+        }
+    }
+
     void protectedCopiesAreLockedByWhateverPath()
     {
         const auto path = [this](const QString &name) { return m_folder->filePath(name); };
