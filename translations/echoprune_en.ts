@@ -45,6 +45,23 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
     </message>
 </context>
 <context>
+    <name>epr::FilterDesk</name>
+    <message numerus="yes">
+        <source>%Ln copy(s) are hidden.</source>
+        <translation>
+            <numerusform>%Ln copy is hidden.</numerusform>
+            <numerusform>%Ln copies are hidden.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln ticked copy(s) are hidden.</source>
+        <translation>
+            <numerusform>%Ln ticked copy is hidden.</numerusform>
+            <numerusform>%Ln ticked copies are hidden.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::FolderPanel</name>
     <message numerus="yes">
         <source>%Ln folder(s)</source>

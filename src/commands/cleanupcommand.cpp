@@ -32,14 +32,18 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The groups in which something is ticked, each file as the scan saw it.
-QList<TickedGroup> tickedGroups(const Review &review)
+// The groups in which something is to go, each file as the scan saw it. What is ticked but not meant this time neither
+// goes nor is relied on to stay.
+QList<TickedGroup> tickedGroups(const Review &review, const OnlyTracks &only)
 {
+    const auto isMeant = [&](int group, int member) {
+        return !review.isTicked(group, member) || isAmong(only, review.groups().at(group).members.at(member));
+    };
     QList<TickedGroup> groups;
     for (int g = 0; g < review.groups().size(); ++g) {
         TickedGroup found { review.groups().at(g).id, {}, {} };
         for (int m = 0; m < review.groups().at(g).members.size(); ++m) {
-            if (const TrackInfo *track = review.track(g, m))
+            if (const TrackInfo *track = review.track(g, m); track && isMeant(g, m))
                 (review.isTicked(g, m) ? found.ticked : found.unticked)
                     .append({ track->path, track->size, track->mtime, track->fullHash, track->audioHash });
         }
@@ -107,14 +111,14 @@ void CleanupCommand::clearUpTraces()
 
 void CleanupCommand::removeSelected(const Places &places)
 {
-    Request request { tickedGroups(m_review), {}, places };
+    Request request { tickedGroups(m_review, places.only), {}, places };
     request.paths = tickedPaths(request.groups);
     if (request.paths.isEmpty()) {
         showInformation(window(), tr("Nothing selected"),
                         tr("Tick the copies you want removed, or use Select All Duplicates."));
         return;
     }
-    if (const int group = m_review.firstWhollyTickedGroup(); group >= 0) {
+    if (const int group = m_review.firstWhollyTickedGroup(places.only); group >= 0) {
         showWarning(window(), tr("Every copy selected"),
                     tr("Group %1 has all of its copies ticked for removal. Untick at least one so a copy survives.")
                         .arg(m_review.groups().at(group).id));
@@ -188,7 +192,7 @@ bool CleanupCommand::run(const QString &title, const CleanupJob &job)
 bool CleanupCommand::lookAtDisk(Request &request)
 {
     return run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
-        request.items = removalItems(m_review);
+        request.items = removalItems(m_review, request.places.only);
         const qsizetype count = request.items.size();
         for (qsizetype i = 0; i < count && progress(i, count, request.items.at(i).path); ++i) {
             const QFileInfo info(request.items.at(i).path);
@@ -206,9 +210,9 @@ std::optional<RemovalMode> CleanupCommand::askMode(Request &request)
     qint64 bytes = 0;
     for (const RemovalItem &item : std::as_const(request.items))
         bytes += item.size;
-    RemovalDialog dialog(
-        { request.paths.size(), sizeText(bytes), request.places.hiddenTicks, uncheckedTicks(m_review), preview },
-        request.places.quarantineRoot, window());
+    RemovalDialog dialog({ request.paths.size(), sizeText(bytes), request.places.hiddenTicks,
+                           uncheckedTicks(m_review, request.places.only), preview },
+                         request.places.quarantineRoot, window());
     connect(&dialog, &RemovalDialog::quarantineRootChosen, this,
             [this, &request, &dialog] { changeQuarantine(request, dialog); });
     const bool isAccepted = dialog.exec() == QDialog::Accepted;

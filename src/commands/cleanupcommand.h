@@ -25,6 +25,7 @@ public:
     struct Places {
         QString quarantineRoot;
         QStringList scanRoots;
+        OnlyTracks only = {}; ///< of what is ticked
         qint64 hiddenTicks = 0; ///< of the ticked copies, those that the operator does not see at the moment
     };
 

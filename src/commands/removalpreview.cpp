@@ -4,7 +4,6 @@
 
 #include "copyrelation.h"
 #include "displaytext.h"
-#include "review.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -50,7 +49,7 @@ QList<Share> largestFirst(QList<Share> shares)
 } // namespace
 
 // A copy of a group that was found by its weakest link may well be identical to the one that stays.
-QList<RemovalItem> removalItems(const Review &review)
+QList<RemovalItem> removalItems(const Review &review, const OnlyTracks &only)
 {
     QList<RemovalItem> items;
     for (int g = 0; g < review.groups().size(); ++g) {
@@ -58,7 +57,7 @@ QList<RemovalItem> removalItems(const Review &review)
         QHash<qint32, CopyRelation> relations;
         for (int m = 0; m < group.members.size(); ++m) {
             const TrackInfo *track = review.track(g, m);
-            if (!track || !review.isTicked(g, m))
+            if (!track || !review.isTicked(g, m) || !isAmong(only, group.members.at(m)))
                 continue;
             if (relations.isEmpty())
                 relations = relationsToKept(group, review.tracks());

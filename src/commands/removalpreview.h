@@ -3,10 +3,9 @@
 #pragma once
 
 #include "records.h"
+#include "review.h"
 
 namespace epr {
-
-class Review;
 
 /// A file to be removed.
 struct RemovalItem {
@@ -15,8 +14,8 @@ struct RemovalItem {
     qint64 size = 0; ///< bytes
 };
 
-/// The ticked copies of a review, without their sizes, which the disk knows.
-QList<RemovalItem> removalItems(const Review &review);
+/// The ticked copies of a review, or those of these tracks, without their sizes, which the disk knows.
+QList<RemovalItem> removalItems(const Review &review, const OnlyTracks &only = {});
 
 /// What holds a folder.
 struct Volume {

@@ -25,12 +25,13 @@ bool isUnchecked(const Review &review, int group)
     return review.state(group) != GroupState::NotDuplicates && isWorthChecking(record) && !isChecked(record);
 }
 
-qint64 uncheckedTicksIn(const Review &review, int group)
+qint64 uncheckedTicksIn(const Review &review, int group, const OnlyTracks &only = {})
 {
     const MatchGroup &record = review.groups().at(group);
     qint64 count = 0;
     for (int member = 0; member < record.members.size() && isWorthChecking(record); ++member)
         count += review.isTicked(group, member) && !review.isKeeper(group, member)
+            && isAmong(only, record.members.at(member))
             && checkState(record, record.members.at(member)) == CheckState::Unchecked;
     return count;
 }
@@ -46,11 +47,11 @@ CheckItem itemOf(const Review &review, int group, qint32 number)
 
 } // namespace
 
-qint64 uncheckedTicks(const Review &review)
+qint64 uncheckedTicks(const Review &review, const OnlyTracks &only)
 {
     qint64 count = 0;
     for (int group = 0; group < review.groups().size(); ++group)
-        count += uncheckedTicksIn(review, group);
+        count += uncheckedTicksIn(review, group, only);
     return count;
 }
 

@@ -4,13 +4,12 @@
 
 #include "commands.h"
 #include "progress.h"
+#include "review.h"
 #include "wholechecker.h"
 
 #include <QElapsedTimer>
 
 namespace epr {
-
-class Review;
 
 /// Has groups checked over their whole length behind the review, which gets the results, and says how far that has come
 /// and what is left to check.
@@ -65,7 +64,8 @@ private:
     QElapsedTimer m_clock;
 };
 
-/// Of the ticked copies, those that were found by sound or tags and were not compared with the kept one to the end.
-qint64 uncheckedTicks(const Review &review);
+/// Of the ticked copies, or of those among them, how many were found by sound or tags and were not compared with the
+/// kept one to the end.
+qint64 uncheckedTicks(const Review &review, const OnlyTracks &only = {});
 
 } // namespace epr

@@ -86,10 +86,17 @@ CopyRelation relationByDigest(const TrackInfo &own, const TrackInfo &kept)
     return {};
 }
 
+// Without the copy of the record that value() makes: this is asked for every copy of a review.
+const TrackInfo &trackAt(const QList<TrackInfo> &tracks, qint32 index)
+{
+    static const TrackInfo none;
+    return index >= 0 && index < tracks.size() ? tracks.at(index) : none;
+}
+
 CopyRelation relationOf(qint32 member, const TrackInfo &kept, const QList<TrackInfo> &tracks,
                         const QHash<qint32, Path> &paths)
 {
-    const TrackInfo own = tracks.value(member);
+    const TrackInfo &own = trackAt(tracks, member);
     const CopyRelation known = relationByDigest(own, kept);
     const auto path = paths.constFind(member);
     return known.type != MatchType::Unmatched || path == paths.cend() ? known : relationByPath(*path, own, kept);
@@ -113,15 +120,15 @@ CopyRelation relationToKept(const MatchGroup &group, qint32 member, const QList<
 {
     if (member == group.keep)
         return {};
-    const TrackInfo kept = tracks.value(group.keep);
-    const CopyRelation known = relationByDigest(tracks.value(member), kept);
+    const TrackInfo &kept = trackAt(tracks, group.keep);
+    const CopyRelation known = relationByDigest(trackAt(tracks, member), kept);
     return known.type != MatchType::Unmatched ? known : relationOf(member, kept, tracks, pathsFromKept(group));
 }
 
 QHash<qint32, CopyRelation> relationsToKept(const MatchGroup &group, const QList<TrackInfo> &tracks)
 {
     const QHash<qint32, Path> paths = pathsFromKept(group);
-    const TrackInfo kept = tracks.value(group.keep);
+    const TrackInfo &kept = trackAt(tracks, group.keep);
     QHash<qint32, CopyRelation> relations;
     for (const qint32 member : group.members) {
         if (member != group.keep)

@@ -54,11 +54,14 @@ ResultsModel::ResultsModel(Review &review, QObject *parent)
 
 void ResultsModel::setFilter(const QString &text)
 {
-    if (!m_rows.setText(text))
-        return;
-    beginResetModel();
-    m_rows.layOutRows();
-    endResetModel();
+    if (m_rows.setText(text))
+        layOutRows();
+}
+
+void ResultsModel::setCriteria(const FilterCriteria &criteria)
+{
+    m_rows.setCriteria(criteria);
+    layOutRows();
 }
 
 void ResultsModel::setLoaded(const PerDeck<QString> &paths)
@@ -192,6 +195,13 @@ bool ResultsModel::setData(const QModelIndex &index, const QVariant &value, int 
     return true;
 }
 
+void ResultsModel::layOutRows()
+{
+    beginResetModel();
+    m_rows.layOutRows();
+    endResetModel();
+}
+
 void ResultsModel::followReview()
 {
     connect(&m_review, &Review::aboutToBeReset, this, [this] { beginResetModel(); });
@@ -217,12 +227,8 @@ void ResultsModel::followStates(const QList<int> &groups)
     const bool isOtherRow = std::ranges::any_of(groups, [this](int group) {
         return groupIndex(group).isValid() == (m_review.state(group) == GroupState::NotDuplicates);
     });
-    if (isOtherRow) {
-        beginResetModel();
-        m_rows.layOutRows();
-        endResetModel();
-        return;
-    }
+    if (isOtherRow)
+        return layOutRows();
     for (const int group : groups)
         emitGroupChanged(group);
 }

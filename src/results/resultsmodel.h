@@ -10,8 +10,8 @@
 
 namespace epr {
 
-/// A review as a tree of two levels: a row per group and below it a row per member, those that match a text alone where
-/// there is one.
+/// A review as a tree of two levels: a row per group and below it a row per member, those that a filter finds alone
+/// where there is one.
 ///
 /// Where a change touches ticks or decks in many groups, one dataChanged() covers the range of their group rows and
 /// stands for everything below them as well.
@@ -48,9 +48,10 @@ public:
     explicit ResultsModel(Review &review, QObject *parent = nullptr);
 
     void setFilter(const QString &text); ///< as typed
+    void setCriteria(const FilterCriteria &criteria);
     void setLoaded(const PerDeck<QString> &paths); ///< empty = nothing in the deck
     bool hasRemarks() const; ///< whether a copy's match is more than "duplicate" or "KEEP"
-    qint64 hiddenTicks() const { return m_rows.hiddenTicks(); } ///< ticked copies that do not match the text
+    const ReviewFilter &rows() const { return m_rows; }
 
     QModelIndex groupIndex(int group) const; ///< its row; invalid while it is not shown
     QModelIndex memberIndex(int group, int member) const;
@@ -68,6 +69,7 @@ public:
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
 private:
+    void layOutRows();
     void followReview();
     void followStates(const QList<int> &groups);
     void emitEverywhereChanged(int role);

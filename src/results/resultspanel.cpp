@@ -4,6 +4,7 @@
 
 #include "checkbar.h"
 #include "displaytext.h"
+#include "filterbar.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
 #include "review.h"
@@ -120,9 +121,9 @@ void ResultsPanel::focusResults()
     m_view->setFocus(Qt::OtherFocusReason);
 }
 
-qint64 ResultsPanel::hiddenTicks() const
+const ReviewFilter &ResultsPanel::shown() const
 {
-    return m_model->hiddenTicks();
+    return m_model->rows();
 }
 
 void ResultsPanel::addTreeAction(QAction *action)
@@ -133,14 +134,14 @@ void ResultsPanel::addTreeAction(QAction *action)
 void ResultsPanel::showGroup(int group)
 {
     if (!m_model->groupIndex(group).isValid())
-        m_filterEdit->clear();
+        clearFilters();
     m_view->setCurrentIndex(m_model->groupIndex(group));
 }
 
 void ResultsPanel::showMember(int group, int member)
 {
     if (!m_model->memberIndex(group, member).isValid())
-        m_filterEdit->clear();
+        clearFilters();
     m_view->setCurrentIndex(m_model->memberIndex(group, member));
 }
 
@@ -155,6 +156,11 @@ void ResultsPanel::createFilterRow()
     escape->setContext(Qt::WidgetShortcut);
     connect(escape, &QShortcut::activated, m_filterEdit, &QLineEdit::clear);
     connect(m_filterEdit, &QLineEdit::textChanged, this, &ResultsPanel::onFilterChanged);
+    m_filterBar = new FilterBar(m_review, this);
+    connect(m_filterBar, &FilterBar::applied, this, [this] {
+        m_model->setCriteria(m_filterBar->criteria());
+        followFilter();
+    });
 }
 
 void ResultsPanel::createTree()
@@ -176,7 +182,8 @@ void ResultsPanel::layOutWidgets()
     label->setBuddy(m_filterEdit);
     auto *filterRow = new QHBoxLayout;
     filterRow->addWidget(label);
-    filterRow->addWidget(m_filterEdit);
+    filterRow->addWidget(m_filterEdit, 1);
+    filterRow->addWidget(m_filterBar);
 
     m_checkBar = new CheckBar(this);
     connect(m_checkBar, &CheckBar::focusGivenUp, this, &ResultsPanel::focusResults);
@@ -203,6 +210,18 @@ void ResultsPanel::layOutWidgets()
 void ResultsPanel::onFilterChanged(const QString &text)
 {
     m_model->setFilter(text);
+    followFilter();
+}
+
+void ResultsPanel::clearFilters()
+{
+    m_filterEdit->clear();
+    m_filterBar->clear();
+}
+
+void ResultsPanel::followFilter()
+{
+    refreshSummary();
     refreshHint();
 }
 
@@ -276,6 +295,8 @@ QString ResultsPanel::outcomeText() const
            + setAsideText(totals.setAside))
               .trimmed()
         : summaryText(totals);
+    if (shown().isActive() && totals.groups > 0)
+        text += u' ' + tr("%1 of %2 groups shown.").arg(countText(shown().groupCount()), countText(totals.groups));
     if (m_restored > 0)
         text += u' ' + tr("%Ln file(s) were put back since; the next scan shows them.", nullptr, m_restored);
     return text;

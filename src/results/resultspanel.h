@@ -12,9 +12,11 @@ class QLineEdit;
 namespace epr {
 
 class CheckBar;
+class FilterBar;
 class ResultsModel;
 class ResultsView;
 class Review;
+class ReviewFilter;
 class ReviewPlace;
 class ReviewProgress;
 struct TrackInfo;
@@ -40,11 +42,12 @@ public:
     void setLoaded(const PerDeck<QString> &paths); ///< marks the rows of what is in the decks
     void focusFilter();
     void focusResults();
-    qint64 hiddenTicks() const; ///< ticked copies that the filter hides
+    const ReviewFilter &shown() const; ///< what the filters leave
     void addTreeAction(QAction *action); ///< its key then works in the tree
     ResultsView *view() const { return m_view; }
     CheckBar *checkBar() const { return m_checkBar; }
-    void showGroup(int group); ///< makes it the current row, whatever the filter says
+    FilterBar *filterBar() const { return m_filterBar; }
+    void showGroup(int group); ///< makes it the current row, whatever the filters say
     void showMember(int group, int member); ///< the same
 
 Q_SIGNALS:
@@ -57,6 +60,8 @@ private:
     void createFilterRow();
     void createTree();
     void layOutWidgets();
+    void clearFilters();
+    void followFilter();
     void onFilterChanged(const QString &text);
     void onTreeDoubleClicked();
     void refreshSummary();
@@ -74,6 +79,7 @@ private:
     int m_unreadableFolders = 0;
     int m_restored = 0; ///< files that came back since the last scan
     QLineEdit *m_filterEdit = nullptr;
+    FilterBar *m_filterBar = nullptr;
     CheckBar *m_checkBar = nullptr;
     ResultsView *m_view = nullptr;
     ReviewPlace *m_place = nullptr;

@@ -172,15 +172,22 @@ void Decisions::setTick(int group, int member, bool ticked, bool byHand)
         setMark(group, member, markOf(ticked, byHand));
 }
 
-// No command for all of them ticks what was said to be no duplicate.
-void Decisions::setTicks(const std::function<bool(bool wasTicked, bool isDuplicate)> &ticked)
+// No such command ticks what was said to be no duplicate.
+void Decisions::setTicks(const std::function<bool(bool wasTicked, bool isDuplicate)> &ticked,
+                         const QList<Place> *places)
 {
-    for (int group = 0; group < m_groups.size(); ++group) {
-        for (int member = 0; member < m_groups.at(group).members.size(); ++member) {
-            const bool was = isTicked(group, member);
-            setTick(group, member, ticked(was, isDuplicate(group, member)) && (was || !isApartFromKept(group, member)),
-                    false);
-        }
+    const auto set = [&](int group, int member) {
+        const bool was = isTicked(group, member);
+        setTick(group, member, ticked(was, isDuplicate(group, member)) && (was || !isApartFromKept(group, member)),
+                false);
+    };
+    for (int group = 0; !places && group < m_groups.size(); ++group) {
+        for (int member = 0; member < m_groups.at(group).members.size(); ++member)
+            set(group, member);
+    }
+    if (places) {
+        for (const auto &[group, member] : *places)
+            set(group, member);
     }
 }
 

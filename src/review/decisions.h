@@ -53,7 +53,9 @@ public:
 
     /// Refuses to tick what may not be ticked. A mark that is not by hand leaves one alone that already has this tick.
     void setTick(int group, int member, bool ticked, bool byHand);
-    void setTicks(const std::function<bool(bool wasTicked, bool isDuplicate)> &ticked); ///< of all that may be
+    /// Of all copies that may be ticked, or of those at these places.
+    void setTicks(const std::function<bool(bool wasTicked, bool isDuplicate)> &ticked,
+                  const QList<Place> *places = nullptr);
     void setFacts(int group, const GroupFacts &facts); ///< the copy to keep is unticked if it is another one
     void setDecision(int group, const GroupDecision &decision);
     int setCheck(int group, const GroupCheck &check); ///< how many copies it unticked

@@ -65,10 +65,11 @@ std::optional<qint64> Review::offsetBetween(const QString &first, const QString 
     return std::nullopt;
 }
 
-int Review::firstWhollyTickedGroup() const
+int Review::firstWhollyTickedGroup(const OnlyTracks &only) const
 {
     for (int group = 0; group < groups().size(); ++group) {
-        if (m_decisions.isWhollyTicked(group))
+        const auto isMeant = [&only](qint32 member) { return isAmong(only, member); };
+        if (isWhollyTicked(group) && std::ranges::any_of(groups().at(group).members, isMeant))
             return group;
     }
     return -1;
@@ -168,18 +169,38 @@ void Review::takeDecisions(const QHash<int, GroupDecision> &decisions)
 
 void Review::tickDuplicates()
 {
-    perform(tr("Select All Duplicates"),
-            [this] { m_decisions.setTicks([](bool, bool isDuplicate) { return isDuplicate; }); });
+    tickMany(BulkTick::Duplicates);
 }
 
 void Review::clearTicks()
 {
-    perform(tr("Clear Selection"), [this] { m_decisions.setTicks([](bool, bool) { return false; }); });
+    tickMany(BulkTick::None);
 }
 
 void Review::invertTicks()
 {
-    perform(tr("Invert Selection"), [this] { m_decisions.setTicks([](bool was, bool) { return !was; }); });
+    tickMany(BulkTick::Invert);
+}
+
+void Review::tickMany(BulkTick what)
+{
+    tickThose(what, nullptr);
+}
+
+void Review::tickMany(BulkTick what, const QList<Place> &places)
+{
+    tickThose(what, &places);
+}
+
+void Review::tickThose(BulkTick what, const QList<Place> *places)
+{
+    const QString text = what == BulkTick::Duplicates ? tr("Select All Duplicates")
+        : what == BulkTick::None                      ? tr("Clear Selection")
+                                                      : tr("Invert Selection");
+    const auto ticked = [what](bool was, bool isDuplicate) {
+        return what == BulkTick::Duplicates ? isDuplicate : what == BulkTick::Invert && !was;
+    };
+    perform(text, [&] { m_decisions.setTicks(ticked, places); });
 }
 
 void Review::setTicked(int group, int member, bool ticked)

@@ -14,6 +14,14 @@ namespace epr {
 
 struct KeeperChoice;
 
+/// The tracks that a command is about; nothing = all.
+using OnlyTracks = std::optional<QSet<qint32>>;
+
+inline bool isAmong(const OnlyTracks &only, qint32 track)
+{
+    return !only || only->contains(track);
+}
+
 /// What is being decided about the results of a scan: which copy of a group is kept, which are ticked for removal, and
 /// how far the operator is with it. It reads the scan's own lists and keeps a byte per member, so a large result costs
 /// no row objects.
@@ -25,6 +33,9 @@ class Review final : public QObject {
 
 public:
     using Place = Decisions::Place;
+
+    /// What a command does with the ticks of many copies.
+    enum class BulkTick { Duplicates, None, Invert };
 
     explicit Review(QObject *parent = nullptr);
 
@@ -51,7 +62,8 @@ public:
     /// that does not tell.
     std::optional<qint64> offsetBetween(const QString &first, const QString &second) const;
 
-    int firstWhollyTickedGroup() const; ///< the first group of which no copy would survive, or -1
+    bool isWhollyTicked(int group) const { return m_decisions.isWhollyTicked(group); } ///< no copy would survive
+    int firstWhollyTickedGroup(const OnlyTracks &only = {}) const; ///< with one of these, -1 if there is none
     QSet<qint32> vanishedTracks() const; ///< members without a file at their path; looks at every one on the disk
 
     /// The track to compare the kept copy of a group with: this one, or the copy most worth it where this is the kept
@@ -79,6 +91,8 @@ public:
     void tickDuplicates(); ///< as after a scan, and no others
     void clearTicks();
     void invertTicks();
+    void tickMany(BulkTick what); ///< the same
+    void tickMany(BulkTick what, const QList<Place> &places); ///< of these copies alone
     void setTicked(int group, int member, bool ticked);
     void setTicked(const QList<Place> &places, bool ticked); ///< as one step
 
@@ -142,6 +156,7 @@ private:
     int announce(const DecisionStep &step);
     int applyStep(const DecisionStep &step, bool backwards);
     void makeSearchTexts();
+    void tickThose(BulkTick what, const QList<Place> *places);
     QString refusal(int group, int member) const;
 
     Decisions m_decisions;

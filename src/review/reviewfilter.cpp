@@ -58,13 +58,20 @@ bool ReviewFilter::setText(const QString &text)
     return isOther;
 }
 
+void ReviewFilter::setCriteria(const FilterCriteria &criteria)
+{
+    m_criteria = criteria;
+    std::ranges::stable_sort(m_criteria.terms, {}, &FilterTerm::kind);
+    m_narrows = false;
+}
+
 void ReviewFilter::layOutRows()
 {
     const std::vector<GroupRow> shownGroups = std::exchange(m_groups, {});
     const std::vector<int> shownMembers = std::exchange(m_members, {});
     m_rows.assign(static_cast<std::size_t>(m_review.groups().size()), -1);
-    const QStringList searchTexts = isActive() ? m_review.searchTexts() : QStringList();
-    if (std::exchange(m_narrows, false)) {
+    const QStringList searchTexts = m_needles.isEmpty() ? QStringList() : m_review.searchTexts();
+    if (std::exchange(m_narrows, false) && m_criteria.terms.isEmpty()) { // others may meet them since
         const auto members = [&shownMembers](const GroupRow &row) {
             return std::span(shownMembers)
                 .subspan(static_cast<std::size_t>(row.firstMember), static_cast<std::size_t>(row.memberCount));
@@ -110,23 +117,48 @@ qint64 ReviewFilter::hiddenTicks() const
     return m_review.totals().tickedFiles - shown;
 }
 
+QList<std::pair<int, int>> ReviewFilter::shownPlaces() const
+{
+    QList<std::pair<int, int>> places;
+    for (int row = 0; row < groupCount(); ++row) {
+        for (int i = 0; i < memberCount(row); ++i)
+            places.append({ groupAt(row), memberAt(row, i) });
+    }
+    return places;
+}
+
 void ReviewFilter::appendGroup(int group, std::span<const int> candidates, const QStringList &searchTexts)
 {
-    if (m_review.state(group) == GroupState::NotDuplicates)
-        return;
-    const QList<qint32> &members = m_review.groups().at(group).members;
     const auto first = static_cast<int>(m_members.size());
-    for (const int member : candidates) {
-        const qint32 track = members.at(member);
-        const bool hasText = track >= 0 && track < searchTexts.size();
-        if (!hasText || matches(searchTexts.at(track)))
-            m_members.push_back(member);
-    }
-    const int count = static_cast<int>(m_members.size()) - first;
+    const int count = appendMembers(group, candidates, searchTexts);
     if (count == 0)
         return;
     m_rows[static_cast<std::size_t>(group)] = groupCount();
     m_groups.push_back({ group, first, count });
+}
+
+// How many they are.
+int ReviewFilter::appendMembers(int group, std::span<const int> candidates, const QStringList &searchTexts)
+{
+    if (m_review.state(group) == GroupState::NotDuplicates)
+        return 0;
+    const QList<qint32> &members = m_review.groups().at(group).members;
+    const GroupMatch match(m_review, group, m_criteria.terms);
+    const std::size_t first = m_members.size();
+    bool isFound = false;
+    for (const int member : candidates) {
+        const qint32 track = members.at(member);
+        const bool hasText = track >= 0 && track < searchTexts.size();
+        if (hasText && !matches(searchTexts.at(track)))
+            continue;
+        const bool meets = match.meets(member);
+        isFound = isFound || meets;
+        if (meets || !m_criteria.copiesOnly || m_review.isKeeper(group, member))
+            m_members.push_back(member);
+    }
+    if (!isFound)
+        m_members.resize(first);
+    return static_cast<int>(m_members.size() - first);
 }
 
 bool ReviewFilter::matches(const QString &searchText) const

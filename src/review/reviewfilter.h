@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "filtercriteria.h"
 #include "records.h"
 
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace epr {
@@ -12,7 +14,10 @@ namespace epr {
 class Review;
 
 /// The members of a review that match a text, and the groups with at least one such member, as rows from 0 on: members
-/// whose artist, title, file name or folder contain it in whatever letter case. Without a text those are all.
+/// whose artist, title, file name or folder contain it in whatever letter case. Without a text those are all. Criteria
+/// leave the groups of which such a member meets them, whole unless they say otherwise.
+///
+/// What is decided changes no rows, lest they go from below the operator's hands; only setting a group aside does.
 ///
 /// A change of the text may add and remove rows in thousands of places, so the rows are laid out afresh in flat arrays.
 /// A text that only gets longer is looked for in the rows that are shown, not in the whole review.
@@ -20,9 +25,10 @@ class ReviewFilter final {
 public:
     explicit ReviewFilter(const Review &review);
 
-    bool isActive() const { return !m_needles.isEmpty(); }
+    bool isActive() const { return !m_needles.isEmpty() || !m_criteria.terms.isEmpty(); }
     bool setText(const QString &text); ///< as typed; false if that finds what is shown already
-    void layOutRows(); ///< after each new text, and whenever the review was reset
+    void setCriteria(const FilterCriteria &criteria);
+    void layOutRows(); ///< after each new text or criteria, and whenever the review was reset
 
     int groupCount() const { return static_cast<int>(m_groups.size()); }
     int memberCount(int groupRow) const { return rowAt(groupRow).memberCount; }
@@ -31,6 +37,7 @@ public:
     int rowOf(int group) const { return m_rows[static_cast<std::size_t>(group)]; } ///< -1 = not shown
     int rowOf(int group, int member) const; ///< within the group's row; -1 = not shown
     qint64 hiddenTicks() const; ///< ticked members that are not shown
+    QList<std::pair<int, int>> shownPlaces() const; ///< groups and members, in the order of the rows
 
 private:
     struct GroupRow {
@@ -40,11 +47,13 @@ private:
     };
 
     void appendGroup(int group, std::span<const int> candidates, const QStringList &searchTexts);
+    int appendMembers(int group, std::span<const int> candidates, const QStringList &searchTexts);
     bool matches(const QString &searchText) const;
     const GroupRow &rowAt(int groupRow) const { return m_groups[static_cast<std::size_t>(groupRow)]; }
 
     const Review &m_review;
     QStringList m_needles; ///< any of them may be found; empty = everything matches
+    FilterCriteria m_criteria; ///< with terms of one kind side by side
     bool m_narrows = false; ///< what is shown holds all that the new text finds
     std::vector<GroupRow> m_groups;
     std::vector<int> m_members; ///< positions within their groups, group after group, ascending within each

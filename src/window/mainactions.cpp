@@ -113,7 +113,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
           { selectDuplicates, clearSelection, invertSelection },
           { parts.review->done, parts.review->notDuplicates },
           { member.keep, parts.checks->keepBetter, parts.review->chooseKeepers, member.showDetails, member.copyPath },
-          { filterResults, nextGroup, previousGroup } });
+          { filterResults, parts.filters->menuAction(), nextGroup, previousGroup } });
     QMenu *player = bar->addMenu(QCoreApplication::translate("epr::MainMenus", "&Player"));
     parts.player->addCommandsTo(player);
     fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup, parts.checks->nextDifference } });

@@ -5,6 +5,7 @@
 #include <QAction>
 
 class QMainWindow;
+class QMenu;
 class QMenuBar;
 class QToolBar;
 
@@ -41,6 +42,7 @@ public:
         const CheckDesk *checks;
         const ReviewDesk *review;
         const ReviewFiles *reviewFiles;
+        const QMenu *filters;
     };
 
     explicit MainActions(QWidget *window);

@@ -10,6 +10,8 @@
 #include "compareplayer.h"
 #include "displaytext.h"
 #include "docks.h"
+#include "filterbar.h"
+#include "filterdesk.h"
 #include "folderpanel.h"
 #include "helpdialogs.h"
 #include "mainactions.h"
@@ -58,6 +60,7 @@ MainWindow::MainWindow(QWidget *parent)
     placeForFirstStart(this, m_playerDock, m_log);
     m_playerDesk = new PlayerDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
+    m_filters = new FilterDesk({ m_review, m_resultsPanel, m_memberActions }, this);
     m_reviewDesk = new ReviewDesk({ m_review, m_resultsPanel, m_memberActions }, this);
     m_reviewFiles = new ReviewFiles({ m_review, m_resultsPanel, m_checks }, this);
     connectActions();
@@ -196,17 +199,17 @@ void MainWindow::onLogMessage(const QString &message)
 
 void MainWindow::onSelectDuplicates()
 {
-    m_review->tickDuplicates();
+    m_filters->tick(Review::BulkTick::Duplicates);
 }
 
 void MainWindow::onClearSelection()
 {
-    m_review->clearTicks();
+    m_filters->tick(Review::BulkTick::None);
 }
 
 void MainWindow::onInvertSelection()
 {
-    m_review->invertTicks();
+    m_filters->tick(Review::BulkTick::Invert);
 }
 
 // A file goes into the quarantine under the folder that it was found in, even if that has left the list since.
@@ -214,7 +217,7 @@ void MainWindow::onRemoveSelected()
 {
     QStringList folders = m_reviewFiles->roots() + m_folderPanel->folders();
     folders.removeDuplicates();
-    m_cleanup->removeSelected({ m_quarantineRoot, folders, m_resultsPanel->hiddenTicks() });
+    m_filters->remove(m_cleanup, { m_quarantineRoot, folders });
 }
 
 void MainWindow::onUndoPrevious()
@@ -327,7 +330,8 @@ void MainWindow::createMenus()
                              m_resultsPanel->view()->columnActions(),
                              m_checks,
                              m_reviewDesk,
-                             m_reviewFiles });
+                             m_reviewFiles,
+                             m_resultsPanel->filterBar()->menu() });
 }
 
 void MainWindow::restoreSettings()

@@ -16,6 +16,7 @@ class CheckDesk;
 class CleanupCommand;
 class Command;
 class ExportCommand;
+class FilterDesk;
 class FolderPanel;
 class MainActions;
 class MemberActions;
@@ -107,6 +108,7 @@ private:
     PlayerDesk *m_playerDesk = nullptr;
     ScanStrip *m_strip = nullptr;
     CheckDesk *m_checks = nullptr;
+    FilterDesk *m_filters = nullptr;
     ReviewDesk *m_reviewDesk = nullptr;
     ReviewFiles *m_reviewFiles = nullptr;
     QThread *m_scanThread = nullptr;

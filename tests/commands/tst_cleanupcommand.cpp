@@ -111,6 +111,7 @@ struct Session final : Sandbox {
                 group.members << static_cast<qint32>(tracks.size());
                 TrackInfo &track = tracks.emplace_back();
                 track.path = add(name);
+                track.fileName = QFileInfo(track.path).fileName();
                 track.size = 100;
                 track.mtime = QFileInfo(track.path).lastModified();
                 track.fullHash = sha256(readFile(track.path));
@@ -176,6 +177,30 @@ private Q_SLOTS:
         QCOMPARE(session.person.boxes, QStringList({ first, second }));
         QVERIFY(session.window->findChild<QTreeView *>()->currentIndex().data().toString().startsWith("Group 2 "_L1));
         QCOMPARE(treeOf(session.library()), session.before);
+    }
+
+    void commandsLeaveOutWhatAFilterHides()
+    {
+        Session session;
+        const auto ticks = [&] { return sketchOf(*session.review); };
+        session.window->findChild<QLineEdit *>(u"filterEdit"_s)->setText(u"c2"_s);
+        session.person.answers = { { u"A filter is on"_s, QMessageBox::Cancel } };
+        session.window->onClearSelection();
+        session.window->onRemoveSelected();
+        QCOMPARE(ticks(), u"a1* a2! / b1* b2! / c1* c2! c3!"_s);
+        session.person.answers[u"A filter is on"_s] = QMessageBox::Yes;
+        session.window->onClearSelection();
+        QCOMPARE(ticks(), u"a1* a2! / b1* b2! / c1* c2 c3!"_s);
+        session.window->onInvertSelection();
+        session.review->setTicked(0, 0, true); // of a group that is hidden: none of this clean-up's business
+        session.window->onRemoveSelected();
+        QCOMPARE(ticks(), u"a1*! a2! / b1* b2! / c1* c3!"_s);
+        QVERIFY(QFile::exists(session.library() + u"/sub/c3"_s));
+        session.person.answers[u"A filter is on"_s] = QMessageBox::YesToAll;
+        session.window->findChild<QLineEdit *>(u"filterEdit"_s)->setText(u"b1"_s);
+        session.window->onSelectDuplicates();
+        QCOMPARE(ticks(), u"a1* a2! / b1* b2! / c1* c3!"_s);
+        QCOMPARE(session.person.boxes.constFirst(), u"A filter is on|1 of 3 groups are shown. 6 copy(s) are hidden."_s);
     }
 
     void nothingIsDeletedWithoutConsent()

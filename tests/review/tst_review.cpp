@@ -193,6 +193,64 @@ private Q_SLOTS:
         QTEST(shownBy(filter, review), "shown");
     }
 
+    void criteriaLeaveGroupsOrCopies_data()
+    {
+        using enum FilterTerm::Kind;
+        const auto problem = [](FilterTerm::Problem what) { return FilterTerm { Problem, static_cast<qint64>(what) }; };
+        const Rows<FilterCriteria, QString, QString> row("criteria", "text", "shown");
+        const FilterTerm flac { Format, 0, u"flac"_s };
+        const FilterTerm archive { Folder, 0, u"/archive"_s };
+        row("one copy has it, its whole group shows", { { flac } }, {}, u"a* b c! / f* g!"_s);
+        row("the kept one stays beside the matching", { { flac }, true }, {}, u"a* b / f* g!"_s);
+        row("a text hides copies all the same", { { flac }, true }, u"of b"_s, u"b"_s);
+        row("another copy has the text", { { flac } }, u"of c"_s, {});
+        row("one copy must meet every kind", { { archive, flac } }, {}, u"f* g!"_s);
+        row("kinds side by side or not", { { flac, archive, { Format, 0, u"mp3"_s } } }, {}, u"d e*! / f* g!"_s);
+        row("no folder of a name that begins so", { { { Folder, 0, u"/arch"_s } } }, {}, {});
+        row("match type", { { { Match, 3 }, { Match, 2 } } }, {}, u"f* g!"_s);
+        row("states", { { { State, 1 } } }, {}, u"d e*!"_s);
+        row("ticked copies", { { { Ticks, 1 } }, true }, {}, u"a* c! / e*! / f* g!"_s);
+        row("without a tick", { { { Ticks, 0 } } }, {}, u"h* i"_s);
+        row("size", { { { AtLeast, 8 * mebibyte } } }, {}, u"h* i"_s);
+        row("identical", { { { Identical } }, true }, {}, u"a* c!"_s);
+        row("wholly ticked", { { problem(FilterTerm::Problem::WhollyTicked) } }, {}, {});
+        row("vanished", { { problem(FilterTerm::Problem::NotAsScanned) } }, {}, u"h* i"_s);
+        row("protected", { { problem(FilterTerm::Problem::Protected) }, true }, {}, u"d e*!"_s);
+        row("unreadable or protected",
+            { { problem(FilterTerm::Problem::Unreadable), problem(FilterTerm::Problem::Protected) } }, {},
+            u"d e*! / f* g!"_s);
+    }
+
+    void criteriaLeaveGroupsOrCopies()
+    {
+        QFETCH(const FilterCriteria, criteria);
+        QFETCH(const QString, text);
+        Lists lists = listsOf(u"a* b c / d e* / f* g / h* i"_s);
+        for (TrackInfo &track : lists.tracks)
+            track.suffix = u"mp3"_s;
+        lists.tracks[1].suffix = lists.tracks[6].suffix = u"flac"_s;
+        lists.tracks[3].path = u"/archive/1/d.mp3"_s;
+        lists.tracks[6].path = u"/archive/g.flac"_s;
+        lists.tracks[6].error = u"damaged"_s;
+        lists.tracks[0].fullHash = lists.tracks[2].fullHash = u"1"_s;
+        lists.groups[2].matchType = MatchType::SameSong;
+        for (const int other : { 0, 1, 3 })
+            lists.groups[other].matchType = MatchType::SameAudio;
+        Review review;
+        review.setResults(lists.tracks, lists.groups);
+        review.setProtected({ 3 });
+        review.setTicked(0, 1, false);
+        review.setTicked(1, 1, true);
+        review.setState({ 1 }, GroupState::Done);
+        review.setFileStates({ { 8, FileState::Vanished } });
+        ReviewFilter filter(review);
+        filter.setCriteria(criteria);
+        filter.setText(text);
+        filter.layOutRows();
+        QTEST(shownBy(filter, review), "shown");
+        QCOMPARE(filter.shownPlaces().size(), shownBy(filter, review).count(QRegularExpression(u"\\w"_s)));
+    }
+
     void protectedCopiesAreNeverTicked()
     {
         Review review;
