@@ -112,12 +112,15 @@ private:
     std::vector<std::atomic<quint8>> m_bytes;
 };
 
-/// Pairs, each as often as it shares a key, until that is often enough.
+/// Pairs, each as often as it shares a key, until that is often enough. It has room for as many as are expected, since
+/// one that grows is in the memory twice while it is moved.
 class PairList final {
 public:
-    explicit PairList(std::ptrdiff_t repeats)
+    PairList(std::ptrdiff_t repeats, qint64 expected)
         : m_repeats(repeats)
+        , m_limit(std::max<std::size_t>(static_cast<std::size_t>(expected), 1'000'000))
     {
+        m_pairs.reserve(m_limit);
     }
 
     void add(Pair pair)
@@ -162,7 +165,7 @@ private:
     }
 
     std::ptrdiff_t m_repeats = 0;
-    std::size_t m_limit = 4'000'000;
+    std::size_t m_limit = 0;
     std::vector<Pair> m_pairs;
 };
 
@@ -204,25 +207,33 @@ private:
     std::vector<std::vector<Pair>> m_pairs;
 };
 
-/// How many keys two tracks must share. In a larger library more pairs share some by chance. More than usual are asked
-/// for where the pairs would not fit into the memory.
-quint8 leastSharedKeys(qsizetype trackCount, const PairCounts &counts)
+/// How many keys two tracks must share, and about how many pairs then come to be listed.
+struct LeastShared {
+    quint8 keys = 0;
+    qint64 pairs = 0;
+};
+
+/// In a larger library more pairs share some by chance. More than usual are asked for where the pairs would not fit
+/// into the memory.
+LeastShared leastSharedKeys(qsizetype trackCount, const PairCounts &counts)
 {
     constexpr qint64 mostPairs = 40'000'000;
-    const auto histogram = counts.histogram();
-    quint8 least = PairCounts::most + 1;
-    for (qint64 pairs = 0; least > 3; --least) {
-        pairs += histogram[least - 1] * (least - 1);
-        if (pairs > mostPairs)
-            break;
-    }
     const quint8 usual = trackCount < 100'000 ? 3 : trackCount < 1'000'000 ? 4 : 5;
-    return std::clamp(least, usual, PairCounts::most);
+    const auto histogram = counts.histogram();
+    LeastShared least { PairCounts::most, histogram[PairCounts::most] * PairCounts::most };
+    while (least.keys > usual) {
+        const qint64 more = histogram[least.keys - 1] * (least.keys - 1);
+        if (least.pairs + more > mostPairs)
+            break;
+        --least.keys;
+        least.pairs += more;
+    }
+    return least;
 }
 
-/// The pairs that share enough keys and are not in one set yet, in order. Empty if cancelled.
-std::vector<Pair> findCandidates(const QList<TrackInfo> &tracks, FingerprintEngine engine, int threads,
-                                 const Checkpoint &checkpoint, const MatchUnion &unions)
+/// The pairs that may share enough keys and are not in one set yet, in a list of each thread. Empty if cancelled.
+std::vector<PairList> listCandidates(const QList<TrackInfo> &tracks, FingerprintEngine engine, int threads,
+                                     const Checkpoint &checkpoint, const MatchUnion &unions)
 {
     KeyIndex index(tracks, engine, { .threads = threads });
     if (!index.count(checkpoint))
@@ -237,15 +248,27 @@ std::vector<Pair> findCandidates(const QList<TrackInfo> &tracks, FingerprintEngi
     };
     if (!forEachBatch(countingPairs, [&](int, std::span<const Pair> pairs) { counts.add(pairs); }))
         return {};
-    const quint8 least = leastSharedKeys(tracks.size(), counts);
-    std::vector<PairList> lists(static_cast<std::size_t>(threads), PairList(least));
+    const LeastShared least = leastSharedKeys(tracks.size(), counts);
+    std::vector<PairList> lists;
+    for (int thread = 0; thread < threads; ++thread)
+        lists.emplace_back(least.keys, least.pairs / threads * 9 / 8);
     const auto collectPairs = [&](int thread, std::span<const Pair> pairs) {
-        counts.forEachFrequent(pairs, least, [&](Pair pair) {
+        counts.forEachFrequent(pairs, least.keys, [&](Pair pair) {
             if (unions.root(firstOf(pair)) != unions.root(secondOf(pair)))
                 lists[static_cast<std::size_t>(thread)].add(pair);
         });
     };
     if (!forEachBatch(collectingPairs, collectPairs))
+        return {};
+    return lists;
+}
+
+/// Those that do, in order. The counts are out of the memory by the time that the lists are joined.
+std::vector<Pair> findCandidates(const QList<TrackInfo> &tracks, FingerprintEngine engine, int threads,
+                                 const Checkpoint &checkpoint, const MatchUnion &unions)
+{
+    std::vector<PairList> lists = listCandidates(tracks, engine, threads, checkpoint, unions);
+    if (lists.empty())
         return {};
     for (std::size_t other = 1; other < lists.size(); ++other)
         lists.front().append(std::move(lists[other]));
