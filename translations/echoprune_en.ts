@@ -120,6 +120,16 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
     </message>
 </context>
 <context>
+    <name>epr::ProblemDesk</name>
+    <message numerus="yes">
+        <source>%Ln group(s) to look at</source>
+        <translation>
+            <numerusform>%Ln group to look at</numerusform>
+            <numerusform>%Ln groups to look at</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>epr::ProgressEstimate</name>
     <message numerus="yes">
         <source>about %n minute(s) left</source>

@@ -7,8 +7,11 @@
 #include <QFile>
 #include <QPainter>
 #include <QPalette>
+#include <QPixmap>
+#include <QPolygonF>
 #include <QProxyStyle>
 #include <QStyleOption>
+#include <QWidget>
 
 #ifdef Q_OS_WIN
 #include <windows.h>
@@ -180,6 +183,36 @@ void paintLock(QPainter &painter, const QRectF &square, const QColor &colour)
     painter.drawArc(QRectF(0.28, 0.08, 0.44, 0.7), 0, 180 * 16);
     painter.fillRect(QRectF(0.15, 0.44, 0.7, 0.5), colour);
     painter.restore();
+}
+
+void paintWarning(QPainter &painter, const QRectF &square, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(square.topLeft());
+    painter.scale(square.width(), square.height());
+    painter.setPen(QPen(colour, 0.1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolygon(QPolygonF { { 0.5, 0.1 }, { 0.95, 0.9 }, { 0.05, 0.9 } });
+    painter.drawLine(QPointF(0.5, 0.4), QPointF(0.5, 0.6));
+    painter.drawPoint(QPointF(0.5, 0.76));
+    painter.restore();
+}
+
+QIcon signIcon(void (*paint)(QPainter &painter, const QRectF &square, const QColor &colour), const QWidget &widget,
+               const QColor &colour)
+{
+    const int height = widget.fontMetrics().ascent();
+    QPixmap pixmap(QSize(height, height) * widget.devicePixelRatio());
+    pixmap.setDevicePixelRatio(widget.devicePixelRatio());
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    paint(painter, QRectF(0, 0, height, height), colour);
+    return pixmap;
+}
+
+QColor warningColour(const QPalette &palette)
+{
+    return readableTone(qRgb(161, 26, 26), palette);
 }
 
 } // namespace epr

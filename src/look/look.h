@@ -3,11 +3,13 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 
 class QPainter;
 class QPalette;
 class QRectF;
 class QStyle;
+class QWidget;
 
 namespace epr {
 
@@ -32,5 +34,15 @@ QColor readableTone(QRgb dark, const QPalette &palette);
 
 /// A padlock, the sign of what is protected.
 void paintLock(QPainter &painter, const QRectF &square, const QColor &colour);
+
+/// A triangle with an exclamation mark, the sign of what had better be looked at.
+void paintWarning(QPainter &painter, const QRectF &square, const QColor &colour);
+
+/// One of these signs in the widget's text height.
+QIcon signIcon(void (*paint)(QPainter &painter, const QRectF &square, const QColor &colour), const QWidget &widget,
+               const QColor &colour);
+
+/// What words of warning are written in.
+QColor warningColour(const QPalette &palette);
 
 } // namespace epr

@@ -115,7 +115,7 @@ QColor matchColour(MatchType type, const QPalette &palette)
     case MatchType::SameRecording:
         return readableTone(qRgb(179, 90, 15), palette);
     default:
-        return readableTone(qRgb(161, 26, 26), palette);
+        return warningColour(palette);
     }
 }
 

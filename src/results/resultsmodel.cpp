@@ -6,6 +6,7 @@
 #include "copyrelation.h"
 #include "displaytext.h"
 #include "groupcheck.h"
+#include "groupproblem.h"
 #include "missingpart.h"
 #include "notices.h"
 #include "resultscells.h"
@@ -213,6 +214,8 @@ void ResultsModel::followReview()
         const QModelIndex cell = memberIndex(group, member);
         if (cell.isValid())
             Q_EMIT dataChanged(cell, cell, { Qt::CheckStateRole });
+        if (const QModelIndex row = groupIndex(group); row.isValid())
+            Q_EMIT dataChanged(row, row, { ProblemRole });
     });
     connect(&m_review, &Review::ticksChanged, this, [this] { emitEverywhereChanged(Qt::CheckStateRole); });
     connect(&m_review, &Review::fileStatesChanged, this, [this] { emitEverywhereChanged(Qt::DisplayRole); });
@@ -266,6 +269,12 @@ QVariant ResultsModel::groupData(int group, int column, int role) const
         return column == MatchColumn ? matchColour(record.matchType, QGuiApplication::palette()) : QVariant();
     case Qt::ToolTipRole:
         return plainToolTip((QStringList(groupExplanation(record)) + checkRemarks(record)).join(u'\n'));
+    case Qt::AccessibleTextRole: {
+        const QString problem = problemText(group);
+        return column == FileColumn && !problem.isEmpty() ? groupText(group) + ", "_L1 + problem : QVariant();
+    }
+    case ProblemRole:
+        return problemText(group);
     case GroupRole:
         return group;
     default:
@@ -415,6 +424,11 @@ QString ResultsModel::groupText(int group) const
         tr("Group %1 - %2 copies - %3 reclaimable")
             .arg(QString::number(record.id), QString::number(record.members.size()), sizeText(record.reclaimableBytes));
     return m_review.state(group) == GroupState::Done ? tr("%1 - done").arg(text) : text;
+}
+
+QString ResultsModel::problemText(int group) const
+{
+    return groupProblemText(groupProblem(m_review, group));
 }
 
 QStringList ResultsModel::checkRemarks(const MatchGroup &group) const

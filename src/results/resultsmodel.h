@@ -41,6 +41,7 @@ public:
         TrackRole = Qt::UserRole + 1, ///< member rows: index in the track list
         GroupRole, ///< position in the group list
         KeeperRole, ///< member rows: whether this is the copy to keep
+        ProblemRole, ///< group rows: why the operator had better look at it; empty = no reason
         LockRole, ///< file cells: whether the copy is protected
         DecksRole, ///< file cells: "A", "B" or "AB" for the decks that the copy is loaded into
     };
@@ -84,6 +85,7 @@ private:
     QStringList remarksOf(int group, int member) const;
     QVariant matchTextColour(int group, int member) const;
     QString groupText(int group) const;
+    QString problemText(int group) const;
     QStringList checkRemarks(const MatchGroup &group) const;
     QString memberText(const TrackInfo &track, int column) const;
     QString checkCell(int group, int member, int column) const;

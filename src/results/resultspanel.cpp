@@ -96,7 +96,12 @@ void ResultsPanel::goToGroup(int step)
 
 bool ResultsPanel::goToUndecided(int group)
 {
-    return m_place->goToUndecided(group);
+    return goToNext(group, [this](int other) { return m_review.state(other) == GroupState::Undecided; });
+}
+
+bool ResultsPanel::goToNext(int group, const std::function<bool(int group)> &isWanted)
+{
+    return m_place->goToNext(group, isWanted);
 }
 
 void ResultsPanel::goToShownGroup(int group)
@@ -124,6 +129,11 @@ void ResultsPanel::focusResults()
 const ReviewFilter &ResultsPanel::shown() const
 {
     return m_model->rows();
+}
+
+void ResultsPanel::addToSummary(QWidget *note)
+{
+    m_summaryRow->insertWidget(1, note);
 }
 
 void ResultsPanel::addTreeAction(QAction *action)
@@ -201,10 +211,10 @@ void ResultsPanel::layOutWidgets()
     layout->addLayout(filterRow);
     layout->addWidget(m_checkBar);
     layout->addWidget(m_view, 1);
-    auto *summaryRow = new QHBoxLayout;
-    summaryRow->addWidget(m_summary, 1);
-    summaryRow->addWidget(m_progress);
-    layout->addLayout(summaryRow);
+    m_summaryRow = new QHBoxLayout;
+    m_summaryRow->addWidget(m_summary, 1);
+    m_summaryRow->addWidget(m_progress);
+    layout->addLayout(m_summaryRow);
 }
 
 void ResultsPanel::onFilterChanged(const QString &text)

@@ -6,6 +6,9 @@
 
 #include <QWidget>
 
+#include <functional>
+
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 
@@ -38,11 +41,13 @@ public:
     void addRestored(int files); ///< put back by an undo; the results do not show them before the next scan
     void goToGroup(int step); ///< -1 or +1
     bool goToUndecided(int group); ///< to the next one behind it that is not decided; false if there is none
+    bool goToNext(int group, const std::function<bool(int group)> &isWanted); ///< the same for other groups
     void goToShownGroup(int group); ///< unless the filter hides it
     void setLoaded(const PerDeck<QString> &paths); ///< marks the rows of what is in the decks
     void focusFilter();
     void focusResults();
     const ReviewFilter &shown() const; ///< what the filters leave
+    void addToSummary(QWidget *note); ///< behind the line
     void addTreeAction(QAction *action); ///< its key then works in the tree
     ResultsView *view() const { return m_view; }
     CheckBar *checkBar() const { return m_checkBar; }
@@ -84,6 +89,7 @@ private:
     ResultsView *m_view = nullptr;
     ReviewPlace *m_place = nullptr;
     QLabel *m_summary = nullptr;
+    QHBoxLayout *m_summaryRow = nullptr;
     ReviewProgress *m_progress = nullptr;
 };
 

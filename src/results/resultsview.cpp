@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultsview.h"
 
+#include "look.h"
 #include "notices.h"
 #include "resultscells.h"
 #include "resultsmodel.h"
@@ -266,6 +267,25 @@ int ResultsView::leadingEdge(const QRect &row, int column) const
     return isRightToLeft() ? row.right() + 1 - left - columnWidth(column) : left - row.left();
 }
 
+int ResultsView::drawProblem(QPainter *painter, const QStyleOptionViewItem &option, const QRect &place,
+                             const QModelIndex &index) const
+{
+    const QString text = index.data(ResultsModel::ProblemRole).toString();
+    if (text.isEmpty())
+        return place.left();
+    const bool isSelected = selectionModel()->isSelected(index);
+    const QColor colour = isSelected ? option.palette.color(QPalette::HighlightedText) : warningColour(option.palette);
+    const int side = painter->fontMetrics().ascent();
+    const QRect sign(place.left(), place.center().y() - side / 2, side, side);
+    paintWarning(*painter, QStyle::visualRect(option.direction, option.rect, sign), colour);
+    QRect words = place;
+    words.setLeft(sign.right() + side / 2);
+    painter->setPen(colour);
+    painter->drawText(QStyle::visualRect(option.direction, option.rect, words),
+                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
+    return words.left() + painter->fontMetrics().horizontalAdvance(text) + side;
+}
+
 // The group's own text may be wider than its column, and so may the match label after it. Nothing else is in the row,
 // so each simply takes the room it needs.
 void ResultsView::drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
@@ -289,7 +309,8 @@ void ResultsView::drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &
     };
     draw(text);
 
-    const int textEnd = start + QFontMetrics(bold).horizontalAdvance(text) + 4 * margin;
+    place.setLeft(start + QFontMetrics(bold).horizontalAdvance(text) + 4 * margin);
+    const int textEnd = drawProblem(painter, option, place, index);
     const int labelStart = option.rect.left() + leadingEdge(option.rect, ResultsModel::MatchColumn) + margin;
     place.setLeft(std::max(labelStart, textEnd));
     painter->setFont(option.font);

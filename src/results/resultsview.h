@@ -52,6 +52,9 @@ private:
     void drawGroupBand(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void drawArrow(QPainter *painter, const QStyleOptionViewItem &option, const QRect &place,
                    const QModelIndex &index) const;
+    /// With its sign before it; where the next text may begin, in the direction of reading.
+    int drawProblem(QPainter *painter, const QStyleOptionViewItem &option, const QRect &place,
+                    const QModelIndex &index) const;
     void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
 
     EmptyHint *m_hint;

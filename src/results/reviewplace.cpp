@@ -33,14 +33,14 @@ void ReviewPlace::goToGroup(int step)
     showGroup(row);
 }
 
-bool ReviewPlace::goToUndecided(int group)
+bool ReviewPlace::goToNext(int group, const Wanted &isWanted)
 {
     const int count = m_model.rowCount();
-    const int start = firstRowFrom(m_review.groups().at(group).id);
+    const int start = firstRowFrom(group < 0 ? 0 : m_review.groups().at(group).id);
     for (int step = 0; step < count; ++step) {
         const int row = (start + step) % count;
         const int found = m_model.groupOf(m_model.index(row, ResultsModel::FileColumn));
-        if (found == group || m_review.state(found) != GroupState::Undecided)
+        if (found == group || !isWanted(found))
             continue;
         m_view->setFocus(Qt::ShortcutFocusReason);
         showGroup(row);

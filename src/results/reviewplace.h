@@ -4,6 +4,8 @@
 
 #include <QModelIndex>
 
+#include <functional>
+
 namespace epr {
 
 struct MatchGroup;
@@ -23,9 +25,11 @@ public:
     /// -1 or +1: to the first copy of the visible group before or after this place; the first group to begin with.
     void goToGroup(int step);
 
-    /// To the first copy of the next visible group behind a position in the review that is not decided, from the first
-    /// one on after the last; false if there is none.
-    bool goToUndecided(int group);
+    using Wanted = std::function<bool(int group)>;
+
+    /// To the first copy of the next visible group of this kind behind a position in the review, from the first one on
+    /// after the last; false if there is none but perhaps this.
+    bool goToNext(int group, const Wanted &isWanted);
 
 Q_SIGNALS:
     /// Positions in the review. The member is -1 on a group's own row, both are while the place is not in sight.

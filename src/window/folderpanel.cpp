@@ -16,7 +16,6 @@
 #include <QListWidget>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSplitter>
@@ -74,18 +73,6 @@ bool isProtected(const QListWidgetItem &folder)
     return folder.data(protectedRole).toBool();
 }
 
-/// A padlock in the colour of the text, as high as that.
-QIcon lockIcon(const QWidget &widget)
-{
-    const int height = widget.fontMetrics().ascent();
-    QPixmap pixmap(QSize(height, height) * widget.devicePixelRatio());
-    pixmap.setDevicePixelRatio(widget.devicePixelRatio());
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    paintLock(painter, QRectF(0, 0, height, height), widget.palette().color(QPalette::Text));
-    return pixmap;
-}
-
 void showProtection(QListWidgetItem &folder)
 {
     const QString path = nativePath(pathOf(folder));
@@ -97,7 +84,7 @@ void showProtection(QListWidgetItem &folder)
     }
     folder.setText(
         (isScanned(folder) ? FolderPanel::tr("%1 (protected)") : FolderPanel::tr("%1 (only protected)")).arg(path));
-    folder.setIcon(lockIcon(*folder.listWidget()));
+    folder.setIcon(signIcon(paintLock, *folder.listWidget(), folder.listWidget()->palette().color(QPalette::Text)));
     folder.setToolTip(plainToolTip(
         FolderPanel::tr("%1\nNothing is removed from this folder and those in it, whatever is ticked.").arg(path)));
 }

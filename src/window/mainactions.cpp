@@ -7,6 +7,7 @@
 #include "docks.h"
 #include "helpdialogs.h"
 #include "memberactions.h"
+#include "problemdesk.h"
 #include "reviewdesk.h"
 #include "reviewfiles.h"
 
@@ -113,7 +114,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
           { selectDuplicates, clearSelection, invertSelection },
           { parts.review->done, parts.review->notDuplicates },
           { member.keep, parts.checks->keepBetter, parts.review->chooseKeepers, member.showDetails, member.copyPath },
-          { filterResults, parts.filters->menuAction(), nextGroup, previousGroup } });
+          { filterResults, parts.filters->menuAction(), nextGroup, previousGroup, parts.problems->nextProblem } });
     QMenu *player = bar->addMenu(QCoreApplication::translate("epr::MainMenus", "&Player"));
     parts.player->addCommandsTo(player);
     fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup, parts.checks->nextDifference } });

@@ -14,6 +14,7 @@ namespace epr {
 class CheckDesk;
 class MemberActions;
 class PlayerDock;
+class ProblemDesk;
 class ReviewDesk;
 class ReviewFiles;
 
@@ -43,6 +44,7 @@ public:
         const ReviewDesk *review;
         const ReviewFiles *reviewFiles;
         const QMenu *filters;
+        const ProblemDesk *problems;
     };
 
     explicit MainActions(QWidget *window);

@@ -18,6 +18,7 @@
 #include "memberactions.h"
 #include "notices.h"
 #include "playerdesk.h"
+#include "problemdesk.h"
 #include "protectiondesk.h"
 #include "resultspanel.h"
 #include "resultsview.h"
@@ -62,6 +63,7 @@ MainWindow::MainWindow(QWidget *parent)
     m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     m_filters = new FilterDesk({ m_review, m_resultsPanel, m_memberActions }, this);
     m_reviewDesk = new ReviewDesk({ m_review, m_resultsPanel, m_memberActions }, this);
+    m_problems = new ProblemDesk({ m_review, m_resultsPanel }, this);
     m_reviewFiles = new ReviewFiles({ m_review, m_resultsPanel, m_checks }, this);
     connectActions();
     createMenus();
@@ -331,7 +333,8 @@ void MainWindow::createMenus()
                              m_checks,
                              m_reviewDesk,
                              m_reviewFiles,
-                             m_resultsPanel->filterBar()->menu() });
+                             m_resultsPanel->filterBar()->menu(),
+                             m_problems });
 }
 
 void MainWindow::restoreSettings()
@@ -373,8 +376,8 @@ void MainWindow::connectScan()
 
 void MainWindow::connectCommands()
 {
-    for (const Command *command :
-         QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates, m_reviewDesk, m_reviewFiles }
+    for (const Command *command : QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates,
+                                                     m_reviewDesk, m_reviewFiles, m_problems }
              + m_checks->commands()) {
         connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
         connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);

@@ -22,6 +22,7 @@ class MainActions;
 class MemberActions;
 class PlayerDesk;
 class PlayerDock;
+class ProblemDesk;
 class ResultsPanel;
 class Review;
 class ReviewDesk;
@@ -110,6 +111,7 @@ private:
     CheckDesk *m_checks = nullptr;
     FilterDesk *m_filters = nullptr;
     ReviewDesk *m_reviewDesk = nullptr;
+    ProblemDesk *m_problems = nullptr;
     ReviewFiles *m_reviewFiles = nullptr;
     QThread *m_scanThread = nullptr;
     QPointer<ScanController> m_controller;

@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QThread>
+#include <QToolButton>
 
 #include <cmath>
 
@@ -454,6 +455,46 @@ private Q_SLOTS:
         press(Qt::Key_X);
         press(Qt::CTRL | Qt::Key_Z); // of the text that is being typed
         QCOMPARE(review->state(0), GroupState::NotDuplicates);
+    }
+
+    void problemsAreOneKeyAway()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        Lists lists = listsOf(u"p* q / r* s / t* u / v* w"_s);
+        lists.groups[2].check.measures = { { 4, { .error = u"broken"_s } }, { 5, {} } };
+        window.onScanFinished(lists.tracks, lists.groups, false, 1);
+        auto *review = window.findChild<Review *>();
+        const auto *note = window.findChild<QToolButton *>(u"problemNote"_s);
+        const auto goOn = [&] {
+            press(Qt::Key_P);
+            return resultsOf(window)->currentIndex().data(ResultsModel::GroupRole).toInt();
+        };
+        const auto problemOf = [&](int row) {
+            return resultsOf(window)
+                ->model()
+                ->index(row, 0)
+                .data(Qt::AccessibleTextRole)
+                .toString()
+                .section(u", "_s, 1);
+        };
+        QTRY_COMPARE(note->text(), u"1 group(s) to look at"_s);
+        QCOMPARE(goOn(), 2);
+        review->setTicked(0, 0, true);
+        review->setFileStates({ { 6, FileState::Vanished } });
+        QTRY_COMPARE(note->text(), u"3 group(s) to look at"_s);
+        for (const auto &[group, problem] : { std::pair(3, u"the kept copy is no longer there"_s),
+                                              { 0, u"every copy is ticked"_s },
+                                              { 2, u"the kept copy is the worse one"_s } }) {
+            QCOMPARE(goOn(), group);
+            QCOMPARE(problemOf(group), problem);
+        }
+        review->setState({ 2 }, GroupState::Done); // the operator knows
+        review->setTicked(0, 1, false);
+        review->setKeeper(3, 7);
+        QTRY_VERIFY(!note->isVisible());
+        QCOMPARE(goOn(), 2);
     }
 
     void decisionsOutliveTheProgramAndAScan()
