@@ -7,6 +7,7 @@
 #include "groupcheck.h"
 #include "review.h"
 
+#include <QCoreApplication>
 #include <QMap>
 #include <QSet>
 
