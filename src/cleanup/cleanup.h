@@ -5,9 +5,11 @@
 #include <QDateTime>
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace epr {
 
@@ -89,6 +91,9 @@ struct RestoreResult {
     bool operator==(const RestoreResult &) const = default;
 };
 
+/// Of the files of a quarantine run those that are meant, by the paths that they came from; nothing = all of them.
+using ChosenFiles = std::optional<QSet<QString>>;
+
 /// What an undo would find, for questions before it begins.
 struct UndoOutlook {
     /// Whether there is at least one of the files to move back. If not, their drive may be unplugged. True also for a
@@ -97,7 +102,7 @@ struct UndoOutlook {
     QStringList missingFolders; ///< that files came from, sorted
 };
 
-UndoOutlook lookAtUndo(const QString &path);
+UndoOutlook lookAtUndo(const QString &path, const ChosenFiles &chosen = {});
 
 /// What an undo does about a file whose former folder is not there.
 enum class MissingFolders {
@@ -114,9 +119,11 @@ enum class MissingFolders {
 /// up. A file that an undo which was killed had restored already counts neither way.
 ///
 /// A manifest that cannot be read is kept; that is the single error, with both counts 0. Stopping through the progress
-/// function leaves a manifest of the files not yet tried and of those that failed.
+/// function leaves a manifest of the files not yet tried and of those that failed, and so does choosing some of the
+/// files, of those that were not chosen.
 [[nodiscard]] RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress = {},
-                                            MissingFolders missing = MissingFolders::Leave);
+                                            MissingFolders missing = MissingFolders::Leave,
+                                            const ChosenFiles &chosen = {});
 
 /// Removes what a clean-up or an undo that was killed has left anywhere: unfinished copies, empty files that held a
 /// name, half-written lists. Each was noted beforehand or has a name that nobody else gives, and nothing else is

@@ -17,6 +17,8 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -122,9 +124,13 @@ public:
     {
     }
 
-    [[nodiscard]] RestoreResult run(const QString &path, const CleanupProgressFn &progress)
+    [[nodiscard]] RestoreResult run(const QString &path, const CleanupProgressFn &progress, const ChosenFiles &chosen)
     {
-        const QList<ManifestEntry> entries = std::exchange(m_manifest.entries, {});
+        QList<ManifestEntry> entries = std::exchange(m_manifest.entries, {});
+        const auto stays = [&chosen](const ManifestEntry &entry) { return chosen && !chosen->contains(entry.from); };
+        std::ranges::copy_if(entries, std::back_inserter(m_manifest.entries), stays);
+        entries.removeIf(stays);
+        const bool isPart = !m_manifest.entries.isEmpty();
         qsizetype done = 0;
         const auto goesOn = [&](const QString &text) { return !progress || progress(done, entries.size(), text); };
         m_patience = Patience(goesOn);
@@ -134,7 +140,7 @@ public:
                 break;
         }
         m_manifest.entries += entries.sliced(done);
-        keepRest(path, done < entries.size() ? path : restPath(path));
+        keepRest(path, isPart || done < entries.size() ? path : restPath(path));
         return m_result;
     }
 
@@ -206,13 +212,15 @@ private:
 
 } // namespace
 
-UndoOutlook lookAtUndo(const QString &path)
+UndoOutlook lookAtUndo(const QString &path, const ChosenFiles &chosen)
 {
     UndoOutlook outlook;
     bool hasEntries = false;
     bool hasCopies = false;
     QSet<QString> folders;
     const Result<UndoManifest> read = readManifest(path, [&](const ManifestEntry &entry) {
+        if (chosen && !chosen->contains(entry.from))
+            return;
         hasEntries = true;
         hasCopies = hasCopies || entryExists(entry.to);
         folders.insert(QFileInfo(entry.from).path());
@@ -228,7 +236,8 @@ UndoOutlook lookAtUndo(const QString &path)
     return outlook;
 }
 
-RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress, MissingFolders missing)
+RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &progress, MissingFolders missing,
+                              const ChosenFiles &chosen)
 {
     RestoreResult result;
     CleanupLock lock;
@@ -248,7 +257,7 @@ RestoreResult restoreManifest(const QString &path, const CleanupProgressFn &prog
             return result;
         }
     }
-    return Restoration(*manifest, missing).run(path, progress);
+    return Restoration(*manifest, missing).run(path, progress, chosen);
 }
 
 } // namespace epr

@@ -79,21 +79,22 @@ int takeOneOfPairs(const QStringList &arguments)
     return removeFiles(paths, mode, arguments.at(1), {}, {}, { kept }).refusal.isEmpty() ? 0 : 1;
 }
 
+bool die()
+{
+#ifdef Q_OS_UNIX
+    return std::raise(SIGKILL) != 0;
+#else
+    return std::_Exit(1), true;
+#endif
+}
+
 /// "quarantine LIBRARY QUARANTINE NUMBER [wait]": moves everything and, before the file with the number, dies or waits
 /// to be told to go on. There may be fewer files.
 int quarantineAll(const QStringList &arguments)
 {
     const bool waits = arguments.size() > 3;
     const auto stumble = [number = arguments.at(2).toInt(), waits](qsizetype index, qsizetype, const QString &) {
-        if (index != number)
-            return true;
-        if (waits)
-            return waitToBeTold(), true;
-#ifdef Q_OS_UNIX
-        return std::raise(SIGKILL) != 0;
-#else
-        return std::_Exit(1), true;
-#endif
+        return index != number || (waits ? (waitToBeTold(), true) : die());
     };
     const QString library = arguments.at(0);
     return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, stumble).failed;
@@ -107,6 +108,16 @@ int removeOne(const QStringList &arguments)
                     { { { arguments.at(2), { asItIs(arguments.at(3)) } } } });
     std::puts(qPrintable(removed.refusal + removed.errors.join(u' ')));
     return removed.succeeded == 1 ? 0 : 1;
+}
+
+/// "restore MANIFEST NUMBER FILE...": brings back these alone and dies before the one with the number.
+int restoreSome(const QStringList &arguments)
+{
+    const auto stumble = [number = arguments.at(1).toInt()](qsizetype index, qsizetype, const QString &) {
+        return index != number || die();
+    };
+    const QStringList files = arguments.sliced(2);
+    return restoreManifest(arguments.at(0), stumble, MissingFolders::Leave, QSet(files.cbegin(), files.cend())).failed;
 }
 
 /// "undo": clears up as the program does before, and undoes every list there is, the newest first.
@@ -140,5 +151,7 @@ int main(int argc, char **argv)
         return takeOneOfPairs(arguments.sliced(2));
     if (task == u"remove"_s)
         return removeOne(arguments.sliced(2));
+    if (task == u"restore"_s)
+        return restoreSome(arguments.sliced(2));
     return task == u"undo"_s ? undoAll() : 2;
 }
