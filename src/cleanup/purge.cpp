@@ -27,11 +27,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("epr::Cleanup", text);
-}
-
 /// The folder of the run that wrote the manifest, empty unless all of its files are to be there. Whoever edits a
 /// manifest may write anything into it.
 QString runFolderOf(const QString &manifestPath, const UndoManifest &manifest)
@@ -82,7 +77,10 @@ private:
         if (!entryExists(entry.to))
             return true; // an earlier purge, which was killed, or somebody else
         if (!isOfRun(entry)) {
-            keep(entry, tr("%1 is not what the clean-up put there and was left in place").arg(nativePath(entry.to)));
+            keep(entry,
+                 QCoreApplication::translate("epr::Cleanup",
+                                             "%1 is not what the clean-up put there and was left in place")
+                     .arg(nativePath(entry.to)));
             return true;
         }
         Result<> removed = m_patience.awaitFree(entry.to);
@@ -91,7 +89,10 @@ private:
         if (removed)
             removed = nativefile::removeFile(entry.to);
         if (!removed) {
-            keep(entry, withReason(tr("Could not delete %1").arg(nativePath(entry.to)), removed.error()));
+            keep(
+                entry,
+                withReason(QCoreApplication::translate("epr::Cleanup", "Could not delete %1").arg(nativePath(entry.to)),
+                           removed.error()));
             return true;
         }
         ++m_result.succeeded;
@@ -126,7 +127,8 @@ private:
             removeJournal(manifestPath);
         else
             m_result.errors.append(
-                tr("The undo manifest %1 cannot be written (%2)").arg(nativePath(manifestPath), written.error()));
+                QCoreApplication::translate("epr::Cleanup", "The undo manifest %1 cannot be written (%2)")
+                    .arg(nativePath(manifestPath), written.error()));
     }
 
     void clearFolder()
@@ -136,8 +138,10 @@ private:
                 folder = QFileInfo(folder).path();
         }
         if (QFileInfo::exists(m_runFolder))
-            m_result.errors.append(tr("%1 was not removed: it has something in it that the clean-up did not put there")
-                                       .arg(nativePath(m_runFolder)));
+            m_result.errors.append(
+                QCoreApplication::translate(
+                    "epr::Cleanup", "%1 was not removed: it has something in it that the clean-up did not put there")
+                    .arg(nativePath(m_runFolder)));
     }
 
     UndoManifest m_manifest; ///< its entries are those that stay
@@ -165,14 +169,18 @@ RemovalResult purgeQuarantine(const QString &manifestPath, const CleanupProgress
         return refusedWith(locked.error());
     const Result<UndoManifest> manifest = readManifest(manifestPath);
     if (!manifest)
-        return refusedWith(tr("Cannot read manifest: %1").arg(manifest.error()));
+        return refusedWith(
+            QCoreApplication::translate("epr::Cleanup", "Cannot read manifest: %1").arg(manifest.error()));
     const QString folder = runFolderOf(manifestPath, *manifest);
     if (folder.isEmpty())
-        return refusedWith(
-            tr("The list %1 names files that are not in the folder of one clean-up.").arg(nativePath(manifestPath)));
+        return refusedWith(QCoreApplication::translate(
+                               "epr::Cleanup", "The list %1 names files that are not in the folder of one clean-up.")
+                               .arg(nativePath(manifestPath)));
     if (const QFileInfo info(folder); !info.isDir() || isFolderLink(info))
         return refusedWith(
-            tr("The folder %1 is not there. If it is on a drive that is not connected, connect it and try again.")
+            QCoreApplication::translate(
+                "epr::Cleanup",
+                "The folder %1 is not there. If it is on a drive that is not connected, connect it and try again.")
                 .arg(nativePath(folder)));
     if (isInside(folder, protectedFolders))
         return refusedWith(protectedMessage(folder));

@@ -3,8 +3,10 @@
 #include "cleanupcommand.h"
 
 #include "backgroundwork.h"
+#include "cleanuphistory.h"
 #include "cleanuplock.h"
 #include "displaytext.h"
+#include "emptyfolders.h"
 #include "filelook.h"
 #include "notices.h"
 #include "removaldialog.h"
@@ -153,14 +155,17 @@ void CleanupCommand::undoPreviousCleanup()
                "bin and permanent deletions are handled by the operating system."));
         return;
     }
-    const std::optional<QString> manifest = askManifest(manifests, descriptions);
-    if (!manifest)
-        return;
+    if (const std::optional<QString> manifest = askManifest(manifests, descriptions))
+        restoreFrom(*manifest);
+}
+
+void CleanupCommand::restoreFrom(const QString &manifest, const ChosenFiles &chosen)
+{
     UndoOutlook outlook;
     const bool looked =
-        run(tr("Undo previous clean-up"), [&](const CleanupProgressFn &) { outlook = lookAtUndo(*manifest); });
+        run(tr("Undo previous clean-up"), [&](const CleanupProgressFn &) { outlook = lookAtUndo(manifest, chosen); });
     if (looked && (outlook.hasCopies || confirmWithoutCopies()) && confirmFolders(outlook.missingFolders))
-        restore(*manifest, outlook.missingFolders.isEmpty() ? MissingFolders::Leave : MissingFolders::Make);
+        restore(manifest, outlook.missingFolders.isEmpty() ? MissingFolders::Leave : MissingFolders::Make, chosen);
 }
 
 bool CleanupCommand::confirmScan(const QString &quarantineRoot, const QStringList &folders)
@@ -246,13 +251,13 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     // The review itself is only looked at: nothing changes it while the job runs.
     RemovalPlan plan;
     RemovalResult result;
+    QStringList notes;
     QSet<qint32> vanished;
     const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
         QStringList away = outOfReach(request.places.scanRoots);
         plan = planRemoval(request.groups, SettingsStore().value(settings::protectedFolders));
         plan.checks.compareAgain = SettingsStore().value(settings::compareAgain);
-        result = removeFiles(plan.paths, mode, request.places.quarantineRoot, request.places.scanRoots, progress,
-                             plan.checks);
+        result = removeAndRecord(request, mode, plan, progress, &notes);
         if (result.failed > 0) // a drive may go meanwhile
             away += outOfReach(request.places.scanRoots);
         vanished = m_review.vanishedTracks();
@@ -270,8 +275,38 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
         ? QString()
         : tr("The clean-up was stopped: %Ln file(s) were not touched.", nullptr, static_cast<int>(untouched));
     tellRemoval(mode, result, stopped);
+    tellAll(notes);
     m_review.removeMembers(vanished);
     Q_EMIT filesRemoved();
+}
+
+// A record that cannot be kept is said and holds nothing up: what can be undone does not hang on it.
+RemovalResult CleanupCommand::removeAndRecord(const Request &request, RemovalMode mode, const RemovalPlan &plan,
+                                              const CleanupProgressFn &progress, QStringList *notes)
+{
+    QHash<QString, RemovalItem> items;
+    for (const RemovalItem &item : request.items)
+        items.insert(item.path, item);
+    QList<RecordedFile> files;
+    for (const QString &path : plan.paths) {
+        const FileFate fate = QFileInfo::exists(path) ? FileFate::Planned : FileFate::Stayed;
+        files.append({ 0, path, items.value(path).size, items.value(path).type, fate });
+    }
+    const QStringList &roots = request.places.scanRoots;
+    CleanupHistory history;
+    if (const Result<> opened = history.open(); !opened)
+        notes->append(opened.error());
+    const Result<qint64> id = files.isEmpty() ? failure({}) : history.begin(mode, roots, files);
+    const RemovalResult result =
+        removeFiles(plan.paths, mode, request.places.quarantineRoot, roots, progress, plan.checks);
+    const Result<> recorded = id ? history.finish(*id, result) : failure(id.error());
+    if (!recorded && !files.isEmpty())
+        notes->append(tr("This clean-up could not be recorded: %1").arg(recorded.error()));
+    const QStringList empty = foldersLeftEmpty(plan.paths, roots, SettingsStore().value(settings::protectedFolders));
+    if (result.succeeded > 0 && !empty.isEmpty())
+        notes->append(tr("%Ln folder(s) are empty now; Tools > Clean-ups can remove them.", nullptr,
+                         static_cast<int>(empty.size())));
+    return result;
 }
 
 void CleanupCommand::tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped)
@@ -347,12 +382,16 @@ bool CleanupCommand::confirmFolders(const QStringList &missing)
                            .arg(nativePath(missing.first())));
 }
 
-void CleanupCommand::restore(const QString &manifest, MissingFolders missing)
+void CleanupCommand::restore(const QString &manifest, MissingFolders missing, const ChosenFiles &chosen)
 {
     RestoreResult result;
+    Result<> recorded;
     const bool done = run(tr("Undo previous clean-up"), [&](const CleanupProgressFn &progress) {
-        result = restoreManifest(manifest, progress, missing);
+        result = restoreManifest(manifest, progress, missing, chosen);
+        recorded = followRecorded(manifest, FileFate::Back);
     });
+    if (!recorded)
+        Q_EMIT logMessage(recorded.error());
     tellRestore(result, done ? QString() : tr("The undo was stopped: the files that are left can be restored later."));
 }
 

@@ -35,11 +35,17 @@ public:
     /// While files are moved, an event loop runs inside the command: the window must neither close nor start a scan.
     bool isRunning() const { return m_isRunning; }
 
+    /// Does something to files, with its progress shown; false if it was stopped.
+    bool run(const QString &title, const CleanupJob &job);
+
     /// Clears up after a clean-up that was killed, on a thread of its own, and logs what it did.
     void clearUpTraces();
 
     void removeSelected(const Places &places);
     void undoPreviousCleanup();
+
+    /// Moves files of one clean-up back, after the questions that this takes.
+    void restoreFrom(const QString &manifest, const ChosenFiles &chosen = {});
 
     /// Before a scan that would find the copies in the quarantine and offer them as duplicates of their originals: logs
     /// that and asks whether to go on. A quarantine folder without a file in it is not worth a question.
@@ -63,12 +69,13 @@ private:
         Volume quarantine = {};
     };
 
-    bool run(const QString &title, const CleanupJob &job);
     bool lookAtDisk(Request &request);
     std::optional<RemovalMode> askMode(Request &request);
     void changeQuarantine(Request &request, RemovalDialog &dialog);
     bool confirmDeletion(qsizetype files);
     void remove(const Request &request, RemovalMode mode);
+    static RemovalResult removeAndRecord(const Request &request, RemovalMode mode, const RemovalPlan &plan,
+                                         const CleanupProgressFn &progress, QStringList *notes);
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);
     void tellRefusal(const QString &refusal);
     void tellEnd(const QString &title, const QString &text, const QStringList &failures);
@@ -78,7 +85,7 @@ private:
     bool confirmUndo(const QString &title, const QString &text);
     bool confirmWithoutCopies();
     bool confirmFolders(const QStringList &missing);
-    void restore(const QString &manifest, MissingFolders missing);
+    void restore(const QString &manifest, MissingFolders missing, const ChosenFiles &chosen);
     void tellRestore(const RestoreResult &result, const QString &stopped);
 
     Review &m_review;

@@ -58,6 +58,8 @@ MainActions::MainActions(QWidget *window)
     , removeSelected(make(tr("Remove Selected..."), QKeySequence::Delete,
                           tr("Move the ticked copies to the quarantine or the recycle bin, or delete them.")))
     , undoCleanup(make(tr("Undo Previous Clean-up..."), {}, tr("Move the files of a quarantine run back.")))
+    , showCleanups(make(tr("Clean-ups..."), {},
+                        tr("List what was removed and when; bring files back, or remove their quarantine for good.")))
     , settings(make(tr("Settings..."), Qt::CTRL | Qt::Key_Comma, tr("Choose what is scanned and how it is compared.")))
     , clearCache(make(tr("Clear Analysis Cache"), {},
                       tr("Forget all remembered results. The next scan reads every file again.")))
@@ -90,6 +92,7 @@ void MainActions::enableFor(const Situation &situation)
         action->setEnabled(situation.hasGroups);
     removeSelected->setEnabled(situation.hasGroups && !situation.isScanning);
     undoCleanup->setEnabled(!situation.isScanning);
+    showCleanups->setEnabled(!situation.isScanning);
 }
 
 void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
@@ -120,7 +123,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
     fill(player, { { member.loadIntoDeckA, member.loadIntoDeckB, member.compareGroup, parts.checks->nextDifference } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Tools"),
             { { parts.checks->checkAll, parts.checks->checkGroup },
-              { removeSelected, undoCleanup },
+              { removeSelected, undoCleanup, showCleanups },
               { parts.review->showSetAside },
               { settings, clearCache } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Help"),

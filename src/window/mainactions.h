@@ -68,6 +68,7 @@ public:
     QAction *const previousGroup;
     QAction *const removeSelected;
     QAction *const undoCleanup;
+    QAction *const showCleanups;
     QAction *const settings;
     QAction *const clearCache;
     QAction *const checkForUpdates;

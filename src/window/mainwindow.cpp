@@ -6,6 +6,7 @@
 #include "backgroundwork.h"
 #include "checkdesk.h"
 #include "cleanupcommand.h"
+#include "cleanupscommand.h"
 #include "commands.h"
 #include "compareplayer.h"
 #include "displaytext.h"
@@ -50,6 +51,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_actions(new MainActions(this))
     , m_review(new Review(this))
     , m_cleanup(new CleanupCommand(*m_review, this))
+    , m_cleanups(new CleanupsCommand(*m_cleanup, this))
     , m_export(new ExportCommand(*m_review, this))
     , m_memberActions(new MemberActions(*m_review, this))
     , m_settings(new SettingsCommand(this))
@@ -313,6 +315,8 @@ void MainWindow::connectActions()
     };
     for (const auto &[action, slot] : commands)
         connect(action, &QAction::triggered, this, slot);
+    connect(m_actions->showCleanups, &QAction::triggered, m_cleanups,
+            [this] { m_checks->undo([this] { m_cleanups->show(); }); });
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::close);
     connect(m_actions->filterResults, &QAction::triggered, m_resultsPanel, &ResultsPanel::focusFilter);
     connect(m_actions->nextGroup, &QAction::triggered, m_resultsPanel, [this] { m_resultsPanel->goToGroup(+1); });
@@ -376,8 +380,8 @@ void MainWindow::connectScan()
 
 void MainWindow::connectCommands()
 {
-    for (const Command *command : QList<Command *> { m_cleanup, m_export, m_memberActions, m_settings, m_updates,
-                                                     m_reviewDesk, m_reviewFiles, m_problems }
+    for (const Command *command : QList<Command *> { m_cleanup, m_cleanups, m_export, m_memberActions, m_settings,
+                                                     m_updates, m_reviewDesk, m_reviewFiles, m_problems }
              + m_checks->commands()) {
         connect(command, &Command::logMessage, this, &MainWindow::onLogMessage);
         connect(command, &Command::statusMessage, m_strip, &ScanStrip::showStatus);

@@ -14,6 +14,7 @@ namespace epr {
 class ActivityLog;
 class CheckDesk;
 class CleanupCommand;
+class CleanupsCommand;
 class Command;
 class ExportCommand;
 class FilterDesk;
@@ -98,6 +99,7 @@ private:
     MainActions *m_actions;
     Review *m_review;
     CleanupCommand *m_cleanup;
+    CleanupsCommand *m_cleanups;
     ExportCommand *m_export;
     MemberActions *m_memberActions;
     SettingsCommand *m_settings;
