@@ -70,7 +70,10 @@ ExportCommand::ExportCommand(const Review &review, QWidget *window)
 void ExportCommand::exportReport(const QStringList &roots)
 {
     if (m_review.totals().groups == 0) {
-        showInformation(window(), tr("Nothing to export"), tr("Run a scan first - there are no results to report on."));
+        showInformation(window(), tr("Nothing to export"),
+                        m_review.totals().setAside > 0
+                            ? tr("All groups are set aside as not duplicates. Tools > Not Duplicates restores them.")
+                            : tr("Run a scan first - there are no results to report on."));
         return;
     }
     QString filter;

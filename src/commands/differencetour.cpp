@@ -24,7 +24,7 @@ void DifferenceTour::setMember(int group, int member)
     m_next = 0;
 }
 
-void DifferenceTour::goOn()
+void DifferenceTour::goOn(bool isChecking)
 {
     int group = std::max(m_group, 0);
     int member = std::max(m_member, 0);
@@ -36,6 +36,8 @@ void DifferenceTour::goOn()
     }
     const bool wasLed = m_group >= 0;
     m_group = -1;
+    if (isChecking)
+        return Q_EMIT statusMessage(tr("No further difference has been found yet. The check goes on."));
     Q_EMIT statusMessage(wasLed ? tr("No further difference. The next press begins with the first group.")
                                 : tr("No check has found a difference."));
 }

@@ -27,7 +27,7 @@ public:
     /// Where the operator is in the results. A copy that the tour has not led to is begun with its first difference; on
     /// a group's own row, -1, the group is.
     void setMember(int group, int member);
-    void goOn();
+    void goOn(bool isChecking); ///< whether more differences may be found yet
 
 Q_SIGNALS:
     void reached(int group, int member);

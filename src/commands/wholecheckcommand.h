@@ -25,6 +25,7 @@ public:
     void checkAll(); ///< that were found by sound or by tags and are not checked
     void checkTicked(); ///< of these, the groups in which something is ticked
     void checkGroup(int group); ///< whatever is known of it
+    [[nodiscard]] bool isChecking() const { return m_checker.isRunning(); } ///< also when paused
     void togglePause();
     void stop(); ///< what was begun is given up
 

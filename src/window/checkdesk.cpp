@@ -69,7 +69,7 @@ CheckDesk::CheckDesk(const Parts &parts, QWidget *window)
     connect(checkAll, &QAction::triggered, m_check, &WholeCheckCommand::checkAll);
     connect(checkGroup, &QAction::triggered, m_check, [this] { m_check->checkGroup(m_group); });
     connect(keepBetter, &QAction::triggered, this, &CheckDesk::keepBetterCopy);
-    connect(nextDifference, &QAction::triggered, m_tour, &DifferenceTour::goOn);
+    connect(nextDifference, &QAction::triggered, m_tour, [this] { m_tour->goOn(m_check->isChecking()); });
     refresh();
 }
 
