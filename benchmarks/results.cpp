@@ -36,6 +36,8 @@ Results makeResults(int groupCount)
             track.fileName = u"%1 - %2 [%3].flac"_s.arg(track.tags.artist, track.tags.title).arg(copy);
             track.path = u"/srv/music/%1/%2"_s.arg(track.tags.artist, track.fileName);
             track.size = 10000000 + number;
+            track.mtime = QDateTime::fromSecsSinceEpoch(1000000000 + 7919 * (number % 4999));
+            track.audioHash = QString::number(number);
             group.members << static_cast<qint32>(results.tracks.size());
             results.tracks << track;
         }
@@ -81,17 +83,33 @@ int main(int argc, char *argv[])
         review.clearTicks();
         review.undo();
     };
+    const auto ask = [&](const FilterCriteria &criteria) {
+        model.setCriteria(criteria);
+        model.setCriteria({});
+    };
+    using enum FilterTerm::Kind;
+    const auto findIdentical = [&] { ask({ { { Identical }, { Folder, 0, u"/srv/music/Artist 9"_s } }, true }); };
+    const auto findProblems = [&] { ask({ { { Problem, 0 }, { Problem, 1 }, { Problem, 2 }, { State, 0 } } }); };
+    const auto sortBy = [&](ResultsModel::Column column) {
+        model.sort(column, Qt::DescendingOrder);
+        model.sort(-1, Qt::AscendingOrder);
+    };
     const auto setAside = [&] {
         review.setState({ middle }, GroupState::NotDuplicates);
         review.undo();
     };
     const auto times = bench::shortestTimes(
         7, show, clearAndUndo, setAside, [&] { review.invertTicks(); },
-        [&] { review.setTicked(middle, 1, !review.isTicked(middle, 1)); }, keepAnother, find, type, readEveryCell);
+        [&] { review.setTicked(middle, 1, !review.isTicked(middle, 1)); }, keepAnother, find, type, readEveryCell,
+        findIdentical, findProblems, [&] { sortBy(ResultsModel::FileColumn); },
+        [&] { sortBy(ResultsModel::ArtistColumn); }, [&] { sortBy(ResultsModel::FolderColumn); },
+        [&] { sortBy(ResultsModel::SizeColumn); }, [&] { sortBy(ResultsModel::ModifiedColumn); });
     std::printf("show %lld members: %.1f ms\n", static_cast<long long>(results.tracks.size()), times[0] * 1e3);
     constexpr std::array names { "clear and undo", "set aside and undo", "invert all ticks", "tick one",
-                                 "keep another",   "find and clear",     "type and clear",   "read all ticks" };
+                                 "keep another",   "find and clear",     "type and clear",   "read all ticks",
+                                 "find identical", "find problems",      "sort by file",     "sort by artist",
+                                 "sort by folder", "sort by size",       "sort by date" };
     for (std::size_t i = 0; i < names.size(); ++i)
-        std::printf("%-18s %8.4f\n", names[i], times[i + 1] / times[0]);
+        std::printf("%-18s %8.4f %8.1f ms\n", names[i], times[i + 1] / times[0], times[i + 1] * 1e3);
     return 0;
 }

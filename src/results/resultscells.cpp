@@ -68,6 +68,8 @@ QString sampleText(ResultsModel::Column column, const QAbstractItemModel *model)
         return u"888.88 MB"_s;
     case ResultsModel::ModifiedColumn:
         return dateTimeText(QDateTime({ 2000, 11, 28 }, { 22, 0 }));
+    case ResultsModel::FormatColumn:
+        return u"FLAC"_s;
     case ResultsModel::LoudnessColumn:
         return loudnessText(-18.8);
     case ResultsModel::TruePeakColumn:
@@ -137,8 +139,13 @@ void fitResultsColumns(QHeaderView *header, int width)
     }
     const int leastRest = 60 * header->fontMetrics().averageCharWidth();
     rest = std::max(rest, leastRest);
+    int percent = 0;
     for (const Share &share : shares)
-        header->resizeSection(share.column, rest * share.percent / 100);
+        percent += header->isSectionHidden(share.column) ? 0 : share.percent;
+    for (const Share &share : shares) {
+        if (!header->isSectionHidden(share.column))
+            header->resizeSection(share.column, rest * share.percent / percent);
+    }
 }
 
 // A little air between the lines: a result is read row by row.

@@ -2,14 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resultsmodel.h"
 
-#include "checktext.h"
-#include "copyrelation.h"
 #include "displaytext.h"
 #include "groupcheck.h"
 #include "groupproblem.h"
 #include "missingpart.h"
 #include "notices.h"
 #include "resultscells.h"
+#include "resultscolumns.h"
 #include "review.h"
 
 #include <QGuiApplication>
@@ -23,23 +22,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The internal id of an index: 0 on group rows, one more than the group's row on member rows.
+// The internal id of an index: 0 on group rows, one more than the group's position in the review on member rows, which
+// no row that comes or goes before it changes.
 constexpr quintptr groupRowId = 0;
 
 bool isGroupRow(const QModelIndex &index)
 {
     return index.internalId() == groupRowId;
-}
-
-int groupRowOf(const QModelIndex &index)
-{
-    return isGroupRow(index) ? index.row() : static_cast<int>(index.internalId() - 1);
-}
-
-bool isNumeric(int column)
-{
-    return column == ResultsModel::DurationColumn || column == ResultsModel::SizeColumn
-        || (column >= ResultsModel::LoudnessColumn && column <= ResultsModel::BandwidthColumn);
 }
 
 } // namespace
@@ -48,6 +37,7 @@ ResultsModel::ResultsModel(Review &review, QObject *parent)
     : QAbstractItemModel(parent)
     , m_review(review)
     , m_rows(review)
+    , m_texts(review)
 {
     m_boldFont.setBold(true);
     followReview();
@@ -63,6 +53,31 @@ void ResultsModel::setCriteria(const FilterCriteria &criteria)
 {
     m_rows.setCriteria(criteria);
     layOutRows();
+}
+
+// The members keep their rows, and with them their indexes.
+void ResultsModel::setOrder(const GroupOrder &order)
+{
+    if (order == m_rows.order())
+        return;
+    Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
+    const QModelIndexList before = persistentIndexList();
+    QList<int> groups;
+    for (const QModelIndex &index : before)
+        groups << groupOf(index);
+    m_rows.setOrder(order);
+    QModelIndexList after = before;
+    for (qsizetype i = 0; i < after.size(); ++i) {
+        if (isGroupRow(after.at(i)))
+            after[i] = index(m_rows.rowOf(groups.at(i)), after.at(i).column());
+    }
+    changePersistentIndexList(before, after);
+    Q_EMIT layoutChanged({}, VerticalSortHint);
+}
+
+void ResultsModel::sort(int column, Qt::SortOrder order)
+{
+    setOrder({ columnFacts(column).key, order == Qt::DescendingOrder });
 }
 
 void ResultsModel::setLoaded(const PerDeck<QString> &paths)
@@ -92,26 +107,29 @@ QModelIndex ResultsModel::memberIndex(int group, int member) const
 
 int ResultsModel::groupOf(const QModelIndex &index) const
 {
-    return index.isValid() ? m_rows.groupAt(groupRowOf(index)) : -1;
+    if (!index.isValid())
+        return -1;
+    return isGroupRow(index) ? m_rows.groupAt(index.row()) : static_cast<int>(index.internalId() - 1);
 }
 
 int ResultsModel::memberOf(const QModelIndex &index) const
 {
-    return index.isValid() && !isGroupRow(index) ? m_rows.memberAt(groupRowOf(index), index.row()) : -1;
+    return index.isValid() && !isGroupRow(index) ? m_rows.memberAt(m_rows.rowOf(groupOf(index)), index.row()) : -1;
 }
 
 QModelIndex ResultsModel::index(int row, int column, const QModelIndex &parent) const
 {
     if (row < 0 || column < 0 || column >= ColumnCount || row >= rowCount(parent))
         return {};
-    return createIndex(row, column, parent.isValid() ? static_cast<quintptr>(parent.row()) + 1 : groupRowId);
+    const auto below = [this, &parent] { return static_cast<quintptr>(m_rows.groupAt(parent.row())) + 1; };
+    return createIndex(row, column, parent.isValid() ? below() : groupRowId);
 }
 
 QModelIndex ResultsModel::parent(const QModelIndex &child) const
 {
     if (!child.isValid() || isGroupRow(child))
         return {};
-    return createIndex(groupRowOf(child), 0, groupRowId);
+    return createIndex(m_rows.rowOf(groupOf(child)), 0, groupRowId);
 }
 
 int ResultsModel::rowCount(const QModelIndex &parent) const
@@ -142,42 +160,11 @@ QVariant ResultsModel::headerData(int section, Qt::Orientation orientation, int 
     if (orientation != Qt::Horizontal || section < 0 || section >= ColumnCount)
         return {};
     if (role == Qt::TextAlignmentRole)
-        return QVariant::fromValue(Qt::AlignVCenter | (isNumeric(section) ? Qt::AlignRight : Qt::AlignLeft));
-    if (role != Qt::DisplayRole)
-        return {};
-    switch (static_cast<Column>(section)) {
-    case FileColumn:
-        return tr("File");
-    case MatchColumn:
-        return tr("Match");
-    case ArtistColumn:
-        return tr("Artist");
-    case TitleColumn:
-        return tr("Title");
-    case DurationColumn:
-        return tr("Duration");
-    case QualityColumn:
-        return tr("Quality");
-    case SizeColumn:
-        return tr("Size");
-    case ModifiedColumn:
-        return tr("Modified");
-    case LoudnessColumn:
-        return tr("Loudness");
-    case TruePeakColumn:
-        return tr("True Peak");
-    case BandwidthColumn:
-        return tr("Bandwidth");
-    case CheckColumn:
-        return tr("Check");
-    case RelationColumn:
-        return tr("Relation");
-    case FolderColumn:
-        return tr("Folder");
-    case ColumnCount:
-        break;
-    }
-    return {};
+        return QVariant::fromValue(Qt::AlignVCenter
+                                   | (columnFacts(section).isNumeric ? Qt::AlignRight : Qt::AlignLeft));
+    if (role == Qt::InitialSortOrderRole)
+        return columnFacts(section).isMostFirst ? Qt::DescendingOrder : Qt::AscendingOrder;
+    return role == Qt::DisplayRole ? columnHeading(section) : QVariant();
 }
 
 QVariant ResultsModel::data(const QModelIndex &index, int role) const
@@ -207,6 +194,8 @@ void ResultsModel::followReview()
 {
     connect(&m_review, &Review::aboutToBeReset, this, [this] { beginResetModel(); });
     connect(&m_review, &Review::reset, this, [this] {
+        m_texts.forgetRelations();
+        m_rows.sortGroups();
         m_rows.layOutRows();
         endResetModel();
     });
@@ -224,16 +213,44 @@ void ResultsModel::followReview()
     connect(&m_review, &Review::checkChanged, this, &ResultsModel::emitGroupChanged);
 }
 
-// What is set aside has no row.
+// What is set aside has no row. Rows that go or come one by one leave all others as they are, folded or not; for very
+// many at once that would take too long.
 void ResultsModel::followStates(const QList<int> &groups)
 {
-    const bool isOtherRow = std::ranges::any_of(groups, [this](int group) {
-        return groupIndex(group).isValid() == (m_review.state(group) == GroupState::NotDuplicates);
-    });
-    if (isOtherRow)
+    QList<int> gone;
+    QList<int> back;
+    for (const int group : groups) {
+        const bool isSetAside = m_review.state(group) == GroupState::NotDuplicates;
+        if (groupIndex(group).isValid() != isSetAside)
+            emitGroupChanged(group);
+        else
+            (isSetAside ? gone : back) << group;
+    }
+    constexpr qsizetype few = 32;
+    if (gone.size() + back.size() > few)
         return layOutRows();
-    for (const int group : groups)
-        emitGroupChanged(group);
+    for (const int group : std::as_const(gone))
+        takeRowAway(group);
+    for (const int group : std::as_const(back))
+        bringRowBack(group);
+}
+
+void ResultsModel::takeRowAway(int group)
+{
+    const int row = m_rows.rowOf(group);
+    beginRemoveRows({}, row, row);
+    m_rows.removeRow(row);
+    endRemoveRows();
+}
+
+void ResultsModel::bringRowBack(int group)
+{
+    if (!m_rows.finds(group))
+        return;
+    const int row = m_rows.firstRowFrom(group);
+    beginInsertRows({}, row, row);
+    m_rows.insertGroup(group);
+    endInsertRows();
 }
 
 void ResultsModel::emitEverywhereChanged(int role)
@@ -244,6 +261,7 @@ void ResultsModel::emitEverywhereChanged(int role)
 
 void ResultsModel::emitGroupChanged(int group)
 {
+    m_texts.forgetRelations();
     const QModelIndex groupRow = groupIndex(group);
     if (!groupRow.isValid())
         return;
@@ -257,8 +275,8 @@ QVariant ResultsModel::groupData(int group, int column, int role) const
     switch (role) {
     case Qt::DisplayRole:
         if (column == FileColumn)
-            return groupText(group);
-        return column == MatchColumn ? (QStringList(groupLabel(record)) + checkRemarks(record))
+            return m_texts.groupTitle(group);
+        return column == MatchColumn ? (QStringList(groupLabel(record)) + m_texts.groupRemarks(group))
                                            .join(tr(" - ", "between what is said of a group"))
                                      : QVariant();
     case Qt::FontRole:
@@ -268,10 +286,10 @@ QVariant ResultsModel::groupData(int group, int column, int role) const
             return QGuiApplication::palette().color(QPalette::PlaceholderText);
         return column == MatchColumn ? matchColour(record.matchType, QGuiApplication::palette()) : QVariant();
     case Qt::ToolTipRole:
-        return plainToolTip((QStringList(groupExplanation(record)) + checkRemarks(record)).join(u'\n'));
+        return plainToolTip((QStringList(groupExplanation(record)) + m_texts.groupRemarks(group)).join(u'\n'));
     case Qt::AccessibleTextRole: {
         const QString problem = problemText(group);
-        return column == FileColumn && !problem.isEmpty() ? groupText(group) + ", "_L1 + problem : QVariant();
+        return column == FileColumn && !problem.isEmpty() ? m_texts.groupTitle(group) + ", "_L1 + problem : QVariant();
     }
     case ProblemRole:
         return problemText(group);
@@ -288,23 +306,17 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     const TrackInfo *info = m_review.track(group, member);
     switch (role) {
     case Qt::DisplayRole:
-        if (column == MatchColumn)
-            return matchText(group, member);
-        if (column == RelationColumn)
-            return relationOf(group, member);
-        if (column >= LoudnessColumn && column <= CheckColumn)
-            return checkCell(group, member, column);
-        return info ? memberText(*info, column) : QVariant();
+        return m_texts.cell(group, member, column);
     case Qt::CheckStateRole:
         return column == FileColumn ? (m_review.isTicked(group, member) ? Qt::Checked : Qt::Unchecked) : QVariant();
     case Qt::TextAlignmentRole:
-        return QVariant::fromValue(Qt::AlignVCenter | (isNumeric(column) ? Qt::AlignRight : Qt::AlignLeft));
+        return QVariant::fromValue(Qt::AlignVCenter | (columnFacts(column).isNumeric ? Qt::AlignRight : Qt::AlignLeft));
     case Qt::FontRole:
         return isKeeper && column == MatchColumn ? m_boldFont : QVariant();
     case Qt::ForegroundRole:
         return column == MatchColumn ? matchTextColour(group, member) : QVariant();
     case Qt::ToolTipRole:
-        return column == MatchColumn ? plainToolTip(remarksOf(group, member).join(u'\n'))
+        return column == MatchColumn ? plainToolTip(m_texts.remarks(group, member).join(u'\n'))
             : info                   ? memberToolTip(group, member, column)
                                      : QVariant();
     case LockRole:
@@ -324,69 +336,12 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
     }
 }
 
-// What a check found to differ includes what is missing, to the millisecond.
-QString ResultsModel::matchText(int group, int member) const
-{
-    const MatchGroup &record = m_review.groups().at(group);
-    const qint32 track = record.members.at(member);
-    QStringList texts { m_review.isKeeper(group, member) ? tr("KEEP") : missingText(record, track),
-                        checkText(record, track) };
-    if (checkState(record, track) == CheckState::Differs)
-        texts.removeFirst();
-    if (const FileState state = m_review.fileState(track); state != FileState::AsScanned)
-        texts << (state == FileState::Changed ? tr("changed since the scan") : tr("no longer there"));
-    texts.removeAll(QString());
-    if (texts.isEmpty())
-        texts << tr("duplicate");
-    if (const QString edit = editText(record, track, m_review.tracks()); !edit.isEmpty())
-        texts << edit;
-    return texts.join(", "_L1);
-}
-
-QString ResultsModel::relationOf(int group, int member) const
-{
-    const MatchGroup &record = m_review.groups().at(group);
-    const QList<TrackInfo> &tracks = m_review.tracks();
-    if (m_review.isKeeper(group, member))
-        return m_review.keepText(group);
-    return relationText(relationToKept(record, record.members.at(member), tracks), tracks);
-}
-
-// What a check found is said in full, where the row has but the first of it.
-QStringList ResultsModel::remarksOf(int group, int member) const
-{
-    const MatchGroup &record = m_review.groups().at(group);
-    const qint32 track = record.members.at(member);
-    QStringList texts = checkTexts(record, track) + measureTexts(record, track);
-    texts << (texts.isEmpty() ? matchText(group, member) : editText(record, track, m_review.tracks()));
-    texts << relationOf(group, member);
-    texts.removeAll(QString());
-    return texts;
-}
-
 QVariant ResultsModel::matchTextColour(int group, int member) const
 {
     const MatchGroup &record = m_review.groups().at(group);
     if (checkState(record, record.members.at(member)) == CheckState::Differs)
         return matchColour(MatchType::Unmatched, QGuiApplication::palette());
     return m_review.isKeeper(group, member) ? keeperColour(QGuiApplication::palette()) : QVariant();
-}
-
-QString ResultsModel::checkCell(int group, int member, int column) const
-{
-    const MatchGroup &record = m_review.groups().at(group);
-    const qint32 track = record.members.at(member);
-    const SoundMeasures measures = record.check.measures.value(track);
-    switch (column) {
-    case LoudnessColumn:
-        return loudnessText(measures.loudness);
-    case TruePeakColumn:
-        return truePeakText(measures.truePeak);
-    case BandwidthColumn:
-        return bandwidthText(measures.bandwidthHz);
-    default:
-        return (checkTexts(record, track) + measureTexts(record, track)).join(", "_L1);
-    }
 }
 
 bool ResultsModel::isProtected(int group, int member) const
@@ -409,7 +364,7 @@ QVariant ResultsModel::accessibleText(int group, int member, int column) const
 {
     const TrackInfo &track = *m_review.track(group, member);
     if (column == MatchColumn)
-        return remarksOf(group, member).join(", "_L1);
+        return m_texts.remarks(group, member).join(", "_L1);
     if (column != FileColumn)
         return {};
     const QString decks = decksOf(track);
@@ -417,49 +372,9 @@ QVariant ResultsModel::accessibleText(int group, int member, int column) const
     return isProtected(group, member) ? tr("%1, protected").arg(text) : text;
 }
 
-QString ResultsModel::groupText(int group) const
-{
-    const MatchGroup &record = m_review.groups().at(group);
-    const QString text =
-        tr("Group %1 - %2 copies - %3 reclaimable")
-            .arg(QString::number(record.id), QString::number(record.members.size()), sizeText(record.reclaimableBytes));
-    return m_review.state(group) == GroupState::Done ? tr("%1 - done").arg(text) : text;
-}
-
 QString ResultsModel::problemText(int group) const
 {
     return groupProblemText(groupProblem(m_review, group));
-}
-
-QStringList ResultsModel::checkRemarks(const MatchGroup &group) const
-{
-    QStringList remarks { groupCheckText(group), betterCopyText(group, m_review.tracks()) };
-    remarks.removeAll(QString());
-    return remarks;
-}
-
-QString ResultsModel::memberText(const TrackInfo &track, int column) const
-{
-    switch (column) {
-    case FileColumn:
-        return track.fileName;
-    case ArtistColumn:
-        return displayArtist(track);
-    case TitleColumn:
-        return displayTitle(track);
-    case DurationColumn:
-        return durationText(track.stream);
-    case QualityColumn:
-        return qualityText(track);
-    case SizeColumn:
-        return sizeText(track.size);
-    case ModifiedColumn:
-        return dateTimeText(track.mtime);
-    case FolderColumn:
-        return nativePath(folderOf(track));
-    default:
-        return {};
-    }
 }
 
 QVariant ResultsModel::memberToolTip(int group, int member, int column) const
@@ -474,7 +389,7 @@ QVariant ResultsModel::memberToolTip(int group, int member, int column) const
     const QString path = nativePath(track.path);
     if (!track.error.isEmpty())
         return plainToolTip(tr("%1\n\nNote: %2").arg(path, track.error));
-    QStringList lines { path, relationOf(group, member) };
+    QStringList lines { path, m_texts.relation(group, member) };
     if (isProtected(group, member))
         lines << tr("In a protected folder: never removed.");
     lines.removeAll(QString());

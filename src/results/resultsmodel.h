@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "celltexts.h"
 #include "deck.h"
 #include "reviewfilter.h"
 
@@ -28,6 +29,7 @@ public:
         QualityColumn,
         SizeColumn,
         ModifiedColumn,
+        FormatColumn,
         LoudnessColumn, ///< this and the next three: what the check over the whole length found
         TruePeakColumn,
         BandwidthColumn,
@@ -52,6 +54,7 @@ public:
     void setCriteria(const FilterCriteria &criteria);
     void setLoaded(const PerDeck<QString> &paths); ///< empty = nothing in the deck
     bool hasRemarks() const; ///< whether a copy's match is more than "duplicate" or "KEEP"
+    void setOrder(const GroupOrder &order);
     const ReviewFilter &rows() const { return m_rows; }
 
     QModelIndex groupIndex(int group) const; ///< its row; invalid while it is not shown
@@ -68,31 +71,28 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    void sort(int column, Qt::SortOrder order) override; ///< -1 = as the scan has them
 
 private:
     void layOutRows();
     void followReview();
     void followStates(const QList<int> &groups);
+    void takeRowAway(int group);
+    void bringRowBack(int group);
     void emitEverywhereChanged(int role);
     void emitGroupChanged(int group);
-    QString matchText(int group, int member) const;
     bool isProtected(int group, int member) const;
     QString decksOf(const TrackInfo &track) const;
     QVariant groupData(int group, int column, int role) const;
     QVariant memberData(int group, int member, int column, int role) const;
     QVariant accessibleText(int group, int member, int column) const;
-    QString relationOf(int group, int member) const;
-    QStringList remarksOf(int group, int member) const;
     QVariant matchTextColour(int group, int member) const;
-    QString groupText(int group) const;
     QString problemText(int group) const;
-    QStringList checkRemarks(const MatchGroup &group) const;
-    QString memberText(const TrackInfo &track, int column) const;
-    QString checkCell(int group, int member, int column) const;
     QVariant memberToolTip(int group, int member, int column) const;
 
     Review &m_review;
     ReviewFilter m_rows;
+    CellTexts m_texts;
     QFont m_boldFont;
     PerDeck<QString> m_loaded;
 };

@@ -5,6 +5,7 @@
 #include "checkbar.h"
 #include "displaytext.h"
 #include "filterbar.h"
+#include "resultsheader.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
 #include "review.h"
@@ -181,7 +182,7 @@ void ResultsPanel::createTree()
     m_view->setModel(m_model);
     m_place = new ReviewPlace(m_review, *m_model, m_view);
     connect(m_place, &ReviewPlace::changed, this, &ResultsPanel::currentChanged);
-    connect(&m_review, &Review::checkChanged, m_view, &ResultsView::fitColumns); // its words need more room
+    connect(&m_review, &Review::checkChanged, m_view->headings(), &ResultsHeader::fit); // its words need more room
     connect(m_view, &ResultsView::memberMenuRequested, this, &ResultsPanel::memberMenuRequested);
     connect(m_view, &ResultsView::memberActivated, this, &ResultsPanel::onTreeDoubleClicked);
 }

@@ -5,34 +5,20 @@
 #include "look.h"
 #include "notices.h"
 #include "resultscells.h"
+#include "resultsheader.h"
 #include "resultsmodel.h"
 
-#include <QAction>
 #include <QContextMenuEvent>
-#include <QHeaderView>
 #include <QPainter>
 #include <QPolygonF>
-#include <QScopedValueRollback>
 
 #include <algorithm>
-#include <array>
 
 namespace epr {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct OptionalColumn {
-    ResultsModel::Column column;
-    QLatin1StringView name;
-};
-
-constexpr std::array<OptionalColumn, 5> optionalColumns { { { ResultsModel::LoudnessColumn, "loudness"_L1 },
-                                                            { ResultsModel::TruePeakColumn, "truePeak"_L1 },
-                                                            { ResultsModel::BandwidthColumn, "bandwidth"_L1 },
-                                                            { ResultsModel::CheckColumn, "check"_L1 },
-                                                            { ResultsModel::RelationColumn, "relation"_L1 } } };
 
 QColor groupColour(const QStyleOptionViewItem &option, const QModelIndex &cell, bool isSelected)
 {
@@ -46,6 +32,7 @@ QColor groupColour(const QStyleOptionViewItem &option, const QModelIndex &cell, 
 ResultsView::ResultsView(QWidget *parent)
     : QTreeView(parent)
     , m_hint(new EmptyHint(this))
+    , m_header(new ResultsHeader(this))
 {
     setItemDelegate(new ResultsDelegate(this));
     setUniformRowHeights(true); // without it the view asks every one of 100,000 rows for its height
@@ -54,7 +41,7 @@ ResultsView::ResultsView(QWidget *parent)
     setSelectionMode(SingleSelection);
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollMode(ScrollPerPixel);
-    createHeader();
+    setHeader(m_header);
 }
 
 void ResultsView::setHint(const QString &text)
@@ -62,51 +49,35 @@ void ResultsView::setHint(const QString &text)
     m_hint->setText(text);
 }
 
-QStringList ResultsView::shownColumns() const
+ResultsHeader *ResultsView::headings() const
 {
-    QStringList names;
-    for (const OptionalColumn &optional : optionalColumns) {
-        if (!isColumnHidden(optional.column))
-            names << optional.name;
-    }
-    return names;
-}
-
-void ResultsView::showColumns(const QStringList &names)
-{
-    const QList<QAction *> actions = columnActions();
-    for (qsizetype i = 0; i < actions.size(); ++i)
-        actions.at(i)->setChecked(names.contains(optionalColumns.at(static_cast<std::size_t>(i)).name));
-}
-
-QList<QAction *> ResultsView::columnActions() const
-{
-    return header()->actions();
+    return m_header;
 }
 
 void ResultsView::setModel(QAbstractItemModel *model)
 {
     QTreeView::setModel(model);
-    for (const OptionalColumn &optional : optionalColumns) {
-        const auto column = optional.column;
-        setColumnHidden(column, true);
-        auto *action = new QAction(tr("Column %1").arg(model->headerData(column, Qt::Horizontal).toString()), header());
-        action->setCheckable(true);
-        connect(action, &QAction::toggled, this, [this, column](bool shown) {
-            const QScopedValueRollback fitting(m_fittingColumns, true);
-            setColumnHidden(column, !shown);
-            fitColumns();
-        });
-        header()->addAction(action);
-    }
+    m_header->follow(qobject_cast<ResultsModel *>(model));
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &ResultsView::refreshHint);
+    connect(model, &QAbstractItemModel::layoutChanged, this, [this] { scrollTo(currentIndex()); });
+    setSortingEnabled(true);
 }
 
 void ResultsView::reset()
 {
     QTreeView::reset();
     expandAll();
-    m_hint->setVisible(!model() || model()->rowCount() == 0);
-    fitColumns();
+    refreshHint();
+    m_header->fit();
+}
+
+// Every group that comes is open like the others.
+void ResultsView::rowsInserted(const QModelIndex &parent, int first, int last)
+{
+    QTreeView::rowsInserted(parent, first, last);
+    for (int row = first; row <= last && !parent.isValid(); ++row)
+        expand(model()->index(row, 0));
+    refreshHint();
 }
 
 // What changes in many groups at once changes neither heights nor children, which is what the base class would go
@@ -186,30 +157,12 @@ void ResultsView::mouseDoubleClickEvent(QMouseEvent *event)
 void ResultsView::resizeEvent(QResizeEvent *event)
 {
     QTreeView::resizeEvent(event);
-    fitColumns();
+    m_header->fit();
 }
 
-void ResultsView::fitColumns()
+void ResultsView::refreshHint()
 {
-    if (m_columnsChosen || !model())
-        return;
-    const QScopedValueRollback fitting(m_fittingColumns, true);
-    fitResultsColumns(header(), viewport()->width());
-}
-
-void ResultsView::createHeader()
-{
-    header()->setSectionsMovable(false);
-    header()->setStretchLastSection(true);
-    header()->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(header(), &QHeaderView::sectionResized, this, &ResultsView::onSectionResized);
-}
-
-// The last section changes with the window's width, without anybody dragging it.
-void ResultsView::onSectionResized(int section)
-{
-    if (!m_fittingColumns && isVisible() && section != ResultsModel::FolderColumn)
-        m_columnsChosen = true;
+    m_hint->setVisible(!model() || model()->rowCount() == 0);
 }
 
 void ResultsView::toggleCurrent()

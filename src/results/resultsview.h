@@ -7,6 +7,7 @@
 namespace epr {
 
 class EmptyHint;
+class ResultsHeader;
 
 /// The tree of duplicate groups, every group open. A group is one line across all columns; below it a member takes a
 /// row of cells. Space ticks the current row whichever cell is current.
@@ -18,11 +19,7 @@ public:
 
     void setHint(const QString &text); ///< shown while there are no rows
 
-    /// The columns that a check fills are hidden unless the operator switches them on, in the header's menu.
-    QStringList shownColumns() const; ///< by names that do not change with the language
-    void showColumns(const QStringList &names); ///< and no others of these
-    QList<QAction *> columnActions() const;
-    void fitColumns(); ///< to their texts, unless the operator has chosen widths
+    ResultsHeader *headings() const;
 
     void reset() override;
 
@@ -35,6 +32,7 @@ Q_SIGNALS:
 
 protected:
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) override;
+    void rowsInserted(const QModelIndex &parent, int first, int last) override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
@@ -43,8 +41,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void createHeader();
-    void onSectionResized(int section);
+    void refreshHint();
     void toggleCurrent();
     bool isOnMember() const;
     /// How far the column begins from where the row begins, in the direction of reading.
@@ -58,8 +55,7 @@ private:
     void drawGroupTexts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
 
     EmptyHint *m_hint;
-    bool m_fittingColumns = false;
-    bool m_columnsChosen = false; ///< the operator has dragged a column: the widths are theirs from now on
+    ResultsHeader *m_header;
 };
 
 } // namespace epr

@@ -20,6 +20,10 @@ ReviewPlace::ReviewPlace(const Review &review, const ResultsModel &model, Result
     connect(view, &ResultsView::enteredWithoutCurrent, this, &ReviewPlace::enter);
     // After the view and its selection, which forget the current row without a word.
     connect(&model, &QAbstractItemModel::modelReset, this, &ReviewPlace::restore);
+    connect(&model, &QAbstractItemModel::rowsRemoved, this, [this] {
+        if (!m_view->currentIndex().isValid())
+            restore();
+    });
 }
 
 void ReviewPlace::goToGroup(int step)
@@ -56,6 +60,7 @@ void ReviewPlace::remember(const QModelIndex &current)
     if (group >= 0) {
         m_group = m_review.groups().at(group).id;
         m_track = member < 0 ? -1 : m_review.groups().at(group).members.at(member);
+        m_row = m_model.groupIndex(group).row();
     }
     Q_EMIT changed(group, member);
 }
@@ -113,18 +118,16 @@ qint32 ReviewPlace::idOfRow(int row) const
     return m_review.groups().at(m_model.groupOf(m_model.index(row, ResultsModel::FileColumn))).id;
 }
 
-// The row count if all groups come before.
+// The row count if all groups come before. In another order than the scan's there is no next group to one that is gone,
+// so its row is taken that it had.
 int ReviewPlace::firstRowFrom(qint32 id) const
 {
-    int first = 0;
-    for (int end = m_model.rowCount(); first < end;) {
-        const int middle = first + (end - first) / 2;
-        if (idOfRow(middle) < id)
-            first = middle + 1;
-        else
-            end = middle;
-    }
-    return first;
+    const QList<MatchGroup> &groups = m_review.groups();
+    const auto next = std::ranges::lower_bound(groups, id, {}, &MatchGroup::id);
+    const ReviewFilter &rows = m_model.rows();
+    if ((next == groups.cend() || next->id != id) && rows.order().key != GroupKey::Scan)
+        return std::min(m_row, m_model.rowCount());
+    return next == groups.cend() ? m_model.rowCount() : rows.firstRowFrom(static_cast<int>(next - groups.cbegin()));
 }
 
 } // namespace epr

@@ -48,6 +48,7 @@ private:
     const ResultsModel &m_model;
     ResultsView *m_view;
     qint32 m_group = 0; ///< number of the group, 0 = nowhere yet; ascending from 1 in the results
+    int m_row = 0; ///< that the group had
     qint32 m_track = -1; ///< -1 = on the group's own row
 };
 

@@ -6,6 +6,7 @@
 #include "review.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace epr {
@@ -41,6 +42,13 @@ bool isNarrower(const QStringList &now, const QStringList &before)
     });
 }
 
+std::vector<int> positionsIn(const MatchGroup &group)
+{
+    std::vector<int> positions(static_cast<std::size_t>(group.members.size()));
+    std::iota(positions.begin(), positions.end(), 0);
+    return positions;
+}
+
 } // namespace
 
 ReviewFilter::ReviewFilter(const Review &review)
@@ -65,28 +73,71 @@ void ReviewFilter::setCriteria(const FilterCriteria &criteria)
     m_narrows = false;
 }
 
+void ReviewFilter::setOrder(const GroupOrder &order)
+{
+    m_order = order;
+    sortGroups();
+    std::ranges::sort(m_groups, {}, [this](const GroupRow &row) { return placeOf(row.group); });
+    numberRows(0);
+}
+
+void ReviewFilter::sortGroups()
+{
+    m_sorted = m_order.key == GroupKey::Scan ? std::vector<int>() : sortedGroups(m_review, m_order);
+    m_places.resize(m_sorted.size());
+    for (std::size_t place = 0; place < m_sorted.size(); ++place)
+        m_places[static_cast<std::size_t>(m_sorted[place])] = static_cast<int>(place);
+}
+
 void ReviewFilter::layOutRows()
 {
     const std::vector<GroupRow> shownGroups = std::exchange(m_groups, {});
     const std::vector<int> shownMembers = std::exchange(m_members, {});
     m_rows.assign(static_cast<std::size_t>(m_review.groups().size()), -1);
-    const QStringList searchTexts = m_needles.isEmpty() ? QStringList() : m_review.searchTexts();
+    const QStringList texts = searchTexts();
     if (std::exchange(m_narrows, false) && m_criteria.terms.isEmpty()) { // others may meet them since
         const auto members = [&shownMembers](const GroupRow &row) {
             return std::span(shownMembers)
                 .subspan(static_cast<std::size_t>(row.firstMember), static_cast<std::size_t>(row.memberCount));
         };
         for (const GroupRow &row : shownGroups)
-            appendGroup(row.group, members(row), searchTexts);
+            appendGroup(row.group, members(row), texts);
         return;
     }
     std::vector<int> all; // positions in the largest group so far
-    for (int group = 0; group < m_review.groups().size(); ++group) {
+    for (int place = 0; place < m_review.groups().size(); ++place) {
+        const int group = m_sorted.empty() ? place : m_sorted[static_cast<std::size_t>(place)];
         const auto count = static_cast<std::size_t>(m_review.groups().at(group).members.size());
         while (all.size() < count)
             all.push_back(static_cast<int>(all.size()));
-        appendGroup(group, std::span(all).first(count), searchTexts);
+        appendGroup(group, std::span(all).first(count), texts);
     }
+}
+
+bool ReviewFilter::finds(int group) const
+{
+    std::vector<int> found;
+    findMembers(group, positionsIn(m_review.groups().at(group)), searchTexts(), &found);
+    return !found.empty();
+}
+
+void ReviewFilter::insertGroup(int group)
+{
+    const int row = firstRowFrom(group);
+    const std::size_t before = m_groups.size();
+    appendGroup(group, positionsIn(m_review.groups().at(group)), searchTexts());
+    if (m_groups.size() == before)
+        return;
+    std::rotate(m_groups.begin() + row, m_groups.end() - 1, m_groups.end());
+    numberRows(row);
+}
+
+// Its members stay where they are until the rows are laid out again.
+void ReviewFilter::removeRow(int groupRow)
+{
+    m_rows[static_cast<std::size_t>(groupAt(groupRow))] = -1;
+    m_groups.erase(m_groups.begin() + groupRow);
+    numberRows(groupRow);
 }
 
 int ReviewFilter::memberAt(int groupRow, int memberRow) const
@@ -127,24 +178,32 @@ QList<std::pair<int, int>> ReviewFilter::shownPlaces() const
     return places;
 }
 
+int ReviewFilter::firstRowFrom(int group) const
+{
+    const auto isBefore = [this](const GroupRow &row, int place) { return placeOf(row.group) < place; };
+    return static_cast<int>(std::lower_bound(m_groups.begin(), m_groups.end(), placeOf(group), isBefore)
+                            - m_groups.begin());
+}
+
 void ReviewFilter::appendGroup(int group, std::span<const int> candidates, const QStringList &searchTexts)
 {
     const auto first = static_cast<int>(m_members.size());
-    const int count = appendMembers(group, candidates, searchTexts);
+    findMembers(group, candidates, searchTexts, &m_members);
+    const int count = static_cast<int>(m_members.size()) - first;
     if (count == 0)
         return;
     m_rows[static_cast<std::size_t>(group)] = groupCount();
     m_groups.push_back({ group, first, count });
 }
 
-// How many they are.
-int ReviewFilter::appendMembers(int group, std::span<const int> candidates, const QStringList &searchTexts)
+void ReviewFilter::findMembers(int group, std::span<const int> candidates, const QStringList &searchTexts,
+                               std::vector<int> *found) const
 {
     if (m_review.state(group) == GroupState::NotDuplicates)
-        return 0;
+        return;
     const QList<qint32> &members = m_review.groups().at(group).members;
     const GroupMatch match(m_review, group, m_criteria.terms);
-    const std::size_t first = m_members.size();
+    const std::size_t first = found->size();
     bool isFound = false;
     for (const int member : candidates) {
         const qint32 track = members.at(member);
@@ -154,11 +213,26 @@ int ReviewFilter::appendMembers(int group, std::span<const int> candidates, cons
         const bool meets = match.meets(member);
         isFound = isFound || meets;
         if (meets || !m_criteria.copiesOnly || m_review.isKeeper(group, member))
-            m_members.push_back(member);
+            found->push_back(member);
     }
     if (!isFound)
-        m_members.resize(first);
-    return static_cast<int>(m_members.size() - first);
+        found->resize(first);
+}
+
+QStringList ReviewFilter::searchTexts() const
+{
+    return m_needles.isEmpty() ? QStringList() : m_review.searchTexts();
+}
+
+int ReviewFilter::placeOf(int group) const
+{
+    return m_places.empty() ? group : m_places[static_cast<std::size_t>(group)];
+}
+
+void ReviewFilter::numberRows(int first)
+{
+    for (int row = first; row < groupCount(); ++row)
+        m_rows[static_cast<std::size_t>(groupAt(row))] = row;
 }
 
 bool ReviewFilter::matches(const QString &searchText) const

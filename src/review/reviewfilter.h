@@ -3,6 +3,7 @@
 #pragma once
 
 #include "filtercriteria.h"
+#include "grouporder.h"
 #include "records.h"
 
 #include <span>
@@ -28,7 +29,14 @@ public:
     bool isActive() const { return !m_needles.isEmpty() || !m_criteria.terms.isEmpty(); }
     bool setText(const QString &text); ///< as typed; false if that finds what is shown already
     void setCriteria(const FilterCriteria &criteria);
+    void setOrder(const GroupOrder &order); ///< the same rows in other places
+    const GroupOrder &order() const { return m_order; }
+    void sortGroups(); ///< when the review was reset, before its rows are laid out
     void layOutRows(); ///< after each new text or criteria, and whenever the review was reset
+
+    bool finds(int group) const; ///< whether it would have a row
+    void insertGroup(int group); ///< if it finds it, at firstRowFrom(); the rows behind move on
+    void removeRow(int groupRow);
 
     int groupCount() const { return static_cast<int>(m_groups.size()); }
     int memberCount(int groupRow) const { return rowAt(groupRow).memberCount; }
@@ -36,6 +44,7 @@ public:
     int memberAt(int groupRow, int memberRow) const; ///< position in its group
     int rowOf(int group) const { return m_rows[static_cast<std::size_t>(group)]; } ///< -1 = not shown
     int rowOf(int group, int member) const; ///< within the group's row; -1 = not shown
+    int firstRowFrom(int group) const; ///< of this group or the next one in the order that is shown; else groupCount()
     qint64 hiddenTicks() const; ///< ticked members that are not shown
     QList<std::pair<int, int>> shownPlaces() const; ///< groups and members, in the order of the rows
 
@@ -47,13 +56,20 @@ private:
     };
 
     void appendGroup(int group, std::span<const int> candidates, const QStringList &searchTexts);
-    int appendMembers(int group, std::span<const int> candidates, const QStringList &searchTexts);
+    void findMembers(int group, std::span<const int> candidates, const QStringList &searchTexts,
+                     std::vector<int> *found) const;
+    QStringList searchTexts() const;
+    int placeOf(int group) const;
+    void numberRows(int first);
     bool matches(const QString &searchText) const;
     const GroupRow &rowAt(int groupRow) const { return m_groups[static_cast<std::size_t>(groupRow)]; }
 
     const Review &m_review;
     QStringList m_needles; ///< any of them may be found; empty = everything matches
     FilterCriteria m_criteria; ///< with terms of one kind side by side
+    GroupOrder m_order;
+    std::vector<int> m_sorted; ///< all groups in that order; empty in that of the scan
+    std::vector<int> m_places; ///< per group, its place there
     bool m_narrows = false; ///< what is shown holds all that the new text finds
     std::vector<GroupRow> m_groups;
     std::vector<int> m_members; ///< positions within their groups, group after group, ascending within each

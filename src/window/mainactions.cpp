@@ -8,6 +8,7 @@
 #include "helpdialogs.h"
 #include "memberactions.h"
 #include "problemdesk.h"
+#include "resultsheader.h"
 #include "reviewdesk.h"
 #include "reviewfiles.h"
 
@@ -101,7 +102,7 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
         fill(bar->addMenu(title), actions);
     };
     connect(shortcuts, &QAction::triggered, bar, [bar] { ShortcutsDialog(bar, bar->window()).exec(); });
-    for (QAction *view : parts.views + parts.columns)
+    for (QAction *view : parts.views)
         view->setStatusTip(QCoreApplication::translate("epr::MainMenus", "Show this part of the window, or hide it."));
     const MemberActions &member = *parts.member;
     addMenu(QCoreApplication::translate("epr::MainMenus", "&File"),
@@ -109,7 +110,8 @@ void MainActions::fillMenuBar(QMenuBar *bar, const MenuParts &parts) const
               parts.protection,
               { parts.reviewFiles->menu()->menuAction(), exportReport },
               { exit } });
-    addMenu(QCoreApplication::translate("epr::MainMenus", "&View"), { parts.views, parts.columns });
+    addMenu(QCoreApplication::translate("epr::MainMenus", "&View"),
+            { parts.views, { parts.headings->columnMenu()->menuAction(), parts.headings->sortMenu()->menuAction() } });
     addMenu(QCoreApplication::translate("epr::MainMenus", "&Scan"), { { startScan, pauseScan, stopScan } });
     addMenu(
         QCoreApplication::translate("epr::MainMenus", "&Edit"),

@@ -14,6 +14,7 @@ namespace epr {
 class CheckDesk;
 class MemberActions;
 class PlayerDock;
+class ResultsHeader;
 class ProblemDesk;
 class ReviewDesk;
 class ReviewFiles;
@@ -39,7 +40,7 @@ public:
         const PlayerDock *player;
         QList<QAction *> protection; ///< of folders
         QList<QAction *> views; ///< that show and hide parts of the window
-        QList<QAction *> columns; ///< the same for columns of the results
+        const ResultsHeader *headings;
         const CheckDesk *checks;
         const ReviewDesk *review;
         const ReviewFiles *reviewFiles;

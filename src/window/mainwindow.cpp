@@ -21,6 +21,7 @@
 #include "playerdesk.h"
 #include "problemdesk.h"
 #include "protectiondesk.h"
+#include "resultsheader.h"
 #include "resultspanel.h"
 #include "resultsview.h"
 #include "review.h"
@@ -333,7 +334,7 @@ void MainWindow::createMenus()
                              m_folderPanel->protectActions(),
                              { toolBar->toggleViewAction(), m_folderPanel->unfoldAction(),
                                m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
-                             m_resultsPanel->view()->columnActions(),
+                             m_resultsPanel->view()->headings(),
                              m_checks,
                              m_reviewDesk,
                              m_reviewFiles,
@@ -356,7 +357,7 @@ void MainWindow::restoreSettings()
     new ProtectionDesk(*m_review, *m_folderPanel, this);
     m_folderPanel->setStaysOpen(store.value(settings::foldersStayOpen));
     m_options = store.loadScanOptions();
-    m_resultsPanel->view()->showColumns(store.value(settings::resultsColumns));
+    m_resultsPanel->view()->headings()->arrange(store.value(settings::resultsColumns));
     m_quarantineRoot = store.value(settings::quarantineRoot);
     m_playerDesk->restore(store, isFirstStart);
 }
@@ -407,7 +408,7 @@ void MainWindow::saveSettings() const
     store.set(settings::folders, m_folderPanel->folders());
     store.set(settings::foldersStayOpen, m_folderPanel->staysOpen());
     store.saveScanOptions(m_options);
-    store.set(settings::resultsColumns, m_resultsPanel->view()->shownColumns());
+    store.set(settings::resultsColumns, m_resultsPanel->view()->headings()->arrangement());
     store.set(settings::quarantineRoot, m_quarantineRoot);
     m_playerDesk->save(store);
 }

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "resultsheader.h"
 #include "resultsmodel.h"
+#include "resultsview.h"
 
 #include "reviewsketch.h"
 
@@ -81,6 +83,74 @@ private Q_SLOTS:
         QCOMPARE(rowsOf(model), sketchOf(review));
         review.clear();
         QCOMPARE(model.rowCount(), 0);
+    }
+
+    void rowsMoveAndGoWithoutAReset()
+    {
+        Review review;
+        fill(review, u"b* x / d* y z / a* w / c* v"_s);
+        ResultsModel model(review);
+        const QAbstractItemModelTester tester(&model);
+        const QSignalSpy resets(&model, &ResultsModel::modelReset);
+        const QPersistentModelIndex group = model.groupIndex(3);
+        const QPersistentModelIndex copy = model.memberIndex(3, 1);
+        model.sort(ResultsModel::FileColumn, Qt::AscendingOrder);
+        QCOMPARE(rowsOf(model), u"a* w! / b* x! / c* v! / d* y! z!"_s);
+        QVERIFY(group.row() == 2 && copy == model.memberIndex(3, 1) && copy.parent() == group);
+        review.setState({ 0, 1 }, GroupState::NotDuplicates);
+        QCOMPARE(rowsOf(model), u"a* w! / c* v!"_s);
+        QVERIFY(group.row() == 1 && copy.data() == u"v.mp3"_s);
+        model.setFilter(u"title of"_s);
+        model.sort(ResultsModel::SizeColumn, Qt::DescendingOrder);
+        review.undo();
+        QCOMPARE(rowsOf(model), u"d* y! z! / c* v! / a* w! / b* x!"_s);
+        model.setOrder({ GroupKey::Copies, true });
+        review.removeMembers({ 4 });
+        QCOMPARE(rowsOf(model), u"b* x! / d* y! / a* w! / c* v!"_s); // equal ones as the scan has them
+        review.setState({ 1 }, GroupState::NotDuplicates);
+        model.sort(-1, Qt::AscendingOrder);
+        QCOMPARE(rowsOf(model), u"b* x! / a* w! / c* v!"_s);
+        QCOMPARE(resets.size(), 2); // the filter and the removal
+    }
+
+    void columnsAreAsTheyWereLeft()
+    {
+        Review review;
+        ResultsModel model(review);
+        const auto arranged = [&model](const QStringList &columns) {
+            ResultsView view;
+            view.setModel(&model);
+            view.headings()->arrange(columns);
+            return view.headings()->arrangement().join(u' ');
+        };
+        const QString usual = u"file:0 match:0 artist:0 title:0 duration:0 quality:0 size:0 modified:0 -format:0 "
+                              "-loudness:0 -truePeak:0 -bandwidth:0 -check:0 -relation:0 folder:0"_s;
+        QCOMPARE(arranged({}), usual);
+        QCOMPARE(arranged({ u"check"_s }), QString(usual).replace(u"-check"_s, u"check"_s)); // of an earlier version
+        QCOMPARE(arranged({ u"-file:0"_s, u"strange:5"_s, u":"_s, u"-"_s }), usual);
+        const QString own = arranged({ u"folder:300"_s, u"-title:0"_s, u"format:70"_s });
+        QVERIFY2(own.contains(u" folder:300 -title:0 format:70 match:"_s), qPrintable(own));
+        QCOMPARE(arranged(own.split(u' ')), own);
+        ResultsView view;
+        view.setModel(&model);
+        view.headings()->arrange(own.split(u' '));
+        view.headings()->arrangeAsBefore();
+        QCOMPARE(view.headings()->arrangement().join(u' '), usual);
+    }
+
+    void relationsFollowTheKeptCopy()
+    {
+        Lists lists = listsOf(u"a* b c"_s);
+        lists.tracks[0].fullHash = lists.tracks[1].fullHash = u"1"_s;
+        Review review;
+        ResultsModel model(review);
+        review.setResults(lists.tracks, lists.groups);
+        const auto relation = [&](int member) { return cell(model, 0, member, ResultsModel::RelationColumn).data(); };
+        QCOMPARE(relation(1), u"identical to the kept copy"_s);
+        review.setKeeper(0, 2);
+        QCOMPARE(relation(1), QString());
+        review.undo();
+        QCOMPARE(relation(1), u"identical to the kept copy"_s);
     }
 };
 

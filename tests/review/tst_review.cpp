@@ -251,6 +251,48 @@ private Q_SLOTS:
         QCOMPARE(filter.shownPlaces().size(), shownBy(filter, review).count(QRegularExpression(u"\\w"_s)));
     }
 
+    void groupsAreSorted_data()
+    {
+        const Rows<GroupKey, bool, QString> row("key", "descending", "order");
+        row("names with numbers by their value", GroupKey::File, false, u"a2 / a10 / B1"_s);
+        row("the other way round", GroupKey::File, true, u"B1 / a10 / a2"_s);
+        row("what can be reclaimed", GroupKey::Reclaimable, true, u"a2 / B1 / a10"_s);
+        row("equal ones as they were", GroupKey::Copies, true, u"B1 / a10 / a2"_s);
+        row("artist of the kept copy", GroupKey::Artist, false, u"B1 / a2 / a10"_s);
+        row("match", GroupKey::Match, true, u"a10 / B1 / a2"_s);
+        row("bit rate before sample rate", GroupKey::Quality, true, u"a10 / B1 / a2"_s);
+        row("date", GroupKey::Modified, false, u"a2 / B1 / a10"_s);
+        row("folder", GroupKey::Folder, true, u"a2 / B1 / a10"_s);
+    }
+
+    void groupsAreSorted()
+    {
+        QFETCH(const GroupKey, key);
+        QFETCH(const bool, descending);
+        Lists lists = listsOf(u"B1* x / a10* y / a2* z"_s);
+        lists.groups[1].reclaimableBytes = 1;
+        lists.groups[1].matchType = MatchType::SameSong;
+        lists.groups[0].matchType = lists.groups[2].matchType = MatchType::SameAudio;
+        lists.tracks[2].tags.artist = u"Éa"_s;
+        lists.tracks[4].tags.artist = u"e"_s;
+        lists.tracks[5].tags.artist = u"A"_s; // of no account: it is not kept
+        lists.tracks[0].stream = { .bitrateKbps = 128, .sampleRate = 48000 };
+        lists.tracks[2].stream = { .bitrateKbps = 320, .sampleRate = 44100 };
+        lists.tracks[4].stream = { .bitrateKbps = 128, .sampleRate = 44100 };
+        lists.tracks[4].path = u"/other/a2.mp3"_s;
+        for (const int kept : { 4, 0, 2 })
+            lists.tracks[kept].mtime = QDateTime::fromSecsSinceEpoch(kept == 4 ? 0 : kept + 1);
+        Review review;
+        review.setResults(lists.tracks, lists.groups);
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::English)); // no order of characters as in "C"
+        QStringList names;
+        for (const int group : sortedGroups(review, { key, descending }))
+            names << review.track(group, 0)->fileName.section(u'.', 0, 0);
+        QLocale::setDefault(before);
+        QTEST(names.join(u" / "_s), "order");
+    }
+
     void protectedCopiesAreNeverTicked()
     {
         Review review;
