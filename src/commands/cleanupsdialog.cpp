@@ -8,6 +8,7 @@
 #include "runwithprogress.h"
 
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
@@ -33,7 +34,7 @@ CleanupsDialog::CleanupsDialog(const QString &recordFile, QWidget *parent)
     , m_fileList(makeList(m_files, tr("Files of the clean-up")))
     , m_summary(plainLabel())
     , m_restoreAll(new QPushButton(tr("&Bring Back All")))
-    , m_restoreSelected(new QPushButton(tr("Bring Back &Selected Files")))
+    , m_restoreSelected(new QPushButton(tr("Bring Back &Selected")))
     , m_purge(new QPushButton(tr("Remove for &Good...")))
     , m_emptyFolders(new QPushButton(tr("&Empty Folders...")))
 {
@@ -44,6 +45,10 @@ CleanupsDialog::CleanupsDialog(const QString &recordFile, QWidget *parent)
     m_search->setAccessibleName(tr("Search"));
     m_search->setClearButtonEnabled(true);
     m_fileList->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_restoreAll->setObjectName(u"restoreAllButton"_s);
+    m_restoreSelected->setObjectName(u"restoreSelectedButton"_s);
+    m_purge->setObjectName(u"purgeButton"_s);
+    m_emptyFolders->setObjectName(u"emptyFoldersButton"_s);
     m_emptyFolders->setToolTip(tr("Look for folders that this clean-up left empty, and remove them."));
     layOutWidgets();
     constexpr std::chrono::milliseconds pause { 300 }; // of somebody who has typed a word
@@ -120,7 +125,7 @@ void CleanupsDialog::layOutWidgets()
 void CleanupsDialog::search()
 {
     m_typing.stop();
-    const QString text = m_search->text().trimmed();
+    const QString text = QDir::fromNativeSeparators(m_search->text().trimmed());
     const qint64 chosen = current() ? current()->id : 0;
     QList<CleanupRun> found = m_all;
     if (!text.isEmpty()) {
@@ -149,7 +154,7 @@ void CleanupsDialog::showFiles()
     if (!run) {
         m_files->clear();
     } else {
-        m_files->show(*run, m_search->text().trimmed());
+        m_files->show(*run, QDir::fromNativeSeparators(m_search->text().trimmed()));
         m_files->fetchMore({});
         if (m_files->rowCount() == 0)
             m_files->show(*run, {});
@@ -163,7 +168,10 @@ void CleanupsDialog::refresh()
     const bool canRestore = run && isInQuarantine(*run);
     m_restoreAll->setEnabled(canRestore);
     m_purge->setEnabled(canRestore);
-    m_restoreSelected->setEnabled(canRestore && m_fileList->selectionModel()->hasSelection());
+    const qsizetype selected = m_fileList->selectionModel()->selectedRows().size();
+    m_restoreSelected->setEnabled(canRestore && selected > 0);
+    m_restoreSelected->setText(selected > 0 ? tr("Bring Back &Selected (%1)").arg(countText(selected))
+                                            : tr("Bring Back &Selected"));
     m_emptyFolders->setEnabled(run && !run->roots.isEmpty() && run->removed() > 0);
     if (run)
         m_summary->setText(tr("%1 of %2 clean-ups shown. This one: %3.")

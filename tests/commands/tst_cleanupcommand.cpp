@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cleanup.h"
+#include "cleanupsdialog.h"
 #include "filelook.h"
 #include "removaldialog.h"
 #include "removalpreview.h"
@@ -43,6 +44,8 @@ public:
     QString newQuarantine; ///< chosen in the removal dialog unless empty
     QString stopAtFile = u"no file"_s; ///< when the progress dialog shows it
 
+    std::function<void(CleanupsDialog *)> inHistory; ///< then it is closed
+
     bool wantsLog = false; ///< where a warning offers it
 
     QStringList boxes; ///< "title|text"
@@ -66,6 +69,11 @@ private:
                 box->button(answers.value(box->windowTitle(), QMessageBox::Ok))->click();
         } else if (auto *question = qobject_cast<RemovalDialog *>(dialog)) {
             answer(question);
+        } else if (auto *history = qobject_cast<CleanupsDialog *>(dialog)) {
+            if (const auto act = std::exchange(inHistory, {})) {
+                act(history);
+                history->reject();
+            }
         } else if (auto *input = qobject_cast<QInputDialog *>(dialog)) {
             offered = input->comboBoxItems();
             input->accept();
@@ -361,6 +369,46 @@ private Q_SLOTS:
         session.window->onRemoveSelected();
         QVERIFY(logs(*session.window, native(changed) + u" was left in place: its content is not what"_s));
         QCOMPARE(treeOf(session.library()).keys(), words("a1 a2 b1 sub sub/c1"));
+    }
+
+    void historyBringsBackAndRemoves()
+    {
+        Session session;
+        Operator &person = session.person;
+        session.window->onRemoveSelected();
+        QVERIFY(QFile::remove(session.inLibrary(u"sub/c1"_s)));
+        person.answers = { { u"Remove for good"_s, QMessageBox::Cancel }, { u"Empty folders"_s, QMessageBox::Yes } };
+        QStringList states;
+        person.inHistory = [&](CleanupsDialog *dialog) {
+            const auto press = [&](const QString &name) {
+                dialog->findChild<QPushButton *>(name)->click();
+                states << runStateText(dialog->findChild<RunsModel *>()->runs().first());
+            };
+            dialog->findChild<QLineEdit *>()->setText(u"C2"_s);
+            const auto *files = dialog->findChild<RunFilesModel *>();
+            QTRY_COMPARE(files->rowCount(), 1);
+            for (auto *list : dialog->findChildren<QTreeView *>()) {
+                if (list->model() == files)
+                    list->selectAll();
+            }
+            press(u"restoreSelectedButton"_s);
+            press(u"purgeButton"_s);
+            person.answers[u"Remove for good"_s] = QMessageBox::Ok;
+            press(u"purgeButton"_s);
+            press(u"emptyFoldersButton"_s);
+            QVERIFY(!dialog->findChild<QPushButton *>(u"restoreAllButton"_s)->isEnabled());
+        };
+        for (auto *action : session.window->findChildren<QAction *>()) {
+            if (action->text() == "Clean-ups..."_L1)
+                action->trigger();
+        }
+        const QString end = u"partly undone, the rest removed for good"_s;
+        QCOMPARE(states, QStringList({ u"partly undone, 3 left"_s, u"partly undone, 3 left"_s, end, end }));
+        QCOMPARE(treeOf(session.library()).keys(), words("a1 b1 c2"));
+        QCOMPARE(filesBelow(session.quarantine()), QStringList());
+        QVERIFY(person.boxes.contains(u"Removed for good|Removed 3 file(s) for good, freeing 300 bytes."_s));
+        QVERIFY(summaryOf(*session.window).contains("1 file(s) were put back since"_L1));
+        QVERIFY(logs(*session.window, u"1 empty folder(s) removed."_s));
     }
 
     void previewTellsWhatGoes()

@@ -148,6 +148,8 @@ private Q_SLOTS:
         QVERIFY(store.add(run, planned({ u"/other"_s })).value() > first); // began in the same moment
         QCOMPARE(store.files(first, 0, 10, u"söng B"_s)->last().number, 19);
         QCOMPARE(store.files(first, 990, 100)->size(), 10);
+        QCOMPARE(store.files(first, 0, 10, u"NG b 999"_s)->size(), 1);
+        QCOMPARE(store.files(first, 0, 10, u"_"_s)->size(), 0);
         QCOMPARE(store.runsWith(u"SÖNG"_s).value(), QSet<qint64> { first });
     }
 
