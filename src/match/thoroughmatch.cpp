@@ -250,6 +250,7 @@ std::vector<PairList> listCandidates(const QList<TrackInfo> &tracks, Fingerprint
         return {};
     const LeastShared least = leastSharedKeys(tracks.size(), counts);
     std::vector<PairList> lists;
+    lists.reserve(static_cast<std::size_t>(threads));
     for (int thread = 0; thread < threads; ++thread)
         lists.emplace_back(least.keys, least.pairs / threads * 9 / 8);
     const auto collectPairs = [&](int thread, std::span<const Pair> pairs) {
