@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "fileproblem.h"
+
 #include <QDateTime>
 #include <QHash>
 #include <QList>
@@ -60,6 +62,7 @@ struct RemovalResult {
     QStringList errors;
     QString manifestPath; ///< empty if there is nothing to undo
     QString refusal = {}; ///< why nothing was begun at all, for the operator; else empty
+    QList<FileProblem> problems = {}; ///< the failures by files
 
     bool operator==(const RemovalResult &) const = default;
 };
@@ -87,6 +90,7 @@ struct RestoreResult {
     qint32 failed = 0;
     QStringList errors; ///< one message for each failure, with the system's reason if it gave one, in order
     QString refusal = {}; ///< as in RemovalResult
+    QList<FileProblem> problems = {}; ///< the failures by the places that the files were to come back to
 
     bool operator==(const RestoreResult &) const = default;
 };

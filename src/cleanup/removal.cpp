@@ -111,12 +111,13 @@ private:
         const QString &path = m_paths.at(index);
         const QFileInfo info(path);
         if (!info.exists()) {
-            reportFailure(QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(nativePath(path)));
+            reportFailure(path,
+                          QCoreApplication::translate("epr::Cleanup", "%1 no longer exists").arg(nativePath(path)));
             return true;
         }
         // What was a file when it was scanned may by now be a folder full of others.
         if (!info.isFile()) {
-            reportFailure(failureMessage(m_mode, path));
+            reportFailure(path, failureMessage(m_mode, path));
             return true;
         }
         const Result<bool> mayGo = m_guard.mayGo(path, [&goesOn](const QString &read) {
@@ -129,7 +130,7 @@ private:
         if (left && m_patience.hasStopped())
             return false;
         if (left) {
-            reportFailure(*left);
+            reportFailure(path, *left);
             return true;
         }
         ++m_result.succeeded;
@@ -152,9 +153,10 @@ private:
         return withReason(failureMessage(m_mode, m_paths.at(index)), removed.error());
     }
 
-    void reportFailure(const QString &message)
+    void reportFailure(const QString &path, const QString &message)
     {
         ++m_result.failed;
+        m_result.problems.append({ path, Attempt::Remove, message });
         m_result.errors.append(message);
     }
 

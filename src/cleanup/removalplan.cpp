@@ -152,6 +152,7 @@ QList<TickedGroup> withoutProtected(QList<TickedGroup> groups, const QStringList
         for (auto file = staying; file != group.ticked.end(); ++file) {
             ++plan.refused;
             plan.errors.append(protectedMessage(file->path));
+            plan.problems.append({ file->path, Attempt::Remove, plan.errors.last() });
             group.unticked.append(*file);
         }
         group.ticked.erase(staying, group.ticked.end());
@@ -212,10 +213,12 @@ CheckedCandidates checkCandidates(const QList<RemovalCandidate> &candidates)
 {
     CheckedCandidates checked;
     for (const RemovalCandidate &candidate : candidates) {
-        if (changedSinceScan(candidate))
-            checked.errors.append(changedMessage(candidate.path));
-        else
+        if (!changedSinceScan(candidate)) {
             checked.paths.append(candidate.path);
+            continue;
+        }
+        checked.changed.append(candidate.path);
+        checked.errors.append(changedMessage(candidate.path));
     }
     return checked;
 }
@@ -265,6 +268,8 @@ RemovalPlan planRemoval(const QList<TickedGroup> &groups, const QStringList &pro
     for (const CheckedGroup &group : std::as_const(checked)) {
         plan.refused += static_cast<qint32>(group.ticked.errors.size());
         plan.errors += group.ticked.errors;
+        for (const QString &path : group.ticked.changed)
+            plan.problems.append({ path, Attempt::Remove, changedMessage(path) });
         const auto reason = reasons.constFind(group.id);
         if (reason == reasons.cend()) {
             plan.paths += group.ticked.paths;
@@ -274,6 +279,8 @@ RemovalPlan planRemoval(const QList<TickedGroup> &groups, const QStringList &pro
         }
         plan.refused += static_cast<qint32>(group.ticked.paths.size());
         plan.errors += group.unticked.errors.isEmpty() ? *reason : survivorChangedMessage(group.id);
+        for (const QString &path : group.ticked.paths)
+            plan.problems.append({ path, Attempt::Remove, plan.errors.last() });
     }
     return plan;
 }

@@ -24,6 +24,7 @@ QString changedMessage(const QString &path);
 struct CheckedCandidates {
     QStringList paths; ///< to be removed
     QStringList errors; ///< one message for each file that changed
+    QStringList changed = {}; ///< these
 
     bool operator==(const CheckedCandidates &) const = default;
 };
@@ -73,6 +74,7 @@ struct RemovalPlan {
     QStringList errors; ///< why: a message for each file that changed or is protected, and for each group that would
                         ///< lose its last copy
     RemovalChecks checks; ///< of each of the paths
+    QList<FileProblem> problems = {}; ///< the refusals by files
 
     bool operator==(const RemovalPlan &) const = default;
 };

@@ -179,6 +179,7 @@ private:
         if (outcome.problem) {
             ++m_result.failed;
             m_result.errors.append(*outcome.problem);
+            m_result.problems.append({ entry.from, Attempt::Restore, *outcome.problem });
             if (outcome.isKept)
                 m_manifest.entries.append(entry);
         } else if (!outcome.wasDone) {

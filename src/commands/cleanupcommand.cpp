@@ -55,6 +55,14 @@ QList<TickedGroup> tickedGroups(const Review &review, const OnlyTracks &only)
     return groups;
 }
 
+QStringList pathsOf(const Review &review, const QSet<qint32> &tracks)
+{
+    QStringList paths;
+    for (const qint32 track : tracks)
+        paths.append(review.tracks().at(track).path);
+    return paths;
+}
+
 QStringList tickedPaths(const QList<TickedGroup> &groups)
 {
     QStringList paths;
@@ -271,11 +279,13 @@ void CleanupCommand::remove(const Request &request, RemovalMode mode)
     const qsizetype untouched = plan.paths.size() - result.succeeded - result.failed;
     result.failed += plan.refused;
     result.errors = plan.errors + result.errors;
+    result.problems = plan.problems + result.problems;
     const QString stopped = done
         ? QString()
         : tr("The clean-up was stopped: %Ln file(s) were not touched.", nullptr, static_cast<int>(untouched));
     tellRemoval(mode, result, stopped);
     tellAll(notes);
+    Q_EMIT removalEnded(pathsOf(m_review, vanished), result.problems);
     m_review.removeMembers(vanished);
     Q_EMIT filesRemoved();
 }
@@ -418,6 +428,7 @@ void CleanupCommand::tellRestore(const RestoreResult &result, const QString &sto
     if (!result.refusal.isEmpty())
         return tellRefusal(result.refusal);
     Q_EMIT filesRestored(static_cast<int>(result.succeeded));
+    Q_EMIT undoEnded(result.problems);
     tellStop(stopped);
     tellAll(result.errors);
     report(tr("Undo: %1 restored, %2 failed.").arg(result.succeeded).arg(result.failed));

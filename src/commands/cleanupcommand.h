@@ -57,6 +57,8 @@ Q_SIGNALS:
     void checkWanted(); ///< of the ticked copies, before they go
     void aboutToRemove(const QStringList &paths); ///< whoever holds one open must let go of it
     void filesRestored(int files); ///< are back in the library, but not in the review
+    void removalEnded(const QStringList &gone, const QList<epr::FileProblem> &problems); ///< before filesRemoved()
+    void undoEnded(const QList<epr::FileProblem> &problems);
     void filesRemoved(); ///< the tree is up to date again; whoever holds one of its files should look whether it exists
 
 private:

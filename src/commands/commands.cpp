@@ -98,6 +98,23 @@ void ExportCommand::exportReport(const QStringList &roots)
         QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
+void ExportCommand::exportProblems(const QList<FileProblem> &problems)
+{
+    const QString path = QFileDialog::getSaveFileName(window(), tr("Export problems"),
+                                                      QFileInfo(proposedPath()).path() + "/problems.csv"_L1,
+                                                      reportFormatFilter(ReportFormat::Csv));
+    if (path.isEmpty())
+        return;
+    bool isWritten = false;
+    QString error;
+    const bool withMark = SettingsStore().value(settings::csvMark);
+    runWaiting([&] { isWritten = writeProblems(path, problems, withMark, &error); });
+    if (isWritten)
+        report(tr("Problems written to %1").arg(nativePath(path)));
+    else
+        showCritical(window(), tr("Export failed"), tr("Could not write the report:\n\n%1").arg(error));
+}
+
 std::optional<ScanOptions> SettingsCommand::edit(const ScanOptions &options)
 {
     SettingsDialog dialog(options, { .fpcalcPath = fpcalcPath(), .cache = cacheStatus() }, window());

@@ -14,6 +14,7 @@ class QAction;
 namespace epr {
 
 class Review;
+struct FileProblem;
 
 /// What the operator's commands have in common: the window that is the parent of their dialogs, and the ways in which
 /// they say how they went.
@@ -53,6 +54,7 @@ class ExportCommand final : public Command {
 public:
     ExportCommand(const Review &review, QWidget *window);
 
+    void exportProblems(const QList<FileProblem> &problems); ///< as a table
     void exportReport(const QStringList &roots); ///< those of the scan that the review is about
 
 private:

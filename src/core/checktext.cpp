@@ -131,6 +131,15 @@ QString checkText(const MatchGroup &group, qint32 member)
     return Words::tr("%1 and %Ln more", nullptr, static_cast<int>(texts.size() - 1)).arg(texts.first());
 }
 
+QString damageText(const MatchGroup &group, qint32 member)
+{
+    const auto found = group.check.measures.constFind(member);
+    if (found == group.check.measures.cend() || (found->error.isEmpty() && found->decodingErrors == 0))
+        return {};
+    return found->error.isEmpty() ? Words::tr("%Ln decoding error(s)", nullptr, static_cast<int>(found->decodingErrors))
+                                  : failureText(group, member);
+}
+
 QStringList measureTexts(const MatchGroup &group, qint32 member)
 {
     const SoundMeasures own = group.check.measures.value(member);

@@ -18,6 +18,8 @@ QString checkText(const MatchGroup &group, qint32 member);
 
 /// How a copy compares with the one to keep in what was measured, where that is worth a word: "2.1 dB louder than the
 /// kept copy".
+/// What is wrong with a member by the check: it cannot be decoded, or with errors. Empty if nothing is.
+QString damageText(const MatchGroup &group, qint32 member);
 QStringList measureTexts(const MatchGroup &group, qint32 member);
 
 /// Of a group: "checked: alike to the end". Empty while a copy is unchecked.

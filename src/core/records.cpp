@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "records.h"
 
+#include "fileproblem.h"
+
 namespace epr {
 
 using namespace Qt::StringLiterals;
@@ -34,6 +36,7 @@ void registerMetaTypes()
     qRegisterMetaType<FingerprintResult>("epr::FingerprintResult");
     qRegisterMetaType<Envelope>("epr::Envelope");
     qRegisterMetaType<GroupCheck>("epr::GroupCheck");
+    qRegisterMetaType<QList<FileProblem>>("QList<epr::FileProblem>");
 }
 
 } // namespace epr

@@ -147,6 +147,15 @@ void writeMarkedCsvReport(QTextStream &out, const ReportContent &content)
     writeCsvReport(out, content);
 }
 
+void writeCsvProblems(QTextStream &out, const QList<FileProblem> &problems)
+{
+    out << "File,Attempt,Reason,When\n"_L1;
+    for (const FileProblem &problem : problems) {
+        out << quoted(nativePath(problem.path)) << ',' << quoted(attemptText(problem.attempt)) << ','
+            << quoted(problem.reason) << ',' << quoted(problem.when.toLocalTime().toString(Qt::ISODate)) << '\n';
+    }
+}
+
 void writePlaylistReport(QTextStream &out, const ReportContent &content)
 {
     out << "#EXTM3U\n"_L1

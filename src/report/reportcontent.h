@@ -4,6 +4,7 @@
 
 #include "checktext.h"
 #include "copyrelation.h"
+#include "fileproblem.h"
 #include "missingpart.h"
 #include "records.h"
 
@@ -73,6 +74,7 @@ inline QString reportDurationText(qint64 durationMs)
 /// that the scan's lists take.
 void writeCsvReport(QTextStream &out, const ReportContent &content);
 void writeMarkedCsvReport(QTextStream &out, const ReportContent &content);
+void writeCsvProblems(QTextStream &out, const QList<FileProblem> &problems);
 void writeHtmlReport(QTextStream &out, const ReportContent &content);
 void writeJsonReport(QTextStream &out, const ReportContent &content);
 void writePlaylistReport(QTextStream &out, const ReportContent &content);

@@ -65,6 +65,24 @@ bool openReport(QSaveFile &file, QString *error)
     return false;
 }
 
+// Committing alone would put a report in place of which the end is missing on a full disk. The stream flushes the file
+// too and remembers a failure.
+bool write(const QString &path, QString *error, const std::function<void(QTextStream &out)> &content)
+{
+    QSaveFile file(path);
+    if (!openReport(file, error))
+        return false;
+    QTextStream out(&file);
+    content(out);
+    out.flush();
+    if (out.status() == QTextStream::Ok && file.commit())
+        return true;
+    *error = writeErrorOf(file);
+    if (const QString reason = inUse(QFileInfo(file).absoluteFilePath()); !reason.isEmpty()) // by now
+        *error = reason;
+    return false;
+}
+
 } // namespace
 
 QString reportFormatExtension(ReportFormat format)
@@ -102,23 +120,20 @@ bool canWriteReport(const QString &path, QString *error)
 bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo> &tracks,
                  const QList<MatchGroup> &groups, const QStringList &roots, QString *error)
 {
-    QSaveFile file(path);
-    if (!openReport(file, error))
-        return false;
-    QTextStream out(&file);
-    if (format == ReportFormat::CsvWithMark)
-        writeMarkedCsvReport(out, { tracks, groups, roots, QDateTime::currentDateTime() });
-    else if (const FormatEntry *entry = entryOf(format))
-        entry->write(out, { tracks, groups, roots, QDateTime::currentDateTime() });
-    out.flush();
-    // Committing alone would put a report in place of which the end is missing on a full disk. The stream flushes the
-    // file too and remembers a failure.
-    if (out.status() == QTextStream::Ok && file.commit())
-        return true;
-    *error = writeErrorOf(file);
-    if (const QString reason = inUse(QFileInfo(file).absoluteFilePath()); !reason.isEmpty()) // by now
-        *error = reason;
-    return false;
+    return write(path, error, [&](QTextStream &out) {
+        if (format == ReportFormat::CsvWithMark)
+            writeMarkedCsvReport(out, { tracks, groups, roots, QDateTime::currentDateTime() });
+        else if (const FormatEntry *entry = entryOf(format))
+            entry->write(out, { tracks, groups, roots, QDateTime::currentDateTime() });
+    });
+}
+
+bool writeProblems(const QString &path, const QList<FileProblem> &problems, bool withMark, QString *error)
+{
+    return write(path, error, [&](QTextStream &out) {
+        out.setGenerateByteOrderMark(withMark);
+        writeCsvProblems(out, problems);
+    });
 }
 
 } // namespace epr

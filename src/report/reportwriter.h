@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "fileproblem.h"
 #include "records.h"
 
 #include <optional>
@@ -36,5 +37,9 @@ std::optional<ReportFormat> reportFormatFromFilter(const QString &filter);
 /// For that its folder must allow a new file. Memory does not grow with the number of groups.
 [[nodiscard]] bool writeReport(const QString &path, ReportFormat format, const QList<TrackInfo> &tracks,
                                const QList<MatchGroup> &groups, const QStringList &roots, QString *error);
+
+/// A table of what failed, as CSV.
+[[nodiscard]] bool writeProblems(const QString &path, const QList<FileProblem> &problems, bool withMark,
+                                 QString *error);
 
 } // namespace epr

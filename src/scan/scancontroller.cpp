@@ -80,8 +80,9 @@ void ScanController::start(const ScanOptions &wanted)
     }
     const QList<TrackInfo> reported = reportableTracks(std::move(tracks.kept), cancelled);
     m_running.store(0);
-    if (files.unreadableFolders > 0)
-        Q_EMIT foldersUnreadable(files.unreadableFolders);
+    Q_EMIT problemsFound(files.problems);
+    if (!files.problems.isEmpty())
+        Q_EMIT foldersUnreadable(static_cast<int>(files.problems.size()));
     Q_EMIT finished(reported, groups, cancelled, clock.elapsed());
 }
 

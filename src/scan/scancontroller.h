@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "fileproblem.h"
 #include "progress.h"
 #include "records.h"
 
@@ -34,6 +35,7 @@ Q_SIGNALS:
                   qint64 elapsedMs);
     void failed(const QString &error); ///< a scan could not run at all
     void stepChanged(const epr::ScanStep &step); ///< before the step's phaseChanged()
+    void problemsFound(const QList<epr::FileProblem> &folders); ///< before foldersUnreadable(), also if there are none
     void foldersUnreadable(int count); ///< just before finished(), when files may be missing from the tracks
 
 public Q_SLOTS:

@@ -47,6 +47,17 @@ void logProblems(const DiscoveryProblems &problems, const StageContext &context)
     }
 }
 
+QList<FileProblem> fileProblems(const DiscoveryProblems &problems)
+{
+    QList<FileProblem> found;
+    for (const QString &root : problems.missingRoots)
+        found.append({ root, Attempt::ReadFolder,
+                       QCoreApplication::translate("epr::ScanController", "The folder was not found") });
+    for (const auto &folder : problems.unreadableFolders)
+        found.append({ folder.path, Attempt::ReadFolder, folder.reason });
+    return found;
+}
+
 void commit(AnalysisCache &cache, const StageContext &context)
 {
     cache.commitTransaction();
@@ -94,7 +105,7 @@ DiscoveredFiles discoverFiles(const ScanOptions &options, const StageContext &co
         paths.isEmpty()
             ? QCoreApplication::translate("epr::ScanController", "No audio files matched the current filters.")
             : QCoreApplication::translate("epr::ScanController", "Discovered %1 audio files.").arg(paths.size()));
-    return { paths, static_cast<int>(problems.missingRoots.size() + problems.unreadableFolders.size()) };
+    return { paths, fileProblems(problems) };
 }
 
 FilteredTracks filterShortFiles(QList<TrackInfo> tracks, const ScanOptions &options, const StageContext &context)

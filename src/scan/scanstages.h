@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "fileproblem.h"
 #include "progress.h"
 #include "records.h"
 
@@ -36,7 +37,7 @@ inline int stepCount(const ScanOptions &options)
 
 struct DiscoveredFiles {
     QStringList paths; ///< none when cancelled
-    int unreadableFolders = 0; ///< could not be looked into, or are not there
+    QList<FileProblem> problems; ///< folders that could not be looked into, or are not there
 };
 DiscoveredFiles discoverFiles(const ScanOptions &options, const StageContext &context);
 

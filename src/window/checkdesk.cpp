@@ -88,6 +88,11 @@ void CheckDesk::stop()
     m_check->stop();
 }
 
+void CheckDesk::check(int group)
+{
+    m_check->checkGroup(group);
+}
+
 void CheckDesk::undo(const std::function<void()> &run)
 {
     m_check->hold({});

@@ -40,6 +40,7 @@ public:
 
     void follow(const ScanOptions &options); ///< once the results of a scan are in the review
     void stop(); ///< before another scan
+    void check(int group);
     void undo(const std::function<void()> &run); ///< with no file held open
 
     QAction *const checkAll;

@@ -95,7 +95,7 @@ void ActivityLog::showFrom(const QString &message)
 // Player and log share one place on a small screen, where the results need the height, and stand side by side where
 // there is the width for both. A screen too low for them, one of high magnification, begins without; the player then
 // opens in a window of its own.
-void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *log)
+void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *log, QDockWidget *problems)
 {
     const QSize screen = window->screen()->availableSize();
     window->addDockWidget(Qt::BottomDockWidgetArea, player);
@@ -105,14 +105,17 @@ void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *l
         window->tabifyDockWidget(player, log);
     else
         window->resizeDocks({ player, log }, { 3, 1 }, Qt::Horizontal);
+    window->tabifyDockWidget(log, problems);
+    log->raise();
     player->raise();
-    keepFocusOutWhileHidden(player);
-    keepFocusOutWhileHidden(log);
+    for (QDockWidget *dock : { player, static_cast<QDockWidget *>(log), problems })
+        keepFocusOutWhileHidden(dock);
     constexpr int heightForAny = 540;
     if (screen.height() < heightForAny) {
         player->hide();
         player->setFloating(true);
         log->hide();
+        problems->hide();
     }
     constexpr int visibleLines = 6;
     window->resizeDocks({ log }, { visibleLines * log->widget()->fontMetrics().lineSpacing() }, Qt::Vertical);

@@ -34,8 +34,8 @@ private:
     QPlainTextEdit *m_text;
 };
 
-/// Puts both docks into the window, which takes nine tenths of the screen.
-void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *log);
+/// Puts the docks into the window, which takes nine tenths of the screen.
+void placeForFirstStart(QMainWindow *window, QDockWidget *player, ActivityLog *log, QDockWidget *problems);
 
 /// The comparison player's place in the main window, with the commands that work it from the menu and by key. Loading a
 /// deck brings the player to the front; hidden, it pauses.

@@ -20,6 +20,7 @@
 #include "notices.h"
 #include "playerdesk.h"
 #include "problemdesk.h"
+#include "problemsdock.h"
 #include "protectiondesk.h"
 #include "resultsheader.h"
 #include "resultspanel.h"
@@ -61,12 +62,14 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowTitle(metadata::applicationName());
     setWindowIcon(startup::applicationIcon());
     createPanels();
-    placeForFirstStart(this, m_playerDock, m_log);
+    placeForFirstStart(this, m_playerDock, m_log, m_problemsDock);
     m_playerDesk = new PlayerDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     m_checks = new CheckDesk({ m_review, m_resultsPanel, m_playerDock, m_cleanup, m_memberActions }, this);
     m_filters = new FilterDesk({ m_review, m_resultsPanel, m_memberActions }, this);
     m_reviewDesk = new ReviewDesk({ m_review, m_resultsPanel, m_memberActions }, this);
-    m_problems = new ProblemDesk({ m_review, m_resultsPanel }, this);
+    m_problems = new ProblemDesk({ m_review, m_resultsPanel, m_cleanup, m_checks, m_export, m_actions->startScan,
+                                   m_actions->undoCleanup, m_problemsDock },
+                                 this);
     m_reviewFiles = new ReviewFiles({ m_review, m_resultsPanel, m_checks }, this);
     connectActions();
     createMenus();
@@ -289,6 +292,7 @@ void MainWindow::createPanels()
     statusBar()->addWidget(m_strip, 1);
     m_log = new ActivityLog(this);
     m_playerDock = new PlayerDock(this);
+    m_problemsDock = new ProblemsDock(this);
     connect(m_strip, &ScanStrip::briefChanged, this, &MainWindow::refreshTitle);
     connect(m_folderPanel, &FolderPanel::selectionChanged, this, &MainWindow::refreshActions);
     connect(m_folderPanel, &FolderPanel::foldersChanged, m_resultsPanel,
@@ -328,18 +332,19 @@ void MainWindow::connectActions()
 void MainWindow::createMenus()
 {
     const QToolBar *toolBar = m_actions->addToolBar(this);
-    m_actions->fillMenuBar(menuBar(),
-                           { m_memberActions,
-                             m_playerDock,
-                             m_folderPanel->protectActions(),
-                             { toolBar->toggleViewAction(), m_folderPanel->unfoldAction(),
-                               m_playerDock->toggleViewAction(), m_log->toggleViewAction() },
-                             m_resultsPanel->view()->headings(),
-                             m_checks,
-                             m_reviewDesk,
-                             m_reviewFiles,
-                             m_resultsPanel->filterBar()->menu(),
-                             m_problems });
+    m_actions->fillMenuBar(
+        menuBar(),
+        { m_memberActions,
+          m_playerDock,
+          m_folderPanel->protectActions(),
+          { toolBar->toggleViewAction(), m_folderPanel->unfoldAction(), m_playerDock->toggleViewAction(),
+            m_log->toggleViewAction(), m_problemsDock->toggleViewAction() },
+          m_resultsPanel->view()->headings(),
+          m_checks,
+          m_reviewDesk,
+          m_reviewFiles,
+          m_resultsPanel->filterBar()->menu(),
+          m_problems });
 }
 
 void MainWindow::restoreSettings()
@@ -368,6 +373,8 @@ void MainWindow::connectScan()
     m_scanThread = createWorkerThread(u"epr-scan"_s, m_controller, this);
     connect(this, &MainWindow::scanRequested, m_controller, &ScanController::start);
     connect(m_controller, &ScanController::started, this, &MainWindow::onScanStarted);
+    connect(m_controller, &ScanController::started, m_problems, &ProblemDesk::beginScan);
+    connect(m_controller, &ScanController::problemsFound, m_problems, &ProblemDesk::addFolders);
     connect(m_controller, &ScanController::foldersUnreadable, m_resultsPanel, &ResultsPanel::setUnreadableFolders);
     connect(m_reviewFiles, &ReviewFiles::resultsTaken, m_reviewDesk, &ReviewDesk::takeResults);
     connect(m_controller, &ScanController::foldersUnreadable, m_reviewFiles, &ReviewFiles::setUnreadableFolders);

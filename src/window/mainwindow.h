@@ -24,6 +24,7 @@ class MemberActions;
 class PlayerDesk;
 class PlayerDock;
 class ProblemDesk;
+class ProblemsDock;
 class ResultsPanel;
 class Review;
 class ReviewDesk;
@@ -113,6 +114,7 @@ private:
     CheckDesk *m_checks = nullptr;
     FilterDesk *m_filters = nullptr;
     ReviewDesk *m_reviewDesk = nullptr;
+    ProblemsDock *m_problemsDock = nullptr;
     ProblemDesk *m_problems = nullptr;
     ReviewFiles *m_reviewFiles = nullptr;
     QThread *m_scanThread = nullptr;

@@ -142,7 +142,8 @@ private Q_SLOTS:
         const QStringList errors { native(paths.at(0)) + u" no longer exists"_s,
                                    native(paths.at(1)) + u" no longer exists"_s,
                                    u"Could not move "_s + native(paths.at(2)) };
-        QCOMPARE(removed, RemovalResult({ 1, 3, 100, errors, removed.manifestPath }));
+        QCOMPARE(removed, RemovalResult({ 1, 3, 100, errors, removed.manifestPath, {}, removed.problems }));
+        QCOMPARE(removed.problems.value(2).path, paths.at(2));
         QCOMPARE(filesBelow(box.quarantine()).size(), 1);
         CHECK_UNDO(box, removed.manifestPath, 1, before);
     }
@@ -230,7 +231,8 @@ private Q_SLOTS:
         QCOMPARE(removed.errors, QStringList { u"Could not move "_s + paths.at(0) + u": Permission denied"_s });
         QVERIFY(QFile::setPermissions(box.inLibrary(u"free"_s), QFile::ReadOwner | QFile::ExeOwner));
         const QStringList errors { u"Could not restore "_s + paths.at(1) + u": Permission denied"_s };
-        QCOMPARE(restoreManifest(removed.manifestPath), RestoreResult({ 0, 1, errors }));
+        const RestoreResult restored = restoreManifest(removed.manifestPath);
+        QCOMPARE(restored, RestoreResult({ 0, 1, errors, {}, restored.problems }));
         QCOMPARE(removeFiles({ paths.at(0) }, RemovalMode::Delete, {}, {}).errors,
                  QStringList { u"Could not delete "_s + paths.at(0) + u": Permission denied"_s });
         RemovalCandidate recorded = asItIs(paths.at(0));
@@ -354,7 +356,9 @@ private Q_SLOTS:
         const QStringList errors { u"A file already exists at "_s + native(paths.at(0)),
                                    u"Quarantined copy missing: "_s + native(lost),
                                    u"A file already exists at "_s + native(paths.at(4)) };
-        QCOMPARE(restoreManifest(removed.manifestPath, {}, MissingFolders::Make), RestoreResult({ 1, 3, errors }));
+        const RestoreResult restored = restoreManifest(removed.manifestPath, {}, MissingFolders::Make);
+        QCOMPARE(restored, RestoreResult({ 1, 3, errors, {}, restored.problems }));
+        QCOMPARE(restored.problems.size(), 3);
         QCOMPARE(treeOf(box.library()), expected);
         QCOMPARE(filesBelow(box.quarantine()),
                  QStringList({ box.inRun(u"library/alike"_s), box.inRun(u"library/occupied"_s) }));
@@ -386,7 +390,7 @@ private Q_SLOTS:
                 QVERIFY(QDir().rename(folder, folder + u" away"_s) && QDir().mkdir(folder));
             }
             const RestoreResult restored = restoreManifest(manifest);
-            QCOMPARE(restored, RestoreResult({ 0, 3, restored.errors }));
+            QCOMPARE(restored, RestoreResult({ 0, 3, restored.errors, {}, restored.problems }));
             QVERIFY2(restored.errors.last().contains(message), qPrintable(restored.errors.last()));
             if (moved.isEmpty()) {
                 for (const QString &path : paths)

@@ -46,7 +46,7 @@ private Q_SLOTS:
         QDir::setCurrent(box.library());
         const RestoreResult restored = restoreManifest(manifest);
         QDir::setCurrent(QCoreApplication::applicationDirPath());
-        QCOMPARE(restored, RestoreResult({ 0, std::max(failed, 0), restored.errors }));
+        QCOMPARE(restored, RestoreResult({ 0, std::max(failed, 0), restored.errors, {}, restored.problems }));
         QCOMPARE(restored.errors.size(), std::abs(failed));
         QVERIFY(failed >= 0 || restored.errors.first().startsWith(u"Cannot read manifest: "_s));
         QCOMPARE(QFileInfo::exists(manifest), failed < 0);

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "problemsmodel.h"
 #include "resultsheader.h"
 #include "resultsmodel.h"
 #include "resultsview.h"
@@ -151,6 +152,29 @@ private Q_SLOTS:
         QCOMPARE(relation(1), QString());
         review.undo();
         QCOMPARE(relation(1), u"identical to the kept copy"_s);
+    }
+
+    void problemsComeOnceForEachAttempt()
+    {
+        ProblemsModel model;
+        const QAbstractItemModelTester tester(&model);
+        QSignalSpy resets(&model, &ProblemsModel::modelReset);
+        const auto none = [](const FileProblem &) { return false; };
+        const auto rows = [&model] {
+            QStringList texts;
+            for (int row = 0; row < model.rowCount(); ++row)
+                texts << model.index(row, 0).data().toString()
+                        + model.index(row, ProblemsModel::ReasonColumn).data().toString();
+            return texts.join(u' ');
+        };
+        model.renew(none, { { u"/m/a"_s, Attempt::Scan, u"1"_s }, { u"/m/a"_s, Attempt::Remove, u"2"_s } });
+        model.renew(none, { { u"/m/b"_s, Attempt::Scan, u"3"_s } });
+        QCOMPARE(rows(), u"a1 a2 b3"_s);
+        QVERIFY(resets.isEmpty()); // nobody who is in the list loses their place
+        model.renew(none, { { u"/m/a"_s, Attempt::Scan, u"4"_s }, { u"/m/a"_s, Attempt::Scan, u"5"_s } });
+        QCOMPARE(rows(), u"a2 b3 a5"_s);
+        model.renew([](const FileProblem &each) { return each.attempt == Attempt::Scan; }, {});
+        QCOMPARE(rows(), u"a2"_s);
     }
 };
 

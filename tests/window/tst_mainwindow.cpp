@@ -1,9 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Echoprune developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "cleanupcommand.h"
 #include "compareplayer.h"
 #include "folderpanel.h"
 #include "mainactions.h"
 #include "memberactions.h"
+#include "problemsdock.h"
+#include "problemsmodel.h"
 #include "protectiondesk.h"
 #include "reviewfiles.h"
 
@@ -15,6 +18,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTableView>
 #include <QThread>
 #include <QToolButton>
 
@@ -495,6 +499,49 @@ private Q_SLOTS:
         review->setKeeper(3, 7);
         QTRY_VERIFY(!note->isVisible());
         QCOMPARE(goOn(), 2);
+    }
+
+    void whatFailedIsListed()
+    {
+        writeFile(m_folder->filePath(u"one.wav"_s), melody());
+        writeFile(m_folder->filePath(u"one again.wav"_s), melody());
+        writeFile(m_folder->filePath(u"broken.flac"_s), QByteArray(100000, 'x'));
+        writeFile(m_folder->filePath(u"gone/file"_s), "x");
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        window.addFolder(m_folder->filePath(u"gone"_s));
+        QVERIFY(QDir(m_folder->path()).rename(u"gone"_s, u"away"_s));
+        scan(window, m_folder->path());
+        auto *list = window.findChild<QTableView *>(u"problemList"_s);
+        const auto *dock = window.findChild<ProblemsDock *>();
+        const auto select = [&](const QString &file, const QString &attempt) {
+            for (int row = 0; row < list->model()->rowCount(); ++row) {
+                const QModelIndex cell = list->model()->index(row, 0);
+                if (cell.data() == file && cell.siblingAtColumn(ProblemsModel::AttemptColumn).data() == attempt)
+                    list->setCurrentIndex(cell);
+            }
+            return list->currentIndex().data().toString() == file;
+        };
+        QCOMPARE(list->model()->rowCount(), 2);
+        QVERIFY(select(u"gone"_s, u"Reading the folder"_s) && select(u"broken.flac"_s, u"Scan"_s));
+        QVERIFY(dock->tryAgain->isEnabled() && !dock->goToRow->isEnabled());
+
+        const auto *review = window.findChild<Review *>();
+        const QString copy = review->track(0, review->isKeeper(0, 0) ? 1 : 0)->path;
+        window.findChild<CleanupCommand *>()->removalEnded({}, { { copy, Attempt::Remove, u"in use"_s } });
+        QVERIFY(select(QFileInfo(copy).fileName(), u"Removal"_s));
+        QCOMPARE(dock->windowTitle(), u"Problems (3)"_s);
+        dock->goToRow->trigger();
+        QCOMPARE(resultsOf(window)->currentIndex().siblingAtColumn(0).data().toString(), QFileInfo(copy).fileName());
+
+        window.findChild<CleanupCommand *>()->removalEnded({ copy }, {});
+        QVERIFY(QDir(m_folder->path()).rename(u"away"_s, u"gone"_s));
+        QVERIFY(QFile::remove(m_folder->filePath(u"broken.flac"_s)));
+        QVERIFY(select(u"broken.flac"_s, u"Scan"_s));
+        dock->tryAgain->trigger();
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isScanning(), 60000);
+        QCOMPARE(dock->windowTitle(), u"Problems"_s);
     }
 
     void decisionsOutliveTheProgramAndAScan()
