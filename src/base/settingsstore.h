@@ -35,6 +35,7 @@ constexpr bool on()
 
 inline constexpr Setting<QByteArray> windowGeometry { "window/geometry" };
 inline constexpr Setting<QByteArray> windowState { "window/state" };
+inline constexpr Setting<QByteArray> splitterState { "window/splitter" };
 inline constexpr Setting<QStringList> folders { "scan/folders" };
 inline constexpr Setting<bool> foldersStayOpen { "scan/foldersStayOpen" }; ///< the list does not fold by itself
 inline constexpr Setting<QString> quarantineRoot { "safety/quarantineRoot", defaultQuarantineRoot, true };

@@ -5,12 +5,12 @@
 #include "checktext.h"
 #include "copyrelation.h"
 #include "displaytext.h"
-#include "review.h"
 
 #include <QClipboard>
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QGuiApplication>
+#include <QMap>
 #include <QMenu>
 #include <QMessageBox>
 #include <QRegularExpression>
@@ -95,13 +95,9 @@ MemberActions::MemberActions(Review &review, QWidget *window)
     , openFolder(make(tr("Open containing folder"), {}, tr("Show the folder that holds this copy."),
                       [this](const TrackInfo &track) { openMember(folderOf(track)); }))
     , copyPath(make(tr("Copy full path"), Qt::CTRL | Qt::SHIFT | Qt::Key_C,
-                    tr("Put the path of this copy on the clipboard."),
-                    [this](const TrackInfo &track) {
-                        QGuiApplication::clipboard()->setText(nativePath(track.path));
-                        Q_EMIT statusMessage(tr("Path copied to clipboard."));
-                    }))
+                    tr("Put the path of this copy on the clipboard."), [this](const TrackInfo &) { copyPaths(); }))
     , keep(make(tr("Keep this copy instead"), Qt::CTRL | Qt::Key_K,
-                tr("Make this copy the one of its group that stays."), [this](const TrackInfo &) { keepMember(); }))
+                tr("Make this copy the one of its group that stays."), [this](const TrackInfo &) { keepMembers(); }))
     , showDetails(make(tr("File details..."), Qt::ALT | Qt::Key_Return, tr("Show all that is known of this copy."),
                        [this](const TrackInfo &track) { showDetailsOf(track); }))
     , m_review(review)
@@ -129,6 +125,12 @@ void MemberActions::setMember(int group, int member)
 {
     m_group = group;
     m_member = member;
+    refresh();
+}
+
+void MemberActions::setSeveral(bool several)
+{
+    m_hasSeveral = several;
     refresh();
 }
 
@@ -173,7 +175,7 @@ void MemberActions::refresh()
     for (QAction *action : { loadIntoDeckA, loadIntoDeckB, play, openFolder, copyPath, showDetails })
         action->setEnabled(hasTrack);
     compareGroup->setEnabled(m_group >= 0);
-    keep->setEnabled(hasTrack && !m_review.isKeeper(m_group, m_member));
+    keep->setEnabled(hasTrack && (m_hasSeveral || !m_review.isKeeper(m_group, m_member)));
 }
 
 // The kept copy goes to deck A, the current one or its counterpart to deck B.
@@ -185,9 +187,36 @@ void MemberActions::compareMember()
         Q_EMIT compareRequested(m_review.tracks().value(group.keep), m_review.tracks().value(other));
 }
 
-void MemberActions::keepMember()
+// Of each group the one that is selected; where several are, the current one or none.
+void MemberActions::keepMembers()
 {
-    m_review.setKeeper(m_group, m_review.groups().at(m_group).members.at(m_member));
+    QMap<int, QList<int>> selected;
+    for (const auto &[group, member] : m_places())
+        selected[group] << member;
+    QList<Review::Place> chosen;
+    for (const auto &[group, members] : selected.asKeyValueRange()) {
+        if (group == m_group && members.contains(m_member))
+            chosen.append({ group, m_member });
+        else if (members.size() == 1)
+            chosen.append({ group, members.first() });
+    }
+    const qsizetype unclear = selected.size() - chosen.size();
+    m_review.setKeepers(chosen);
+    if (unclear > 0)
+        Q_EMIT statusMessage(
+            tr("%1 groups stay as they are: more than one of their copies is selected.").arg(countText(unclear)));
+}
+
+void MemberActions::copyPaths()
+{
+    QStringList paths;
+    for (const auto &[group, member] : m_places()) {
+        if (const TrackInfo *selected = m_review.track(group, member))
+            paths << nativePath(selected->path);
+    }
+    QGuiApplication::clipboard()->setText(paths.join(u'\n'));
+    Q_EMIT statusMessage(paths.size() > 1 ? tr("%1 paths copied to clipboard.").arg(countText(paths.size()))
+                                          : tr("Path copied to clipboard."));
 }
 
 void MemberActions::openMember(const QString &path)

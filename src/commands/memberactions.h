@@ -4,14 +4,16 @@
 
 #include "commands.h"
 #include "deck.h"
+#include "review.h"
 
 #include <QAction>
+
+#include <functional>
 
 class QMenu;
 
 namespace epr {
 
-class Review;
 struct TrackInfo;
 
 /// What can be done with one copy, the current one of the results, or with its group. The context menu of the member
@@ -23,6 +25,13 @@ class MemberActions final : public Command {
 public:
     MemberActions(Review &review, QWidget *window);
 
+    using PlacesAtHand = std::function<QList<Review::Place>()>;
+
+    void setPlaces(const PlacesAtHand &places)
+    {
+        m_places = places;
+    } ///< the current member and what is selected with it
+    void setSeveral(bool several); ///< whether there are more than the current one
     void setMember(int group, int member); ///< positions in the review; -1 = a group's own row, or nowhere
     void popup(const QPoint &globalPos);
     void addToMenus(const QList<QAction *> &commands); ///< of the member and of the group
@@ -46,7 +55,8 @@ private:
     const TrackInfo *track() const;
     void refresh();
     void compareMember();
-    void keepMember();
+    void keepMembers();
+    void copyPaths();
     void showDetailsOf(const TrackInfo &track);
     void openMember(const QString &path);
 
@@ -55,6 +65,8 @@ private:
     QMenu *m_groupMenu; ///< on a group's own row
     int m_group = -1;
     int m_member = -1;
+    bool m_hasSeveral = false;
+    PlacesAtHand m_places = [this] { return QList<Review::Place> { { m_group, m_member } }; };
 };
 
 /// Everything the operator may want to know of a file, as a rich-text table: with what a check over the whole length

@@ -55,6 +55,21 @@ void ResultsModel::setCriteria(const FilterCriteria &criteria)
     layOutRows();
 }
 
+QList<std::pair<int, int>> ResultsModel::placesOf(const QModelIndexList &rows) const
+{
+    QList<Review::Place> places;
+    for (const QModelIndex &row : rows) {
+        if (!isGroupRow(row))
+            places.append({ groupOf(row), memberOf(row) });
+    }
+    return places;
+}
+
+void ResultsModel::tick(const QModelIndexList &rows, bool ticked)
+{
+    m_review.setTicked(placesOf(rows), ticked);
+}
+
 // The members keep their rows, and with them their indexes.
 void ResultsModel::setOrder(const GroupOrder &order)
 {
@@ -359,7 +374,7 @@ QString ResultsModel::decksOf(const TrackInfo &track) const
     return decks;
 }
 
-// The other cells are read as they are shown.
+// The cell that the keys go through says what the row is about; the others are read as they are shown.
 QVariant ResultsModel::accessibleText(int group, int member, int column) const
 {
     const TrackInfo &track = *m_review.track(group, member);
@@ -368,8 +383,16 @@ QVariant ResultsModel::accessibleText(int group, int member, int column) const
     if (column != FileColumn)
         return {};
     const QString decks = decksOf(track);
-    const QString text = decks.isEmpty() ? track.fileName : tr("%1, in deck %2").arg(track.fileName, decks);
-    return isProtected(group, member) ? tr("%1, protected").arg(text) : text;
+    QStringList texts { decks.isEmpty() ? track.fileName : tr("%1, in deck %2").arg(track.fileName, decks) };
+    if (isProtected(group, member))
+        texts << tr("protected");
+    if (m_review.isKeeper(group, member))
+        texts << tr("kept");
+    if (m_review.isTicked(group, member))
+        texts << tr("ticked");
+    texts << nativePath(folderOf(track)) << qualityText(track) << m_texts.relation(group, member);
+    texts.removeAll(QString());
+    return texts.join(", "_L1);
 }
 
 QString ResultsModel::problemText(int group) const

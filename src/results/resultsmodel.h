@@ -54,6 +54,8 @@ public:
     void setCriteria(const FilterCriteria &criteria);
     void setLoaded(const PerDeck<QString> &paths); ///< empty = nothing in the deck
     bool hasRemarks() const; ///< whether a copy's match is more than "duplicate" or "KEEP"
+    QList<std::pair<int, int>> placesOf(const QModelIndexList &rows) const; ///< groups and members, of member rows
+    void tick(const QModelIndexList &rows, bool ticked); ///< as one step
     void setOrder(const GroupOrder &order);
     const ReviewFilter &rows() const { return m_rows; }
 

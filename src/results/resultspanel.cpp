@@ -18,6 +18,8 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace epr {
 
 using namespace Qt::StringLiterals;
@@ -127,6 +129,21 @@ void ResultsPanel::focusResults()
     m_view->setFocus(Qt::OtherFocusReason);
 }
 
+QList<std::pair<int, int>> ResultsPanel::placesAtHand() const
+{
+    return m_model->placesOf(m_view->rowsAtHand());
+}
+
+QList<int> ResultsPanel::groupsAtHand() const
+{
+    QList<int> groups;
+    for (const QModelIndex &row : m_view->rowsAtHand())
+        groups << m_model->groupOf(row);
+    std::ranges::sort(groups);
+    groups.erase(std::unique(groups.begin(), groups.end()), groups.end());
+    return groups;
+}
+
 const ReviewFilter &ResultsPanel::shown() const
 {
     return m_model->rows();
@@ -183,6 +200,10 @@ void ResultsPanel::createTree()
     m_place = new ReviewPlace(m_review, *m_model, m_view);
     connect(m_place, &ReviewPlace::changed, this, &ResultsPanel::currentChanged);
     connect(&m_review, &Review::checkChanged, m_view->headings(), &ResultsHeader::fit); // its words need more room
+    connect(m_view, &ResultsView::rowsAtHandChanged, this, [this] {
+        const QItemSelection selected = m_view->selectionModel()->selection();
+        Q_EMIT atHandChanged(selected.size() > 1 || (selected.size() == 1 && selected.first().height() > 1));
+    });
     connect(m_view, &ResultsView::memberMenuRequested, this, &ResultsPanel::memberMenuRequested);
     connect(m_view, &ResultsView::memberActivated, this, &ResultsPanel::onTreeDoubleClicked);
 }

@@ -46,6 +46,8 @@ public:
     void setLoaded(const PerDeck<QString> &paths); ///< marks the rows of what is in the decks
     void focusFilter();
     void focusResults();
+    QList<std::pair<int, int>> placesAtHand() const; ///< groups and members that a command for copies is about
+    QList<int> groupsAtHand() const; ///< the same for one for groups
     const ReviewFilter &shown() const; ///< what the filters leave
     void addToSummary(QWidget *note); ///< behind the line
     void addTreeAction(QAction *action); ///< its key then works in the tree
@@ -58,6 +60,7 @@ public:
 Q_SIGNALS:
     /// Positions in the review. The member is -1 on a group's own row, both are while nothing is current.
     void currentChanged(int group, int member);
+    void atHandChanged(bool several); ///< whether more than the current row is selected
     void memberMenuRequested(const QPoint &globalPos); ///< for the current member or group
     void memberActivated(const epr::TrackInfo &track);
 

@@ -38,7 +38,7 @@ ResultsView::ResultsView(QWidget *parent)
     setUniformRowHeights(true); // without it the view asks every one of 100,000 rows for its height
     setAllColumnsShowFocus(true);
     setEditTriggers(NoEditTriggers);
-    setSelectionMode(SingleSelection);
+    setSelectionMode(ExtendedSelection);
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollMode(ScrollPerPixel);
     setHeader(m_header);
@@ -54,10 +54,25 @@ ResultsHeader *ResultsView::headings() const
     return m_header;
 }
 
+// By ranges: a list of selected rows takes the square of their number.
+QModelIndexList ResultsView::rowsAtHand() const
+{
+    const QModelIndex current = currentIndex().siblingAtColumn(ResultsModel::FileColumn);
+    if (!current.isValid() || !selectionModel()->isSelected(current))
+        return current.isValid() ? QModelIndexList { current } : QModelIndexList();
+    QModelIndexList rows;
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows << model()->index(row, ResultsModel::FileColumn, range.parent());
+    }
+    return rows;
+}
+
 void ResultsView::setModel(QAbstractItemModel *model)
 {
     QTreeView::setModel(model);
-    m_header->follow(qobject_cast<ResultsModel *>(model));
+    m_model = qobject_cast<ResultsModel *>(model);
+    m_header->follow(m_model);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &ResultsView::refreshHint);
     connect(model, &QAbstractItemModel::layoutChanged, this, [this] { scrollTo(currentIndex()); });
     setSortingEnabled(true);
@@ -111,7 +126,10 @@ void ResultsView::contextMenuEvent(QContextMenuEvent *event)
     const QModelIndex index = byKeyboard ? currentIndex() : indexAt(event->pos());
     if (!index.isValid())
         return;
-    setCurrentIndex(index);
+    if (selectionModel()->isSelected(index)) // with others, which are meant as well
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    else
+        setCurrentIndex(index);
     const QPoint centre = visualRect(currentIndex()).center();
     Q_EMIT memberMenuRequested(byKeyboard ? viewport()->mapToGlobal(centre) : event->globalPos());
 }
@@ -128,6 +146,19 @@ void ResultsView::focusInEvent(QFocusEvent *event)
         QAbstractScrollArea::focusInEvent(event); // NOLINT(bugprone-parent-virtual-call)
 }
 
+// Where the program goes, that row alone is selected, whatever key the command has.
+QItemSelectionModel::SelectionFlags ResultsView::selectionCommand(const QModelIndex &index, const QEvent *event) const
+{
+    return event ? QTreeView::selectionCommand(index, event)
+                 : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+}
+
+void ResultsView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    Q_EMIT rowsAtHandChanged();
+}
+
 void ResultsView::keyPressEvent(QKeyEvent *event)
 {
 #ifndef Q_OS_WIN
@@ -140,7 +171,7 @@ void ResultsView::keyPressEvent(QKeyEvent *event)
     const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (plain && event->key() == Qt::Key_Space)
-        toggleCurrent();
+        toggleAtHand();
     else if (plain && isReturn && isOnMember())
         Q_EMIT memberActivated();
     else
@@ -165,13 +196,19 @@ void ResultsView::refreshHint()
     m_hint->setVisible(!model() || model()->rowCount() == 0);
 }
 
-void ResultsView::toggleCurrent()
+// All of them become what the current one does, or ticked unless they all are.
+void ResultsView::toggleAtHand()
 {
-    const QModelIndex cell = currentIndex().siblingAtColumn(ResultsModel::FileColumn);
-    if (!cell.flags().testFlag(Qt::ItemIsUserCheckable))
-        return;
-    const bool ticked = cell.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-    model()->setData(cell, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+    QModelIndexList cells;
+    for (const QModelIndex &row : rowsAtHand()) {
+        if (row.flags().testFlag(Qt::ItemIsUserCheckable))
+            cells << row;
+    }
+    const auto isTicked = [](const QModelIndex &cell) { return cell.data(Qt::CheckStateRole).toInt() == Qt::Checked; };
+    const QModelIndex current = currentIndex().siblingAtColumn(ResultsModel::FileColumn);
+    const bool ticked = isOnMember() ? isTicked(current) : std::ranges::all_of(cells, isTicked);
+    if (!cells.isEmpty())
+        m_model->tick(cells, !ticked);
 }
 
 bool ResultsView::isOnMember() const

@@ -8,6 +8,7 @@ namespace epr {
 
 class EmptyHint;
 class ResultsHeader;
+class ResultsModel;
 
 /// The tree of duplicate groups, every group open. A group is one line across all columns; below it a member takes a
 /// row of cells. Space ticks the current row whichever cell is current.
@@ -21,6 +22,9 @@ public:
 
     ResultsHeader *headings() const;
 
+    /// What a command is about: the selected rows, or the current one alone while it is not among them.
+    QModelIndexList rowsAtHand() const;
+
     void reset() override;
 
     void setModel(QAbstractItemModel *model) override;
@@ -28,6 +32,7 @@ public:
 Q_SIGNALS:
     void memberMenuRequested(const QPoint &globalPos); ///< for the current member or group
     void enteredWithoutCurrent(); ///< the focus came by key and no row is current
+    void rowsAtHandChanged();
     void memberActivated(); ///< the current member was double-clicked, or Return was pressed on it
 
 protected:
@@ -36,13 +41,16 @@ protected:
     void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event = nullptr) const override;
+    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     void refreshHint();
-    void toggleCurrent();
+    void toggleAtHand();
     bool isOnMember() const;
     /// How far the column begins from where the row begins, in the direction of reading.
     int leadingEdge(const QRect &row, int column) const;
@@ -56,6 +64,7 @@ private:
 
     EmptyHint *m_hint;
     ResultsHeader *m_header;
+    ResultsModel *m_model = nullptr;
 };
 
 } // namespace epr

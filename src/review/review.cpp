@@ -224,18 +224,30 @@ void Review::setTicked(const QList<Place> &places, bool ticked)
 
 void Review::setKeeper(int group, qint32 track)
 {
+    if (const qsizetype member = groups().at(group).members.indexOf(track); member >= 0)
+        setKeepers({ { group, static_cast<int>(member) } });
+}
+
+void Review::setKeepers(const QList<Place> &places)
+{
+    perform(tr("Keep Another Copy"), [&] {
+        for (const auto &[group, member] : places) {
+            if (!isKeeper(group, member))
+                keepAnother(group, groups().at(group).members.at(member));
+        }
+    });
+}
+
+void Review::keepAnother(int group, qint32 track)
+{
     const MatchGroup &before = groups().at(group);
     const auto newMember = static_cast<int>(before.members.indexOf(track));
     const auto oldMember = static_cast<int>(before.members.indexOf(before.keep));
-    if (newMember < 0 || newMember == oldMember)
-        return;
-    perform(tr("Keep Another Copy"), [&] {
-        const bool passTick = isTicked(group, newMember);
-        m_decisions.setFacts(group, { track, true, state(group) });
-        if (oldMember >= 0 && passTick)
-            m_decisions.setTick(group, oldMember, true, false);
-        m_decisions.untickDoubted(group); // of the former keeper as well
-    });
+    const bool passTick = isTicked(group, newMember);
+    m_decisions.setFacts(group, { track, true, state(group) });
+    if (oldMember >= 0 && passTick)
+        m_decisions.setTick(group, oldMember, true, false);
+    m_decisions.untickDoubted(group); // of the former keeper as well
 }
 
 // The check had unticked the better one, so there is no tick to take over.

@@ -100,6 +100,8 @@ public:
     /// What a check says is then said beside the new one, and copies that it speaks against removing are unticked.
     void setKeeper(int group, qint32 track);
 
+    void setKeepers(const QList<Place> &places); ///< the same for several groups, as one step
+
     /// The same where the former keeper is the worse one: it is ticked if it is a copy to remove.
     void keepBetter(int group, qint32 track);
 
@@ -157,6 +159,7 @@ private:
     int applyStep(const DecisionStep &step, bool backwards);
     void makeSearchTexts();
     void tickThose(BulkTick what, const QList<Place> *places);
+    void keepAnother(int group, qint32 track);
     QString refusal(int group, int member) const;
 
     Decisions m_decisions;

@@ -286,6 +286,9 @@ void MainWindow::createPanels()
     splitter->setStretchFactor(1, 1);
     splitter->setChildrenCollapsible(false);
     splitter->setContentsMargins(8, 4, 8, 4);
+    splitter->restoreState(SettingsStore().value(settings::splitterState));
+    connect(splitter, &QSplitter::splitterMoved, this, // a folded list has no height of the operator's
+            [splitter] { SettingsStore().set(settings::splitterState, splitter->saveState()); });
     setCentralWidget(splitter);
 
     m_strip = new ScanStrip(this);

@@ -8,6 +8,8 @@
 #include "review.h"
 #include "setasidecommand.h"
 
+#include <algorithm>
+
 namespace epr {
 
 ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
@@ -39,6 +41,8 @@ ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
         connect(command, &Command::statusMessage, this, &Command::statusMessage);
     }
     connect(parts.results, &ResultsPanel::currentChanged, this, &ReviewDesk::setGroup);
+    connect(parts.results, &ResultsPanel::atHandChanged, parts.member, &MemberActions::setSeveral);
+    parts.member->setPlaces([results = parts.results] { return results->placesAtHand(); });
     connect(parts.review, &Review::historyChanged, this, &ReviewDesk::refresh);
     connect(parts.review, &Review::aboutToBeReset, this, [this] { setGroup(-1); });
     connect(parts.review, &Review::tickRefused, this, &Command::statusMessage);
@@ -82,13 +86,14 @@ void ReviewDesk::refresh()
     notDuplicates->setEnabled(m_group >= 0);
 }
 
-// Setting a group aside takes its row away, and with it the place.
+// Setting a group aside takes its row away, and with it the place. What all selected groups have already is taken back.
 void ReviewDesk::decide(GroupState state)
 {
     Review &review = *m_parts.review;
     const int group = m_group;
-    const bool isTakenBack = review.state(group) == state;
-    review.setState({ group }, isTakenBack ? GroupState::Undecided : state);
+    const QList<int> groups = m_parts.results->groupsAtHand();
+    const bool isTakenBack = std::ranges::all_of(groups, [&](int other) { return review.state(other) == state; });
+    review.setState(groups, isTakenBack ? GroupState::Undecided : state);
     if (!isTakenBack && !m_parts.results->goToUndecided(group))
         Q_EMIT statusMessage(tr("No group in sight is undecided."));
 }

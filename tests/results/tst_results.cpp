@@ -139,6 +139,35 @@ private Q_SLOTS:
         QCOMPARE(view.headings()->arrangement().join(u' '), usual);
     }
 
+    void keysTickWhatIsSelected()
+    {
+        Review review;
+        fill(review, u"a* b / c* d e / f* g"_s);
+        ResultsModel model(review);
+        ResultsView view;
+        view.setModel(&model);
+        const auto press = [&](const QList<QModelIndex> &selected, const QModelIndex &current) {
+            view.setCurrentIndex(current); // selects it alone, whatever was selected
+            for (const QModelIndex &row : selected)
+                view.selectionModel()->select(row, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+            QTest::keyClick(&view, Qt::Key_Space);
+            return sketchOf(review);
+        };
+        const QModelIndex group = model.groupIndex(0);
+        QCOMPARE(press({}, group), u"a* b! / c* d! e! / f* g!"_s);
+        QCOMPARE(press({}, model.memberIndex(0, 1)), u"a* b / c* d! e! / f* g!"_s);
+        // All become what the current one does.
+        QCOMPARE(press({ model.memberIndex(2, 1), group }, model.memberIndex(1, 2)), u"a* b / c* d! e / f* g"_s);
+        QCOMPARE(press({ model.memberIndex(0, 1), model.memberIndex(1, 1) }, group), u"a* b! / c* d! e / f* g"_s);
+        review.undo();
+        QCOMPARE(sketchOf(review), u"a* b / c* d! e / f* g"_s);
+        view.setCurrentIndex(model.memberIndex(1, 1));
+        view.selectionModel()->clearSelection();
+        QCOMPARE(view.rowsAtHand(), QModelIndexList { model.memberIndex(1, 1) });
+        QCOMPARE(model.memberIndex(1, 1).data(Qt::AccessibleTextRole).toString(),
+                 u"d.mp3, ticked, %1"_s.arg(QDir::toNativeSeparators(u"/music"_s)));
+    }
+
     void relationsFollowTheKeptCopy()
     {
         Lists lists = listsOf(u"a* b c"_s);

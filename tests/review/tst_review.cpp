@@ -90,6 +90,12 @@ private Q_SLOTS:
         row("keep a ticked copy", u"a* b c"_s, keeping(1), u"a! b* c! 4 MB"_s);
         row("keep an unticked copy", u"a* b"_s, both(&Review::clearTicks, keeping(1)), u"a b* 1 MB"_s);
         row("keep a copy of another group", u"a* b"_s, keeping(9), u"a* b! 2 MB"_s);
+        row(
+            "keep copies of several groups", u"a* b c / d e*"_s,
+            [](Review &review) {
+                review.setKeepers({ { 0, 2 }, { 1, 0 }, { 0, 2 } });
+            },
+            u"a! b! c* / d* e! 3 MB"_s);
         row("nothing was kept", u"a b"_s, keeping(1), u"a! b* 1 MB"_s);
         row("a group of one goes", u"a* b c / d e*"_s, without({ 3 }), u"a* b! c 5 MB"_s);
         row("a group of two stays", u"a* b c / d e*"_s, without({ 1 }), u"a* c / d! e* 3 MB"_s);
