@@ -53,6 +53,8 @@ QString quarantineText(const CleanupRun &run)
     if (left > 0)
         return (back > 0 ? RunsModel::tr("partly undone, %1 left") : RunsModel::tr("partly removed for good, %1 left"))
             .arg(countText(left));
+    if (const qint64 lost = run.files.value(FileFate::Lost); lost > 0)
+        return RunsModel::tr("undone, but %1 were not found").arg(countText(lost));
     if (back == run.removed())
         return RunsModel::tr("undone");
     return back > 0 ? RunsModel::tr("partly undone, the rest removed for good") : RunsModel::tr("removed for good");
@@ -63,7 +65,7 @@ QString fateText(FileFate fate, RemovalMode mode)
     switch (fate) {
     case FileFate::Removed:
         return mode == RemovalMode::Quarantine ? RunFilesModel::tr("in quarantine")
-            : mode == RemovalMode::RecycleBin  ? RunFilesModel::tr("in the recycle bin")
+            : mode == RemovalMode::RecycleBin  ? RunFilesModel::tr("moved to the recycle bin")
                                                : RunFilesModel::tr("deleted");
     case FileFate::Stayed:
         return RunFilesModel::tr("stayed");
@@ -71,6 +73,8 @@ QString fateText(FileFate fate, RemovalMode mode)
         return RunFilesModel::tr("back");
     case FileFate::Purged:
         return RunFilesModel::tr("removed for good");
+    case FileFate::Lost:
+        return RunFilesModel::tr("not found in the quarantine");
     case FileFate::Planned:
         break;
     }
@@ -111,7 +115,8 @@ QString runStateText(const CleanupRun &run)
     else if (run.mode == RemovalMode::Quarantine)
         text = quarantineText(run);
     else
-        text = run.mode == RemovalMode::Delete ? RunsModel::tr("deleted at once") : RunsModel::tr("in the recycle bin");
+        text = run.mode == RemovalMode::Delete ? RunsModel::tr("deleted at once")
+                                               : RunsModel::tr("moved to the recycle bin");
     return run.state == RunState::Interrupted ? RunsModel::tr("interrupted; %1").arg(text) : text;
 }
 

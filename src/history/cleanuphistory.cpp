@@ -40,14 +40,18 @@ qint64 timeOf(const QString &manifestName)
     return time.isValid() ? time.toMSecsSinceEpoch() : 0;
 }
 
-Result<QSet<QString>> pathsIn(const QString &manifestPath)
+using Fates = QHash<QString, FileFate>;
+
+Result<Fates> removedBy(const QString &manifestPath)
 {
-    QSet<QString> paths;
+    Fates fates;
     if (manifestPath.isEmpty())
-        return paths;
-    const Result<UndoManifest> read =
-        readManifest(manifestPath, [&paths](const ManifestEntry &entry) { paths.insert(entry.from); });
-    return read ? Result<QSet<QString>>(paths) : failure(read.error());
+        return fates;
+    const Result<UndoManifest> read = readManifest(
+        manifestPath, [&fates](const ManifestEntry &entry) { fates.insert(entry.from, FileFate::Removed); });
+    return read ? Result<Fates>(fates)
+                : failure(QCoreApplication::translate("epr::CleanupHistory", "The list %1 cannot be read: %2")
+                              .arg(nativePath(manifestPath), read.error()));
 }
 
 /// The lists that no run is known to have.
@@ -111,8 +115,22 @@ Result<> CleanupHistory::follow(const QString &manifestPath, FileFate fate)
     const Result<QList<CleanupRun>> runs = m_store.runs();
     if (!runs)
         return failure(runs.error());
-    const auto run = std::ranges::find(*runs, nameOf(manifestPath), &CleanupRun::manifest);
-    return run == runs->cend() ? Result<>() : settle(*run, currentList(*run, unknownLists(*runs)), fate);
+    const auto found = std::ranges::find(*runs, nameOf(manifestPath), &CleanupRun::manifest);
+    if (found == runs->cend())
+        return {};
+    CleanupRun run = *found;
+    const QString list = currentList(run, unknownLists(*runs));
+    Result<Fates> fates = removedBy(list);
+    const Result<QList<RecordedFile>> files = m_store.files(run.id, 0, std::numeric_limits<int>::max());
+    if (!fates || !files)
+        return failure(fates ? files.error() : fates.error());
+    for (const RecordedFile &file : *files) {
+        if (fate == FileFate::Back && file.fate == FileFate::Removed && !entryExists(file.path)
+            && !fates->contains(file.path))
+            fates->insert(file.path, FileFate::Lost); // an undo gives up what has gone from the quarantine
+    }
+    run.manifest = list.isEmpty() ? QString() : nameOf(list);
+    return m_store.settle(run, *fates, fate);
 }
 
 QStringList CleanupHistory::refresh(const CleanupProgressFn &progress)
@@ -145,16 +163,14 @@ QStringList CleanupHistory::refresh(const CleanupProgressFn &progress)
 
 Result<> CleanupHistory::settle(CleanupRun run, const QString &manifestPath, FileFate others)
 {
-    QSet<QString> removed;
     if (run.mode == RemovalMode::Quarantine) {
-        const Result<QSet<QString>> paths = pathsIn(manifestPath);
-        if (!paths)
-            return failure(QCoreApplication::translate("epr::CleanupHistory", "The list %1 cannot be read: %2")
-                               .arg(nativePath(manifestPath), paths.error()));
-        removed = *paths;
+        const Result<Fates> fates = removedBy(manifestPath);
+        if (!fates)
+            return failure(fates.error());
         run.manifest = manifestPath.isEmpty() ? QString() : nameOf(manifestPath);
-        return m_store.settle(run, removed, others);
+        return m_store.settle(run, *fates, others);
     }
+    Fates fates;
     const Result<QList<RecordedFile>> files = m_store.files(run.id, 0, std::numeric_limits<int>::max());
     if (!files)
         return failure(files.error());
@@ -162,11 +178,11 @@ Result<> CleanupHistory::settle(CleanupRun run, const QString &manifestPath, Fil
         if (file.fate != FileFate::Planned || entryExists(file.path))
             continue;
         if (QFileInfo(QFileInfo(file.path).path()).isDir())
-            removed.insert(file.path);
+            fates.insert(file.path, FileFate::Removed);
         else if (run.state == RunState::Interrupted)
             return {}; // its drive may be away: nothing is known until it is back
     }
-    return m_store.settle(run, removed, others);
+    return m_store.settle(run, fates, others);
 }
 
 // Its list has been written since it began, and before any later run did.
@@ -210,10 +226,7 @@ Result<> CleanupHistory::takeIn(const QString &manifestPath)
     if (!added)
         return failure(added.error());
     run.id = *added;
-    QSet<QString> paths;
-    for (const RecordedFile &file : std::as_const(files))
-        paths.insert(file.path);
-    return m_store.settle(run, paths, FileFate::Stayed);
+    return m_store.settle(run, {}, FileFate::Removed);
 }
 
 Result<> followRecorded(const QString &manifestPath, FileFate fate)

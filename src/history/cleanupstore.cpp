@@ -66,7 +66,8 @@ CleanupRun runFrom(const QSqlQuery &row)
 
 qint64 CleanupRun::removed() const
 {
-    return files.value(FileFate::Removed) + files.value(FileFate::Back) + files.value(FileFate::Purged);
+    return files.value(FileFate::Removed) + files.value(FileFate::Back) + files.value(FileFate::Purged)
+        + files.value(FileFate::Lost);
 }
 
 CleanupStore::CleanupStore(const QString &file)
@@ -190,21 +191,22 @@ Result<> CleanupStore::remove(qint64 run)
     });
 }
 
-Result<> CleanupStore::settle(const CleanupRun &run, const QSet<QString> &removed, FileFate others)
+Result<> CleanupStore::settle(const CleanupRun &run, const QHash<QString, FileFate> &known, FileFate others)
 {
     return inTransaction([&] {
-        if (!this->run(u"CREATE TEMP TABLE IF NOT EXISTS removed (path TEXT PRIMARY KEY) WITHOUT ROWID"_s)
-            || !this->run(u"DELETE FROM removed"_s))
+        if (!this->run(u"CREATE TEMP TABLE IF NOT EXISTS known (path TEXT PRIMARY KEY, fate INTEGER) WITHOUT ROWID"_s)
+            || !this->run(u"DELETE FROM known"_s))
             return false;
         QSqlQuery insert(m_db);
-        insert.prepare(u"INSERT INTO removed VALUES (?)"_s);
-        for (const QString &path : removed) {
-            insert.bindValue(0, path);
+        insert.prepare(u"INSERT INTO known VALUES (?,?)"_s);
+        for (auto file = known.cbegin(); file != known.cend(); ++file) {
+            insert.bindValue(0, file.key());
+            insert.bindValue(1, static_cast<int>(file.value()));
             if (!insert.exec())
                 return false;
         }
-        return this->run(u"UPDATE files SET fate = CASE WHEN path IN (SELECT path FROM removed) THEN 1 "
-                         "WHEN fate = 1 THEN ? WHEN fate = 0 THEN 2 ELSE fate END WHERE run = ?"_s,
+        return this->run(u"UPDATE files SET fate = COALESCE((SELECT fate FROM known WHERE path = files.path), "
+                         "CASE fate WHEN 1 THEN ? WHEN 0 THEN 2 ELSE fate END) WHERE run = ?"_s,
                          { static_cast<int>(others), run.id })
             && this->run(u"UPDATE runs SET state = ?, manifest = ?, errors = ? WHERE id = ?"_s,
                          { static_cast<int>(run.state), run.manifest,
@@ -273,10 +275,10 @@ Result<> CleanupStore::countFiles(qint64 run)
                               "WHERE run = runs.id %2 GROUP BY %1))")
             .arg(QLatin1String(column), QLatin1String(where));
     };
-    const char *const removed = "AND fate IN (1, 3, 4)";
+    const char *const removed = "AND fate NOT IN (0, 2)";
     const bool isDone =
         this->run(u"UPDATE runs SET files = %1, types = %2, bytes = (SELECT SUM(size) FROM files WHERE run = runs.id "
-                  "AND fate IN (1, 3, 4)) WHERE id = ?"_s.arg(counts("fate", ""), counts("type", removed)),
+                  "AND fate NOT IN (0, 2)) WHERE id = ?"_s.arg(counts("fate", ""), counts("type", removed)),
                   { run });
     return isDone ? Result<>() : failure(m_error);
 }

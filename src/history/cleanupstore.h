@@ -19,6 +19,7 @@ enum class FileFate : qint32 {
     Stayed = 2,
     Back = 3, ///< from the quarantine
     Purged = 4, ///< deleted from the quarantine
+    Lost = 5, ///< neither in the quarantine nor back when it was to come back
 };
 
 struct RecordedFile {
@@ -78,9 +79,9 @@ public:
     Result<qint64> add(CleanupRun run, const QList<RecordedFile> &files);
     Result<> remove(qint64 run);
 
-    /// Stores what is known of a run now. These paths are removed. Of the others, those that were removed have met the
-    /// fate given, and those that were planned stayed.
-    Result<> settle(const CleanupRun &run, const QSet<QString> &removed, FileFate others);
+    /// Stores what is known of a run now, and of files by their paths. Of the others, those that were removed have met
+    /// the fate given, and those that were planned stayed.
+    Result<> settle(const CleanupRun &run, const QHash<QString, FileFate> &known, FileFate others);
 
 private:
     Result<> begin();

@@ -69,6 +69,13 @@ private Q_SLOTS:
             QVERIFY(followRecorded(list, FileFate::Back));
         };
         row("one place was taken", quarantine, occupied, u"1 13323"_s, true);
+        const Act lost = [](const Sandbox &box, const QStringList &) {
+            QVERIFY(QFile::remove(box.inRun(u"0"_s)));
+            const QString list = listUndoManifests().first();
+            QCOMPARE(restoreManifest(list).failed, 1);
+            QVERIFY(followRecorded(list, FileFate::Back));
+        };
+        row("one has gone from the quarantine", quarantine, lost, u"1 53323"_s, false);
         const Act elsewhere = [](const Sandbox &, const QStringList &) {
             QCOMPARE(restoreManifest(listUndoManifests().first()).succeeded, 4);
         };
