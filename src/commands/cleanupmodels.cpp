@@ -193,6 +193,8 @@ QVariant RunFilesModel::data(const QModelIndex &index, int role) const
 {
     if (role == Qt::DisplayRole)
         return text(m_files.at(index.row()), index.column());
+    if ((role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) && index.column() == Fate)
+        return plainToolTip(errorOf(m_files.at(index.row())));
     if (role == Qt::ToolTipRole && (index.column() == Name || index.column() == Folder))
         return plainToolTip(nativePath(m_files.at(index.row()).path));
     if (role == Qt::TextAlignmentRole && index.column() == FileSize)
@@ -216,6 +218,13 @@ QString RunFilesModel::text(const RecordedFile &file, int column) const
     default:
         return {};
     }
+}
+
+// The messages name the file that they are about.
+QString RunFilesModel::errorOf(const RecordedFile &file) const
+{
+    const QStringList errors = m_run.errors.filter(nativePath(file.path));
+    return file.fate == FileFate::Stayed ? errors.value(0) : QString();
 }
 
 QVariant RunFilesModel::headerData(int section, Qt::Orientation orientation, int role) const

@@ -50,6 +50,7 @@ public:
 
 private:
     QString text(const RecordedFile &file, int column) const;
+    QString errorOf(const RecordedFile &file) const;
 
     CleanupStore &m_store;
     CleanupRun m_run;

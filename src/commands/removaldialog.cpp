@@ -149,6 +149,7 @@ QTreeWidget *RemovalDialog::createTable(const RemovalPreview &preview)
     table->setAccessibleName(tr("What goes"));
     table->setHeaderLabels({ tr("What goes"), tr("Files"), tr("Size") });
     table->setUniformRowHeights(true);
+    table->setTextElideMode(Qt::ElideMiddle); // folders of one library differ at the end
     for (const RemovalPreview::Share &share : preview.types)
         table->addTopLevelItem(rowOf(share));
     table->addTopLevelItem(
@@ -158,11 +159,13 @@ QTreeWidget *RemovalDialog::createTable(const RemovalPreview &preview)
     table->header()->setStretchLastSection(false);
     table->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    constexpr int mostLines = 8; // what is unfolded may have to be scrolled to
-    const bool unfolds = preview.folders.size() > 1 || preview.volumes.size() > 1;
-    const int lines = std::min(mostLines, table->topLevelItemCount() + (unfolds ? 2 : 0));
-    table->setFixedHeight(table->header()->sizeHint().height() + lines * table->sizeHintForRow(0)
-                          + 2 * table->frameWidth());
+    static constexpr int mostLines = 8; // what is unfolded may have to be scrolled to
+    const auto showLines = [table](int lines) {
+        table->setFixedHeight(table->header()->sizeHint().height()
+                              + std::min(mostLines, lines) * table->sizeHintForRow(0) + 2 * table->frameWidth());
+    };
+    showLines(table->topLevelItemCount());
+    connect(table, &QTreeWidget::itemExpanded, table, [showLines] { showLines(mostLines); });
     return table;
 }
 

@@ -4,6 +4,7 @@
 // A program that cleans up as the test that starts it says, to be killed or to run beside another.
 #include "cleanup.h"
 #include "cleanupchecks.h"
+#include "purge.h"
 #include "sandbox.h"
 #include "undomanifest.h"
 
@@ -120,6 +121,15 @@ int restoreSome(const QStringList &arguments)
     return restoreManifest(arguments.at(0), stumble, MissingFolders::Leave, QSet(files.cbegin(), files.cend())).failed;
 }
 
+/// "purge MANIFEST NUMBER": deletes for good and dies before the file with the number.
+int purge(const QStringList &arguments)
+{
+    const auto stumble = [number = arguments.at(1).toInt()](qsizetype index, qsizetype, const QString &) {
+        return index != number || die();
+    };
+    return purgeQuarantine(arguments.at(0), stumble).failed;
+}
+
 /// "undo": clears up as the program does before, and undoes every list there is, the newest first.
 int undoAll()
 {
@@ -153,5 +163,7 @@ int main(int argc, char **argv)
         return removeOne(arguments.sliced(2));
     if (task == u"restore"_s)
         return restoreSome(arguments.sliced(2));
+    if (task == u"purge"_s)
+        return purge(arguments.sliced(2));
     return task == u"undo"_s ? undoAll() : 2;
 }

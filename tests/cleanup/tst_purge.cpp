@@ -127,6 +127,30 @@ private Q_SLOTS:
             QCOMPARE(readManifest(run.manifest)->entries.size(), purged.failed);
     }
 
+    void killedPurgeIsTakenUpAgain_data()
+    {
+        const Rows<bool> row("isUndone");
+        row("by another purge", false);
+        row("by an undo of what is left", true);
+    }
+
+    void killedPurgeIsTakenUpAgain()
+    {
+        QFETCH(const bool, isUndone);
+        const Run run;
+        QProcess program;
+        program.start(cleanupDriver(), { u"purge"_s, run.manifest, u"2"_s });
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(filesBelow(run.quarantine()).size(), 2);
+        if (isUndone)
+            QCOMPARE(restoreManifest(run.manifest).succeeded, 2);
+        else
+            QCOMPARE(purgeQuarantine(run.manifest).succeeded, 2);
+        QCOMPARE(listUndoManifests(), QStringList());
+        QCOMPARE(filesBelow(run.quarantine()), QStringList());
+        QCOMPARE(filesBelow(run.library()).size(), isUndone ? 2 : 0);
+    }
+
     void purgeKeepsToItsTurn()
     {
         Run run;
