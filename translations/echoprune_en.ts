@@ -74,6 +74,13 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
 <context>
     <name>epr::GroupCheck</name>
     <message numerus="yes">
+        <source>%Ln decoding error(s)</source>
+        <translation>
+            <numerusform>%Ln decoding error</numerusform>
+            <numerusform>%Ln decoding errors</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%Ln copy(s) differ</source>
         <translation>
             <numerusform>%Ln copy differs</numerusform>

@@ -171,6 +171,11 @@ bool couldBeRead(qint32 member, const RuleContext &context)
     return context.tracks.at(member).error.isEmpty() && context.check.measures.value(member).error.isEmpty();
 }
 
+bool isWithoutErrors(qint32 member, const RuleContext &context)
+{
+    return context.check.measures.value(member).decodingErrors == 0;
+}
+
 QString reasonOf(KeeperRule rule, qint32 keep, const RuleContext &context)
 {
     const QString reason = Words::tr(textOf(rule).reason);
@@ -220,9 +225,13 @@ RuleChoice chooseByRules(QList<qint32> members, const RuleContext &context)
 {
     RuleChoice choice;
     std::optional<KeeperRule> deciding;
-    const auto isSound = [&context](qint32 member) { return couldBeRead(member, context); };
-    if (std::ranges::any_of(std::as_const(members), isSound) && members.removeIf(std::not_fn(isSound)) > 0)
-        choice.reason = Words::tr("kept: other copies could not be read");
+    const auto leave = [&](bool (*isSound)(qint32, const RuleContext &), const QString &reason) {
+        const auto isLeft = [&](qint32 member) { return isSound(member, context); };
+        if (std::ranges::any_of(std::as_const(members), isLeft) && members.removeIf(std::not_fn(isLeft)) > 0)
+            choice.reason = reason;
+    };
+    leave(couldBeRead, Words::tr("kept: other copies could not be read"));
+    leave(isWithoutErrors, Words::tr("kept: other copies have decoding errors"));
     for (const KeeperRules::Entry &entry : context.rules.entries) {
         if (entry.isOn && entry.rule && ruleOut(members, *entry.rule, context))
             deciding = entry.rule;

@@ -61,7 +61,7 @@ struct RuleChoice {
 
 /// Each rule in turn rules out the copies that are worse than the best; those of which it knows nothing stay. So the
 /// outcome does not depend on the order of the members, but for the first of those that are left. Before all rules go
-/// the copies that could not be read, unless all are such.
+/// the copies that could not be read or decoded without errors, unless all are such.
 RuleChoice chooseByRules(QList<qint32> members, const RuleContext &context);
 
 } // namespace epr

@@ -68,6 +68,14 @@ QString CellTexts::cell(int group, int member, int column) const
     }
 }
 
+QString CellTexts::damage(int group, int member) const
+{
+    const MatchGroup &record = m_review.groups().at(group);
+    const qint32 index = record.members.at(member);
+    const TrackInfo *track = m_review.track(group, member);
+    return track && !track->error.isEmpty() ? track->error : damageText(record, index);
+}
+
 QString CellTexts::relation(int group, int member) const
 {
     const MatchGroup &record = m_review.groups().at(group);

@@ -20,6 +20,7 @@ public:
     QString groupTitle(int group) const;
     QStringList groupRemarks(int group) const; ///< of a check
     QString cell(int group, int member, int column) const;
+    QString damage(int group, int member) const; ///< why the copy may be broken; empty if nothing says so
     QString relation(int group, int member) const; ///< to the kept copy; of that, why it is kept
     QStringList remarks(int group, int member) const; ///< all that is to be said of the match, in full
 

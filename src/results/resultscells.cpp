@@ -92,11 +92,26 @@ int sampleWidth(const QHeaderView *header, ResultsModel::Column column)
                     header->sectionSizeHint(column));
 }
 
-constexpr int lockGap = 3; // between the decks and the lock behind them
+constexpr int signGap = 3; // between the decks and the signs behind them
 
-int lockWidth(const QFont &font)
+int signWidth(const QFont &font)
 {
     return QFontMetrics(font).ascent();
+}
+
+struct Sign {
+    void (*paint)(QPainter &painter, const QRectF &square, const QColor &colour);
+    QColor colour;
+};
+
+QList<Sign> signsOf(const QModelIndex &index, const QPalette &palette)
+{
+    QList<Sign> signs;
+    if (index.data(ResultsModel::DamageRole).toBool())
+        signs.append({ paintWarning, warningColour(palette) });
+    if (index.data(ResultsModel::LockRole).toBool())
+        signs.append({ paintLock, palette.color(QPalette::Text) });
+    return signs;
 }
 
 QFont deckFont(QFont font)
@@ -154,23 +169,23 @@ QSize ResultsDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
     return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
 }
 
-// The decks as a plate of inverse colours, which stands out on a selected row too, and a padlock.
+// The decks as a plate of inverse colours, which stands out on a selected row too, and signs.
 void ResultsDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     QStyledItemDelegate::paint(painter, option, index);
     const QString decks = index.data(ResultsModel::DecksRole).toString();
-    const bool isLocked = index.data(ResultsModel::LockRole).toBool();
-    if (decks.isEmpty() && !isLocked)
+    const QList<Sign> signs = signsOf(index, option.palette);
+    if (decks.isEmpty() && signs.isEmpty())
         return;
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
     QRect plate = cell.widget->style()->subElementRect(QStyle::SE_ItemViewItemDecoration, &cell, cell.widget);
     const bool isSelected = cell.state.testFlag(QStyle::State_Selected);
-    if (isLocked) {
-        const int width = lockWidth(cell.font);
-        const QRectF lock(plate.right() + 1 - width, plate.center().y() - width / 2.0, width, width);
-        paintLock(*painter, lock, cell.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
-        plate.setRight(plate.right() - width - lockGap);
+    for (auto sign = signs.crbegin(); sign != signs.crend(); ++sign) {
+        const int width = signWidth(cell.font);
+        const QRectF square(plate.right() + 1 - width, plate.center().y() - width / 2.0, width, width);
+        sign->paint(*painter, square, isSelected ? cell.palette.color(QPalette::HighlightedText) : sign->colour);
+        plate.setRight(plate.right() - width - signGap);
     }
     if (decks.isEmpty())
         return;
@@ -205,15 +220,15 @@ void ResultsDelegate::initStyleOption(QStyleOptionViewItem *option, const QModel
     if (index.column() == ResultsModel::FolderColumn)
         option->textElideMode = Qt::ElideMiddle;
     const QString decks = index.data(ResultsModel::DecksRole).toString();
-    const bool isLocked = index.data(ResultsModel::LockRole).toBool();
-    if (decks.isEmpty() && !isLocked)
+    const auto signs = static_cast<int>(signsOf(index, option->palette).size());
+    if (decks.isEmpty() && signs == 0)
         return;
     constexpr int margin = 5;
     const QFontMetrics metrics(deckFont(option->font));
     const int plateWidth = decks.isEmpty() ? 0 : metrics.horizontalAdvance(decks) + 2 * margin;
-    const int besidePlate = isLocked && plateWidth > 0 ? lockGap : 0;
+    const int gaps = signs - (plateWidth > 0 ? 0 : 1);
     option->features |= QStyleOptionViewItem::HasDecoration;
-    option->decorationSize = { plateWidth + besidePlate + (isLocked ? lockWidth(option->font) : 0), metrics.height() };
+    option->decorationSize = { plateWidth + signs * signWidth(option->font) + gaps * signGap, metrics.height() };
 }
 
 } // namespace epr

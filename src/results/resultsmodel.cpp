@@ -334,6 +334,8 @@ QVariant ResultsModel::memberData(int group, int member, int column, int role) c
         return column == MatchColumn ? plainToolTip(m_texts.remarks(group, member).join(u'\n'))
             : info                   ? memberToolTip(group, member, column)
                                      : QVariant();
+    case DamageRole:
+        return column == FileColumn && !m_texts.damage(group, member).isEmpty();
     case LockRole:
         return column == FileColumn && isProtected(group, member);
     case DecksRole:
@@ -384,6 +386,8 @@ QVariant ResultsModel::accessibleText(int group, int member, int column) const
         return {};
     const QString decks = decksOf(track);
     QStringList texts { decks.isEmpty() ? track.fileName : tr("%1, in deck %2").arg(track.fileName, decks) };
+    if (const QString damage = m_texts.damage(group, member); !damage.isEmpty())
+        texts << tr("problem: %1").arg(damage);
     if (isProtected(group, member))
         texts << tr("protected");
     if (m_review.isKeeper(group, member))
@@ -412,7 +416,7 @@ QVariant ResultsModel::memberToolTip(int group, int member, int column) const
     const QString path = nativePath(track.path);
     if (!track.error.isEmpty())
         return plainToolTip(tr("%1\n\nNote: %2").arg(path, track.error));
-    QStringList lines { path, m_texts.relation(group, member) };
+    QStringList lines { path, m_texts.damage(group, member), m_texts.relation(group, member) };
     if (isProtected(group, member))
         lines << tr("In a protected folder: never removed.");
     lines.removeAll(QString());

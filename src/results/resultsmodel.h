@@ -44,6 +44,7 @@ public:
         GroupRole, ///< position in the group list
         KeeperRole, ///< member rows: whether this is the copy to keep
         ProblemRole, ///< group rows: why the operator had better look at it; empty = no reason
+        DamageRole, ///< file cells: whether the copy may be broken
         LockRole, ///< file cells: whether the copy is protected
         DecksRole, ///< file cells: "A", "B" or "AB" for the decks that the copy is loaded into
     };

@@ -297,6 +297,11 @@ private Q_SLOTS:
         group.check.measures[1].error = u"damaged"_s;
         QCOMPARE(chooseKeeper(group.members, tracks, options), 0);
         QCOMPARE(chooseKeeperAgain(group, tracks, options), 2);
+        group.check.measures[2].decodingErrors = 1;
+        QCOMPARE(chooseKeeperAgain(group, tracks, options), 0);
+        group.check.measures[0].decodingErrors = 1; // both have errors: the next rule decides
+        QCOMPARE(chooseKeeperAgain(group, tracks, options), 2);
+        group.check.measures[0].decodingErrors = group.check.measures[2].decodingErrors = 0;
         group.keep = 2;
         QCOMPARE(keepText(group, tracks, options), u"kept: highest true bandwidth"_s);
     }

@@ -183,6 +183,24 @@ private Q_SLOTS:
         QCOMPARE(relation(1), u"identical to the kept copy"_s);
     }
 
+    void brokenCopiesAreMarked()
+    {
+        Lists lists = listsOf(u"a* b c"_s);
+        lists.tracks[1].error = u"cut off"_s;
+        lists.groups[0].check.measures[2].decodingErrors = 2;
+        Review review;
+        ResultsModel model(review);
+        review.setResults(lists.tracks, lists.groups);
+        for (const auto &[member, words] : { std::pair(0, u"a.mp3, kept"_s),
+                                             { 1, u"b.mp3, problem: cut off"_s },
+                                             { 2, u"c.mp3, problem: 2 decoding error(s)"_s } }) {
+            QCOMPARE(cell(model, 0, member, 0).data(ResultsModel::DamageRole).toBool(), member > 0);
+            const QString text = cell(model, 0, member, 0).data(Qt::AccessibleTextRole).toString();
+            QVERIFY2(text.startsWith(words), qPrintable(text));
+        }
+        QVERIFY(cell(model, 0, 2, 0).data(Qt::ToolTipRole).toString().contains(u"2 decoding error(s)"_s));
+    }
+
     void problemsComeOnceForEachAttempt()
     {
         ProblemsModel model;
