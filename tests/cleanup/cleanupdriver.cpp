@@ -97,7 +97,7 @@ int quarantineAll(const QStringList &arguments)
     const auto stumble = [number = arguments.at(2).toInt(), waits](qsizetype index, qsizetype, const QString &) {
         return index != number || (waits ? (waitToBeTold(), true) : die());
     };
-    const QString library = arguments.at(0);
+    const QString &library = arguments.at(0);
     return removeFiles(filesBelow(library), RemovalMode::Quarantine, arguments.at(1), { library }, stumble).failed;
 }
 
