@@ -35,7 +35,7 @@ QTableView *createList(QAbstractItemModel *model)
     view->setSortingEnabled(true);
     view->sortByColumn(-1, Qt::AscendingOrder); // as they happened, until a heading is clicked
     view->setContextMenuPolicy(Qt::ActionsContextMenu);
-    view->setMinimumHeight(view->horizontalHeader()->sizeHint().height() + 2 * view->fontMetrics().lineSpacing());
+    view->setMinimumHeight(3 * view->fontMetrics().lineSpacing()); // no more than the log beside it
     view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     view->horizontalHeader()->setHighlightSections(false);
     view->horizontalHeader()->setStretchLastSection(true);
