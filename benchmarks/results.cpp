@@ -5,10 +5,11 @@
 // a share of the time that showing them takes.
 
 #include "resultsmodel.h"
+#include "resultsview.h"
 #include "review.h"
 #include "stopwatch.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 
 #include <cstdio>
 #include <cstdlib>
@@ -50,7 +51,7 @@ Results makeResults(int groupCount)
 
 int main(int argc, char *argv[])
 {
-    const QGuiApplication app(argc, argv);
+    const QApplication app(argc, argv);
     const int groupCount = argc > 1 ? std::atoi(argv[1]) : 40000; // of two or three members
     const Results results = makeResults(groupCount);
     Review review;
@@ -111,5 +112,23 @@ int main(int argc, char *argv[])
                                  "sort by folder", "sort by size",       "sort by date" };
     for (std::size_t i = 0; i < names.size(); ++i)
         std::printf("%-18s %8.4f %8.1f ms\n", names[i], times[i + 1] / times[0], times[i + 1] * 1e3);
+    ResultsView view;
+    view.setModel(&model);
+    view.resize(1600, 800);
+    view.show();
+    const auto drawn = [](const auto &act) {
+        return [&act] {
+            act();
+            QApplication::processEvents();
+        };
+    };
+    const auto sortByTitle = [&] { sortBy(ResultsModel::TitleColumn); };
+    const auto inTheView = bench::shortestTimes(3, drawn(find), drawn(findProblems), drawn(sortByTitle),
+                                                drawn(setAside), drawn(clearAndUndo));
+    std::puts("with the view, drawn:");
+    constexpr std::array viewNames { "find and clear", "find problems", "sort by title", "set aside and undo",
+                                     "clear and undo" };
+    for (std::size_t i = 0; i < viewNames.size(); ++i)
+        std::printf("%-18s %8.4f %8.1f ms\n", viewNames[i], inTheView[i] / times[0], inTheView[i] * 1e3);
     return 0;
 }

@@ -87,6 +87,7 @@ void FilterBar::setOnly(const FilterTerm &term)
 // Anew each time: what is at hand changes with the results.
 void FilterBar::fillMenu()
 {
+    qDeleteAll(m_menu->findChildren<QMenu *>()); // clear() takes only their actions away
     m_menu->clear();
     addTerms(m_menu->addMenu(tr("Match")), numbered(Kind::Match, { 0, 1, 2, 3 }));
     addTerms(m_menu->addMenu(tr("State")), numbered(Kind::State, { 0, 1 }));

@@ -11,8 +11,10 @@
 #include <QContextMenuEvent>
 #include <QPainter>
 #include <QPolygonF>
+#include <QScrollBar>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace epr {
 
@@ -151,6 +153,29 @@ QItemSelectionModel::SelectionFlags ResultsView::selectionCommand(const QModelIn
 {
     return event ? QTreeView::selectionCommand(index, event)
                  : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+}
+
+// The time that Qt's selections take grows with the square of the groups in them: for all of a large result, minutes.
+bool ResultsView::mayBeSelected(int height)
+{
+    constexpr int mostRows = 3000;
+    const QModelIndex first = model()->index(0, ResultsModel::FileColumn);
+    const bool isFew = height / std::max(rowHeight(first), 1) <= mostRows;
+    if (!isFew)
+        Q_EMIT selectionRefused();
+    return isFew;
+}
+
+void ResultsView::selectAll()
+{
+    if (mayBeSelected(verticalScrollBar()->maximum() + viewport()->height()))
+        QTreeView::selectAll();
+}
+
+void ResultsView::setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command)
+{
+    if (mayBeSelected(std::abs(rect.height())))
+        QTreeView::setSelection(rect, command);
 }
 
 void ResultsView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)

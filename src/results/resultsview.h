@@ -26,6 +26,7 @@ public:
     QModelIndexList rowsAtHand() const;
 
     void reset() override;
+    void selectAll() override; ///< unless there are too many rows
 
     void setModel(QAbstractItemModel *model) override;
 
@@ -33,6 +34,7 @@ Q_SIGNALS:
     void memberMenuRequested(const QPoint &globalPos); ///< for the current member or group
     void enteredWithoutCurrent(); ///< the focus came by key and no row is current
     void rowsAtHandChanged();
+    void selectionRefused(); ///< so many rows are not selected at once
     void memberActivated(); ///< the current member was double-clicked, or Return was pressed on it
 
 protected:
@@ -43,6 +45,7 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
                                                          const QEvent *event = nullptr) const override;
+    void setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command) override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
@@ -50,6 +53,7 @@ protected:
 
 private:
     void refreshHint();
+    bool mayBeSelected(int height);
     void toggleAtHand();
     bool isOnMember() const;
     /// How far the column begins from where the row begins, in the direction of reading.

@@ -77,7 +77,12 @@ void ReviewFilter::setOrder(const GroupOrder &order)
 {
     m_order = order;
     sortGroups();
-    std::ranges::sort(m_groups, {}, [this](const GroupRow &row) { return placeOf(row.group); });
+    const std::vector<GroupRow> before = std::exchange(m_groups, {});
+    m_groups.reserve(before.size());
+    for (int place = 0; place < m_review.groups().size(); ++place) {
+        if (const int row = rowOf(groupAtPlace(place)); row >= 0)
+            m_groups.push_back(before[static_cast<std::size_t>(row)]);
+    }
     numberRows(0);
 }
 
@@ -106,7 +111,7 @@ void ReviewFilter::layOutRows()
     }
     std::vector<int> all; // positions in the largest group so far
     for (int place = 0; place < m_review.groups().size(); ++place) {
-        const int group = m_sorted.empty() ? place : m_sorted[static_cast<std::size_t>(place)];
+        const int group = groupAtPlace(place);
         const auto count = static_cast<std::size_t>(m_review.groups().at(group).members.size());
         while (all.size() < count)
             all.push_back(static_cast<int>(all.size()));
@@ -222,6 +227,11 @@ void ReviewFilter::findMembers(int group, std::span<const int> candidates, const
 QStringList ReviewFilter::searchTexts() const
 {
     return m_needles.isEmpty() ? QStringList() : m_review.searchTexts();
+}
+
+int ReviewFilter::groupAtPlace(int place) const
+{
+    return m_sorted.empty() ? place : m_sorted[static_cast<std::size_t>(place)];
 }
 
 int ReviewFilter::placeOf(int group) const

@@ -60,6 +60,7 @@ private:
                      std::vector<int> *found) const;
     QStringList searchTexts() const;
     int placeOf(int group) const;
+    int groupAtPlace(int place) const;
     void numberRows(int first);
     bool matches(const QString &searchText) const;
     const GroupRow &rowAt(int groupRow) const { return m_groups[static_cast<std::size_t>(groupRow)]; }

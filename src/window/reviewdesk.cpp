@@ -5,6 +5,7 @@
 #include "keepercommand.h"
 #include "memberactions.h"
 #include "resultspanel.h"
+#include "resultsview.h"
 #include "review.h"
 #include "setasidecommand.h"
 
@@ -42,6 +43,9 @@ ReviewDesk::ReviewDesk(const Parts &parts, QWidget *window)
     }
     connect(parts.results, &ResultsPanel::currentChanged, this, &ReviewDesk::setGroup);
     connect(parts.results, &ResultsPanel::atHandChanged, parts.member, &MemberActions::setSeveral);
+    connect(parts.results->view(), &ResultsView::selectionRefused, this, [this] {
+        Q_EMIT statusMessage(tr("So many rows are not selected at once. Commands for all copies heed a filter."));
+    });
     parts.member->setPlaces([results = parts.results] { return results->placesAtHand(); });
     connect(parts.review, &Review::historyChanged, this, &ReviewDesk::refresh);
     connect(parts.review, &Review::aboutToBeReset, this, [this] { setGroup(-1); });

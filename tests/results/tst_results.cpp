@@ -161,11 +161,32 @@ private Q_SLOTS:
         QCOMPARE(press({ model.memberIndex(0, 1), model.memberIndex(1, 1) }, group), u"a* b! / c* d! e / f* g"_s);
         review.undo();
         QCOMPARE(sketchOf(review), u"a* b / c* d! e / f* g"_s);
+        view.selectAll();
+        QCOMPARE(view.rowsAtHand().size(), 10);
         view.setCurrentIndex(model.memberIndex(1, 1));
         view.selectionModel()->clearSelection();
         QCOMPARE(view.rowsAtHand(), QModelIndexList { model.memberIndex(1, 1) });
         QCOMPARE(model.memberIndex(1, 1).data(Qt::AccessibleTextRole).toString(),
                  u"d.mp3, ticked, %1"_s.arg(QDir::toNativeSeparators(u"/music"_s)));
+    }
+
+    void whatWouldTakeMinutesIsNotSelected()
+    {
+        Review review;
+        QString sketch;
+        for (int group = 0; group < 3000; ++group)
+            sketch += u"a* b / "_s;
+        fill(review, sketch);
+        ResultsModel model(review);
+        ResultsView view;
+        view.setModel(&model);
+        view.resize(800, 600);
+        const QSignalSpy refused(&view, &ResultsView::selectionRefused);
+        view.setCurrentIndex(model.memberIndex(0, 0));
+        view.selectAll();
+        QTest::keyClick(&view, Qt::Key_End, Qt::ShiftModifier);
+        QCOMPARE(refused.size(), 2);
+        QVERIFY(view.selectionModel()->selection().size() <= 1);
     }
 
     void relationsFollowTheKeptCopy()
