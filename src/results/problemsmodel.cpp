@@ -46,10 +46,12 @@ void ProblemsModel::renew(const std::function<bool(const FileProblem &problem)> 
 {
     QSet<std::pair<QString, int>> seen;
     QList<FileProblem> fresh;
-    for (auto problem = problems.crbegin(); problem != problems.crend(); ++problem) { // the last one counts
-        if (!seen.contains(keyOf(*problem)))
-            fresh.prepend(*problem);
-        seen.insert(keyOf(*problem));
+    for (const FileProblem &problem : problems) {
+        const auto key = keyOf(problem);
+        if (seen.contains(key)) // the last one counts
+            fresh.removeIf([&key](const FileProblem &each) { return keyOf(each) == key; });
+        seen.insert(key);
+        fresh.append(problem);
     }
     QList<FileProblem> kept = m_problems;
     if (kept.removeIf([&](const FileProblem &each) { return isOld(each) || seen.contains(keyOf(each)); }) > 0) {

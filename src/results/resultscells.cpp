@@ -104,13 +104,14 @@ struct Sign {
     QColor colour;
 };
 
+/// From the last to the first.
 QList<Sign> signsOf(const QModelIndex &index, const QPalette &palette)
 {
     QList<Sign> signs;
-    if (index.data(ResultsModel::DamageRole).toBool())
-        signs.append({ paintWarning, warningColour(palette) });
     if (index.data(ResultsModel::LockRole).toBool())
         signs.append({ paintLock, palette.color(QPalette::Text) });
+    if (index.data(ResultsModel::DamageRole).toBool())
+        signs.append({ paintWarning, warningColour(palette) });
     return signs;
 }
 
@@ -181,10 +182,10 @@ void ResultsDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     initStyleOption(&cell, index);
     QRect plate = cell.widget->style()->subElementRect(QStyle::SE_ItemViewItemDecoration, &cell, cell.widget);
     const bool isSelected = cell.state.testFlag(QStyle::State_Selected);
-    for (auto sign = signs.crbegin(); sign != signs.crend(); ++sign) {
+    for (const Sign &sign : signs) {
         const int width = signWidth(cell.font);
         const QRectF square(plate.right() + 1 - width, plate.center().y() - width / 2.0, width, width);
-        sign->paint(*painter, square, isSelected ? cell.palette.color(QPalette::HighlightedText) : sign->colour);
+        sign.paint(*painter, square, isSelected ? cell.palette.color(QPalette::HighlightedText) : sign.colour);
         plate.setRight(plate.right() - width - signGap);
     }
     if (decks.isEmpty())
