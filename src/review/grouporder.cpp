@@ -27,6 +27,7 @@ double numberOf(const Review &review, int group, GroupKey key)
     const MatchGroup &record = review.groups().at(group);
     const TrackInfo &kept = keptOf(review, group);
     constexpr double aboveSampleRates = 1e7;
+    constexpr double msPerDay = 86400e3;
     switch (key) {
     case GroupKey::Reclaimable:
         return static_cast<double>(record.reclaimableBytes);
@@ -38,8 +39,9 @@ double numberOf(const Review &review, int group, GroupKey key)
         return static_cast<double>(kept.stream.durationMs);
     case GroupKey::Quality:
         return kept.stream.bitrateKbps * aboveSampleRates + kept.stream.sampleRate;
-    case GroupKey::Modified:
-        return static_cast<double>(kept.mtime.toMSecsSinceEpoch());
+    case GroupKey::Modified: // as it is shown; to ask for its time zone would take longer than all the sorting
+        return static_cast<double>(kept.mtime.date().toJulianDay()) * msPerDay
+            + kept.mtime.time().msecsSinceStartOfDay();
     case GroupKey::Loudness:
         return record.check.measures.value(record.keep).loudness;
     case GroupKey::TruePeak:
