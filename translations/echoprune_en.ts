@@ -54,6 +54,13 @@ If they are on a drive that is not connected, connect it and undo again. Undoing
         </translation>
     </message>
     <message numerus="yes">
+        <source>Only the %Ln Group(s) Shown (%1 Copies)</source>
+        <translation>
+            <numerusform>Only the Group Shown (%1 Copies)</numerusform>
+            <numerusform>Only the %Ln Groups Shown (%1 Copies)</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%Ln ticked copy(s) are hidden.</source>
         <translation>
             <numerusform>%Ln ticked copy is hidden.</numerusform>

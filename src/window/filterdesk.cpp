@@ -69,7 +69,9 @@ FilterDesk::Answer FilterDesk::ask(qint64 copies, const QString &leftOut)
     QMessageBox box(QMessageBox::Question, tr("A filter is on"),
                     tr("%1 of %2 groups are shown.").arg(groups, all) + u' ' + leftOut,
                     QMessageBox::Yes | QMessageBox::YesToAll | QMessageBox::Cancel, m_window);
-    box.button(QMessageBox::Yes)->setText(tr("Only the %1 Groups Shown (%2 Copies)").arg(groups, countText(copies)));
+    box.button(QMessageBox::Yes)
+        ->setText(tr("Only the %Ln Group(s) Shown (%1 Copies)", nullptr, m_parts.results->shown().groupCount())
+                      .arg(countText(copies)));
     box.button(QMessageBox::YesToAll)->setText(tr("All %1 Groups").arg(all));
     box.setDefaultButton(QMessageBox::Yes);
     const int answer = box.exec();
