@@ -61,7 +61,6 @@ FilterBar::FilterBar(const Review &review, QWidget *parent)
     m_chips->setObjectName(u"filterChips"_s);
     m_chips->setAccessibleName(tr("Filters that are on"));
     m_chips->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    m_chips->layout()->setContentsMargins(0, 0, 0, 0); // lest the line grow with the first one
     connect(m_menu, &QMenu::aboutToShow, this, &FilterBar::fillMenu);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -189,6 +188,7 @@ void FilterBar::refreshChips()
         m_chips->widgetForAction(clear)->setFocusPolicy(Qt::StrongFocus);
     }
     m_chips->setVisible(!m_chips->actions().isEmpty());
+    m_chips->layout()->setContentsMargins(0, 0, 0, 0); // lest the line grow; a change of style sets them anew
 }
 
 // Taken off behind the click: the button that was clicked goes with it.
