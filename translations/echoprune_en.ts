@@ -14,6 +14,13 @@
 <context>
     <name>epr::CleanupCommand</name>
     <message numerus="yes">
+        <source>%Ln file(s) were unticked in the meantime and stay.</source>
+        <translation>
+            <numerusform>%Ln file was unticked in the meantime and stays.</numerusform>
+            <numerusform>%Ln files were unticked in the meantime and stay.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>The clean-up was stopped: %Ln file(s) were not touched.</source>
         <translation>
             <numerusform>The clean-up was stopped: %Ln file was not touched.</numerusform>

@@ -103,9 +103,15 @@ private:
     [[nodiscard]] bool isOfRun(const ManifestEntry &entry) const
     {
         const QFileInfo info(entry.to);
-        const QString folder = QFileInfo(info.path()).canonicalFilePath();
         const bool isFile = info.isSymLink() ? entry.size == 0 : info.isFile() && info.size() == entry.size;
-        return isFile && (folder == m_realFolder || folder.startsWith(m_realFolder + u'/'));
+        return isFile && isReallyInside(info.path());
+    }
+
+    /// Not behind a link that somebody made there.
+    [[nodiscard]] bool isReallyInside(const QString &folder) const
+    {
+        const QString real = QFileInfo(folder).canonicalFilePath();
+        return real == m_realFolder || real.startsWith(m_realFolder + u'/');
     }
 
     void keep(const ManifestEntry &entry, const QString &message)
@@ -134,7 +140,8 @@ private:
     void clearFolder()
     {
         for (QString folder : std::as_const(m_folders)) {
-            while (folder.startsWith(m_runFolder) && !isFolderLink(QFileInfo(folder)) && QDir().rmdir(folder))
+            while (folder.startsWith(m_runFolder) && !isFolderLink(QFileInfo(folder)) && isReallyInside(folder)
+                   && QDir().rmdir(folder))
                 folder = QFileInfo(folder).path();
         }
         if (QFileInfo::exists(m_runFolder))

@@ -73,6 +73,30 @@ QStringList tickedPaths(const QList<TickedGroup> &groups)
     return paths;
 }
 
+struct Library {
+    QList<TrackInfo> tracks;
+    QList<MatchGroup> groups;
+};
+
+/// Members that vanished, as far as their folders are within reach.
+QSet<qint32> tracksWithoutFile(const Library &library, const QStringList &away)
+{
+    QSet<qint32> vanished = vanishedTracks(library.tracks, library.groups);
+    vanished.removeIf([&](qint32 track) { return isBelow(library.tracks.at(track).path, away); });
+    return vanished;
+}
+
+/// The roots on a drive that went during the run, and not those that it emptied.
+QStringList driveGone(const QStringList &roots, const RemovalResult &result)
+{
+    QStringList gone = outOfReach(roots);
+    gone.removeIf([&result](const QString &root) {
+        return std::ranges::none_of(result.problems,
+                                    [&root](const FileProblem &problem) { return isBelow(problem.path, { root }); });
+    });
+    return gone;
+}
+
 bool holdsFiles(const QString &folder)
 {
     QDirIterator files(asSystemReads(folder), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
@@ -135,11 +159,12 @@ void CleanupCommand::removeSelected(const Places &places)
         Q_EMIT wholeGroupTicked(group);
         return;
     }
+    request.items = removalItems(m_review, places.only);
     if (!lookAtDisk(request))
         return;
     const std::optional<RemovalMode> mode = askMode(request);
     if (mode && (*mode != RemovalMode::Delete || confirmDeletion(request.paths.size())))
-        remove(request, *mode);
+        remove(std::move(request), *mode);
 }
 
 void CleanupCommand::undoPreviousCleanup()
@@ -205,7 +230,6 @@ bool CleanupCommand::run(const QString &title, const CleanupJob &job)
 bool CleanupCommand::lookAtDisk(Request &request)
 {
     return run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
-        request.items = removalItems(m_review, request.places.only);
         const qsizetype count = request.items.size();
         for (qsizetype i = 0; i < count && progress(i, count, request.items.at(i).path); ++i) {
             const QFileInfo info(request.items.at(i).path);
@@ -253,23 +277,33 @@ bool CleanupCommand::confirmDeletion(qsizetype files)
         == QMessageBox::Yes;
 }
 
-void CleanupCommand::remove(const Request &request, RemovalMode mode)
+// While the operator was asked, a check or a look at the files may have taken ticks away; what they found last is on
+// its way here still.
+void CleanupCommand::leaveOutUnticked(Request &request)
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+    const qsizetype asked = request.paths.size();
+    request.groups = tickedGroups(m_review, request.places.only);
+    request.paths = tickedPaths(request.groups);
+    if (const qsizetype gone = asked - request.paths.size(); gone > 0)
+        Q_EMIT logMessage(tr("%Ln file(s) were unticked in the meantime and stay.", nullptr, static_cast<int>(gone)));
+}
+
+void CleanupCommand::remove(Request request, RemovalMode mode)
 {
     Q_EMIT aboutToRemove(request.paths);
-    // The review itself is only looked at: nothing changes it while the job runs.
+    leaveOutUnticked(request);
+    const Library library { m_review.tracks(), m_review.groups() }; // whatever becomes of the review meanwhile
     RemovalPlan plan;
     RemovalResult result;
     QStringList notes;
     QSet<qint32> vanished;
     const bool done = run(tr("Remove duplicates"), [&](const CleanupProgressFn &progress) {
-        QStringList away = outOfReach(request.places.scanRoots);
+        const QStringList away = outOfReach(request.places.scanRoots);
         plan = planRemoval(request.groups, SettingsStore().value(settings::protectedFolders));
         plan.checks.compareAgain = SettingsStore().value(settings::compareAgain);
         result = removeAndRecord(request, mode, plan, progress, &notes);
-        if (result.failed > 0) // a drive may go meanwhile
-            away += outOfReach(request.places.scanRoots);
-        vanished = m_review.vanishedTracks();
-        vanished.removeIf([&](qint32 track) { return isBelow(m_review.tracks().at(track).path, away); });
+        vanished = tracksWithoutFile(library, away + driveGone(request.places.scanRoots, result));
     });
     if (!result.refusal.isEmpty()) {
         tellRefusal(result.refusal);

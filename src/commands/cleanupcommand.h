@@ -75,7 +75,8 @@ private:
     std::optional<RemovalMode> askMode(Request &request);
     void changeQuarantine(Request &request, RemovalDialog &dialog);
     bool confirmDeletion(qsizetype files);
-    void remove(const Request &request, RemovalMode mode);
+    void leaveOutUnticked(Request &request);
+    void remove(Request request, RemovalMode mode);
     static RemovalResult removeAndRecord(const Request &request, RemovalMode mode, const RemovalPlan &plan,
                                          const CleanupProgressFn &progress, QStringList *notes);
     void tellRemoval(RemovalMode mode, const RemovalResult &result, const QString &stopped);

@@ -82,7 +82,8 @@ void CleanupsCommand::show()
         purge(CleanupRun(run));
         again();
     });
-    connect(&dialog, &CleanupsDialog::emptyFoldersRequested, this, &CleanupsCommand::removeEmptyFolders);
+    connect(&dialog, &CleanupsDialog::emptyFoldersRequested, this,
+            [this](const CleanupRun &run) { removeEmptyFolders(CleanupRun(run)); }); // the list may change meanwhile
     dialog.exec();
 }
 

@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 
 #include <algorithm>
 #include <limits>
@@ -190,9 +191,18 @@ Result<> CleanupHistory::settleInterrupted(CleanupRun run, const QStringList &un
 {
     run.state = RunState::Interrupted;
     constexpr qint64 second = 1000; // names have no parts of it
+    QSet<QString> recorded;
+    for (const RecordedFile &file :
+         m_store.files(run.id, 0, std::numeric_limits<int>::max()).value_or(QList<RecordedFile>()))
+        recorded.insert(file.path);
     const auto own = std::ranges::find_if(unknown, [&](const QString &path) {
         const qint64 time = timeOf(nameOf(path));
-        return time >= run.id / second * second && time < nextBegan;
+        if (time < run.id / second * second || time >= nextBegan)
+            return false;
+        const Result<Fates> fates = removedBy(path);
+        return !fates || std::any_of(fates->keyBegin(), fates->keyEnd(), [&recorded](const QString &from) {
+            return recorded.contains(from);
+        });
     });
     return settle(run, own == unknown.cend() ? QString() : *own, FileFate::Stayed);
 }

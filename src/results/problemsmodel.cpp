@@ -100,7 +100,9 @@ QVariant ProblemsModel::data(const QModelIndex &index, int role) const
     if (!index.isValid())
         return {};
     const FileProblem &problem = m_problems.at(index.row());
-    if (role == Qt::DisplayRole)
+    if (role == SortRole && index.column() == TimeColumn)
+        return problem.when;
+    if (role == Qt::DisplayRole || role == SortRole)
         return textOf(problem, index.column());
     if (role == Qt::ToolTipRole)
         return plainToolTip(nativePath(problem.path) + u'\n' + problem.reason);

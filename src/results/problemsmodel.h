@@ -15,6 +15,8 @@ class ProblemsModel final : public QAbstractTableModel {
     Q_OBJECT
 
 public:
+    static constexpr int SortRole = Qt::UserRole;
+
     enum Column { FileColumn, FolderColumn, AttemptColumn, ReasonColumn, TimeColumn, ColumnCount };
 
     using QAbstractTableModel::QAbstractTableModel;

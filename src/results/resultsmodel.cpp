@@ -92,7 +92,8 @@ void ResultsModel::setOrder(const GroupOrder &order)
 
 void ResultsModel::sort(int column, Qt::SortOrder order)
 {
-    setOrder({ columnFacts(column).key, order == Qt::DescendingOrder });
+    const bool isAsScanned = column < 0; // no heading has an arrow
+    setOrder(isAsScanned ? GroupOrder() : GroupOrder { columnFacts(column).key, order == Qt::DescendingOrder });
 }
 
 void ResultsModel::setLoaded(const PerDeck<QString> &paths)
@@ -238,8 +239,10 @@ void ResultsModel::followStates(const QList<int> &groups)
         const bool isSetAside = m_review.state(group) == GroupState::NotDuplicates;
         if (groupIndex(group).isValid() != isSetAside)
             emitGroupChanged(group);
-        else
-            (isSetAside ? gone : back) << group;
+        else if (isSetAside)
+            gone << group;
+        else if (m_rows.finds(group))
+            back << group;
     }
     constexpr qsizetype few = 32;
     if (gone.size() + back.size() > few)
@@ -260,8 +263,6 @@ void ResultsModel::takeRowAway(int group)
 
 void ResultsModel::bringRowBack(int group)
 {
-    if (!m_rows.finds(group))
-        return;
     const int row = m_rows.firstRowFrom(group);
     beginInsertRows({}, row, row);
     m_rows.insertGroup(group);

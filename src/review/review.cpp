@@ -75,19 +75,6 @@ int Review::firstWhollyTickedGroup(const OnlyTracks &only) const
     return -1;
 }
 
-QSet<qint32> Review::vanishedTracks() const
-{
-    QSet<qint32> vanished;
-    for (const MatchGroup &group : groups()) {
-        for (const qint32 member : group.members) {
-            const TrackInfo *track = m_decisions.trackAt(member);
-            if (track && !QFileInfo::exists(track->path))
-                vanished.insert(member);
-        }
-    }
-    return vanished;
-}
-
 qint32 Review::counterpart(int group, qint32 track) const
 {
     const MatchGroup &record = groups().at(group);
@@ -431,6 +418,18 @@ QString Review::refusal(int group, int member) const
         break;
     }
     return tr("The copy to keep of this group changed or is gone since the scan. Choose another one to keep first.");
+}
+
+QSet<qint32> vanishedTracks(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups)
+{
+    QSet<qint32> vanished;
+    for (const MatchGroup &group : groups) {
+        for (const qint32 member : group.members) {
+            if (member >= 0 && member < tracks.size() && !QFileInfo::exists(tracks.at(member).path))
+                vanished.insert(member);
+        }
+    }
+    return vanished;
 }
 
 } // namespace epr

@@ -64,7 +64,6 @@ public:
 
     bool isWhollyTicked(int group) const { return m_decisions.isWhollyTicked(group); } ///< no copy would survive
     int firstWhollyTickedGroup(const OnlyTracks &only = {}) const; ///< with one of these, -1 if there is none
-    QSet<qint32> vanishedTracks() const; ///< members without a file at their path; looks at every one on the disk
 
     /// The track to compare the kept copy of a group with: this one, or the copy most worth it where this is the kept
     /// copy itself or none. What would be lost first is quality. -1 if there is no other copy.
@@ -169,5 +168,8 @@ private:
     QThreadPool m_background; ///< not the global one: painting may need that, and would wait for the end of our work
     QFuture<QStringList> m_searchTexts;
 };
+
+/// Members without a file at their path. Looks at every one on the disk; safe on any thread.
+QSet<qint32> vanishedTracks(const QList<TrackInfo> &tracks, const QList<MatchGroup> &groups);
 
 } // namespace epr

@@ -92,6 +92,7 @@ ProblemDesk::ProblemDesk(const Parts &parts, QWidget *window)
 
 void ProblemDesk::beginScan()
 {
+    m_stayed.clear();
     m_gone.clear();
     m_model->renew([](const FileProblem &each) { return each.attempt == Attempt::ReadFolder; }, {});
 }

@@ -62,6 +62,7 @@ ProblemsDock::ProblemsDock(QWidget *parent)
     setObjectName(u"problemsDock"_s);
     m_sorted->setSourceModel(m_model);
     m_sorted->setSortCaseSensitivity(Qt::CaseInsensitive);
+    m_sorted->setSortRole(ProblemsModel::SortRole);
     m_view = createList(m_sorted);
     m_view->setAccessibleName(tr("Problems"));
     m_view->addActions({ goToRow, openFolder, tryAgain, copy, exportAll });

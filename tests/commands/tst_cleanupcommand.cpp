@@ -45,6 +45,7 @@ public:
     QString stopAtFile = u"no file"_s; ///< when the progress dialog shows it
 
     std::function<void(CleanupsDialog *)> inHistory; ///< then it is closed
+    std::function<void()> whileAsked; ///< happens behind the removal dialog
 
     bool wantsLog = false; ///< where a warning offers it
 
@@ -89,6 +90,8 @@ private:
     {
         if (!newQuarantine.isEmpty())
             return dialog->findChildren<QPushButton *>().first()->click();
+        if (whileAsked)
+            whileAsked();
         hint = dialog->findChild<QLabel *>(u"quarantineHint"_s)->text();
         dialog->findChildren<QRadioButton *>().at(static_cast<int>(mode))->click();
         dialog->findChild<QDialogButtonBox *>()->button(removal)->click();
@@ -185,6 +188,15 @@ private Q_SLOTS:
         QCOMPARE(session.person.boxes, QStringList({ first, second }));
         QVERIFY(session.window->findChild<QTreeView *>()->currentIndex().data().toString().startsWith("Group 2 "_L1));
         QCOMPARE(treeOf(session.library()), session.before);
+    }
+
+    void whatIsUntickedBehindTheDialogStays()
+    {
+        Session session;
+        session.person.whileAsked = [&] { session.review->setFileStates({ { 3, FileState::Changed } }); };
+        session.window->onRemoveSelected();
+        QCOMPARE(sketchOf(*session.review), u"b1* b2"_s);
+        QVERIFY(QFile::exists(session.library() + u"/b2"_s));
     }
 
     void commandsLeaveOutWhatAFilterHides()
