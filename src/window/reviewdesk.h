@@ -3,6 +3,7 @@
 #pragma once
 
 #include "commands.h"
+#include "reviewrecord.h"
 
 #include <QAction>
 
@@ -13,7 +14,6 @@ class MemberActions;
 class ResultsPanel;
 class Review;
 class SetAsideCommand;
-enum class GroupState : qint32;
 
 /// How far the operator is with the groups, in the main window: the commands that say so, the way from group to group
 /// that they take, and the way back.
