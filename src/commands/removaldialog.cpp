@@ -173,16 +173,19 @@ void RemovalDialog::showRoom(const RemovalPreview &preview)
 {
     const QString needed = sizeText(preview.bytesToCopy);
     const QString free = sizeText(preview.freeBytes);
-    m_room->setText(
-        preview.lacksRoom()
-            ? tr("There is too little room in the quarantine: %1 would be copied to its drive, where %2 are free. What "
-                 "does not fit stays where it is.")
-                  .arg(needed, free)
-            : tr("%1 of them would be copied to the drive of the quarantine, where %2 are free.").arg(needed, free));
+    if (preview.lacksRoom())
+        m_room->setText(tr("There is too little room in the quarantine: %1 would be copied to its drive, where %2 are "
+                           "free. What does not fit stays where it is.")
+                            .arg(needed, free));
+    else if (preview.bytesToCopy > 0)
+        m_room->setText(
+            tr("%1 of them would be copied to the drive of the quarantine, where %2 are free.").arg(needed, free));
+    else
+        m_room->setText(tr("They stay on their drive, where %1 are free.").arg(free));
     QFont font = m_room->font();
     font.setBold(preview.lacksRoom());
     m_room->setFont(font);
-    m_room->setVisible(preview.bytesToCopy > 0 && preview.freeBytes >= 0);
+    m_room->setVisible(preview.freeBytes >= 0);
 }
 
 QGroupBox *RemovalDialog::createChoices()

@@ -455,6 +455,8 @@ private Q_SLOTS:
         const auto *note = dialog.findChild<QLabel *>(u"roomNote"_s);
         QVERIFY(!note->isHidden() && note->text().startsWith("There is too little room"_L1));
         dialog.showRoom(previewRemoval(items.sliced(1), volumes, { u"/"_s, 9 }));
+        QCOMPARE(note->text(), u"They stay on their drive, where 9 bytes are free."_s);
+        dialog.showRoom(previewRemoval(items, volumes, { u"/q"_s, -1 }));
         QVERIFY(note->isHidden());
     }
 
